@@ -4,7 +4,8 @@
 #include <QtGlobal>
 
 /// Marks what the shared library shows to its hosts; everything else stays hidden. The build of the
-/// library defines ORV_BUILDING_LIBRARY, a static build defines ORV_STATIC for itself and its hosts.
+/// library defines ORV_BUILDING_LIBRARY, a static build defines ORV_STATIC for itself and its
+/// hosts.
 #if defined(ORV_STATIC)
 #define ORV_EXPORT
 #elif defined(ORV_BUILDING_LIBRARY)
