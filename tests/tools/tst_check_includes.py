@@ -79,9 +79,13 @@ class CheckIncludes(unittest.TestCase):
         self.assert_refused("src/data/A.cpp", "<orvquerybuilder/B.h>", "for hosts")
 
     def test_forwarding_headers_stand_for_their_target(self):
-        forwarding = {"include/orvquerybuilder/A.h": '#include "querybuilder/A.h"\n'}
+        forwarding = {"include/orvquerybuilder/A.h": '#include "querybuilder/A.h"\n',
+                      "src/querybuilder/A.h": ""}
         self.assert_allowed("app/main.cpp", "<orvquerybuilder/A.h>", files=forwarding)
         self.assert_refused("app/main.cpp", "<orvquerybuilder/B.h>", "there is no", forwarding)
+
+    def test_forwarding_headers_lead_somewhere(self):
+        self.assert_refused("include/orvquerybuilder/A.h", '"core/A.h"', "there is no src/core/A.h")
 
     def test_generated_files_and_comments_are_passed_over(self):
         self.assert_allowed("src/core/A.cpp", '"moc_A.cpp"')
