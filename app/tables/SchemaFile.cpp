@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#include "tables/SchemaFile.h"
+
+#include "names/NameFolding.h"
+#include "tables/SchemaReader.h"
+#include "text/TextFile.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace orvquery {
+
+std::unique_ptr<SchemaFile> SchemaFile::read(const QString& path) {
+    return std::make_unique<SchemaFile>(readTextFile(path).toUtf8(), path);
+}
+
+SchemaFile::SchemaFile(const QByteArray& json, const QString& name)
+    : m_title(QFileInfo(name).fileName()), m_tables(SchemaReader(name).read(json)) {}
+
+std::vector<TableEntry> SchemaFile::tables() const {
+    std::vector<TableEntry> entries;
+    entries.reserve(m_tables.size());
+    for (const TableDescription& table : m_tables) {
+        entries.push_back({table.name, table.parameters ? TableKind::Procedure : TableKind::Table});
+    }
+    sortByName(entries);
+    return entries;
+}
+
+std::optional<TableDescription> SchemaFile::find(const QString& nameInStatement) const {
+    if (auto table = describe(nameInStatement)) return table;
+    return describe(nameParts(nameInStatement).join(u'.'));
+}
+
+std::optional<TableDescription> SchemaFile::describe(const QString& name) const {
+    const auto found =
+        std::find_if(m_tables.begin(), m_tables.end(), [&](const TableDescription& table) {
+            return table.name.compare(name, Qt::CaseInsensitive) == 0;
+        });
+    if (found == m_tables.end()) return std::nullopt;
+    return *found;
+}
+
+}  // namespace orvquery
