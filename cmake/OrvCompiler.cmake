@@ -25,7 +25,11 @@ endif()
 add_compile_definitions(QT_NO_KEYWORDS)
 
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
-    add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
+    add_compile_options(-Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # Not of members: the control's interface names parameters as it names members.
+        add_compile_options(-Wshadow=local)
+    endif()
     if(ORV_DEVELOPER)
         add_compile_options(-Werror)
     endif()
