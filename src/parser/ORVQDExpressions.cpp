@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: MIT
+#include "parser/ORVQDExpressions.h"
+
+#include "core/Text.h"
+#include "parser/ORVQDNormalise.h"
+
+#include <QSet>
+
+#include <algorithm>
+
+namespace orv {
+
+namespace {
+
+using Words = QSet<QString>;
+
+bool isOneOf(const TokenRun& run, int index, const Words& words) {
+    if (index < 0 || index >= run.size() || run[index].kind != SqlToken::Word) return false;
+    return words.contains(run.textOf(index).toString().toUpper());
+}
+
+// Words between two operands: an operand follows.
+const Words& connectives() {
+    static const Words words = {
+        "AND",     "OR",     "XOR",     "IS",     "IN",     "LIKE",       "ILIKE",   "RLIKE",
+        "NOT",     "DIV",    "MOD",     "GLOB",   "REGEXP", "MATCH",      "SIMILAR", "TO",
+        "BETWEEN", "ESCAPE", "COLLATE", "OVER",   "FILTER", "WITHIN",     "WHEN",    "THEN",
+        "ELSE",    "WITH",   "RESPECT", "IGNORE", "GROUP",  "CONTAINING", "STARTING"};
+    return words;
+}
+
+// Words behind a complete operand that end it.
+const Words& postfixWords() {
+    static const Words words = {"END", "ISNULL", "NOTNULL", "NULLS"};
+    return words;
+}
+
+bool isConnective(const TokenRun& run, int index) {
+    return isOneOf(run, index, connectives());
+}
+
+// Words that never begin an operand.
+bool isInfix(const TokenRun& run, int index) {
+    return isConnective(run, index) || isOneOf(run, index, postfixWords());
+}
+
+// A token of AT TIME ZONE or the one behind it.
+bool isInTimeZonePhrase(const TokenRun& run, int index) {
+    const auto phraseAt = [&](int first) {
+        return first >= 0 && first + 2 < run.size() && run.is(first, u"AT") &&
+               run.is(first + 1, u"TIME") && run.is(first + 2, u"ZONE");
+    };
+    return phraseAt(index) || phraseAt(index - 1) || phraseAt(index - 2) || phraseAt(index - 3);
+}
+
+const Words& unitWords() {
+    static const Words words = {"YEAR",   "QUARTER", "MONTH",   "WEEK",        "DAY",        "HOUR",
+                                "MINUTE", "SECOND",  "YEARS",   "MONTHS",      "WEEKS",      "DAYS",
+                                "HOURS",  "MINUTES", "SECONDS", "MICROSECOND", "MILLISECOND"};
+    return words;
+}
+
+// Words behind which an operand follows directly.
+const Words& prefixWords() {
+    static const Words words = {"NOT",      "CASE",  "DATE",     "TIME",  "TIMESTAMP",
+                                "INTERVAL", "ALL",   "ANY",      "SOME",  "EXISTS",
+                                "BINARY",   "PRIOR", "DISTINCT", "ARRAY", "ROW"};
+    return words;
+}
+
+// Words that open something else than an expression.
+const Words& foreignWords() {
+    static const Words words = {"TOP",   "FIRST", "SKIP", "ON",       "SELECT", "FROM",
+                                "WHERE", "INTO",  "BY",   "DISTINCT", "ALL",    "AS"};
+    return words;
+}
+
+const Words& neverAliasWords() {
+    static const Words words = {"END", "NULL", "TRUE", "FALSE", "ISNULL", "NOTNULL", "UNKNOWN"};
+    return words;
+}
+
+const Words& constantWords() {
+    static const Words words = {
+        "NULL",         "USER",         "TRUE",          "FALSE",     "CURRENT_DATE",
+        "CURRENT_TIME", "CURRENT_USER", "SESSION_USER",  "LOCALTIME", "CURRENT_TIMESTAMP",
+        "SYSTEM_USER",  "CURRENT_ROLE", "LOCALTIMESTAMP"};
+    return words;
+}
+
+bool isParameter(QStringView word) {
+    return word.startsWith(u':') || word.startsWith(u'@') || word.startsWith(u'?');
+}
+
+bool endsWithUnit(const TokenRun& run, int index) {
+    if (!isOneOf(run, index, unitWords()) || index < 2) return false;
+    return isOneOf(run, index - 2, {"INTERVAL"}) || isOneOf(run, index - 1, {"TO"});
+}
+
+bool mayBeAlias(const TokenRun& run, int index) {
+    const QStringView word = run.textOf(index);
+    if (run[index].kind != SqlToken::Word || isOneOf(run, index, neverAliasWords())) return false;
+    if (isInfix(run, index) || isInTimeZonePhrase(run, index)) return false;
+    if (!isPlainIdentifier(word) && !isQuotedName(word)) return false;
+    return !isConnective(run, index - 1) && !endsWithUnit(run, index) &&
+           endsOperand(run, index - 1);
+}
+
+bool beginsOperand(const TokenRun& run, int index) {
+    switch (run[index].kind) {
+    case SqlToken::Word: return !isInfix(run, index);
+    case SqlToken::Number:
+    case SqlToken::Text:
+    case SqlToken::Open: return true;
+    case SqlToken::Sign:
+    case SqlToken::Close:
+    case SqlToken::Comma: break;
+    }
+    return false;
+}
+
+// Whether two neighbours of one level may stand side by side in an expression.
+bool mayFollow(const TokenRun& run, int index) {
+    const int before = index - 1;
+    if (!beginsOperand(run, index) || !endsOperand(run, before)) return true;
+    if (isConnective(run, before) || isOneOf(run, before, prefixWords())) return true;
+    if (isInTimeZonePhrase(run, index)) return true;
+    if (run[index].kind == SqlToken::Open) return run[before].kind == SqlToken::Word;
+    return endsWithUnit(run, index);
+}
+
+bool isBalanced(const TokenRun& run) {
+    int open = 0;
+    for (int index = 0; index < run.size() && open >= 0; ++index) {
+        if (run[index].kind == SqlToken::Open) ++open;
+        if (run[index].kind == SqlToken::Close) --open;
+    }
+    return open == 0;
+}
+
+QString comparable(const TokenRun& run, int index) {
+    QString text = run.textOf(index).toString();
+    if (run[index].kind != SqlToken::Word) {
+        return run[index].kind == SqlToken::Text ? text : text.toUpper();
+    }
+    for (qsizetype stop = firstFullStop(text); stop >= 0; stop = firstFullStop(text)) {
+        text = text.mid(stop + 1);
+    }
+    return unquotedName(text).toUpper();
+}
+
+}  // namespace
+
+AliasedRun splitAlias(const TokenRun& run) {
+    const int last = run.size() - 1;
+    AliasedRun parts{run, run.mid(run.size(), 0), run};
+    if (last < 1 || run[last].depth != run[0].depth) return parts;
+    if (last >= 2 && run.is(last - 1, u"AS") && run[last - 1].depth == run[0].depth &&
+        (run[last].kind == SqlToken::Word || run[last].kind == SqlToken::Text)) {
+        return {run.mid(0, last - 1), run.mid(last), run};
+    }
+    if (mayBeAlias(run, last)) return {run.mid(0, last), run.mid(last), run};
+    return parts;
+}
+
+bool isExpression(const TokenRun& run) {
+    if (run.size() == 1) return beginsOperand(run, 0) || run[0].kind == SqlToken::Word;
+    if (run.isEmpty() || !(beginsOperand(run, 0) || run[0].kind == SqlToken::Sign ||
+                           isOneOf(run, 0, prefixWords()))) {
+        return false;
+    }
+    if (!isBalanced(run)) return false;
+    const int level = run[0].depth;
+    int before = -1;
+    for (int index = 0; index < run.size(); ++index) {
+        if (run[index].depth != level) continue;
+        const bool first = before < 0;
+        before = index;
+        if (isOneOf(run, index, foreignWords())) return false;
+        if (first || run[index].kind == SqlToken::Close) continue;
+        if (!mayFollow(run, index)) return false;
+    }
+    return !isConnective(run, run.size() - 1);
+}
+
+bool namesField(const TokenRun& run, int index) {
+    return run[index].kind == SqlToken::Word && !isOneOf(run, index, constantWords()) &&
+           !isParameter(run.textOf(index));
+}
+
+TokenCounts countTokens(const TokenRun& run) {
+    TokenCounts counts;
+    for (int index = 0; index < run.size(); ++index) {
+        const SqlToken::Kind kind = run[index].kind;
+        if (kind == SqlToken::Open || kind == SqlToken::Close || kind == SqlToken::Comma) continue;
+        const QString text = comparable(run, index);
+        static const Words silent = {"AS", "ASC", "ASCENDING", "INNER", "OUTER"};
+        if (kind == SqlToken::Word && silent.contains(text)) continue;
+        ++counts[text];
+    }
+    return counts;
+}
+
+TokenCounts countTokens(const QString& text) {
+    const SqlTokens tokens = tokenise(text);
+    return countTokens(TokenRun(text, tokens.data(), tokens.data() + tokens.size()));
+}
+
+QString tokenKey(const QString& text) {
+    QString key;
+    for (const SqlToken& token : tokenise(text)) {
+        key += upperOutsideQuotes(QStringView(text).mid(token.start, token.end - token.start));
+        key += u' ';
+    }
+    return key;
+}
+
+}  // namespace orv

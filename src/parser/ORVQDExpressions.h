@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "core/Export.h"
+#include "parser/ORVQDTokens.h"
+
+#include <QHash>
+#include <QString>
+
+namespace orv {
+
+/// An expression of a list and the alias behind it.
+struct AliasedRun {
+    TokenRun expression;
+    TokenRun alias;  ///< the one token of the alias; empty without one
+    TokenRun whole;  ///< both, with AS in between
+};
+
+/// Finds the alias of an output column: the last word behind AS or, without AS, a plain or
+/// double-quoted word behind a complete operand; never a word that belongs to the expression (END,
+/// NULL, a collation, the unit of an interval).
+[[nodiscard]] ORV_EXPORT AliasedRun splitAlias(const TokenRun& run);
+
+/// Whether the run can be one expression at its own level: operands joined by operators. False for
+/// what other dialects put in front of a column (TOP 5, DISTINCT ON (A)), which would change its
+/// meaning when it were taken for one.
+[[nodiscard]] ORV_EXPORT bool isExpression(const TokenRun& run);
+
+/// Whether the token names a field: a word that is no constant and no parameter.
+[[nodiscard]] ORV_EXPORT bool namesField(const TokenRun& run, int index);
+
+/// What a text says, whatever its spacing, case, brackets, qualifiers and quotes around names: how
+/// often it has each word, number, text and sign. Two texts that differ in it differ in meaning.
+using TokenCounts = QHash<QString, int>;
+[[nodiscard]] ORV_EXPORT TokenCounts countTokens(const TokenRun& run);
+[[nodiscard]] ORV_EXPORT TokenCounts countTokens(const QString& text);
+
+/// The tokens of a text in order, brackets and signs included, as one text to compare: spacing and
+/// the case outside quotes do not count.
+[[nodiscard]] ORV_EXPORT QString tokenKey(const QString& text);
+
+}  // namespace orv

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "parser/ORVQDLedger.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace orv {
+
+LoadLedger::LoadLedger(const QString& given, NormalisedSQL normalised)
+    : m_given(given),
+      m_normalised(std::move(normalised)),
+      m_tokens(tokenise(m_normalised.text)),
+      m_taken(m_tokens.size(), false) {}
+
+TokenRun LoadLedger::tokensIn(int start, int end) const {
+    return tokensBetween(m_normalised.text, m_tokens, start, end);
+}
+
+QString LoadLedger::givenText(int start, int end) const {
+    const int first = m_normalised.givenPosition(start);
+    return m_given.mid(first, m_normalised.givenEnd(end) - first);
+}
+
+void LoadLedger::place(int start, int end) {
+    const TokenRun run = tokensIn(start, end);
+    const std::ptrdiff_t first = run.begin() - m_tokens.data();
+    std::fill_n(m_taken.begin() + first, run.size(), true);
+}
+
+void LoadLedger::report(int start, int end, const QString& what) {
+    const TokenRun run = tokensIn(start, end);
+    place(start, end);
+    m_losses.push_back(
+        {run.isEmpty() ? start : run.start(), run.isEmpty() ? end : run.endPosition(), what});
+}
+
+bool LoadLedger::hasFinding(int start, int end) const {
+    return std::any_of(m_losses.begin(), m_losses.end(),
+                       [&](const Loss& loss) { return loss.start < end && loss.end > start; });
+}
+
+Findings LoadLedger::findings() const {
+    std::vector<Loss> losses = m_losses;
+    for (Loss& loss : untakenTokens()) losses.push_back(std::move(loss));
+    for (Loss& loss : brokenLinesInQuotes()) losses.push_back(std::move(loss));
+    std::stable_sort(losses.begin(), losses.end(), [](const Loss& left, const Loss& right) {
+        return std::pair(left.start, left.end) < std::pair(right.start, right.end);
+    });
+    Findings findings;
+    for (const Loss& loss : losses) findings.push_back(toFinding(loss));
+    return findings;
+}
+
+// Adjacent tokens that nobody took are one finding.
+std::vector<LoadLedger::Loss> LoadLedger::untakenTokens() const {
+    std::vector<Loss> losses;
+    for (std::size_t first = 0; first < m_tokens.size(); ++first) {
+        if (m_taken[first]) continue;
+        std::size_t last = first;
+        while (last + 1 < m_tokens.size() && !m_taken[last + 1]) ++last;
+        losses.push_back({m_tokens[first].start, m_tokens[last].end,
+                          QStringLiteral("This text was not understood and is not part of the "
+                                         "query.")});
+        first = last;
+    }
+    return losses;
+}
+
+std::vector<LoadLedger::Loss> LoadLedger::brokenLinesInQuotes() const {
+    std::vector<Loss> losses;
+    for (const SqlToken& token : m_tokens) {
+        const QStringView text =
+            QStringView(m_normalised.text).mid(token.start, token.end - token.start);
+        if (!text.contains(u'\n') && !text.contains(u'\r')) continue;
+        losses.push_back({token.start, token.end,
+                          QStringLiteral("The line break inside this quoted text becomes a "
+                                         "blank.")});
+    }
+    return losses;
+}
+
+Finding LoadLedger::toFinding(const Loss& loss) const {
+    const int start = m_normalised.givenPosition(loss.start);
+    const int end = m_normalised.givenEnd(std::max(loss.end, loss.start + 1));
+    return {start, end - start, m_given.mid(start, end - start), loss.what};
+}
+
+}  // namespace orv

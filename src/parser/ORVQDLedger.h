@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "core/Export.h"
+#include "parser/ORVQDFindings.h"
+#include "parser/ORVQDNormalise.h"
+#include "parser/ORVQDTokens.h"
+
+#include <QString>
+
+#include <vector>
+
+namespace orv {
+
+/// Accounts for every token of a statement while it is loaded, so that nothing is lost silently:
+/// whoever takes a token says so with place() or report(); what nobody took becomes a finding by
+/// itself. Positions are those of the normalised text; findings are told in the given one.
+class ORV_EXPORT LoadLedger {
+public:
+    LoadLedger(const QString& given, NormalisedSQL normalised);
+
+    [[nodiscard]] const QString& text() const { return m_normalised.text; }
+    [[nodiscard]] const SqlTokens& tokens() const { return m_tokens; }
+    [[nodiscard]] TokenRun tokensIn(int start, int end) const;
+
+    /// The characters of the given text that [start, end) came from.
+    [[nodiscard]] QString givenText(int start, int end) const;
+
+    /// The tokens of [start, end) are held by the control, or implied by what it holds.
+    void place(int start, int end);
+    void place(const TokenRun& run) { place(run.start(), run.endPosition()); }
+
+    /// A finding: the control does not hold [start, end), or with another meaning.
+    void report(int start, int end, const QString& what);
+    void report(const TokenRun& run, const QString& what) {
+        report(run.start(), run.endPosition(), what);
+    }
+
+    /// Whether a finding lies in [start, end) so far.
+    [[nodiscard]] bool hasFinding(int start, int end) const;
+
+    /// All findings in the order of the text, tokens that nobody took among them.
+    [[nodiscard]] Findings findings() const;
+
+private:
+    struct Loss {
+        int start;
+        int end;
+        QString what;
+    };
+
+    [[nodiscard]] std::vector<Loss> untakenTokens() const;
+    [[nodiscard]] std::vector<Loss> brokenLinesInQuotes() const;
+    [[nodiscard]] Finding toFinding(const Loss& loss) const;
+
+    QString m_given;
+    NormalisedSQL m_normalised;
+    SqlTokens m_tokens;
+    std::vector<bool> m_taken;  // by token
+    std::vector<Loss> m_losses;
+};
+
+}  // namespace orv

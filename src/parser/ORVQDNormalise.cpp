@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: MIT
+#include "parser/ORVQDNormalise.h"
+
+#include "core/Text.h"
+#include "parser/ORVQDWordScan.h"
+
+#include <QSet>
+
+#include <algorithm>
+
+namespace orv {
+
+namespace {
+
+class Normaliser {
+public:
+    Normaliser(const QString& text, SquareBrackets brackets)
+        : m_given(text), m_squareNames(brackets == SquareBrackets::QuoteNames) {
+        m_result.text.reserve(text.size());
+        m_result.positions.reserve(std::size_t(text.size()) + 1);
+    }
+
+    NormalisedSQL run() {
+        while (m_position < m_given.size()) readOne();
+        dropFinalSemicolons();
+        m_result.positions.push_back(m_result.positions.empty() ? 0
+                                                                : m_result.positions.back() + 1);
+        return std::move(m_result);
+    }
+
+private:
+    void readOne() {
+        const QChar character = m_given[m_position];
+        const QChar next = m_position + 1 < m_given.size() ? m_given[m_position + 1] : QChar();
+        if (character == u'\'' || character == u'"') {
+            copyQuoted(character);
+        } else if (character == u'-' && next == u'-') {
+            skipComment(endOfLine());
+        } else if (character == u'/' && next == u'*') {
+            skipComment(endOfBlockComment());
+        } else if (character == u'`' || (character == u'[' && m_squareNames && mayStartName())) {
+            readForeignName(character == u'`' ? u'`' : u']');
+        } else {
+            append(isBlank(character) ? QChar(u' ') : character, m_position);
+            ++m_position;
+        }
+    }
+
+    static bool isBlank(QChar character) {
+        return character.unicode() < u' ' || character.isSpace() || character == QChar(0xFEFF);
+    }
+
+    void append(QChar character, qsizetype givenPosition) {
+        m_result.text += character;
+        m_result.positions.push_back(int(givenPosition));
+    }
+
+    void copyQuoted(QChar quote) {
+        const qsizetype close = m_given.indexOf(quote, m_position + 1);
+        const qsizetype end = close < 0 ? m_given.size() : close + 1;
+        m_openQuote = close < 0;
+        for (; m_position < end; ++m_position) append(m_given[m_position], m_position);
+    }
+
+    [[nodiscard]] qsizetype endOfLine() const {
+        qsizetype end = m_position;
+        while (end < m_given.size() && m_given[end] != u'\n' && m_given[end] != u'\r') ++end;
+        return end;
+    }
+
+    [[nodiscard]] qsizetype endOfBlockComment() const {
+        const qsizetype close = m_given.indexOf(QStringLiteral("*/"), m_position + 2);
+        return close < 0 ? m_given.size() : close + 2;
+    }
+
+    void skipComment(qsizetype end) {
+        append(u' ', m_position);
+        m_position = end;
+    }
+
+    // Behind a name, a quote or a bracket, "[" is an array index.
+    [[nodiscard]] bool mayStartName() const {
+        if (m_result.text.isEmpty()) return true;
+        const QChar before = m_result.text.back();
+        return before == u'.' || isSeparatorBefore(before);
+    }
+
+    static bool isSeparatorBefore(QChar character) {
+        return character != u')' && (isSeparator(character) || isOperatorCharacter(character));
+    }
+
+    // `name` or [name]: the closing sign doubled stands for itself.
+    void readForeignName(QChar close) {
+        qsizetype end = m_given.indexOf(close, m_position + 1);
+        while (end >= 0 && end + 1 < m_given.size() && m_given[end + 1] == close) {
+            end = m_given.indexOf(close, end + 2);
+        }
+        if (end < 0) {
+            append(m_given[m_position], m_position);
+            ++m_position;
+            return;
+        }
+        append(u'"', m_position);
+        for (qsizetype at = m_position + 1; at < end; ++at) {
+            append(m_given[at], at);
+            if (m_given[at] == close) ++at;
+            if (m_given[at] == u'"') append(u'"', at);
+        }
+        append(u'"', end);
+        m_position = end + 1;
+    }
+
+    void dropFinalSemicolons() {
+        if (m_openQuote) return;
+        QStringView trimmed = trimmedEnd(m_result.text);
+        while (trimmed.endsWith(u';')) {
+            trimmed.chop(1);
+            m_result.text.truncate(trimmed.size());
+            trimmed = trimmedEnd(m_result.text);
+        }
+        m_result.positions.resize(std::size_t(m_result.text.size()));
+    }
+
+    static QStringView trimmedEnd(QStringView text) {
+        while (!text.isEmpty() && text.back().unicode() <= u' ') text.chop(1);
+        return text;
+    }
+
+    const QString& m_given;
+    const bool m_squareNames;
+    bool m_openQuote = false;
+    qsizetype m_position = 0;
+    NormalisedSQL m_result;
+};
+
+// Keywords and connectives behind which an operand, a table or an alias is still to come.
+const QSet<QString>& openWords() {
+    static const QSet<QString> words = {
+        "SELECT", "DISTINCT", "ALL",    "FROM",  "WHERE",   "BY",       "GROUP",      "ORDER",
+        "HAVING", "ON",       "JOIN",   "INNER", "LEFT",    "RIGHT",    "FULL",       "OUTER",
+        "CROSS",  "NATURAL",  "AND",    "OR",    "NOT",     "BETWEEN",  "LIKE",       "IN",
+        "IS",     "AS",       "CASE",   "WHEN",  "THEN",    "ELSE",     "ESCAPE",     "USING",
+        "ANY",    "SOME",     "EXISTS", "DIV",   "MOD",     "GLOB",     "REGEXP",     "RLIKE",
+        "ILIKE",  "SIMILAR",  "TO",     "MATCH", "COLLATE", "INTERVAL", "CONTAINING", "STARTING",
+        "WITH",   "XOR",      "OVER",   "FILTER"};
+    return words;
+}
+
+bool isAny(const TokenRun& run, int index, std::initializer_list<QStringView> words) {
+    if (index >= run.size()) return false;
+    return std::any_of(words.begin(), words.end(),
+                       [&](QStringView word) { return run.is(index, word); });
+}
+
+bool startsTail(const TokenRun& run, int index) {
+    if (index == 0 || run[index].kind != SqlToken::Word || !endsOperand(run, index - 1)) {
+        return false;
+    }
+    const int next = index + 1;
+    if (isAny(run, index, {u"UNION", u"INTERSECT", u"EXCEPT"})) {
+        return isAny(run, next, {u"SELECT", u"ALL", u"DISTINCT", u"("});
+    }
+    if (run.is(index, u"FETCH")) return isAny(run, next, {u"FIRST", u"NEXT"});
+    if (run.is(index, u"FOR")) return isAny(run, next, {u"UPDATE", u"SHARE"});
+    return isAny(run, index, {u"LIMIT", u"OFFSET", u"WINDOW"});
+}
+
+}  // namespace
+
+NormalisedSQL NormaliseSQL(const QString& text, SquareBrackets brackets) {
+    return Normaliser(text, brackets).run();
+}
+
+bool endsOperand(const TokenRun& run, int index) {
+    switch (run[index].kind) {
+    case SqlToken::Number:
+    case SqlToken::Text:
+    case SqlToken::Close: return true;
+    case SqlToken::Sign: return run.is(index, u"*") || run.is(index, u"]");
+    case SqlToken::Open:
+    case SqlToken::Comma: return false;
+    case SqlToken::Word: break;
+    }
+    const QStringView word = run.textOf(index);
+    if (word.endsWith(u'.')) return false;
+    return word.size() > 10 || !openWords().contains(word.toString().toUpper());
+}
+
+StatementParts splitStatement(QStringView text, const SqlTokens& tokens) {
+    const int size = int(text.size());
+    StatementParts parts{size, size, size, size};
+    const TokenRun run(text, tokens.data(), tokens.data() + tokens.size());
+    int tail = -1;
+    for (int index = 0; index < run.size(); ++index) {
+        if (run[index].depth != 0) continue;
+        if (run.textOf(index) == u";") {
+            parts.restStart = run[index].start;
+            break;
+        }
+        if (tail < 0 && startsTail(run, index)) tail = index;
+    }
+    parts.tailStart = tail < 0 ? parts.restStart : run[tail].start;
+    parts.tailEnd = parts.restStart;
+    parts.bodyEnd = parts.tailStart;
+    return parts;
+}
+
+}  // namespace orv

@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: MIT
+#include "parser/ORVQDTokens.h"
+
+#include "core/Text.h"
+
+#include <algorithm>
+
+namespace orv {
+
+namespace {
+
+bool isDigit(QChar character) {
+    return character >= u'0' && character <= u'9';
+}
+
+bool isQuote(QChar character) {
+    return character == u'"' || character == u'\'';
+}
+
+// Characters of names, numbers and parameters (:NAME, @NAME, ?1, #TEMP).
+bool isNamePart(QChar character) {
+    if (character.isLetterOrNumber() || character.isMark() || character.isSurrogate()) return true;
+    switch (character.unicode()) {
+    case u'_':
+    case u'$':
+    case u'#':
+    case u'@':
+    case u'?':
+    case u':':
+    case u'.': return true;
+    default: return false;
+    }
+}
+
+bool isSignPart(QChar character) {
+    switch (character.unicode()) {
+    case u'=':
+    case u'<':
+    case u'>':
+    case u'!':
+    case u'+':
+    case u'-':
+    case u'*':
+    case u'/':
+    case u'|':
+    case u'%':
+    case u'&':
+    case u'^':
+    case u'~': return true;
+    default: return false;
+    }
+}
+
+class Scanner {
+public:
+    explicit Scanner(QStringView text) : m_text(text) {}
+
+    SqlTokens tokens() {
+        while (m_position < m_text.size()) {
+            const QChar character = m_text[m_position];
+            if (character.unicode() <= u' ') {
+                ++m_position;
+            } else if (isQuote(character) || isNamePart(character)) {
+                readWord();
+            } else if (isSignPart(character)) {
+                readSigns();
+            } else {
+                readSingle(character);
+            }
+        }
+        return std::move(m_tokens);
+    }
+
+private:
+    void add(qsizetype start, SqlToken::Kind kind) {
+        m_tokens.push_back({int(start), int(m_position), kind, m_depth});
+    }
+
+    void skipQuoted() {
+        const qsizetype close = m_text.indexOf(m_text[m_position], m_position + 1);
+        m_position = close < 0 ? m_text.size() : close + 1;
+    }
+
+    void readWord() {
+        const qsizetype start = m_position;
+        bool hasText = false;
+        while (m_position < m_text.size()) {
+            const QChar character = m_text[m_position];
+            if (isQuote(character)) {
+                hasText = hasText || character == u'\'';
+                skipQuoted();
+            } else if (isNamePart(character)) {
+                ++m_position;
+            } else {
+                break;
+            }
+        }
+        const QChar first = m_text[start];
+        const bool isNumber = isDigit(first) || (first == u'.' && start + 1 < m_position &&
+                                                 isDigit(m_text[start + 1]));
+        add(start, hasText ? SqlToken::Text : isNumber ? SqlToken::Number : SqlToken::Word);
+    }
+
+    void readSigns() {
+        const qsizetype start = m_position;
+        while (m_position < m_text.size() && isSignPart(m_text[m_position])) ++m_position;
+        add(start, SqlToken::Sign);
+    }
+
+    void readSingle(QChar character) {
+        const qsizetype start = m_position++;
+        if (character == u'(') {
+            add(start, SqlToken::Open);
+            ++m_depth;
+        } else if (character == u')') {
+            m_depth = std::max(0, m_depth - 1);
+            add(start, SqlToken::Close);
+        } else {
+            add(start, character == u',' ? SqlToken::Comma : SqlToken::Sign);
+        }
+    }
+
+    QStringView m_text;
+    qsizetype m_position = 0;
+    int m_depth = 0;
+    SqlTokens m_tokens;
+};
+
+}  // namespace
+
+SqlTokens tokenise(QStringView text) {
+    return Scanner(text).tokens();
+}
+
+QString TokenRun::sourceText() const {
+    if (isEmpty()) return {};
+    return upperOutsideQuotes(orvTrim(m_text.mid(start(), endPosition() - start())));
+}
+
+std::vector<TokenRun> TokenRun::splitAtCommas() const {
+    std::vector<TokenRun> runs;
+    if (isEmpty()) return runs;
+    const int level = m_first->depth;
+    int first = 0;
+    for (int index = 0; index < size(); ++index) {
+        if (m_first[index].kind != SqlToken::Comma || m_first[index].depth != level) continue;
+        runs.push_back(mid(first, index - first));
+        first = index + 1;
+    }
+    runs.push_back(mid(first));
+    return runs;
+}
+
+int TokenRun::behindBracket(int index) const {
+    const int level = m_first[index].depth;
+    for (int at = index + 1; at < size(); ++at) {
+        if (m_first[at].kind == SqlToken::Close && m_first[at].depth == level) return at + 1;
+    }
+    return size();
+}
+
+TokenRun tokensBetween(QStringView text, const SqlTokens& tokens, int start, int end) {
+    const auto before = [](const SqlToken& token, int position) { return token.start < position; };
+    const auto first = std::lower_bound(tokens.begin(), tokens.end(), start, before);
+    const auto last = std::lower_bound(first, tokens.end(), end, before);
+    const SqlToken* base = tokens.data();
+    return {text, base + (first - tokens.begin()), base + (last - tokens.begin())};
+}
+
+}  // namespace orv

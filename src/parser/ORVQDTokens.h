@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "core/Export.h"
+
+#include <QString>
+#include <QStringView>
+
+#include <vector>
+
+namespace orv {
+
+/// One token of a normalised statement. Tokens are finer than the parser's words: they are what is
+/// compared, and what a load accounts for one by one.
+struct SqlToken {
+    enum Kind : quint8 {
+        Word,  ///< name or keyword, with its qualifiers and quoted parts: T."my field"
+        Number,
+        Text,  ///< in apostrophes, with a prefix when there is one: 'x', N'x'
+        Sign,  ///< operator signs, one token for "<>" or "||"
+        Open,
+        Close,
+        Comma,
+    };
+
+    int start;  ///< position in the normalised text
+    int end;    ///< exclusive
+    Kind kind;
+    int depth;  ///< open brackets around it; a bracket has the depth of what is around it
+
+    friend bool operator==(const SqlToken&, const SqlToken&) = default;
+};
+
+using SqlTokens = std::vector<SqlToken>;
+
+/// The tokens of a normalised statement, in order. Linear in the text.
+[[nodiscard]] ORV_EXPORT SqlTokens tokenise(QStringView text);
+
+/// The part of a token list that a loader looks at, with the text that it belongs to.
+class ORV_EXPORT TokenRun {
+public:
+    TokenRun() = default;
+    TokenRun(QStringView text, const SqlToken* first, const SqlToken* last)
+        : m_text(text), m_first(first), m_last(last) {}
+
+    [[nodiscard]] int size() const { return int(m_last - m_first); }
+    [[nodiscard]] bool isEmpty() const { return m_first == m_last; }
+    [[nodiscard]] const SqlToken& operator[](int index) const { return m_first[index]; }
+    [[nodiscard]] const SqlToken* begin() const { return m_first; }
+    [[nodiscard]] const SqlToken* end() const { return m_last; }
+
+    /// The run of `count` tokens from `first`.
+    [[nodiscard]] TokenRun mid(int first, int count) const {
+        return {m_text, m_first + first, m_first + first + count};
+    }
+    [[nodiscard]] TokenRun mid(int first) const { return mid(first, size() - first); }
+
+    [[nodiscard]] QStringView textOf(int index) const {
+        return m_text.mid(m_first[index].start, m_first[index].end - m_first[index].start);
+    }
+    /// Whether the token is this keyword or sign; `upper` is upper case.
+    [[nodiscard]] bool is(int index, QStringView upper) const {
+        return textOf(index).compare(upper, Qt::CaseInsensitive) == 0;
+    }
+
+    /// Span of the run in the text; an empty run has an empty span.
+    [[nodiscard]] int start() const { return isEmpty() ? 0 : m_first->start; }
+    [[nodiscard]] int endPosition() const { return isEmpty() ? 0 : (m_last - 1)->end; }
+
+    /// The text from the first to the last character, upper-cased outside quotes.
+    [[nodiscard]] QString sourceText() const;
+
+    /// The runs between the commas of this run's own level.
+    [[nodiscard]] std::vector<TokenRun> splitAtCommas() const;
+
+    /// Index behind the bracket that the token at `index` opens; size() when nothing closes it.
+    [[nodiscard]] int behindBracket(int index) const;
+
+private:
+    QStringView m_text;
+    const SqlToken* m_first = nullptr;
+    const SqlToken* m_last = nullptr;
+};
+
+/// The tokens that begin inside [start, end) of the text.
+[[nodiscard]] ORV_EXPORT TokenRun tokensBetween(QStringView text, const SqlTokens& tokens,
+                                                int start, int end);
+
+}  // namespace orv
