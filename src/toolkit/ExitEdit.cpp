@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/ExitEdit.h"
+
+#include "toolkit/Services.h"
+
+#include <QFocusEvent>
+#include <QKeyEvent>
+
+namespace orv {
+
+ExitEdit::ExitEdit(QWidget* parent) : QLineEdit(parent) {
+    setFrame(false);
+    hide();
+}
+
+void ExitEdit::open(const QRect& rect, const QString& text) {
+    setGeometry(rect);
+    setText(text);
+    selectAll();
+    m_open = true;
+    show();
+    setFocus();
+}
+
+// The focus goes first: hiding a focused widget would hand it to the next one of the tab chain.
+void ExitEdit::discard() {
+    m_open = false;
+    if (hasFocus() && parentWidget()) parentWidget()->setFocus();
+    hide();
+}
+
+void ExitEdit::leave(const std::function<void()>& handler) {
+    if (!m_open) return;
+    const std::function<void()> copy = handler;
+    discard();
+    if (copy) guarded(copy);
+}
+
+void ExitEdit::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        leave(committed);
+    } else if (event->key() == Qt::Key_Escape) {
+        leave(dropped);
+    } else {
+        QLineEdit::keyPressEvent(event);
+    }
+}
+
+void ExitEdit::focusOutEvent(QFocusEvent* event) {
+    QLineEdit::focusOutEvent(event);
+    if (event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason) {
+        return;
+    }
+    leave(committed);
+}
+
+}  // namespace orv

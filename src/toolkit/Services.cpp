@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+#include "toolkit/Services.h"
+
+#include <QCoreApplication>
+#include <QMessageBox>
+#include <QTimer>
+
+#include <utility>
+
+namespace orv {
+
+namespace {
+
+QMessageBox::Icon boxIcon(MessageIcon icon) {
+    switch (icon) {
+    case MessageIcon::None: return QMessageBox::NoIcon;
+    case MessageIcon::Information: return QMessageBox::Information;
+    case MessageIcon::Exclamation: return QMessageBox::Warning;
+    case MessageIcon::Question: return QMessageBox::Question;
+    case MessageIcon::Error: return QMessageBox::Critical;
+    }
+    return QMessageBox::NoIcon;
+}
+
+MessageAnswer showMessageBox(const MessageRequest& request) {
+    const bool asks = request.buttons == MessageButtons::YesNo;
+    QMessageBox box(request.parent);
+    box.setTextFormat(Qt::PlainText);
+    box.setWindowTitle(request.caption);
+    box.setText(request.text);
+    box.setIcon(boxIcon(request.icon));
+    box.setStandardButtons(asks ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok);
+    const int pressed = box.exec();
+    if (!asks) return MessageAnswer::Ok;
+    return pressed == QMessageBox::Yes ? MessageAnswer::Yes : MessageAnswer::No;
+}
+
+// Inside a focus or drop event a modal box would run in the middle of the event: show it behind.
+void queueErrorBox(const QString& text) {
+    QTimer::singleShot(0, QCoreApplication::instance(), [text] {
+        showMessage({nullptr, text, QCoreApplication::applicationName(), MessageIcon::Error,
+                     MessageButtons::Ok});
+    });
+}
+
+MessageService& messageService() {
+    static MessageService service;
+    return service;
+}
+
+ErrorHandler& errorHandler() {
+    static ErrorHandler handler;
+    return handler;
+}
+
+}  // namespace
+
+MessageAnswer showMessage(const MessageRequest& request) {
+    const MessageService service = messageService();
+    return service ? service(request) : showMessageBox(request);
+}
+
+MessageService setMessageService(MessageService service) {
+    return std::exchange(messageService(), std::move(service));
+}
+
+ErrorHandler setErrorHandler(ErrorHandler handler) {
+    return std::exchange(errorHandler(), std::move(handler));
+}
+
+void reportError(const QString& text) {
+    const ErrorHandler handler = errorHandler();
+    if (handler) {
+        handler(text);
+    } else {
+        queueErrorBox(text);
+    }
+}
+
+}  // namespace orv

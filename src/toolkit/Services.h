@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "core/Export.h"
+
+#include <QString>
+
+#include <exception>
+#include <functional>
+
+class QWidget;
+
+namespace orv {
+
+enum class MessageIcon { None, Information, Exclamation, Question, Error };
+enum class MessageButtons { Ok, YesNo };
+enum class MessageAnswer { Ok, Yes, No };
+
+/// One modal message to the user. Texts are plain: "<" in a table name is no markup.
+struct MessageRequest {
+    QWidget* parent = nullptr;  ///< the widget over which it appears; borrowed
+    QString text;
+    QString caption;
+    MessageIcon icon = MessageIcon::None;
+    MessageButtons buttons = MessageButtons::Ok;
+};
+
+using MessageService = std::function<MessageAnswer(const MessageRequest&)>;
+
+/// Shows the message through the present service and returns the answer. Closing a Yes/No box
+/// answers No. The service may run an event loop: the caller checks what it holds afterwards.
+ORV_EXPORT MessageAnswer showMessage(const MessageRequest& request);
+
+/// Replaces the service (tests and command lines record or answer messages); an empty function
+/// brings the message boxes back. Returns the service that was there.
+ORV_EXPORT MessageService setMessageService(MessageService service);
+
+/// What becomes of an error that is raised inside a user's action.
+using ErrorHandler = std::function<void(const QString& text)>;
+
+/// Replaces the handler; an empty function brings back the default, a message box with the text and
+/// the application's name, shown once the event is over. Returns the handler that was there.
+ORV_EXPORT ErrorHandler setErrorHandler(ErrorHandler handler);
+
+/// Hands the text to the present handler.
+ORV_EXPORT void reportError(const QString& text);
+
+/// Runs an event handler's or slot's body; an exception never leaves it, its text goes to the error
+/// handler. State stays as the raising code left it.
+template <typename Body>
+void guarded(Body&& body) {
+    try {
+        body();
+    } catch (const std::exception& error) {
+        reportError(QString::fromUtf8(error.what()));
+    }
+}
+
+}  // namespace orv
