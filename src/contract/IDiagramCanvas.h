@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "catalogue/ORVQDOptions.h"
+#include "core/TRect.h"
+
+#include <QPoint>
+#include <QString>
+
+class TorvQDFloatObject;
+class TorvQDListItem;
+class TorvQDTable;
+
+/// What a box or link asks of the canvas on which it lies. The work area implements it; an object
+/// finds it from its Parent. View coordinates are diagram coordinates minus the scroll position.
+class IDiagramCanvas {
+public:
+    virtual ~IDiagramCanvas() = default;
+
+    /// Scroll position in pixels: diagram coordinates of the view's top left corner.
+    [[nodiscard]] virtual QPoint scrollPosition() const = 0;
+
+    /// Asks for a repaint of a rectangle in view coordinates.
+    virtual void invalidate(const TRect& viewRect) = 0;
+
+    /// Height of the boxes' font in pixels.
+    [[nodiscard]] virtual int fontHeight() const = 0;
+
+    /// Width of a text in the boxes' font in bold, in pixels.
+    [[nodiscard]] virtual int boldTextWidth(const QString& text) const = 0;
+
+    [[nodiscard]] virtual const TorvQDWorkAreaOptions& options() const = 0;
+
+    /// The one scroll bar that the selected box shows beside its rows. Rectangles in view
+    /// coordinates; positions are rows.
+    struct RowScroll {
+        TRect rect;
+        int position;
+        int maximum;
+        int pageStep;
+    };
+    [[nodiscard]] virtual bool isRowScrollBarVisible() const = 0;
+    virtual void placeRowScrollBar(const RowScroll& scroll) = 0;
+    virtual void showRowScrollBar(bool visible) = 0;
+
+    /// Moves the scroll bar with its box, by pixels.
+    virtual void moveRowScrollBar(int dx, int dy) = 0;
+
+    /// Brings the object to the front of its kind.
+    virtual void bringToFront(TorvQDFloatObject* object) = 0;
+
+    /// The box was moved, changed its size or shape, or scrolled its rows: its links follow.
+    virtual void tableMoved(TorvQDTable* table) = 0;
+    virtual void tableResized(TorvQDTable* table) = 0;
+    virtual void rowsScrolled(TorvQDTable* table) = 0;
+
+    /// Closes the box when the host allows it; the box may be on its way out when this returns.
+    virtual void closeTable(TorvQDTable* table) = 0;
+
+    /// Removes the box's links.
+    virtual void unlinkTable(TorvQDTable* table) = 0;
+
+    /// A row's tick changed by the user or by program.
+    virtual void checkItem(TorvQDFloatObject* sender, TorvQDListItem* item) = 0;
+
+    /// Asks the host for the value of a parameter row.
+    virtual void enterParameter(TorvQDTable* table, TorvQDListItem* item) = 0;
+
+    /// Everything between these two is one change: the pages refresh once, at the end.
+    virtual void beginChange() = 0;
+    virtual void endChange() = 0;
+};

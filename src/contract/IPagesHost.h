@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "data/FieldTypes.h"
+#include "parser/ORVQDLedger.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+#include <vector>
+
+/// One field of a box, as the pages see it.
+struct PageField {
+    QString alias;  ///< effective alias of the box
+    QString name;   ///< name of the row
+    TFieldType type = ftUnknown;
+
+    [[nodiscard]] QString qualifiedName() const { return alias + u'.' + name; }
+};
+
+/// What a page asks of the query builder in which it lies. Pages find it by walking up their
+/// parents, so that they work in any arrangement of widgets.
+class IPagesHost {
+public:
+    virtual ~IPagesHost() = default;
+
+    /// Effective aliases of the boxes in the order of their creation.
+    [[nodiscard]] virtual QStringList tableAliases() const = 0;
+
+    /// The output fields of a box, in row order. An alias of a statement's text is compared exactly
+    /// first, then without quotes and ignoring case when that finds one box only.
+    [[nodiscard]] virtual std::vector<PageField> fieldsOf(const QString& alias) const = 0;
+
+    /// The one resolver of field names: "ALIAS.FIELD", or "FIELD" when one box alone has it. Exact
+    /// names come first, then names without quotes and ignoring case when they are unique.
+    [[nodiscard]] virtual std::optional<PageField> resolveField(const QString& text) const = 0;
+
+    /// Whether the text is a qualified name of a field on the diagram, exactly.
+    [[nodiscard]] virtual bool isDiagramField(const QString& qualifiedName) const = 0;
+
+    /// Whether written statements keep the meaning of loaded ones.
+    [[nodiscard]] virtual bool KeepMeaning() const = 0;
+
+    /// What is accounted for while a statement is loaded; none at other times.
+    [[nodiscard]] virtual orv::LoadLedger* ledger() = 0;
+
+    /// Everything between these two is one change: the pages refresh once, at the end, and the host
+    /// is told once if statementChanged() was called in between.
+    virtual void beginChange() = 0;
+    virtual void endChange() = 0;
+    virtual void statementChanged() = 0;
+};

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "catalogue/ORVQDOptions.h"
+#include "data/Events.h"
+#include "parser/ORVQDLedger.h"
+
+#include <QString>
+
+#include <memory>
+
+/// What the work area asks of the query builder in which it lies.
+class IWorkAreaOwner {
+public:
+    virtual ~IWorkAreaOwner() = default;
+
+    /// Asks the host's permission; true when the host has no opinion.
+    [[nodiscard]] virtual bool DoAddRemoveTable(TorvQDTable* Table, TAddRemove Action) = 0;
+    [[nodiscard]] virtual bool DoAddRemoveLink(TorvQDLink* Link, TAddRemove Action) = 0;
+
+    /// Whether the host can be asked for tables, and asking it. No data set: an unknown table.
+    [[nodiscard]] virtual bool canGetTableFields() const = 0;
+    virtual void getTableFields(const QString& nameOfTable, std::unique_ptr<TDataSet>& dataSet,
+                                std::unique_ptr<TParams>& params) = 0;
+
+    /// Asks the host for the value of a procedure's input parameter.
+    virtual void enterProcParameter(TorvQDTable* procedure, TorvQDListItem* item) = 0;
+
+    [[nodiscard]] virtual TorvQDWorkAreaOptions& workAreaOptions() = 0;
+
+    /// Whether written statements keep the meaning of loaded ones.
+    [[nodiscard]] virtual bool KeepMeaning() const = 0;
+
+    /// What is accounted for while a statement is loaded; none at other times.
+    [[nodiscard]] virtual orv::LoadLedger* ledger() = 0;
+
+    /// Everything between these two is one change: the pages refresh once, at the end, and the host
+    /// is told once if statementChanged() was called in between.
+    virtual void beginChange() = 0;
+    virtual void endChange() = 0;
+    virtual void statementChanged() = 0;
+};
