@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "data/DataSet.h"
+#include "data/FieldTypes.h"
+#include "diagram/ORVQDFloatObject.h"
+
+#include <QHash>
+#include <QString>
+#include <QVariant>
+
+#include <memory>
+#include <vector>
+
+class TorvQDTable;
+
+/// One field row of a box. Owned by its box.
+class ORV_EXPORT TorvQDListItem {
+public:
+    TorvQDListItem(TorvQDTable* table, const QString& name, TFieldType fieldType,
+                   TParamType paramType);
+
+    TorvQDTable* Table;  ///< the box; borrowed
+    QString Name;        ///< as it is written in SQL, quotes included
+    QVariant Value;      ///< of a procedure's parameter row
+    TFieldType FieldType;
+    TParamType ParamType;  ///< ptOutput for every row of an ordinary table
+    bool Checked = false;  ///< ticked for the output list; change it by SetCheck or UpdateCheck
+    bool Selected = false;
+    bool IsNull = true;  ///< whether a parameter row holds NULL
+    bool Busy = false;   ///< the host is being asked for the parameter's value
+
+    /// The row as links attach to it, in diagram coordinates.
+    [[nodiscard]] TRect GetBoundsRect() const;
+    [[nodiscard]] int GetIndex() const { return m_index; }
+    /// The type as a person reads it.
+    [[nodiscard]] QString GetDataName() const { return orv::fieldTypeDisplayName(FieldType); }
+
+    /// Ticks or unticks the row and tells the canvas. An input parameter is not ticked: the host is
+    /// asked for its value.
+    void SetCheck(bool value);
+    /// Ticks (not 0) or unticks the row, tells nobody and brings the box's check box up to date.
+    void UpdateCheck(int value);
+    /// Highlights the row.
+    void SetSelect(bool value);
+
+private:
+    friend class TorvQDTable;
+
+    void store(bool value);
+    void invalidate() const;
+
+    int m_index = -1;  // position in the box
+};
+
+/// A table on the diagram: a caption with a tri-state check box, and a scrollable list of field
+/// rows. Owned by the work area. Its geometry is in diagram coordinates unless said otherwise.
+///
+///     Left,Top +----+---------------------+---------+
+///              | [] | caption             | buttons |  CaptionHeight
+///              +----+---------------------+---------+
+///              | BorderWidth + Indent               |
+///              |   [] row FirstVisibleItem          |  ItemHeight, then 1 pixel
+///              |   [] ...                           |
+///              +------------------------------------+ Left + Width, Top + Height
+class ORV_EXPORT TorvQDTable : public TorvQDFloatObject {
+    Q_OBJECT
+
+public:
+    /// A box for the columns of `DataSet`; none makes a box without rows. Raises orv::Error
+    /// "Invalide parent for table object!" when the parent is no canvas.
+    TorvQDTable(QWidget* AParent, const TDataSet* DataSet, const QString& TableName);
+    ~TorvQDTable() override;
+
+    QString TableName;  ///< as it is written in SQL, quotes included
+    QString Hint;
+    int FieldState = 0;  ///< 0 no row ticked, 1 some, 2 all
+    int PressedButton = -1;
+    int HotButton = -1;
+    int Expanded = -1;  ///< not 0 while the rows are shown
+    int CaptionHeight = 0;
+    int ButtonsWidth = 40;
+    int BorderWidth = 2;
+    int Indent = 2;
+    int ScrollBarWidth = 16;
+    TorvQDListItem* CurrentItem = nullptr;
+    int Left = 0;
+    int Top = 0;
+    int Width = 100;
+    int Height = 0;  ///< of the expanded box
+    int ItemHeight = 0;
+    int FirstVisibleItem = 0;
+    int VisibleCount = 0;
+    std::vector<std::unique_ptr<TorvQDListItem>> Items;
+
+    [[nodiscard]] const QString& Alias() const { return m_alias; }
+    /// Stores the alias as given; the work area keeps aliases unique.
+    void SetAlias(const QString& alias);
+    /// Called with the old effective alias when the alias changed; installed by the canvas.
+    std::function<void(TorvQDTable* Table, const QString& OldAlias)> aliasChanged;
+
+    /// Name, with the alias in brackets behind it when there is one.
+    [[nodiscard]] QString GetCaption() const;
+    /// The effective alias: what the rest of the statement calls the table.
+    [[nodiscard]] QString GetAlias() const;
+    /// The first row of that name, ignoring case; none when there is none.
+    [[nodiscard]] TorvQDListItem* GetFieldItem(const QString& Name) const;
+    /// The same; where that finds nothing, names are compared without their quotes, and a match
+    /// that is the only one counts.
+    [[nodiscard]] TorvQDListItem* findItem(const QString& name) const;
+    /// Rows made from the data set; the old rows go. The height stays.
+    void AssignItems(const TDataSet* DataSet);
+
+    void SetSelect(bool Value) override;
+    [[nodiscard]] QString GetHint() const override { return Hint; }
+    void Paint(QPainter& Painter) override;
+    void MouseDown(TWMMouse& Message, TTableHitTest HitTest) override;
+    void MouseUp(TWMMouse& Message, TTableHitTest HitTest) override;
+    [[nodiscard]] TTableHitTest HitTest(const QPoint& P) const override;
+    void PopupMenu(QMenu& Menu, int X, int Y, TTableHitTest HitTest) override;
+    /// Colour of the row area.
+    [[nodiscard]] virtual QColor GetClientColor() const;
+
+    // Setters of geometry; absolute values and minimums apply.
+    void SetCaptionHeight(int Value);
+    void SetItemHeight(int Value);
+    void SetLeft(int Value);
+    void SetTop(int Value);
+    void SetWidth(int Value);
+    void SetHeight(int Value);
+    void SetExpand(int Value);
+    /// Scrolls the rows. With fewer rows than VisibleCount a non-negative request gives a negative
+    /// first row.
+    void SetFirstVisibleItem(int Value);
+    void MoveTable(int DX, int DY);
+    void SetCurrentItem(TorvQDListItem* Item);
+    /// Lays the box out for the font of the canvas.
+    void relayout();
+
+    /// Ticks all rows (2) or unticks them (0 and 1), and tells the canvas of each.
+    void SetFieldState(int State);
+    /// Sets what the caption's check box shows; clamped to 0..2.
+    void UpdateFieldState(int State);
+    /// Places and ranges the canvas's scroll bar; false when this box shows none.
+    bool UpdateScrollBar();
+
+    [[nodiscard]] TRect GetBoundsRect() const;
+    [[nodiscard]] TRect GetCaptionRect() const;
+    [[nodiscard]] TRect GetClientRect() const;
+    [[nodiscard]] TRect GetButtonRect() const;
+    /// The row in view coordinates; all zero for a row of another box.
+    [[nodiscard]] TRect GetItemRect(const TorvQDListItem* Item) const;
+    /// The row as links attach to it: the row, the caption strip when it is scrolled above the list
+    /// or the box is collapsed, the bottom border when it is below. All zero for another's row.
+    [[nodiscard]] TRect GetFullItemRect(const TorvQDListItem* Item) const;
+    /// The rectangle of the caption's text, not cut.
+    [[nodiscard]] TRect CaptionRect(bool Right) const;
+    /// The visible row at a height in view coordinates; heights above the list give the first one.
+    [[nodiscard]] TorvQDListItem* GetItemAt(int X, int Y) const;
+    /// The square of the caption's check box as it is drawn, in diagram coordinates: 2 pixels right
+    /// of the one that is hit.
+    [[nodiscard]] TRect checkBoxRect() const;
+
+    /// Closes the box, when the host allows it, as the user does.
+    void CloseTable();
+    /// Removes the links of the box.
+    void UnlinkTable();
+
+    /// Asks the user for another alias, in place.
+    std::function<void(TorvQDTable* Table)> renameRequested;
+
+    /// The canvas is closing the box: a second request is ignored.
+    bool closing = false;
+
+    /// Whether all given rows are rows of this box.
+    [[nodiscard]] bool owns(const TorvQDListItem* item) const;
+
+    [[nodiscard]] TRect toView(const TRect& rect) const;
+
+private:
+    friend class TorvQDListItem;
+
+    void _RemoveTable();
+    void invalidate(const TRect& rect) const;
+    void showScrollBar(bool visible) const;
+    void recountFieldState(bool value);
+    [[nodiscard]] TRect captionStrip() const;
+    [[nodiscard]] TRect scrolledArea() const;
+    [[nodiscard]] int edgeBands(const QPoint& point) const;
+    void toggle(TorvQDListItem* item);
+    void paintCaption(QPainter& painter) const;
+    void paintRows(QPainter& painter) const;
+    void paintRow(QPainter& painter, const TorvQDListItem& item) const;
+
+    QString m_alias;
+    int m_outputRows = 0;
+    int m_checkedRows = 0;  // of the output rows
+    void indexNames() const;
+
+    mutable QHash<QString, int> m_rowByName;  // upper-case name to index of its first row
+    mutable QHash<QString, int> m_rowByWord;  // the same without quotes; -1 for several
+};
