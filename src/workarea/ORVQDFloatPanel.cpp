@@ -1,0 +1,393 @@
+// SPDX-License-Identifier: MIT
+// The work area as a model: its boxes, their aliases, places and stacking, adding and removing.
+#include "workarea/ORVQDFloatPanel.h"
+
+#include "contract/DiagramEvents.h"
+#include "core/Error.h"
+#include "core/Text.h"
+#include "data/ProcessName.h"
+#include "toolkit/ExitEdit.h"
+#include "toolkit/Services.h"
+
+#include <QFontInfo>
+#include <QFontMetrics>
+#include <QScrollBar>
+#include <QTimer>
+#include <queue>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int placementRightPx = 50;
+constexpr int placementDownPx = 20;
+constexpr int placementGapPx = 10;
+const QColor aliasEditColor(0xC0, 0xC0, 0xC0);
+
+QString withoutQuotes(const QString& name) {
+    const bool quoted = name.size() > 1 && name.front() == name.back() &&
+                        (name.front() == u'"' || name.front() == u'\'');
+    return quoted ? name.mid(1, name.size() - 2) : name;
+}
+
+IWorkAreaOwner* ownerOf(QWidget* widget) {
+    auto* owner = dynamic_cast<IWorkAreaOwner*>(widget);
+    if (!owner) throw orv::Error(QStringLiteral("Given parent is not valid for WorkArea!"));
+    return owner;
+}
+
+}  // namespace
+
+TorvQDWorkArea::TorvQDWorkArea(QWidget* AOwner)
+    : QAbstractScrollArea(AOwner),
+      m_owner(ownerOf(AOwner)),
+      m_aliasEdit(new orv::ExitEdit(viewport())),
+      m_rowScrollBar(new QScrollBar(Qt::Vertical, viewport())) {
+    setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::StrongFocus);
+    viewport()->setMouseTracking(true);
+    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+    viewport()->setFocusProxy(this);
+    QPalette palette = m_aliasEdit->palette();
+    palette.setColor(QPalette::Base, aliasEditColor);
+    m_aliasEdit->setPalette(palette);
+    m_aliasEdit->committed = [this] {
+        const QPointer<TorvQDTable> table = m_renamed;
+        m_renamed.clear();
+        if (table) renameTable(table, m_aliasEdit->text());
+    };
+    m_aliasEdit->dropped = [this] { m_renamed.clear(); };
+    m_rowScrollBar->setFocusPolicy(Qt::NoFocus);
+    m_rowScrollBar->hide();
+    connect(m_rowScrollBar, &QScrollBar::valueChanged, this, [this](int row) {
+        if (auto* table = qobject_cast<TorvQDTable*>(m_selected.data())) {
+            table->SetFirstVisibleItem(row);
+        }
+    });
+    m_owner->workAreaOptions().OnChangeFont = [this](const QFont& font) { _SetFont(font); };
+    m_owner->workAreaOptions().changed = [this] { viewport()->update(); };
+}
+
+TorvQDWorkArea::~TorvQDWorkArea() {
+    m_aliasEdit->committed = nullptr;
+    contentsCleared = nullptr;
+    m_selected.clear();
+}
+
+TorvQDTable* TorvQDWorkArea::Tables(int Index) const {
+    if (Index < 0 || Index >= TablesCount()) {
+        throw orv::Error(QStringLiteral("List index out of bounds (%1)").arg(Index));
+    }
+    return m_tables[std::size_t(Index)].get();
+}
+
+std::vector<TorvQDTable*> TorvQDWorkArea::tablesByCreation() const {
+    return m_creation;
+}
+
+int TorvQDWorkArea::indexOf(const QObject* table) const {
+    const auto found = std::find_if(m_tables.begin(), m_tables.end(),
+                                    [&](const auto& box) { return box.get() == table; });
+    return found == m_tables.end() ? -1 : int(found - m_tables.begin());
+}
+
+// --- adding
+// ---------------------------------------------------------------------------------------
+
+TorvQDTable* TorvQDWorkArea::AddPanel(const QString& TableName, const TDataSet* DataSet) {
+    return addTable(TableName, DataSet, QString(), QString());
+}
+
+// `writtenName`, when given, is the name as FROM writes it (a qualified name, part by part);
+// `finalAlias`, when given, is the alias of a loaded statement. Both are stored before anybody is
+// told of the box, so that all names made from it are right from the start.
+TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataSet,
+                                      const QString& writtenName, const QString& finalAlias) {
+    if (orv::orvTrim(QStringView(name)).isEmpty()) {
+        throw orv::Error(QStringLiteral("A table must have a name"));
+    }
+    orv::guarded([&] { commitPendingEdit(); });
+    if (m_selected) m_selected->SetSelect(false);
+    auto box = std::make_unique<TorvQDTable>(this, dataSet, name);
+    if (!writtenName.isEmpty()) box->TableName = writtenName;
+    const QString alias = freeAlias(box->TableName);
+    if (alias != box->TableName) box->SetAlias(alias);
+    const QPointer<TorvQDWorkArea> self(this);
+    const bool allowed = m_owner->DoAddRemoveTable(box.get(), araAdd);
+    if (!self || !allowed) return nullptr;
+    const int captionWidth = box->CaptionRect(true).width();
+    if (captionWidth > box->Width) box->Width = captionWidth;
+    placeTable(*box);
+    if (!finalAlias.isEmpty() && finalAlias != box->TableName) box->SetAlias(finalAlias);
+
+    beginChange();
+    TorvQDTable* table = box.get();
+    m_tables.insert(m_tables.begin(), std::move(box));
+    m_creation.push_back(table);
+    rememberAlias(table);
+    table->renameRequested = [this](TorvQDTable* renamed) { beginRename(renamed); };
+    updateScrollRange();
+    m_owner->statementChanged();
+    if (const TAddEvent handler = OnAddTable) handler(this, table);
+    m_selected = table;
+    table->SetSelect(true);
+    endChange();
+    return self && indexOf(table) >= 0 ? table : nullptr;
+}
+
+// The name itself, or the name followed by the first free number.
+QString TorvQDWorkArea::freeAlias(const QString& processedName) const {
+    QString candidate = processedName;
+    const QString base = withoutQuotes(processedName);
+    for (int counter = 1; m_byAlias.contains(candidate); ++counter) {
+        const QString numbered = base + QString::number(counter);
+        candidate = base == processedName ? numbered : ProcessName(numbered);
+    }
+    return candidate;
+}
+
+// The box goes right until it is clear of all others, each time 10 pixels behind the first box of
+// the list that it meets. Boxes that it has passed can never be met again, so each is looked at
+// once: `reached` holds those whose left edge the place has reached, first of the list on top.
+void TorvQDWorkArea::placeTable(TorvQDTable& table) const {
+    TRect place = table.GetBoundsRect().translated(placementRightPx, placementDownPx);
+    struct Obstacle {
+        int left;
+        int right;
+        int index;
+    };
+    std::vector<Obstacle> obstacles;
+    for (int index = 0; index < TablesCount(); ++index) {
+        const TRect bounds = m_tables[std::size_t(index)]->GetBoundsRect();
+        const bool sameHeight = bounds.Top < place.Bottom && place.Top < bounds.Bottom;
+        if (sameHeight) obstacles.push_back({bounds.Left, bounds.Right, index});
+    }
+    std::sort(obstacles.begin(), obstacles.end(),
+              [](const Obstacle& a, const Obstacle& b) { return a.left < b.left; });
+    const auto later = [](const Obstacle& a, const Obstacle& b) { return a.index > b.index; };
+    std::priority_queue<Obstacle, std::vector<Obstacle>, decltype(later)> reached(later);
+    std::size_t next = 0;
+    while (true) {
+        while (next < obstacles.size() && obstacles[next].left < place.Right) {
+            reached.push(obstacles[next++]);
+        }
+        while (!reached.empty() && reached.top().right <= place.Left) reached.pop();
+        if (reached.empty()) break;
+        place = place.translated(reached.top().right + placementGapPx - place.Left, 0);
+    }
+    table.Left = place.Left;
+    table.Top = place.Top;
+}
+
+// --- names
+// ----------------------------------------------------------------------------------------
+
+void TorvQDWorkArea::rememberAlias(TorvQDTable* table) {
+    m_byAlias[table->GetAlias()].push_back(table);
+    table->aliasChanged = [this](TorvQDTable* changed, const QString& oldAlias) {
+        forgetAlias(changed, oldAlias);
+        m_byAlias[changed->GetAlias()].push_back(changed);
+    };
+}
+
+void TorvQDWorkArea::forgetAlias(TorvQDTable* table, const QString& alias) {
+    const auto found = m_byAlias.find(alias);
+    if (found == m_byAlias.end()) return;
+    std::erase(found.value(), table);
+    if (found.value().empty()) m_byAlias.erase(found);
+}
+
+TorvQDTable* TorvQDWorkArea::GetTable(const QString& Alias) const {
+    if (orv::orvTrim(QStringView(Alias)).isEmpty()) {
+        return m_tables.size() == 1 ? m_tables.front().get() : nullptr;
+    }
+    const std::vector<TorvQDTable*> found = m_byAlias.value(Alias);
+    if (found.size() < 2) return found.empty() ? nullptr : found.front();
+    return *std::min_element(found.begin(), found.end(), [&](TorvQDTable* a, TorvQDTable* b) {
+        return indexOf(a) < indexOf(b);
+    });
+}
+
+TorvQDTable* TorvQDWorkArea::findTable(const QString& alias) const {
+    if (TorvQDTable* table = GetTable(alias)) return table;
+    if (orv::orvTrim(QStringView(alias)).isEmpty()) return nullptr;
+    const QString wanted = orv::unquotedName(alias).toUpper();
+    TorvQDTable* match = nullptr;
+    for (const auto& table : m_tables) {
+        if (orv::unquotedName(table->GetAlias()).toUpper() != wanted) continue;
+        if (match) return nullptr;
+        match = table.get();
+    }
+    return match;
+}
+
+void TorvQDWorkArea::renameTable(TorvQDTable* table, const QString& text) {
+    if (indexOf(table) < 0) return;
+    const QString old = table->GetAlias();
+    QString alias = orv::orvTrim(QStringView(text)).isEmpty() ? table->TableName : text;
+    for (const QString& taken : {alias, orv::quotedName(alias)}) {
+        const TorvQDTable* other = GetTable(taken);
+        if (other && other != table) {
+            throw orv::Error(QStringLiteral("Table with alias %1 already exist!").arg(alias));
+        }
+    }
+    if (alias == table->TableName) alias.clear();
+    if (!orv::isQuotedName(alias)) {
+        alias.remove(u'.');
+        if (!alias.isEmpty() && !orv::isPlainIdentifier(alias)) alias = orv::quotedName(alias);
+    }
+    if (alias == table->TableName) alias.clear();
+    beginChange();
+    invalidate(table->toView(table->GetBoundsRect()));
+    table->SetAlias(alias);
+    if (table->GetAlias() != old) {
+        m_owner->statementChanged();
+        if (const TChangeStringEvent handler = OnChangeAlias) handler(table, old);
+    }
+    endChange();
+}
+
+// --- stacking and removing
+// ------------------------------------------------------------------------
+
+void TorvQDWorkArea::TableToFront(QObject* Table) {
+    const int index = indexOf(Table);
+    if (index < 1) return;
+    beginChange();
+    std::rotate(m_tables.begin(), m_tables.begin() + index, m_tables.begin() + index + 1);
+    if (!m_owner->KeepMeaning()) m_owner->statementChanged();
+    endChange();
+}
+
+void TorvQDWorkArea::closeTable(TorvQDTable* table) {
+    if (indexOf(table) < 0 || table->closing) return;
+    table->closing = true;
+    const QPointer<TorvQDWorkArea> self(this);
+    const QPointer<TorvQDTable> box(table);
+    bool allowed = false;
+    try {
+        allowed = m_owner->DoAddRemoveTable(table, araRemove);
+    } catch (...) {
+        if (box) box->closing = false;
+        throw;
+    }
+    if (!self || !box) return;
+    if (!allowed) {
+        box->closing = false;
+        return;
+    }
+    beginChange();
+    for (const auto& item : table->Items) {
+        if (!item->Checked) continue;
+        item->UpdateCheck(0);
+        _CheckItem(table, item.get());
+    }
+    if (const TRemoveEvent handler = OnRemoveTable) handler(this, table);
+    unlinkTable(table);
+    const int index = indexOf(table);
+    if (index >= 0) {
+        m_owner->statementChanged();
+        invalidate(table->toView(table->GetBoundsRect()));
+        forget(table);
+        forgetAlias(table, table->GetAlias());
+        std::erase(m_creation, table);
+        auto dying = std::move(m_tables[std::size_t(index)]);
+        m_tables.erase(m_tables.begin() + index);
+        bury(std::move(dying));
+        updateScrollRange();
+    }
+    endChange();
+}
+
+void TorvQDWorkArea::unlinkTable(TorvQDTable*) {}
+
+// Drops every reference to an object that is about to go.
+void TorvQDWorkArea::forget(TorvQDFloatObject* object) {
+    if (m_renamed == object) discardPendingEdit();
+    if (m_pressed == object) m_gesture = Gesture::Idle;
+    if (m_selected != object) return;
+    object->SetSelect(false);
+    m_selected.clear();
+}
+
+// A box may be closed from within one of its own handlers: it dies once that has returned.
+void TorvQDWorkArea::bury(std::unique_ptr<TorvQDTable> table) {
+    if (m_dying.empty()) QTimer::singleShot(0, this, [this] { m_dying.clear(); });
+    m_dying.push_back(std::move(table));
+}
+
+void TorvQDWorkArea::ClearContents() {
+    discardPendingEdit();
+    m_gesture = Gesture::Idle;
+    m_selected.clear();
+    showRowScrollBar(false);
+    m_creation.clear();
+    m_byAlias.clear();
+    for (auto& table : m_tables) bury(std::move(table));
+    m_tables.clear();
+    updateScrollRange();
+    viewport()->update();
+    if (contentsCleared) contentsCleared();
+}
+
+void TorvQDWorkArea::selectObject(TorvQDFloatObject* object) {
+    if (m_selected == object) return;
+    orv::guarded([&] { commitPendingEdit(); });
+    beginChange();
+    if (m_selected) m_selected->SetSelect(false);
+    m_selected = object;
+    if (object) object->SetSelect(true);
+    endChange();
+}
+
+// --- relays
+// ---------------------------------------------------------------------------------------
+
+void TorvQDWorkArea::_CheckItem(QObject* Sender, TorvQDListItem* Item) {
+    if (!qobject_cast<TorvQDTable*>(Sender)) return;
+    if (const TCheckItemEvent handler = OnCheckItem) handler(Sender, Item);
+}
+
+void TorvQDWorkArea::DoEnterParameter(TorvQDTable* SProcedure, TorvQDListItem* ListItem) {
+    m_owner->enterProcParameter(SProcedure, ListItem);
+}
+
+void TorvQDWorkArea::checkItem(TorvQDFloatObject* sender, TorvQDListItem* item) {
+    _CheckItem(sender, item);
+}
+
+void TorvQDWorkArea::enterParameter(TorvQDTable* table, TorvQDListItem* item) {
+    DoEnterParameter(table, item);
+}
+
+void TorvQDWorkArea::beginChange() {
+    m_owner->beginChange();
+}
+
+void TorvQDWorkArea::endChange() {
+    m_owner->endChange();
+}
+
+const TorvQDWorkAreaOptions& TorvQDWorkArea::options() const {
+    return m_owner->workAreaOptions();
+}
+
+QFont TorvQDWorkArea::GetFont() const {
+    return options().GetFont();
+}
+
+void TorvQDWorkArea::_SetFont(const QFont&) {
+    for (const auto& table : m_tables) table->relayout();
+    updateScrollRange();
+    viewport()->update();
+}
+
+int TorvQDWorkArea::fontHeight() const {
+    return QFontInfo(options().GetFont()).pixelSize();
+}
+
+int TorvQDWorkArea::boldTextWidth(const QString& text) const {
+    QFont font = options().GetFont();
+    font.setBold(true);
+    return QFontMetrics(font).horizontalAdvance(text);
+}

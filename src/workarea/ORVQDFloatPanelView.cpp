@@ -1,0 +1,270 @@
+// SPDX-License-Identifier: MIT
+// The work area as a view: painting, scrolling, the mouse, the edit over a caption.
+#include "contract/DiagramEvents.h"
+#include "toolkit/ExitEdit.h"
+#include "toolkit/Services.h"
+#include "workarea/ORVQDFloatPanel.h"
+
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QScrollBar>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int diagramExtentPx = 5000;
+constexpr int extentMarginPx = 50;
+constexpr int scrollStepPx = 20;
+constexpr QSize preferredSize(300, 100);
+
+TWMMouse messageOf(const QMouseEvent& event) {
+    TWMMouse message;
+    message.XPos = event.pos().x();
+    message.YPos = event.pos().y();
+    message.Buttons = event.buttons() | event.button();
+    message.Modifiers = event.modifiers();
+    return message;
+}
+
+}  // namespace
+
+QSize TorvQDWorkArea::sizeHint() const {
+    return preferredSize;
+}
+
+QPoint TorvQDWorkArea::scrollPosition() const {
+    if (m_paintsAll) return {};
+    return {horizontalScrollBar()->value(), verticalScrollBar()->value()};
+}
+
+void TorvQDWorkArea::invalidate(const TRect& viewRect) {
+    if (!viewRect.isEmpty()) viewport()->update(viewRect.toQRect());
+}
+
+bool TorvQDWorkArea::event(QEvent* event) {
+    const int type = event->type();
+    if (type < CMMOVECONTROL || type > CMDELETELINK) return QAbstractScrollArea::event(event);
+    auto* table = qobject_cast<TorvQDTable*>(static_cast<TorvDiagramEvent*>(event)->object());
+    if (!table || indexOf(table) < 0) return true;
+    orv::guarded([&] {
+        switch (type) {
+        case CMMOVECONTROL: tableMoved(table); break;
+        case CMRESIZECONTROL: tableResized(table); break;
+        case CMCLOSETABLE: closeTable(table); break;
+        case CMUNLINKTABLE: unlinkTable(table); break;
+        default: break;
+        }
+    });
+    return true;
+}
+
+// --- painting
+// -------------------------------------------------------------------------------------
+
+void TorvQDWorkArea::paintEvent(QPaintEvent* event) {
+    orv::guarded([&] {
+        QPainter painter(viewport());
+        painter.fillRect(event->rect(), palette().color(QPalette::Window));
+        for (std::size_t index = m_tables.size(); index-- > 0;) {
+            TorvQDTable& table = *m_tables[index];
+            const QRect bounds = table.toView(table.GetBoundsRect()).toQRect();
+            if (event->region().intersects(bounds)) table.Paint(painter);
+        }
+    });
+}
+
+QRect TorvQDWorkArea::diagramBounds() const {
+    QRect bounds;
+    for (const auto& table : m_tables) bounds |= table->GetBoundsRect().toQRect();
+    return bounds;
+}
+
+void TorvQDWorkArea::paintDiagram(QPainter& painter) const {
+    m_paintsAll = true;
+    for (std::size_t index = m_tables.size(); index-- > 0;) m_tables[index]->Paint(painter);
+    m_paintsAll = false;
+}
+
+// --- scrolling
+// ------------------------------------------------------------------------------------
+
+// The diagram is 5000 pixels wide and high, and grows with boxes that lie beyond.
+void TorvQDWorkArea::updateScrollRange() {
+    int right = diagramExtentPx;
+    int bottom = diagramExtentPx;
+    for (const auto& table : m_tables) {
+        const TRect bounds = table->GetBoundsRect();
+        if (bounds.Right > diagramExtentPx) right = std::max(right, bounds.Right + extentMarginPx);
+        if (bounds.Bottom > diagramExtentPx) {
+            bottom = std::max(bottom, bounds.Bottom + extentMarginPx);
+        }
+    }
+    const QSize page = viewport()->size();
+    horizontalScrollBar()->setRange(0, std::max(0, right - page.width()));
+    horizontalScrollBar()->setPageStep(page.width());
+    horizontalScrollBar()->setSingleStep(scrollStepPx);
+    verticalScrollBar()->setRange(0, std::max(0, bottom - page.height()));
+    verticalScrollBar()->setPageStep(page.height());
+    verticalScrollBar()->setSingleStep(scrollStepPx);
+}
+
+void TorvQDWorkArea::resizeEvent(QResizeEvent* event) {
+    QAbstractScrollArea::resizeEvent(event);
+    updateScrollRange();
+}
+
+void TorvQDWorkArea::scrollContentsBy(int dx, int dy) {
+    moveRowScrollBar(dx, dy);
+    m_aliasEdit->move(m_aliasEdit->pos() + QPoint(dx, dy));
+    viewport()->update();
+}
+
+bool TorvQDWorkArea::isRowScrollBarVisible() const {
+    return !m_rowScrollBar->isHidden();
+}
+
+void TorvQDWorkArea::placeRowScrollBar(const RowScroll& scroll) {
+    const QSignalBlocker silent(m_rowScrollBar);
+    m_rowScrollBar->setGeometry(scroll.rect.toQRect());
+    m_rowScrollBar->setRange(0, scroll.maximum);
+    m_rowScrollBar->setPageStep(std::max(1, scroll.pageStep));
+    m_rowScrollBar->setValue(scroll.position);
+}
+
+void TorvQDWorkArea::showRowScrollBar(bool visible) {
+    m_rowScrollBar->setVisible(visible);
+}
+
+void TorvQDWorkArea::moveRowScrollBar(int dx, int dy) {
+    m_rowScrollBar->move(m_rowScrollBar->pos() + QPoint(dx, dy));
+}
+
+void TorvQDWorkArea::bringToFront(TorvQDFloatObject* object) {
+    TableToFront(object);
+}
+
+void TorvQDWorkArea::tableMoved(TorvQDTable*) {
+    updateScrollRange();
+}
+
+void TorvQDWorkArea::tableResized(TorvQDTable*) {
+    updateScrollRange();
+}
+
+void TorvQDWorkArea::rowsScrolled(TorvQDTable* table) {
+    if (table != m_selected || !isRowScrollBarVisible()) return;
+    const QSignalBlocker silent(m_rowScrollBar);
+    m_rowScrollBar->setValue(table->FirstVisibleItem);
+}
+
+// --- the mouse
+// ------------------------------------------------------------------------------------
+
+TorvQDTable* TorvQDWorkArea::tableAt(const QPoint& viewPoint) const {
+    const auto hit = std::find_if(m_tables.begin(), m_tables.end(), [&](const auto& table) {
+        return table->HitTest(viewPoint) != htTOutSide;
+    });
+    return hit == m_tables.end() ? nullptr : hit->get();
+}
+
+// A press selects, and everything up to the release goes to the pressed box.
+void TorvQDWorkArea::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) return;
+    orv::guarded([&] {
+        const QPointer<TorvQDTable> table = tableAt(event->pos());
+        m_pressed = table;
+        m_gesture = table ? Gesture::Pressed : Gesture::Idle;
+        m_pressPoint = event->pos();
+        selectObject(table);
+        if (!table) return;
+        m_pressedHit = table->HitTest(event->pos());
+        m_boxAtPress = {table->Left, table->Top};
+        TWMMouse message = messageOf(*event);
+        table->MouseDown(message, m_pressedHit);
+    });
+}
+
+void TorvQDWorkArea::mouseMoveEvent(QMouseEvent* event) {
+    orv::guarded([&] {
+        const bool moves = m_pressed && (event->buttons() & Qt::LeftButton) &&
+                           m_gesture != Gesture::Idle && m_pressedHit == htTCaption;
+        if (moves) m_gesture = Gesture::MovingBox;
+        if (m_gesture == Gesture::MovingBox) moveBoxTo(event->pos());
+        TorvQDTable* table = m_gesture == Gesture::Idle ? tableAt(event->pos()) : m_pressed.data();
+        if (!table) return;
+        TWMMouse message = messageOf(*event);
+        table->MouseMove(message, table->HitTest(event->pos()));
+    });
+}
+
+// The caption stays inside the diagram, so that the box can always be taken again.
+void TorvQDWorkArea::moveBoxTo(const QPoint& viewPoint) {
+    const QPoint wanted = m_boxAtPress + viewPoint - m_pressPoint;
+    const int left = std::clamp(wanted.x(), 0, std::max(0, diagramExtentPx - m_pressed->Width));
+    const int top =
+        std::clamp(wanted.y(), 0, std::max(0, diagramExtentPx - m_pressed->CaptionHeight));
+    m_pressed->MoveTable(left - m_pressed->Left, top - m_pressed->Top);
+}
+
+void TorvQDWorkArea::mouseReleaseEvent(QMouseEvent* event) {
+    orv::guarded([&] {
+        if (event->button() == Qt::RightButton) {
+            showContextMenu(event->pos());
+            return;
+        }
+        const QPointer<TorvQDTable> table = m_pressed;
+        const bool pressed = m_gesture != Gesture::Idle;
+        m_gesture = Gesture::Idle;
+        m_pressed.clear();
+        if (!table || !pressed) return;
+        TWMMouse message = messageOf(*event);
+        table->MouseUp(message, m_pressedHit);
+    });
+}
+
+void TorvQDWorkArea::mouseDoubleClickEvent(QMouseEvent* event) {
+    orv::guarded([&] {
+        TorvQDTable* table = tableAt(event->pos());
+        if (table && table->HitTest(event->pos()) == htTCaption) beginRename(table);
+    });
+}
+
+void TorvQDWorkArea::showContextMenu(const QPoint& viewPoint) {
+    TorvQDTable* table = tableAt(viewPoint);
+    if (!table) return;
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    table->PopupMenu(*menu, viewPoint.x(), viewPoint.y(), table->HitTest(viewPoint));
+    if (menu->isEmpty()) {
+        menu->deleteLater();
+        return;
+    }
+    menu->popup(viewport()->mapToGlobal(viewPoint));
+}
+
+// --- renaming in place
+// ----------------------------------------------------------------------------
+
+void TorvQDWorkArea::beginRename(TorvQDTable* table) {
+    if (indexOf(table) < 0) return;
+    selectObject(table);
+    const TRect caption = table->toView(table->GetCaptionRect());
+    m_renamed = table;
+    m_aliasEdit->open(QRect(caption.Left, caption.Top + 1, caption.width(), caption.height()),
+                      table->GetAlias());
+}
+
+void TorvQDWorkArea::commitPendingEdit() {
+    const QPointer<TorvQDTable> table = m_renamed;
+    if (!table) return;
+    discardPendingEdit();
+    renameTable(table, m_aliasEdit->text());
+}
+
+void TorvQDWorkArea::discardPendingEdit() {
+    m_renamed.clear();
+    m_aliasEdit->discard();
+}
