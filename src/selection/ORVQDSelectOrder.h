@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "core/Export.h"
+#include "data/NameList.h"
+#include "selection/ORVQDSelectColumns.h"
+
+#include <QSet>
+#include <QTableView>
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+
+class IPagesHost;
+class QCheckBox;
+class TorvQDParser;
+class TorvQDSelectGrid;
+
+/// The grid of output columns on the "Selection" page. Rows are counted as the grid shows them: row
+/// 0 is the header, data rows follow, and the last row is always empty. Owned by the select panel.
+class ORV_EXPORT TorvQDSelectGrid : public QTableView {
+    Q_OBJECT
+
+public:
+    using NameEvent = std::function<void(const QString& FullName)>;
+
+    /// Raises orv::Error "Invalide parent for SelectGrids" without a parent.
+    explicit TorvQDSelectGrid(QWidget* Parent);
+    ~TorvQDSelectGrid() override;
+
+    const QStringList* AgrFuncs = nullptr;     ///< names of the aggregates; borrowed
+    const orv::NameList* AllFields = nullptr;  ///< all fields of the diagram; borrowed
+    NameEvent OnFieldChosen;
+    NameEvent OnFieldRemoved;
+    /// A number from 0 to 99 for the name of an expression; replaceable for tests.
+    std::function<int()> randomBelow100;
+
+    [[nodiscard]] int RowCount() const { return int(m_columns.size()) + 2; }
+    /// Text of a cell; columns are output name, aggregate and source.
+    [[nodiscard]] QString Cells(int Col, int Row) const;
+    [[nodiscard]] const orv::OutputColumns& columns() const { return m_columns; }
+
+    [[nodiscard]] static QString CreateFieldName(const QString& Agg, const QString& Source);
+    /// Appends an output column for the qualified name, also when it is there already.
+    void CheckField(const QString& Name);
+    /// Deletes every row whose source is exactly that name.
+    void UnCheckField(const QString& Name);
+    /// The same for many names in one walk.
+    void uncheckFields(const QSet<QString>& names);
+    /// Replaces the alias in front of full stops in every source, as plain text.
+    void ChangeAlias(const QString& NewAlias, const QString& OldAlias);
+    /// How ORDER BY names the row: a plain field by its source, else its number.
+    [[nodiscard]] QString GetFieldName(int Row) const;
+    /// Output name of the first row of exactly that source; empty without one.
+    [[nodiscard]] QString GetFieldAlias(const QString& Name) const;
+    /// The select list and the GROUP BY list; see orv::selectTexts.
+    [[nodiscard]] orv::SelectTexts GetSQLStatment() const;
+    /// Rebuilds the rows from a statement's root node, GROUP BY included. Raises orv::Error when
+    /// the node is another.
+    void LoadSQL(const TorvQDParser& Node);
+    void ClearContents();
+
+    [[nodiscard]] orv::SelectTextRules textRules() const;
+    /// Shows what changed; the query builder calls it once per change.
+    void refreshView();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    friend class SelectLoader;  // reads a select list into the rows
+    class Model;
+
+    [[nodiscard]] IPagesHost* host() const;
+    void changed();
+
+    orv::OutputColumns m_columns;
+    Model* m_model;
+};
+
+/// The "Selection" page: the option of unique records above the grid. Owned by its page.
+class ORV_EXPORT TorvQDSelectPanel : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Raises orv::Error "Invalide parent for OrderPanel" without a parent.
+    explicit TorvQDSelectPanel(QWidget* AOwner);
+
+    [[nodiscard]] TorvQDSelectGrid* grid() const { return m_grid; }
+    [[nodiscard]] QCheckBox* distinctBox() const { return m_distinct; }
+
+    /// -1 when only unique records are wanted, else 0.
+    [[nodiscard]] int GetDistinct() const;
+    void SetDistinct(int Value);
+    /// Empties the grid; the option stays.
+    void ClearContents();
+
+private:
+    QCheckBox* m_distinct;
+    TorvQDSelectGrid* m_grid;
+};
