@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+#include "querybuilder/ORVQDJsonWriter.h"
+
+namespace orv {
+
+namespace {
+
+constexpr int indentBlanks = 2;
+
+}  // namespace
+
+void JsonWriter::newLine() {
+    if (m_indented) m_out += '\n' + QByteArray(qsizetype(m_empty.size()) * indentBlanks, ' ');
+}
+
+void JsonWriter::separate() {
+    if (m_afterKey) {
+        m_afterKey = false;
+        return;
+    }
+    if (m_empty.empty()) return;
+    if (!m_empty.back()) m_out += ',';
+    m_empty.back() = false;
+    newLine();
+}
+
+JsonWriter& JsonWriter::begin(char bracket) {
+    separate();
+    m_out += bracket;
+    m_empty.push_back(true);
+    return *this;
+}
+
+JsonWriter& JsonWriter::end(char bracket) {
+    const bool empty = m_empty.back();
+    m_empty.pop_back();
+    if (!empty) newLine();
+    m_out += bracket;
+    return *this;
+}
+
+JsonWriter& JsonWriter::key(const char* name) {
+    separate();
+    writeText(QString::fromLatin1(name));
+    m_out += m_indented ? ": " : ":";
+    m_afterKey = true;
+    return *this;
+}
+
+JsonWriter& JsonWriter::value(const QString& text) {
+    separate();
+    writeText(text);
+    return *this;
+}
+
+JsonWriter& JsonWriter::value(int number) {
+    separate();
+    m_out += QByteArray::number(number);
+    return *this;
+}
+
+JsonWriter& JsonWriter::value(bool flag) {
+    separate();
+    m_out += flag ? "true" : "false";
+    return *this;
+}
+
+JsonWriter& JsonWriter::null() {
+    separate();
+    m_out += "null";
+    return *this;
+}
+
+void JsonWriter::writeText(const QString& text) {
+    m_out += '"';
+    for (const char character : text.toUtf8()) {
+        switch (character) {
+        case '"': m_out += "\\\""; break;
+        case '\\': m_out += "\\\\"; break;
+        case '\n': m_out += "\\n"; break;
+        case '\r': m_out += "\\r"; break;
+        case '\t': m_out += "\\t"; break;
+        default:
+            if (uchar(character) < 0x20) {
+                m_out += "\\u00" + QByteArray::number(uchar(character), 16).rightJustified(2, '0');
+            } else {
+                m_out += character;
+            }
+        }
+    }
+    m_out += '"';
+}
+
+}  // namespace orv

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "core/Export.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+class TorvQueryBuilder;
+
+namespace orv {
+
+/// What a program adds to the state of a query that it writes.
+struct StateNotes {
+    QString error;         ///< the text that LoadSQL raised; none when empty
+    QStringList messages;  ///< texts of the message boxes raised on the way
+};
+
+enum class JsonLayout { Indented, Compact };
+
+/// The state of a query as one JSON document in UTF-8: statement, tables, columns and all else that
+/// the control holds, keys in a fixed order. `statement` is null when it cannot be written; its
+/// error then stands under `error`, unless `notes` has one.
+[[nodiscard]] ORV_EXPORT QByteArray stateJson(TorvQueryBuilder& builder, const StateNotes& notes,
+                                              JsonLayout layout = JsonLayout::Indented);
+
+}  // namespace orv

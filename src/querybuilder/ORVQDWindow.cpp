@@ -1,0 +1,267 @@
+// SPDX-License-Identifier: MIT
+// The query builder as a widget: its parts, its properties, its questions to the host.
+#include "querybuilder/ORVQDWindow.h"
+
+#include "core/Error.h"
+#include "selection/ORVQDSelectOrder.h"
+#include "toolkit/Services.h"
+#include "workarea/ORVQDFloatPanel.h"
+
+#include <QEvent>
+#include <QLayout>
+#include <QPointer>
+#include <QShowEvent>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr QSize initialSize(300, 200);
+constexpr int splitterHeightPx = 5;
+constexpr int leastTabsHeightPx = 100;
+
+// Counts a call of a host's handler for as long as it runs; the builder may die in it.
+class HostCall {
+public:
+    HostCall(QObject* builder, int& calls) : m_builder(builder), m_calls(calls) { ++m_calls; }
+    ~HostCall() {
+        if (m_builder) --m_calls;
+    }
+    HostCall(const HostCall&) = delete;
+    HostCall& operator=(const HostCall&) = delete;
+
+private:
+    QPointer<QObject> m_builder;
+    int& m_calls;
+};
+
+}  // namespace
+
+TorvTabSheet::TorvTabSheet(QWidget* parent) : QWidget(parent) {
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Ignored);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+}
+
+TorvQueryBuilder::TorvQueryBuilder(QWidget* parent, bool designMode)
+    : TorvBuilder(parent), m_tabsHeight(leastTabsHeightPx) {
+    resize(initialSize);
+    setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+    setLineWidth(1);
+    WorkAreaOptions = std::make_unique<TorvQDWorkAreaOptions>();
+    ConditionOptions = std::make_unique<TorvQDConditionOptions>();
+    ImageList = {QIcon(QStringLiteral(":/orv/TABLEBMP.svg")),
+                 QIcon(QStringLiteral(":/orv/FIELDBMP.svg"))};
+    fillCatalogues();
+
+    Splitter = new QSplitter(Qt::Vertical, this);
+    Splitter->setHandleWidth(splitterHeightPx);
+    Splitter->setChildrenCollapsible(false);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(Splitter);
+    createPages(designMode);
+    if (!designMode) createWorkArea();
+    Splitter->setStretchFactor(Splitter->count() - 1, 0);
+}
+
+// The children go first, while the lists that they refer to are still there.
+TorvQueryBuilder::~TorvQueryBuilder() {
+    beginChange();  // nobody is told of what goes
+    delete WorkArea;
+    delete PageCtrl;
+}
+
+void TorvQueryBuilder::fillCatalogues() {
+    orv::fillGroupOperators(GroupOpers, this);
+    orv::fillAggregates(AgrFuncs);
+    Operators = std::make_unique<TOperatorList>();
+    orv::fillOperators(*Operators);
+}
+
+TorvTabSheet* TorvQueryBuilder::addSheet(const QString& caption) {
+    auto* sheet = new TorvTabSheet;
+    PageCtrl->addTab(sheet, caption);
+    return sheet;
+}
+
+void TorvQueryBuilder::createPages(bool designMode) {
+    PageCtrl = new QTabWidget(Splitter);
+    PageCtrl->setObjectName(QStringLiteral("PageCtrl"));
+    PageCtrl->setMinimumHeight(1);
+    addSheet(QStringLiteral("Criterions"));
+    TorvTabSheet* selection = addSheet(QStringLiteral("Selection"));
+    addSheet(QStringLiteral("Grouping criterions"));
+    addSheet(QStringLiteral("Sorting"));
+    if (designMode) return;
+    SelectPanel = new TorvQDSelectPanel(selection);
+    selection->layout()->addWidget(SelectPanel);
+    TorvQDSelectGrid* grid = SelectPanel->grid();
+    grid->AgrFuncs = &AgrFuncs;
+    grid->AllFields = &m_allFields;
+    grid->OnFieldChosen = [this](const QString& name) { _SelectField(name); };
+    grid->OnFieldRemoved = [this](const QString& name) { _UnselectField(name); };
+}
+
+void TorvQueryBuilder::createWorkArea() {
+    WorkArea = new TorvQDWorkArea(this);
+    Splitter->insertWidget(0, WorkArea);
+    Splitter->setStretchFactor(0, 1);
+    WorkArea->OnCheckItem = [this](QObject* sender, TorvQDListItem* item) {
+        _AddRemoveField(sender, item);
+    };
+    WorkArea->OnAddTable = [this](QObject* sender, QObject* table) { _AddTable(sender, table); };
+    WorkArea->OnRemoveTable = [this](QObject* sender, QObject* table) {
+        _RemoveTable(sender, table);
+    };
+    WorkArea->OnChangeAlias = [this](QObject* table, const QString& oldAlias) {
+        _ChangeAlias(table, oldAlias);
+    };
+    WorkArea->contentsCleared = [this] { m_allFields.clear(); };
+    ListOfTables = std::make_unique<TorvQDListOfTables>(WorkArea);
+}
+
+QSize TorvQueryBuilder::sizeHint() const {
+    return initialSize;
+}
+
+// --- properties
+// -----------------------------------------------------------------------------------
+
+int TorvQueryBuilder::TabsHeight() const {
+    const QList<int> sizes = Splitter->sizes();
+    const bool laidOut = isVisible() && !sizes.isEmpty() && sizes.last() > 0;
+    return laidOut ? sizes.last() : m_tabsHeight;
+}
+
+void TorvQueryBuilder::setTabsHeight(int height) {
+    if (height <= leastTabsHeightPx || height == TabsHeight()) return;
+    m_tabsHeight = height;
+    applyTabsHeight();
+}
+
+void TorvQueryBuilder::applyTabsHeight() {
+    if (!WorkArea) return;
+    const int rest = contentsRect().height() - splitterHeightPx - m_tabsHeight;
+    if (rest > 0) Splitter->setSizes({rest, m_tabsHeight});
+}
+
+void TorvQueryBuilder::resizeEvent(QResizeEvent* event) {
+    TorvBuilder::resizeEvent(event);
+    if (!isVisible()) applyTabsHeight();
+}
+
+void TorvQueryBuilder::showEvent(QShowEvent* event) {
+    TorvBuilder::showEvent(event);
+    if (!event->spontaneous()) applyTabsHeight();
+}
+
+void TorvQueryBuilder::setAlign(TAlign align) {
+    m_align = align;
+    if (!parentWidget()) return;
+    parentWidget()->removeEventFilter(this);
+    if (align != alNone) parentWidget()->installEventFilter(this);
+    applyAlign();
+}
+
+bool TorvQueryBuilder::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == parentWidget() && event->type() == QEvent::Resize) applyAlign();
+    return TorvBuilder::eventFilter(watched, event);
+}
+
+// A parent with a layout places its children itself.
+void TorvQueryBuilder::applyAlign() {
+    if (!parentWidget() || parentWidget()->layout()) return;
+    const QRect area = parentWidget()->contentsRect();
+    switch (m_align) {
+    case alNone: break;
+    case alTop: setGeometry(area.x(), area.y(), area.width(), height()); break;
+    case alBottom:
+        setGeometry(area.x(), area.y() + area.height() - height(), area.width(), height());
+        break;
+    case alLeft: setGeometry(area.x(), area.y(), width(), area.height()); break;
+    case alRight:
+        setGeometry(area.x() + area.width() - width(), area.y(), width(), area.height());
+        break;
+    case alClient: setGeometry(area); break;
+    }
+}
+
+void TorvQueryBuilder::setWorkAreaOptions(const TorvQDWorkAreaOptions& options) {
+    WorkAreaOptions->Assign(&options);
+}
+
+void TorvQueryBuilder::setConditionOptions(const TorvQDConditionOptions& options) {
+    ConditionOptions->Assign(&options);
+}
+
+void TorvQueryBuilder::setOperators(const TOperatorList& operators) {
+    Operators->Assign(&operators);
+}
+
+QStringList TorvQueryBuilder::OperatorsList() const {
+    return Operators->toStrings();
+}
+
+void TorvQueryBuilder::setOperatorsList(const QStringList& texts) {
+    if (texts.isEmpty()) return;
+    orv::guarded([&] { Operators->fromStrings(texts); });
+}
+
+void TorvQueryBuilder::setKeepMeaning(bool keep) {
+    if (keep == m_keepMeaning) return;
+    m_keepMeaning = keep;
+    statementChanged();
+}
+
+void TorvQueryBuilder::setTailText(const QString& text) {
+    if (text == m_tail) return;
+    m_tail = text;
+    statementChanged();
+}
+
+QString TorvQueryBuilder::GetSortedFieldName(int Index) const {
+    return SelectPanel ? SelectPanel->grid()->GetFieldName(Index) : QString();
+}
+
+QString TorvQueryBuilder::GetSortedAliasName(const QString& Name) const {
+    return SelectPanel ? SelectPanel->grid()->GetFieldAlias(Name) : QString();
+}
+
+// --- questions to the host
+// ------------------------------------------------------------------------
+
+bool TorvQueryBuilder::DoAddRemoveTable(TorvQDTable* Table, TAddRemove Action) {
+    bool allowed = true;
+    const TAddRemoveTableEvent handler = OnAddRemoveTable;
+    const HostCall call(this, m_hostCalls);
+    if (handler) handler(this, Table, Action, allowed);
+    return allowed;
+}
+
+bool TorvQueryBuilder::DoAddRemoveLink(TorvQDLink* Link, TAddRemove Action) {
+    bool allowed = true;
+    const TAddRemoveLinkEvent handler = OnAddRemoveLink;
+    const HostCall call(this, m_hostCalls);
+    if (handler) handler(this, Link, Action, allowed);
+    return allowed;
+}
+
+bool TorvQueryBuilder::canGetTableFields() const {
+    return bool(OnGetTableFields);
+}
+
+void TorvQueryBuilder::getTableFields(const QString& nameOfTable,
+                                      std::unique_ptr<TDataSet>& dataSet,
+                                      std::unique_ptr<TParams>& params) {
+    const TGetTableFieldsEvent handler = OnGetTableFields;
+    const HostCall call(this, m_hostCalls);
+    if (handler) handler(nameOfTable, dataSet, params);
+}
+
+void TorvQueryBuilder::enterProcParameter(TorvQDTable* procedure, TorvQDListItem* item) {
+    if (const TEnterProcParameter handler = OnEnterProcParameter) handler(this, procedure, item);
+}
+
+void TorvQueryBuilder::CommitPendingEdits() {
+    if (WorkArea) WorkArea->commitPendingEdit();
+}

@@ -1,0 +1,207 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "catalogue/ORVQDOperators.h"
+#include "catalogue/ORVQDOptions.h"
+#include "contract/IPagesHost.h"
+#include "contract/IWorkAreaOwner.h"
+#include "contract/TorvBuilder.h"
+#include "core/Export.h"
+#include "data/DataSet.h"
+#include "data/Events.h"
+#include "data/NameList.h"
+#include "parser/ORVQDFindings.h"
+#include "querybuilder/ORVQDListOfTables.h"
+
+#include <QIcon>
+#include <QList>
+#include <QSet>
+#include <QSplitter>
+#include <QTabWidget>
+
+#include <memory>
+#include <optional>
+
+class TorvQDParser;
+class TorvQDSelectPanel;
+class TorvQDWorkArea;
+
+/// The sheet of the page control on which a page's panel lies.
+class ORV_EXPORT TorvTabSheet : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit TorvTabSheet(QWidget* parent = nullptr);
+};
+
+/// Edits of the operator catalogue that a host may forbid.
+enum ORVQDWindow__1 : quint8 { erAdd = 0, erDelete = 1, erName = 2, erArgument = 3 };
+static_assert(erAdd == 0 && erDelete == 1 && erName == 2 && erArgument == 3);
+Q_DECLARE_FLAGS(TEditRestrictions, ORVQDWindow__1)
+
+/// The query builder: a diagram of tables above pages for the rest of a query. What is drawn and
+/// ticked becomes one SELECT statement, and a SELECT statement becomes the picture. It knows no
+/// database: the host hands over tables and answers OnGetTableFields.
+///
+/// All operations belong to the thread of the user interface. Those that raise throw orv::Error. A
+/// host that wants to destroy the control from within one of its handlers uses deleteLater().
+class ORV_EXPORT TorvQueryBuilder : public TorvBuilder, public IWorkAreaOwner, public IPagesHost {
+    Q_OBJECT
+    Q_PROPERTY(TAlign Align READ Align WRITE setAlign)
+    Q_PROPERTY(int TabsHeight READ TabsHeight WRITE setTabsHeight)
+    Q_PROPERTY(QStringList OperatorsList READ OperatorsList WRITE setOperatorsList)
+    Q_PROPERTY(bool KeepMeaning READ KeepMeaning WRITE setKeepMeaning)
+    Q_PROPERTY(QString TailText READ TailText WRITE setTailText)
+
+public:
+    /// Where the control places itself in a parent that has no layout.
+    enum TAlign : quint8 { alNone, alTop, alBottom, alLeft, alRight, alClient };
+    Q_ENUM(TAlign)
+
+    /// In design mode only the empty pages and the splitter are there.
+    explicit TorvQueryBuilder(QWidget* parent = nullptr, bool designMode = false);
+    ~TorvQueryBuilder() override;
+
+    TorvQDWorkArea* WorkArea = nullptr;                ///< the diagram; none in design mode
+    std::unique_ptr<TorvQDListOfTables> ListOfTables;  ///< none in design mode
+    QTabWidget* PageCtrl = nullptr;
+    QSplitter* Splitter = nullptr;
+    TGroupOperators GroupOpers;
+    QStringList AgrFuncs;
+    std::unique_ptr<TOperatorList> Operators;
+    TorvQDSelectPanel* SelectPanel = nullptr;  ///< none in design mode
+    std::unique_ptr<TorvQDWorkAreaOptions> WorkAreaOptions;
+    std::unique_ptr<TorvQDConditionOptions> ConditionOptions;
+    QList<QIcon> ImageList;  ///< 16 x 16: a table, a field
+
+    // Events of the host; a veto that is not assigned allows everything.
+    TGetTableFieldsEvent OnGetTableFields;
+    TAddRemoveTableEvent OnAddRemoveTable;
+    TAddRemoveLinkEvent OnAddRemoveLink;
+    TEnterProcParameter OnEnterProcParameter;
+
+    /// The statement of what is shown. Raises orv::Error when a grouped selection has a column that
+    /// can be neither aggregated nor grouped.
+    [[nodiscard]] QString GetSQLStatment();
+
+    /// Rebuilds everything from a SELECT statement; the text of the present statement changes
+    /// nothing. Raises orv::Error, with everything left as it was, when the text is no SELECT, the
+    /// host cannot be asked for tables, or a join has no table; what a handler of the host raises
+    /// passes through and leaves what was loaded so far.
+    void LoadSQL(const QString& Text);
+
+    /// What the last LoadSQL could not hold, or holds with another meaning, in the order of the
+    /// text. Empty: the statement that is written asks for the same rows as the loaded one.
+    [[nodiscard]] const orv::Findings& LoadReport() const { return m_report; }
+
+    /// Empties the diagram and all pages.
+    void Clear();
+
+    /// Takes over what is being typed in an open editor.
+    void CommitPendingEdits();
+
+    [[nodiscard]] bool DoAddRemoveTable(TorvQDTable* Table, TAddRemove Action) override;
+    [[nodiscard]] bool DoAddRemoveLink(TorvQDLink* Link, TAddRemove Action) override;
+    [[nodiscard]] QString GetSortedFieldName(int Index) const;
+    [[nodiscard]] QString GetSortedAliasName(const QString& Name) const;
+
+    /// Fields that are ticked in boxes, and all fields of all boxes, as qualified names.
+    [[nodiscard]] const orv::NameList& SelectedFields();
+    [[nodiscard]] const orv::NameList& AllFields() const { return m_allFields; }
+
+    [[nodiscard]] TAlign Align() const { return m_align; }
+    void setAlign(TAlign align);
+
+    /// Height of the page control in pixels; values of 100 and less are ignored.
+    [[nodiscard]] int TabsHeight() const;
+    void setTabsHeight(int height);
+
+    /// Assigning copies into the owned objects.
+    void setWorkAreaOptions(const TorvQDWorkAreaOptions& options);
+    void setConditionOptions(const TorvQDConditionOptions& options);
+    void setOperators(const TOperatorList& operators);
+
+    /// The operator catalogue as six texts an entry, as a form stores it. An empty list is ignored;
+    /// a damaged one keeps its whole entries and is told to the error handler.
+    [[nodiscard]] QStringList OperatorsList() const;
+    void setOperatorsList(const QStringList& texts);
+
+    /// Whether the written statement asks for the same rows as the loaded one, whatever the order
+    /// of the boxes. False writes in the order of stacking.
+    [[nodiscard]] bool KeepMeaning() const override { return m_keepMeaning; }
+    void setKeepMeaning(bool keep);
+
+    /// What follows the last clause: UNION, LIMIT and the like, as text.
+    [[nodiscard]] const QString& TailText() const { return m_tail; }
+    void setTailText(const QString& text);
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+    // What the diagram and the pages ask.
+    [[nodiscard]] bool canGetTableFields() const override;
+    void getTableFields(const QString& nameOfTable, std::unique_ptr<TDataSet>& dataSet,
+                        std::unique_ptr<TParams>& params) override;
+    void enterProcParameter(TorvQDTable* procedure, TorvQDListItem* item) override;
+    [[nodiscard]] TorvQDWorkAreaOptions& workAreaOptions() override { return *WorkAreaOptions; }
+    [[nodiscard]] orv::LoadLedger* ledger() override { return m_ledger.get(); }
+    [[nodiscard]] QStringList tableAliases() const override;
+    [[nodiscard]] std::vector<PageField> fieldsOf(const QString& alias) const override;
+    [[nodiscard]] std::optional<PageField> resolveField(const QString& text) const override;
+    [[nodiscard]] bool isDiagramField(const QString& qualifiedName) const override;
+    void beginChange() override;
+    void endChange() override;
+    void statementChanged() override;
+
+Q_SIGNALS:
+    /// After any change that can alter the statement; once per user action or call.
+    void StatementChanged();
+    /// After LoadSQL, with the same findings as LoadReport().
+    void LoadReported(const orv::Findings& findings);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void fillCatalogues();
+    void createPages(bool designMode);
+    TorvTabSheet* addSheet(const QString& caption);
+    void createWorkArea();
+    void applyTabsHeight();
+    void applyAlign();
+
+    // Handlers of the diagram and of the selection grid.
+    void _AddRemoveField(QObject* Sender, TorvQDListItem* Item);
+    void _AddTable(QObject* Sender, QObject* Table);
+    void _RemoveTable(QObject* Sender, QObject* Table);
+    void _ChangeAlias(QObject* Table, const QString& OldAlias);
+    void _SelectField(const QString& FullName);
+    void _UnselectField(const QString& FullName);
+
+    [[nodiscard]] TorvQDListItem* resolveItem(const QString& text) const;
+    [[nodiscard]] bool isListed(const QString& name) const;
+    void flushRemovals();
+
+    void refuseWhileBusy() const;
+    void checkLoadable(const TorvQDParser& root) const;
+    void clearAll();
+    void loadParsed(const TorvQDParser& root);
+    void loadTail(int tailStart, int tailEnd, int restStart);
+    void compareClauses(const TorvQDParser& root);
+
+    orv::NameList m_selectedFields;
+    orv::NameList m_allFields;
+    QSet<QString> m_removals;  // unticked in this change, not yet taken off the lists
+    TAlign m_align = alNone;
+    int m_tabsHeight;
+    bool m_keepMeaning = false;
+    QString m_tail;
+    orv::Findings m_report;
+    std::unique_ptr<orv::LoadLedger> m_ledger;
+    bool m_loading = false;
+    int m_hostCalls = 0;  // handlers of the host that ask for something and have not returned
+    int m_changeDepth = 0;
+    bool m_statementChanged = false;
+    bool m_gridChanged = false;
+};

@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: MIT
+// How changes travel between the diagram and the pages: always through the query builder.
+#include "core/Text.h"
+#include "querybuilder/ORVQDWindow.h"
+#include "selection/ORVQDSelectOrder.h"
+#include "workarea/ORVQDFloatPanel.h"
+
+#include <QThread>
+
+// --- one change
+// -----------------------------------------------------------------------------------
+
+void TorvQueryBuilder::beginChange() {
+    ++m_changeDepth;
+}
+
+void TorvQueryBuilder::endChange() {
+    if (m_changeDepth == 1) flushRemovals();
+    if (--m_changeDepth > 0) return;
+    if (m_gridChanged && SelectPanel) SelectPanel->grid()->refreshView();
+    m_gridChanged = false;
+    if (!m_statementChanged) return;
+    m_statementChanged = false;
+    Q_EMIT StatementChanged();
+}
+
+void TorvQueryBuilder::statementChanged() {
+    Q_ASSERT(thread() == QThread::currentThread());
+    beginChange();
+    m_statementChanged = true;
+    m_gridChanged = true;
+    endChange();
+}
+
+// --- ticks
+// ----------------------------------------------------------------------------------------
+
+bool TorvQueryBuilder::isListed(const QString& name) const {
+    return m_selectedFields.contains(name) && !m_removals.contains(name);
+}
+
+// Names that were unticked leave both lists in one walk, so that unticking a box of many rows does
+// not walk them once per row.
+void TorvQueryBuilder::flushRemovals() {
+    if (m_removals.isEmpty()) return;
+    const QSet<QString> names = std::exchange(m_removals, {});
+    m_selectedFields.remove(names);
+    if (SelectPanel) SelectPanel->grid()->uncheckFields(names);
+}
+
+const orv::NameList& TorvQueryBuilder::SelectedFields() {
+    flushRemovals();
+    return m_selectedFields;
+}
+
+// A field that a loaded statement names without its table is listed under that name.
+void TorvQueryBuilder::_AddRemoveField(QObject* Sender, TorvQDListItem* Item) {
+    auto* table = qobject_cast<TorvQDTable*>(Sender);
+    if (!table) return;
+    const QString name = table->GetAlias() + u'.' + Item->Name;
+    const bool bareListed = isListed(Item->Name) && resolveItem(Item->Name) == Item;
+    beginChange();
+    if (!Item->Checked) {
+        if (isListed(name)) m_removals.insert(name);
+        if (bareListed) m_removals.insert(Item->Name);
+        statementChanged();
+    } else if (!bareListed && !isListed(name)) {
+        flushRemovals();
+        m_selectedFields.append(name);
+        if (SelectPanel) SelectPanel->grid()->CheckField(name);
+    }
+    endChange();
+}
+
+TorvQDListItem* TorvQueryBuilder::resolveItem(const QString& text) const {
+    const std::optional<PageField> field = resolveField(text);
+    const TorvQDTable* table = field ? WorkArea->GetTable(field->alias) : nullptr;
+    return table ? table->GetFieldItem(field->name) : nullptr;
+}
+
+void TorvQueryBuilder::_SelectField(const QString& FullName) {
+    TorvQDListItem* item = resolveItem(FullName);
+    if (!item) return;
+    beginChange();
+    item->UpdateCheck(-1);
+    flushRemovals();
+    m_selectedFields.appendNew(FullName);
+    endChange();
+}
+
+void TorvQueryBuilder::_UnselectField(const QString& FullName) {
+    TorvQDListItem* item = resolveItem(FullName);
+    if (!item) return;
+    item->UpdateCheck(0);
+    m_selectedFields.remove({FullName});
+}
+
+// --- tables
+// ---------------------------------------------------------------------------------------
+
+void TorvQueryBuilder::_AddTable(QObject*, QObject* Table) {
+    const auto* table = qobject_cast<TorvQDTable*>(Table);
+    if (!table) return;
+    const QString prefix = table->GetAlias() + u'.';
+    for (const auto& item : table->Items) {
+        if (item->ParamType == ptOutput) m_allFields.appendNew(prefix + item->Name);
+    }
+}
+
+void TorvQueryBuilder::_RemoveTable(QObject*, QObject* Table) {
+    const auto* table = qobject_cast<TorvQDTable*>(Table);
+    if (table) m_allFields.removeWithPrefix(table->GetAlias() + u'.');
+}
+
+// The old alias is compared as a prefix alone: renaming "T" also renames "T2.NAME" to the new
+// alias.
+void TorvQueryBuilder::_ChangeAlias(QObject* Table, const QString& OldAlias) {
+    const auto* table = qobject_cast<TorvQDTable*>(Table);
+    if (!table) return;
+    const QString alias = table->GetAlias();
+    const auto renamed = [&](const QString& name) {
+        if (!name.startsWith(OldAlias)) return name;
+        return alias + u'.' + orv::splitQualifiedName(name).field;
+    };
+    flushRemovals();
+    m_selectedFields.transform(renamed);
+    m_allFields.transform(renamed);
+    if (SelectPanel) SelectPanel->grid()->ChangeAlias(alias, OldAlias);
+}
+
+// --- what the pages ask
+// ---------------------------------------------------------------------------
+
+namespace {
+
+PageField pageField(const TorvQDTable& table, const TorvQDListItem& item) {
+    return {table.GetAlias(), item.Name, item.FieldType};
+}
+
+}  // namespace
+
+QStringList TorvQueryBuilder::tableAliases() const {
+    QStringList aliases;
+    for (const TorvQDTable* table : WorkArea->tablesByCreation()) aliases << table->GetAlias();
+    return aliases;
+}
+
+std::vector<PageField> TorvQueryBuilder::fieldsOf(const QString& alias) const {
+    std::vector<PageField> fields;
+    const TorvQDTable* table = WorkArea->findTable(alias);
+    if (!table) return fields;
+    for (const auto& item : table->Items) {
+        if (item->ParamType == ptOutput) fields.push_back(pageField(*table, *item));
+    }
+    return fields;
+}
+
+std::optional<PageField> TorvQueryBuilder::resolveField(const QString& text) const {
+    const orv::QualifiedName name = orv::splitQualifiedName(text);
+    if (orv::firstFullStop(text) >= 0) {
+        const TorvQDTable* table = WorkArea->findTable(name.alias);
+        const TorvQDListItem* item = table ? table->findItem(name.field) : nullptr;
+        return item ? std::optional(pageField(*table, *item)) : std::nullopt;
+    }
+    std::optional<PageField> found;
+    for (const TorvQDTable* table : WorkArea->tablesByCreation()) {
+        const TorvQDListItem* item = table->findItem(name.field);
+        if (!item || item->ParamType != ptOutput) continue;
+        if (found) return std::nullopt;
+        found = pageField(*table, *item);
+    }
+    return found;
+}
+
+bool TorvQueryBuilder::isDiagramField(const QString& qualifiedName) const {
+    return m_allFields.contains(qualifiedName);
+}
