@@ -41,8 +41,6 @@ namespace orv {
 
 namespace {
 
-constexpr qsizetype longestWord = 11;  // "IS NOT NULL", "CONTAINING", "DESCENDING"
-
 struct Entry {
     QString word;
     WordInfo info;
@@ -62,6 +60,10 @@ public:
         add(words({"UNION", "INTERSECT", "EXCEPT", "LIMIT", "OFFSET", "FETCH", "FOR", "WINDOW",
                    "CROSS", "NATURAL", "USING"}),
             wordNeverAlias);
+        add(words({"GROUP", "ORDER", "IS"}), wordPair);
+        add(words({"CROSS", "NATURAL", "USING"}), wordUnheldJoin);
+        add(words({"ON"}), wordOn);
+        add(words({"AS"}), wordAs);
         const QStringList clauses =
             words({"SELECT", "FROM", "WHERE", "GROUP BY", "HAVING", "ORDER BY"});
         add(clauses, wordClause);
@@ -70,6 +72,9 @@ public:
         }
         for (qsizetype index = 0; index < lJoins().size(); ++index) {
             find(lJoins()[index])->joinIndex = qint8(index);
+        }
+        for (std::vector<Entry>& entries : m_byLength) {
+            for (Entry& entry : entries) entry.info.spelling = &entry.word;
         }
     }
 
@@ -96,14 +101,14 @@ private:
         }
     }
 
-    std::array<std::vector<Entry>, longestWord + 1> m_byLength;
+    std::array<std::vector<Entry>, longestKnownWord + 1> m_byLength;
 };
 
 }  // namespace
 
 WordInfo wordInfo(QStringView upperWord) {
     static const WordTable table;
-    if (upperWord.isEmpty() || upperWord.size() > longestWord) return {};
+    if (upperWord.isEmpty() || upperWord.size() > longestKnownWord) return {};
     const WordInfo* info = table.find(upperWord);
     return info ? *info : WordInfo();
 }

@@ -4,6 +4,7 @@
 #include "core/Export.h"
 #include "parser/ORVQDNodeKinds.h"
 
+#include <QString>
 #include <QStringList>
 #include <QStringView>
 
@@ -26,15 +27,23 @@ enum WordTrait : quint16 {
     wordFunction = 1 << 5,       ///< a function that the parser knows by name
     wordDirection = 1 << 6,      ///< ASC, ASCENDING, DESC, DESCENDING
     wordNeverAlias = 1 << 7,  ///< begins something else behind an item: UNION, LIMIT, NATURAL ...
+    wordPair = 1 << 8,        ///< may be one word with the next: GROUP, ORDER, IS
+    wordUnheldJoin = 1 << 9,  ///< CROSS, NATURAL, USING
+    wordOn = 1 << 10,
+    wordAs = 1 << 11,
 };
 
 struct WordInfo {
     quint16 traits = 0;
+    const QString* spelling = nullptr;  ///< the word itself, to be shared; none without traits
     TLocationKinds clause = inUnknown;  ///< of a wordClause
     qint8 joinIndex = -1;               ///< position in lJoins
 
     [[nodiscard]] bool is(WordTrait trait) const { return (traits & trait) != 0; }
 };
+
+/// Length of the longest word that the parser knows.
+inline constexpr qsizetype longestKnownWord = 11;  // "IS NOT NULL", "CONTAINING", "DESCENDING"
 
 /// What the parser knows of an upper-case word; no traits for an ordinary one.
 [[nodiscard]] ORV_EXPORT WordInfo wordInfo(QStringView upperWord);

@@ -7,6 +7,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <numeric>
 
 namespace orv {
 
@@ -31,6 +32,10 @@ public:
 private:
     void readOne() {
         const QChar character = m_given[m_position];
+        if (isPlainCharacter(character)) {
+            copyPlain();
+            return;
+        }
         const QChar next = m_position + 1 < m_given.size() ? m_given[m_position + 1] : QChar();
         if (character == u'\'' || character == u'"') {
             copyQuoted(character);
@@ -48,6 +53,24 @@ private:
 
     static bool isBlank(QChar character) {
         return character.unicode() < u' ' || character.isSpace() || character == QChar(0xFEFF);
+    }
+
+    // Characters of names, numbers and blanks stay as they are: they are copied a run at a time.
+    void copyPlain() {
+        const qsizetype start = m_position;
+        while (m_position < m_given.size() && isPlainCharacter(m_given[m_position])) ++m_position;
+        m_result.text += QStringView(m_given).mid(start, m_position - start);
+        const std::size_t before = m_result.positions.size();
+        m_result.positions.resize(before + std::size_t(m_position - start));
+        std::iota(m_result.positions.begin() + std::ptrdiff_t(before), m_result.positions.end(),
+                  int(start));
+    }
+
+    static bool isPlainCharacter(QChar character) {
+        const char16_t unit = character.unicode();
+        return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') ||
+               (unit >= u'0' && unit <= u'9') || unit == u' ' || unit == u'.' || unit == u'_' ||
+               unit == u',' || unit == u'(' || unit == u')' || unit == u'=';
     }
 
     void append(QChar character, qsizetype givenPosition) {
@@ -152,10 +175,7 @@ bool isAny(const TokenRun& run, int index, std::initializer_list<QStringView> wo
                        [&](QStringView word) { return run.is(index, word); });
 }
 
-bool startsTail(const TokenRun& run, int index) {
-    if (index == 0 || run[index].kind != SqlToken::Word || !endsOperand(run, index - 1)) {
-        return false;
-    }
+bool isTailKeyword(const TokenRun& run, int index) {
     const int next = index + 1;
     if (isAny(run, index, {u"UNION", u"INTERSECT", u"EXCEPT"})) {
         return isAny(run, next, {u"SELECT", u"ALL", u"DISTINCT", u"("});
@@ -163,6 +183,19 @@ bool startsTail(const TokenRun& run, int index) {
     if (run.is(index, u"FETCH")) return isAny(run, next, {u"FIRST", u"NEXT"});
     if (run.is(index, u"FOR")) return isAny(run, next, {u"UPDATE", u"SHARE"});
     return isAny(run, index, {u"LIMIT", u"OFFSET", u"WINDOW"});
+}
+
+// Most words are told from the keywords of a tail by their length and first letter.
+bool mayBeTailWord(QStringView word) {
+    if (word.size() < 3 || word.size() > 9) return false;
+    return QStringView(u"UIELOFWuielofw").contains(word.front());
+}
+
+bool startsTail(const TokenRun& run, int index) {
+    if (index == 0 || run[index].kind != SqlToken::Word || !mayBeTailWord(run.textOf(index))) {
+        return false;
+    }
+    return isTailKeyword(run, index) && endsOperand(run, index - 1);
 }
 
 }  // namespace

@@ -29,6 +29,17 @@ QString joinText(int joinIndex) {
     }
 }
 
+// The usual operators share their texts.
+QString operatorText(QStringView signs) {
+    static const QString usual[] = {QStringLiteral("="), QStringLiteral("<>"), QStringLiteral("<"),
+                                    QStringLiteral(">"), QStringLiteral("<="), QStringLiteral(">="),
+                                    QStringLiteral("*"), QStringLiteral("+"),  QStringLiteral("-")};
+    for (const QString& text : usual) {
+        if (text == signs) return text;
+    }
+    return signs.toString();
+}
+
 bool isRightOrLeft(const QString& word) {
     return word == u"LEFT" || word == u"RIGHT";
 }
@@ -133,7 +144,7 @@ int TorvQDParseRun::endOfOperator(const Frame& frame) const {
 
 void TorvQDParseRun::readOperator(const Frame& frame, int operatorEnd) {
     const int start = m_position;
-    const QString text = m_text.mid(start, operatorEnd - start);
+    const QString text = operatorText(QStringView(m_text).mid(start, operatorEnd - start));
     m_position = operatorEnd;
     const std::vector<TorvQDParser::Node>& before = frame.node->Children();
     const bool isStar = text == u"*" && (before.empty() || before.back()->Kind() == otMatchingType);
@@ -152,7 +163,7 @@ void TorvQDParseRun::readWord(const Frame& frame) {
         return;
     }
     m_position = word.next;
-    const orv::WordInfo info = orv::wordInfo(word.text);
+    const orv::WordInfo info = word.info;
     if (info.is(orv::wordMatching)) {
         add(*frame.node, otMatchingType, inItem, word.text, m_wordStart, word.end);
     } else if (info.is(orv::wordClause)) {
@@ -162,7 +173,7 @@ void TorvQDParseRun::readWord(const Frame& frame) {
         TorvQDParser* node =
             add(*frame.node, otFunc, inFunction, word.text, m_wordStart, group.end);
         openGroup(node, group, frame.node->Location() == inSelect);
-    } else if (!DoParseOf(frame, word, info)) {
+    } else if (!DoParseOf(frame, word)) {
         m_position = m_wordStart;
         finish();
     }
@@ -182,16 +193,15 @@ void TorvQDParseRun::readClause(const Frame& frame, const orv::ScannedWord& word
 }
 
 // An ordinary word, by the place where it stands; false ends the node, with the word put back.
-bool TorvQDParseRun::DoParseOf(const Frame& frame, const orv::ScannedWord& word,
-                               const orv::WordInfo& info) {
+bool TorvQDParseRun::DoParseOf(const Frame& frame, const orv::ScannedWord& word) {
     switch (frame.node->Location()) {
     case inFunction:
     case inSelect: DoParseOfValue(frame, word.text, m_wordStart, word.end); return true;
-    case inFrom: return DoParseOfTable(frame, word, info);
+    case inFrom: return DoParseOfTable(frame, word);
     case inWhere:
-    case inHaving: return DoParseOfCondition(frame, word, info);
+    case inHaving: return DoParseOfCondition(frame, word);
     case inGroupBy:
-    case inOrderBy: DoParseOfOrderList(frame, word, info); return true;
+    case inOrderBy: DoParseOfOrderList(frame, word); return true;
     case inUnknown:
     case inItem: break;
     }
@@ -205,21 +215,20 @@ void TorvQDParseRun::DoParseOfValue(const Frame& frame, const QString& word, int
     if (frame.node->Location() == inSelect) GetAlias(*leaf, frame.end);
 }
 
-bool TorvQDParseRun::DoParseOfTable(const Frame& frame, const orv::ScannedWord& word,
-                                    const orv::WordInfo& info) {
+bool TorvQDParseRun::DoParseOfTable(const Frame& frame, const orv::ScannedWord& word) {
     if (isTrimmedEmpty(word.text)) return true;
     bool goOn = true;
-    if (readUnheldJoin(frame, word, goOn)) return goOn;
-    if (word.text == u"ON") {
+    if (word.info.is(orv::wordUnheldJoin) && readUnheldJoin(frame, word, goOn)) return goOn;
+    if (word.info.is(orv::wordOn)) {
         open(add(*frame.node, otCompound, inWhere, word.text, m_wordStart, word.end), frame, true);
         return true;
     }
-    if (!info.is(orv::wordJoin)) {
+    if (!word.info.is(orv::wordJoin)) {
         readTableName(frame, word);
         return true;
     }
     if (frame.node->Kind() != otCompound) return false;
-    readJoin(frame, word, info.joinIndex);
+    readJoin(frame, word, word.info.joinIndex);
     return true;
 }
 
@@ -269,11 +278,13 @@ void TorvQDParseRun::readJoin(const Frame& frame, const orv::ScannedWord& word, 
     open(node, frame, false);
 }
 
-bool TorvQDParseRun::DoParseOfCondition(const Frame& frame, const orv::ScannedWord& word,
-                                        const orv::WordInfo& info) {
-    const bool isCall = isRightOrLeft(word.text) && isFollowedByBracket(word.next, frame.end);
-    if (info.is(orv::wordJoin) && !isCall) return false;
-    if (frame.inOn) {
+bool TorvQDParseRun::DoParseOfCondition(const Frame& frame, const orv::ScannedWord& word) {
+    const orv::WordInfo& info = word.info;
+    if (info.is(orv::wordJoin)) {
+        const bool isCall = isRightOrLeft(word.text) && isFollowedByBracket(word.next, frame.end);
+        if (!isCall) return false;
+    }
+    if (frame.inOn && info.is(orv::wordUnheldJoin)) {
         if (word.text == u"CROSS" && isFollowedByJoin(word, frame.end, false)) return false;
         if (word.text == u"NATURAL" && isFollowedByJoin(word, frame.end, true)) return false;
     }
@@ -292,9 +303,8 @@ bool TorvQDParseRun::DoParseOfCondition(const Frame& frame, const orv::ScannedWo
     return true;
 }
 
-void TorvQDParseRun::DoParseOfOrderList(const Frame& frame, const orv::ScannedWord& word,
-                                        const orv::WordInfo& info) {
-    if (!info.is(orv::wordDirection)) {
+void TorvQDParseRun::DoParseOfOrderList(const Frame& frame, const orv::ScannedWord& word) {
+    if (!word.info.is(orv::wordDirection)) {
         DoParseOfValue(frame, word.text, m_wordStart, word.end);
         return;
     }
@@ -314,12 +324,12 @@ void TorvQDParseRun::GetAlias(TorvQDParser& node, int end) {
 void TorvQDParseRun::readAlias(TorvQDParser& node, int end) {
     int start = m_position;
     orv::ScannedWord word = orv::scanWord(m_text, start, end);
-    const orv::WordInfo info = orv::wordInfo(word.text);
+    const orv::WordInfo info = word.info;
     const bool belongsAround = info.is(orv::wordJoin) || info.is(orv::wordNeverAlias) ||
-                               (info.is(orv::wordClause) && word.text != u"SELECT") ||
-                               word.text == u"ON" || isTrimmedEmpty(word.text);
+                               (info.is(orv::wordClause) && info.clause != inSelect) ||
+                               info.is(orv::wordOn) || isTrimmedEmpty(word.text);
     if (belongsAround) return;
-    if (word.text == u"AS") {
+    if (info.is(orv::wordAs)) {
         start = std::min(word.next + 1, end);
         word = orv::scanWord(m_text, start, end);
         m_position = start;
@@ -338,7 +348,7 @@ bool TorvQDParseRun::isFollowedByJoin(const orv::ScannedWord& word, int end,
                                       bool anyJoinWord) const {
     const orv::ScannedWord follower =
         orv::scanPlainWord(m_text, orv::skipBlanks(m_text, word.next, end), end);
-    return anyJoinWord ? orv::wordInfo(follower.text).is(orv::wordJoin) : follower.text == u"JOIN";
+    return anyJoinWord ? follower.info.is(orv::wordJoin) : follower.info.joinIndex == 0;
 }
 
 // Position behind the next "JOIN"; the present one when there is none. What was found is kept, so

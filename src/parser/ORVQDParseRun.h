@@ -52,16 +52,12 @@ private:
     void readOperator(const Frame& frame, int operatorEnd);
     void readWord(const Frame& frame);
     void readClause(const Frame& frame, const orv::ScannedWord& word, TLocationKinds clause);
-    [[nodiscard]] bool DoParseOf(const Frame& frame, const orv::ScannedWord& word,
-                                 const orv::WordInfo& info);
+    [[nodiscard]] bool DoParseOf(const Frame& frame, const orv::ScannedWord& word);
 
     void DoParseOfValue(const Frame& frame, const QString& word, int start, int end);
-    [[nodiscard]] bool DoParseOfTable(const Frame& frame, const orv::ScannedWord& word,
-                                      const orv::WordInfo& info);
-    [[nodiscard]] bool DoParseOfCondition(const Frame& frame, const orv::ScannedWord& word,
-                                          const orv::WordInfo& info);
-    void DoParseOfOrderList(const Frame& frame, const orv::ScannedWord& word,
-                            const orv::WordInfo& info);
+    [[nodiscard]] bool DoParseOfTable(const Frame& frame, const orv::ScannedWord& word);
+    [[nodiscard]] bool DoParseOfCondition(const Frame& frame, const orv::ScannedWord& word);
+    void DoParseOfOrderList(const Frame& frame, const orv::ScannedWord& word);
     void GetAlias(TorvQDParser& node, int end);
     void readAlias(TorvQDParser& node, int end);
 

@@ -12,6 +12,13 @@ namespace {
     throw orv::Error(QStringLiteral("Given statement is not SELECT clause"));
 }
 
+QString withoutLineBreaks(QString text) {
+    if (!text.contains(u'\n') && !text.contains(u'\r')) return text;
+    text.replace(u'\r', u' ');
+    text.replace(u'\n', u' ');
+    return text;
+}
+
 void trimFrom(QString& text, qsizetype start) {
     while (text.size() > start && text.back().unicode() <= u' ') text.chop(1);
     qsizetype blanks = 0;
@@ -22,10 +29,7 @@ void trimFrom(QString& text, qsizetype start) {
 }  // namespace
 
 TorvQDParser::TorvQDParser(const QString& Statement) : m_location(inSelect) {
-    QString text = Statement;
-    for (QChar& character : text) {
-        if (character == u'\r' || character == u'\n') character = u' ';
-    }
+    const QString text = withoutLineBreaks(Statement);
     const QStringView trimmed = orv::orvTrim(QStringView(text));
     const int start = trimmed.isEmpty() ? 0 : int(trimmed.begin() - QStringView(text).begin());
     const int end = start + int(trimmed.size());

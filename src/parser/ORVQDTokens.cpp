@@ -9,6 +9,8 @@ namespace orv {
 
 namespace {
 
+constexpr qsizetype charactersPerToken = 4;  // about; for memory asked for in advance
+
 bool isDigit(QChar character) {
     return character >= u'0' && character <= u'9';
 }
@@ -19,7 +21,13 @@ bool isQuote(QChar character) {
 
 // Characters of names, numbers and parameters (:NAME, @NAME, ?1, #TEMP).
 bool isNamePart(QChar character) {
-    if (character.isLetterOrNumber() || character.isMark() || character.isSurrogate()) return true;
+    const char16_t unit = character.unicode();
+    if (unit >= 0x80) {
+        return character.isLetterOrNumber() || character.isMark() || character.isSurrogate();
+    }
+    if ((unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') || isDigit(character)) {
+        return true;
+    }
     switch (character.unicode()) {
     case u'_':
     case u'$':
@@ -56,6 +64,7 @@ public:
     explicit Scanner(QStringView text) : m_text(text) {}
 
     SqlTokens tokens() {
+        m_tokens.reserve(std::size_t(m_text.size() / charactersPerToken));
         while (m_position < m_text.size()) {
             const QChar character = m_text[m_position];
             if (character.unicode() <= u' ') {

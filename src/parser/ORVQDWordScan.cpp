@@ -3,6 +3,8 @@
 
 #include "core/Text.h"
 
+#include <array>
+
 namespace orv {
 
 namespace {
@@ -20,6 +22,19 @@ int wordBoundary(QStringView text, int at, int end) {
         }
     }
     return end;
+}
+
+// What the parser knows of a word of any case, without a text of its own for it.
+WordInfo knownWord(QStringView word) {
+    if (word.size() > longestKnownWord) return {};
+    std::array<char16_t, longestKnownWord> upper{};
+    for (qsizetype index = 0; index < word.size(); ++index) {
+        const char16_t unit = word[index].unicode();
+        if (unit >= 0x80) return wordInfo(upperWord(word));
+        upper[std::size_t(index)] =
+            unit >= u'a' && unit <= u'z' ? char16_t(unit - u'a' + u'A') : unit;
+    }
+    return wordInfo(QStringView(upper.data(), word.size()));
 }
 
 bool beginsWithBy(QStringView text, int at, int end) {
@@ -45,33 +60,42 @@ int skipBlanks(QStringView text, int at, int end) {
 }
 
 QString upperWord(QStringView text) {
+    bool hasLower = false;
     for (const QChar character : text) {
-        const bool settled = (character >= u'A' && character <= u'Z') ||
-                             (character >= u'0' && character <= u'9') || character == u'_' ||
-                             character == u'.';
-        if (!settled) return upperOutsideQuotes(text);
+        if (character.unicode() >= 0x80) return upperOutsideQuotes(text);
+        if (character == u'"' || character == u'\'') return upperOutsideQuotes(text);
+        hasLower = hasLower || (character >= u'a' && character <= u'z');
     }
-    return text.toString();
+    QString word = text.toString();
+    if (!hasLower) return word;
+    for (QChar& character : word) {
+        if (character >= u'a' && character <= u'z') character.unicode() -= u'a' - u'A';
+    }
+    return word;
 }
 
 ScannedWord scanPlainWord(QStringView text, int at, int end) {
     int boundary = wordBoundary(text, at, end);
     if (boundary == end - 1) boundary = end;
-    return {upperWord(text.mid(at, boundary - at)), boundary, boundary};
+    const QStringView word = text.mid(at, boundary - at);
+    const WordInfo info = knownWord(word);
+    return {info, info.spelling ? *info.spelling : upperWord(word), boundary, boundary};
 }
 
 ScannedWord scanWord(QStringView text, int at, int end) {
     ScannedWord word = scanPlainWord(text, at, end);
-    if (word.text == u"GROUP" || word.text == u"ORDER") {
+    if (!word.info.is(wordPair)) return word;
+    if (word.text != u"IS") {
         const int by = skipBlanks(text, word.next, end);
         if (beginsWithBy(text, by, end)) {
             word.text += QStringLiteral(" BY");
             word.end = by + 2;
             word.next = skipBlanks(text, word.end, end);
         }
-    } else if (word.text == u"IS") {
+    } else {
         joinIsNull(text, end, word);
     }
+    word.info = wordInfo(word.text);
     return word;
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "parser/ORVQDKeywords.h"
+
 #include <QString>
 #include <QStringView>
 
@@ -36,6 +38,7 @@ namespace orv {
 
 /// A word that was read: its text as it is compared and stored, and where reading goes on.
 struct ScannedWord {
+    WordInfo info;
     QString text;  ///< upper-cased outside quotes; "GROUP BY", "IS NOT NULL" as one word
     int end = 0;   ///< behind the word's last character
     int next = 0;  ///< where the rest begins (behind the blanks that follow "GROUP BY")
