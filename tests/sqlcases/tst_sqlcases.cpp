@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: MIT
+// Statements as people write them, each with the state that it loads as, what is told of it, and
+// the text that is written: the cases stand in tests/data/sql.
+#include "SqlCaseFile.h"
+#include "core/Error.h"
+#include "core/Text.h"
+#include "diagram/ORVQDFloatTable.h"
+#include "querybuilder/ORVQDWindow.h"
+#include "selection/ORVQDSelectOrder.h"
+#include "workarea/ORVQDFloatPanel.h"
+
+#include <QDir>
+#include <QTest>
+
+namespace {
+
+const QString crLf = QStringLiteral("\r\n");
+
+/// A builder over the tables of a case file.
+class CaseBuilder {
+public:
+    CaseBuilder(const SqlCaseFile& file, bool keepMeaning) {
+        builder.setKeepMeaning(keepMeaning);
+        builder.OnGetTableFields = [&file](const QString& name, std::unique_ptr<TDataSet>& dataSet,
+                                           std::unique_ptr<TParams>&) {
+            const auto found = file.tables.constFind(name.toUpper());
+            if (found != file.tables.constEnd()) dataSet = std::make_unique<TDataSet>(*found);
+        };
+    }
+
+    void load(const QString& text) {
+        error.clear();
+        try {
+            builder.LoadSQL(text);
+        } catch (const orv::Error& raised) {
+            error = raised.Message();
+        }
+    }
+
+    [[nodiscard]] QString text() {
+        try {
+            return builder.GetSQLStatment();
+        } catch (const orv::Error& raised) {
+            return QStringLiteral("! ") + raised.Message();
+        }
+    }
+
+    [[nodiscard]] QStringList tables() const {
+        QStringList names;
+        for (const TorvQDTable* table : builder.WorkArea->tablesByCreation()) {
+            names << (table->GetAlias() == table->TableName
+                          ? table->TableName
+                          : table->TableName + u' ' + table->GetAlias());
+        }
+        return names;
+    }
+
+    [[nodiscard]] QStringList columns() const {
+        QStringList lines;
+        for (const orv::OutputColumn& column : builder.SelectPanel->grid()->columns()) {
+            const QStringList cells = {column.name, column.aggregate, column.source};
+            lines << cells.join(QStringLiteral(" | "));
+        }
+        return lines;
+    }
+
+    // "[text] what became of it", the text of several lines on one.
+    [[nodiscard]] QStringList findings() const {
+        QStringList lines;
+        for (const orv::Finding& finding : builder.LoadReport()) {
+            lines << QStringLiteral("[%1] %2").arg(finding.text.simplified(), finding.what);
+        }
+        return lines;
+    }
+
+    TorvQueryBuilder builder;
+    QString error;
+};
+
+}  // namespace
+
+class tst_SqlCases : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void holds_data();
+    void holds();
+
+private:
+    QMap<QString, SqlCaseFile> m_files;
+};
+
+void tst_SqlCases::initTestCase() {
+    const QDir folder(QStringLiteral(ORV_SQL_CASES));
+    const QStringList names = folder.entryList({QStringLiteral("*.txt")}, QDir::Files, QDir::Name);
+    QVERIFY2(!names.isEmpty(), "there are no cases");
+    for (const QString& name : names) {
+        SqlCaseFile file = readSqlCases(folder.filePath(name));
+        QVERIFY2(file.error.isEmpty(), qPrintable(file.error));
+        m_files.insert(QFileInfo(name).baseName(), std::move(file));
+    }
+}
+
+void tst_SqlCases::holds_data() {
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<int>("index");
+    for (auto file = m_files.constBegin(); file != m_files.constEnd(); ++file) {
+        for (int index = 0; index < int(file->cases.size()); ++index) {
+            const QString name = file.key() + u'/' + file->cases[std::size_t(index)].name;
+            QTest::newRow(qPrintable(name)) << file.key() << index;
+        }
+    }
+}
+
+void tst_SqlCases::holds() {
+    QFETCH(QString, file);
+    QFETCH(int, index);
+    const SqlCaseFile& cases = m_files[file];
+    const SqlCase& sqlCase = cases.cases[std::size_t(index)];
+    const bool keepMeaning = sqlCase.line("mode") != u"classic";
+    CaseBuilder loaded(cases, keepMeaning);
+    loaded.load(sqlCase.lines("sql").join(u'\n'));
+
+    QCOMPARE(loaded.error, sqlCase.line("error"));
+    if (!loaded.error.isEmpty()) return;
+    QCOMPARE(loaded.findings(), sqlCase.lines("findings"));
+    QCOMPARE(loaded.text(), sqlCase.lines("text").join(crLf));
+    if (sqlCase.has("tables")) {
+        QCOMPARE(loaded.tables(), sqlCase.line("tables").split(QStringLiteral(", ")));
+    }
+    if (sqlCase.has("columns")) QCOMPARE(loaded.columns(), sqlCase.lines("columns"));
+    QCOMPARE(loaded.builder.TailText(), sqlCase.lines("tail").join(u'\n'));
+    QCOMPARE(loaded.builder.SelectPanel->GetDistinct() != 0, sqlCase.line("distinct") == u"yes");
+    const bool told = !loaded.builder.LoadReport().empty();
+    if (told || sqlCase.line("reload") == u"no") return;
+
+    // What is written is held without a word, and written again as it is.
+    CaseBuilder second(cases, keepMeaning);
+    second.load(loaded.text());
+    QCOMPARE(second.error, QString());
+    QCOMPARE(second.findings(), QStringList());
+    QCOMPARE(second.text().toUpper(), loaded.text().toUpper());
+}
+
+QTEST_MAIN(tst_SqlCases)
+#include "tst_sqlcases.moc"
