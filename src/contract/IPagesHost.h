@@ -36,6 +36,9 @@ public:
     /// names come first, then names without quotes and ignoring case when they are unique.
     [[nodiscard]] virtual std::optional<PageField> resolveField(const QString& text) const = 0;
 
+    /// Whether the text is a name without a table that several boxes have as a field.
+    [[nodiscard]] virtual bool isAmbiguous(const QString& text) const = 0;
+
     /// Whether the text is a qualified name of a field on the diagram, exactly.
     [[nodiscard]] virtual bool isDiagramField(const QString& qualifiedName) const = 0;
 

@@ -10,7 +10,11 @@ LoadLedger::LoadLedger(const QString& given, NormalisedSQL normalised)
     : m_given(given),
       m_normalised(std::move(normalised)),
       m_tokens(tokenise(m_normalised.text)),
-      m_taken(m_tokens.size(), false) {}
+      m_taken(m_tokens.size(), false) {
+    findBrokenLines();
+    m_normalised.text.replace(u'\n', u' ');
+    m_normalised.text.replace(u'\r', u' ');
+}
 
 TokenRun LoadLedger::tokensIn(int start, int end) const {
     return tokensBetween(m_normalised.text, m_tokens, start, end);
@@ -42,7 +46,6 @@ bool LoadLedger::hasFinding(int start, int end) const {
 Findings LoadLedger::findings() const {
     std::vector<Loss> losses = m_losses;
     for (Loss& loss : untakenTokens()) losses.push_back(std::move(loss));
-    for (Loss& loss : brokenLinesInQuotes()) losses.push_back(std::move(loss));
     std::stable_sort(losses.begin(), losses.end(), [](const Loss& left, const Loss& right) {
         return std::pair(left.start, left.end) < std::pair(right.start, right.end);
     });
@@ -66,17 +69,17 @@ std::vector<LoadLedger::Loss> LoadLedger::untakenTokens() const {
     return losses;
 }
 
-std::vector<LoadLedger::Loss> LoadLedger::brokenLinesInQuotes() const {
-    std::vector<Loss> losses;
+// The text that is parsed has no line breaks, in quotes neither.
+void LoadLedger::findBrokenLines() {
+    const QStringView text = m_normalised.text;
+    if (!text.contains(u'\n') && !text.contains(u'\r')) return;
     for (const SqlToken& token : m_tokens) {
-        const QStringView text =
-            QStringView(m_normalised.text).mid(token.start, token.end - token.start);
-        if (!text.contains(u'\n') && !text.contains(u'\r')) continue;
-        losses.push_back({token.start, token.end,
-                          QStringLiteral("The line break inside this quoted text becomes a "
-                                         "blank.")});
+        const QStringView piece = text.mid(token.start, token.end - token.start);
+        if (!piece.contains(u'\n') && !piece.contains(u'\r')) continue;
+        m_losses.push_back({token.start, token.end,
+                            QStringLiteral("The line break inside this quoted text becomes a "
+                                           "blank.")});
     }
-    return losses;
 }
 
 Finding LoadLedger::toFinding(const Loss& loss) const {

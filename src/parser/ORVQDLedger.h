@@ -30,7 +30,8 @@ public:
     void place(int start, int end);
     void place(const TokenRun& run) { place(run.start(), run.endPosition()); }
 
-    /// A finding: the control does not hold [start, end), or with another meaning.
+    /// A finding, told once for a place: the control does not hold [start, end), or with another
+    /// meaning.
     void report(int start, int end, const QString& what);
     void report(const TokenRun& run, const QString& what) {
         report(run.start(), run.endPosition(), what);
@@ -50,7 +51,7 @@ private:
     };
 
     [[nodiscard]] std::vector<Loss> untakenTokens() const;
-    [[nodiscard]] std::vector<Loss> brokenLinesInQuotes() const;
+    void findBrokenLines();
     [[nodiscard]] Finding toFinding(const Loss& loss) const;
 
     QString m_given;

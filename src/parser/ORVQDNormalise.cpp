@@ -209,7 +209,7 @@ bool endsOperand(const TokenRun& run, int index) {
     case SqlToken::Number:
     case SqlToken::Text:
     case SqlToken::Close: return true;
-    case SqlToken::Sign: return run.is(index, u"*") || run.is(index, u"]");
+    case SqlToken::Sign: return run.is(index, u"]");
     case SqlToken::Open:
     case SqlToken::Comma: return false;
     case SqlToken::Word: break;

@@ -69,6 +69,9 @@ public:
             const QChar character = m_text[m_position];
             if (character.unicode() <= u' ') {
                 ++m_position;
+            } else if (isCastAt(m_position)) {
+                m_position += 2;
+                add(m_position - 2, SqlToken::Sign);
             } else if (isQuote(character) || isNamePart(character)) {
                 readWord();
             } else if (isSignPart(character)) {
@@ -85,6 +88,12 @@ private:
         m_tokens.push_back({int(start), int(m_position), kind, m_depth});
     }
 
+    // A::TEXT is a cast, not a name.
+    [[nodiscard]] bool isCastAt(qsizetype position) const {
+        return m_text[position] == u':' && position + 1 < m_text.size() &&
+               m_text[position + 1] == u':';
+    }
+
     void skipQuoted() {
         const qsizetype close = m_text.indexOf(m_text[m_position], m_position + 1);
         m_position = close < 0 ? m_text.size() : close + 1;
@@ -98,7 +107,7 @@ private:
             if (isQuote(character)) {
                 hasText = hasText || character == u'\'';
                 skipQuoted();
-            } else if (isNamePart(character)) {
+            } else if (isNamePart(character) && !isCastAt(m_position)) {
                 ++m_position;
             } else {
                 break;

@@ -147,6 +147,7 @@ public:
     [[nodiscard]] QStringList tableAliases() const override;
     [[nodiscard]] std::vector<PageField> fieldsOf(const QString& alias) const override;
     [[nodiscard]] std::optional<PageField> resolveField(const QString& text) const override;
+    [[nodiscard]] bool isAmbiguous(const QString& text) const override;
     [[nodiscard]] bool isDiagramField(const QString& qualifiedName) const override;
     void beginChange() override;
     void endChange() override;
@@ -180,6 +181,7 @@ private:
     void _UnselectField(const QString& FullName);
 
     [[nodiscard]] TorvQDListItem* resolveItem(const QString& text) const;
+    [[nodiscard]] std::vector<PageField> fieldsNamed(const QString& name) const;
     [[nodiscard]] bool isListed(const QString& name) const;
     void flushRemovals();
 

@@ -162,14 +162,22 @@ std::optional<PageField> TorvQueryBuilder::resolveField(const QString& text) con
         const TorvQDListItem* item = table ? table->findItem(name.field) : nullptr;
         return item ? std::optional(pageField(*table, *item)) : std::nullopt;
     }
-    std::optional<PageField> found;
+    const std::vector<PageField> found = fieldsNamed(name.field);
+    return found.size() == 1 ? std::optional(found.front()) : std::nullopt;
+}
+
+// The output fields of that name, at most one of a box.
+std::vector<PageField> TorvQueryBuilder::fieldsNamed(const QString& name) const {
+    std::vector<PageField> found;
     for (const TorvQDTable* table : WorkArea->tablesByCreation()) {
-        const TorvQDListItem* item = table->findItem(name.field);
-        if (!item || item->ParamType != ptOutput) continue;
-        if (found) return std::nullopt;
-        found = pageField(*table, *item);
+        const TorvQDListItem* item = table->findItem(name);
+        if (item && item->ParamType == ptOutput) found.push_back(pageField(*table, *item));
     }
     return found;
+}
+
+bool TorvQueryBuilder::isAmbiguous(const QString& text) const {
+    return orv::firstFullStop(text) < 0 && fieldsNamed(text).size() > 1;
 }
 
 bool TorvQueryBuilder::isDiagramField(const QString& qualifiedName) const {

@@ -37,6 +37,22 @@ QString clauseLoss(TLocationKinds location) {
     return {};
 }
 
+// A table name with full stops gets its last part as an alias when it has none.
+void addImpliedAliases(const orv::TokenRun& run, orv::TokenCounts& counts) {
+    for (int index = 0; index < run.size(); ++index) {
+        const QString name = run.textOf(index).toString();
+        const bool isQualified =
+            run[index].kind == orv::SqlToken::Word && orv::firstFullStop(name) >= 0;
+        const bool endsItem = index + 1 == run.size() ||
+                              run[index + 1].kind != orv::SqlToken::Word ||
+                              run.is(index + 1, u"CROSS");
+        if (!isQualified || !endsItem) continue;
+        for (const auto& [word, count] : orv::countTokens(run.mid(index, 1)).asKeyValueRange()) {
+            counts[word] += count;
+        }
+    }
+}
+
 bool containsSquareBracket(const TOperatorList& operators) {
     for (int index = 0; index < operators.Count(); ++index) {
         if (operators.Items(index)->Name.contains(u'[')) return true;
@@ -194,7 +210,8 @@ void TorvQueryBuilder::loadParsed(const TorvQDParser& root) {
 
 void TorvQueryBuilder::loadTail(int tailStart, int tailEnd, int restStart) {
     if (tailStart < tailEnd) {
-        m_tail = orv::orvTrim(m_ledger->givenText(tailStart, tailEnd));
+        const orv::TokenRun tail = m_ledger->tokensIn(tailStart, tailEnd);
+        m_tail = m_ledger->givenText(tail.start(), tail.endPosition());
         m_ledger->place(tailStart, tailEnd);
     }
     if (restStart < int(m_ledger->text().size())) {
@@ -211,6 +228,7 @@ void TorvQueryBuilder::compareClauses(const TorvQDParser& root) {
     orv::TokenCounts expected = orv::countTokens(loaded.mid(1));
     expected.remove(QStringLiteral("CROSS"));
     expected.remove(QStringLiteral("JOIN"));
+    addImpliedAliases(loaded.mid(1), expected);
     if (expected == orv::countTokens(WorkArea->GetSQLStatment())) return;
     m_ledger->report(from->Start(), from->End(),
                      QStringLiteral("This clause is written differently."));

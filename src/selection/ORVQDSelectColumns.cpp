@@ -61,8 +61,11 @@ QString columnText(const OutputColumn& column, const SelectTextRules& rules) {
         text = orvTrim(column.aggregate) + QStringLiteral("( ") + source + QStringLiteral(" )");
     }
     const QString name = orvTrim(column.name);
-    if (column.name == createFieldName(QString(), column.source) || name.isEmpty()) return text;
-    const bool quotes = rules.quoteNames && !isPlainIdentifier(name) && !isQuotedName(name) &&
+    const bool isImplied = column.name == createFieldName(QString(), column.source);
+    // An aggregate named like its field would get another name from the database.
+    const bool keepsName = rules.keepMeaning && !isBlank(column.aggregate);
+    if (name.isEmpty() || (isImplied && !keepsName)) return text;
+    const bool quotes = rules.keepMeaning && !isPlainIdentifier(name) && !isQuotedName(name) &&
                         !name.startsWith(u'\'');
     return text + QStringLiteral(" AS ") + (quotes ? quotedName(name) : name);
 }

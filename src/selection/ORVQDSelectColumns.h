@@ -25,7 +25,8 @@ using OutputColumns = std::vector<OutputColumn>;
 struct SelectTextRules {
     const QStringList* aggregates = nullptr;             ///< names of the aggregate functions
     std::function<bool(const QString& source)> isField;  ///< whether a source is a diagram field
-    bool quoteNames = false;  ///< output names that are no identifiers are written in quotes
+    /// Output names that are no identifiers are written in quotes, and those of aggregates always.
+    bool keepMeaning = false;
 };
 
 /// The two texts that the selection contributes to a statement.

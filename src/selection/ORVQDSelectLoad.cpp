@@ -161,8 +161,11 @@ private:
         if (m_host && orv::namesField(parts.expression, 0)) {
             const std::optional<PageField> field = m_host->resolveField(source);
             if (!field) {
-                report(parts.whole, QStringLiteral("No table on the diagram has this field, or "
-                                                   "several have it: the column is not loaded."));
+                report(parts.whole, m_host->isAmbiguous(source)
+                                        ? QStringLiteral("Several tables have this field: the "
+                                                         "column is not loaded.")
+                                        : QStringLiteral("No table on the diagram has this field: "
+                                                         "the column is not loaded."));
                 return;
             }
             if (orv::firstFullStop(source) >= 0) source = field->qualifiedName();
@@ -253,10 +256,17 @@ private:
             return;
         }
         if (named) column.name = loadedName(parts.alias);
-        const bool invalidName = !named && !column.aggregate.isEmpty() && !m_rules.quoteNames &&
+        const bool invalidName = !named && !column.aggregate.isEmpty() && !m_rules.keepMeaning &&
                                  !orv::isPlainIdentifier(column.name);
+        const bool losesName =
+            named && orv::columnText(column, m_rules) == orv::columnText(unnamed, m_rules) &&
+            !isTrimmedEmpty(column.aggregate);
         add(std::move(column), parts.whole);
-        if (invalidName) {
+        if (losesName) {
+            report(parts.whole,
+                   QStringLiteral("The name of this column is not written, because its "
+                                  "field has the same one."));
+        } else if (invalidName) {
             report(parts.whole, QStringLiteral("The name that this column gets is no valid name "
                                                "in SQL."));
         } else {
@@ -268,7 +278,7 @@ private:
     [[nodiscard]] QString loadedName(const TokenRun& alias) const {
         const QString text = alias.sourceText();
         const QString bare = orv::unquotedName(text);
-        const bool putBack = m_rules.quoteNames && bare != text && !orv::isPlainIdentifier(bare) &&
+        const bool putBack = m_rules.keepMeaning && bare != text && !orv::isPlainIdentifier(bare) &&
                              !orv::isQuotedName(bare) && !isTrimmedEmpty(bare) &&
                              bare == orv::orvTrim(bare) && !bare.startsWith(u'\'');
         return putBack ? bare : text;

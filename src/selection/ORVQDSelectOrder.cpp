@@ -186,7 +186,7 @@ orv::SelectTextRules TorvQDSelectGrid::textRules() const {
     const IPagesHost* owner = host();
     orv::SelectTextRules rules;
     rules.aggregates = AgrFuncs ? AgrFuncs : &noAggregates;
-    rules.quoteNames = owner && owner->KeepMeaning();
+    rules.keepMeaning = owner && owner->KeepMeaning();
     rules.isField = [this, owner](const QString& source) {
         if (AllFields && AllFields->contains(source)) return true;
         return owner && orv::firstFullStop(source) < 0 && owner->resolveField(source).has_value();

@@ -3,6 +3,7 @@
 #include "core/Error.h"
 #include "core/Text.h"
 #include "data/ProcessName.h"
+#include "parser/ORVQDKeywords.h"
 #include "parser/ORVQDLedger.h"
 #include "parser/ORVQDParser.h"
 #include "workarea/ORVQDFloatPanel.h"
@@ -12,6 +13,7 @@
 namespace {
 
 const QString crLf = QStringLiteral("\r\n");
+constexpr int topLevel = 0;  // bracket depth of a statement's own clauses
 
 /// A table as the text of a FROM clause names it.
 struct NamedTable {
@@ -54,22 +56,23 @@ public:
         : m_area(area), m_guard(&area), m_node(node), m_ledger(area.m_owner->ledger()) {}
 
     void load() {
-        loadItems(m_node);
+        loadItems();
         placeClauseWords();
     }
 
 private:
-    /// The items of the FROM node, or of a join node.
-    void loadItems(const TorvQDParser& parent) {
-        for (int index = 0; index < parent.Count() && m_guard; ++index) {
-            const TorvQDParser& child = *parent.Child(index);
+    void loadItems() {
+        for (int index = 0; index < m_node.Count() && m_guard; ++index) {
+            const TorvQDParser& child = *m_node.Child(index);
+            if (child.Start() < m_readUpTo) continue;  // an alias that was read already
             if (child.Kind() == otTable) {
-                index += loadTable(parent, index);
+                loadTable(child);
             } else if (child.Kind() == otJoin) {
-                const bool isNatural = index > 0 && parent.Child(index - 1)->Text() == u"NATURAL";
-                loadJoin(child, isNatural ? parent.Child(index - 1)->Start() : child.Start());
+                const TorvQDParser* before = index > 0 ? m_node.Child(index - 1) : nullptr;
+                const bool isNatural = before && before->Text() == u"NATURAL";
+                loadJoin(child, isNatural ? before->Start() : child.Start());
             } else if (child.Kind() == otBrakets) {
-                index += loseDerivedTable(parent, index);
+                loseDerivedTable(child);
             }
         }
     }
@@ -78,22 +81,21 @@ private:
         if (join.Count() == 0 || join.Child(0)->Kind() != otTable) {
             throw orv::Error(QStringLiteral("There is no Table for join"));
         }
-        loadItems(join);
+        loadTable(*join.Child(0));
         if (!m_guard || !m_ledger) return;
         m_ledger->report(start, join.End(),
                          QStringLiteral("Joins are not held yet: the table is loaded without its "
                                         "join."));
     }
 
-    // Loads the table node at `index` and returns how many nodes behind it belong to it.
-    int loadTable(const TorvQDParser& parent, int index) {
-        const TorvQDParser& node = *parent.Child(index);
+    void loadTable(const TorvQDParser& node) {
         NamedTable table = named(node);
-        const int taken = table.alias.isEmpty() ? takeDetachedAlias(parent, index, table) : 0;
+        if (!hasAlias(node)) readDetachedAlias(table);
+        m_readUpTo = table.end;
         std::unique_ptr<TDataSet> dataSet;
         std::unique_ptr<TParams> params;
         m_area.m_owner->getTableFields(table.lookup, dataSet, params);
-        if (!m_guard) return taken;
+        if (!m_guard) return;
         if (!dataSet) {
             report(table, QStringLiteral("This table is not known and is not loaded."));
         } else if (params || node.Location() == inFunction) {
@@ -104,7 +106,6 @@ private:
         } else {
             addBox(table, *dataSet);
         }
-        return taken;
     }
 
     void addBox(const NamedTable& table, const TDataSet& dataSet) {
@@ -147,52 +148,42 @@ private:
         }
         table.lookup = lookup.join(u'.');
         for (const TorvQDParser::Node& child : node.Children()) {
-            if (child->Kind() == otAlias && isName(child->Text())) useAlias(table, *child);
+            if (child->Kind() == otAlias && isName(child->Text()))
+                useAlias(table, child->Text(), child->End());
         }
         return table;
     }
 
-    static void useAlias(NamedTable& table, const TorvQDParser& alias) {
-        const QString text = alias.Text();
+    static void useAlias(NamedTable& table, const QString& text, int end) {
         table.alias = text.startsWith(u'\'') ? orv::quotedName(text.mid(1, text.size() - 2)) : text;
-        table.end = alias.End();
+        table.end = end;
     }
 
-    // Between AS and an alias the tree knows one blank only: behind more of them the alias stands
-    // as a table of its own, with no comma in front of it.
-    int takeDetachedAlias(const TorvQDParser& parent, int index, NamedTable& table) const {
-        if (index + 1 >= parent.Count()) return 0;
-        const TorvQDParser& next = *parent.Child(index + 1);
-        if (next.Kind() != otTable || next.Count() > 0 || !isDetachedAlias(table.end, next))
-            return 0;
-        useAlias(table, next);
-        return 1;
+    static bool hasAlias(const TorvQDParser& node) {
+        return node.Count() > 0 && node.Children().back()->Kind() == otAlias;
     }
 
-    [[nodiscard]] bool isDetachedAlias(int end, const TorvQDParser& next) const {
-        if (!m_ledger || next.Location() == inFunction || !isName(next.Text())) return false;
-        const orv::TokenRun between = m_ledger->tokensIn(end, next.Start());
-        return between.isEmpty() || (between.size() == 1 && between.is(0, u"AS"));
+    // Behind AS, a procedure or a bracket the tree knows an alias behind one blank only; here it
+    // may stand behind any number of them.
+    void readDetachedAlias(NamedTable& table) const {
+        if (!m_ledger) return;
+        const orv::TokenRun behind = m_ledger->tokensIn(table.end, m_node.End());
+        const int index = !behind.isEmpty() && behind.is(0, u"AS") ? 1 : 0;
+        if (index >= behind.size() || behind[index].depth != topLevel) return;
+        const QString text = orv::upperOutsideQuotes(behind.textOf(index));
+        const orv::WordInfo info = orv::wordInfo(text);
+        const bool continues = info.is(orv::wordJoin) || info.is(orv::wordNeverAlias) ||
+                               info.is(orv::wordOn) || info.is(orv::wordClause);
+        if (isName(text) && !continues) useAlias(table, text, behind[index].end);
     }
 
     // The host is not asked for the alias of a derived table.
-    int loseDerivedTable(const TorvQDParser& parent, int index) {
-        const TorvQDParser& node = *parent.Child(index);
-        int end = node.End();
-        int taken = 0;
-        if (index + 1 < parent.Count()) {
-            const TorvQDParser& next = *parent.Child(index + 1);
-            if (next.Kind() == otTable && isDetachedAlias(end, next)) {
-                end = next.End();
-                taken = 1;
-            }
-        }
-        if (m_ledger) {
-            m_ledger->report(node.Start(), end,
-                             QStringLiteral("A bracket in FROM cannot be shown as a table: it is "
-                                            "not loaded."));
-        }
-        return taken;
+    void loseDerivedTable(const TorvQDParser& node) {
+        NamedTable bracket{{}, {}, {}, node.Start(), node.End()};
+        readDetachedAlias(bracket);
+        m_readUpTo = bracket.end;
+        report(bracket, QStringLiteral("A bracket in FROM cannot be shown as a table: it is not "
+                                       "loaded."));
     }
 
     void report(const NamedTable& table, const QString& what) {
@@ -207,7 +198,7 @@ private:
             const bool isCross =
                 run.is(index, u"CROSS") && index + 1 < run.size() && run.is(index + 1, u"JOIN");
             const bool isComma =
-                run[index].kind == orv::SqlToken::Comma && run[index].depth == run[0].depth;
+                run[index].kind == orv::SqlToken::Comma && run[index].depth == topLevel;
             if (index == 0 || isComma) m_ledger->place(run.mid(index, 1));
             if (isCross) m_ledger->place(run.mid(index, 2));
         }
@@ -217,6 +208,7 @@ private:
     QPointer<TorvQDWorkArea> m_guard;
     const TorvQDParser& m_node;
     orv::LoadLedger* m_ledger;
+    int m_readUpTo = 0;  // nodes in front of it are part of what was loaded
 };
 
 QString TorvQDWorkArea::GetSQLStatment() const {
