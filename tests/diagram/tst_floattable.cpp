@@ -1,0 +1,978 @@
+// SPDX-License-Identifier: MIT
+#include "data/ProcessName.h"
+#include "diagram/ORVQDFloatTable.h"
+#include "support/FakeCanvas.h"
+#include "support/TestTools.h"
+
+#include <QMenu>
+
+#include <stdexcept>
+
+using orvtest::FakeCanvas;
+using orvtest::numberedFields;
+
+namespace {
+
+constexpr QPoint oddScroll(137, 53);
+
+/// A box of `rows` rows on a canvas of its own, at (30, 40) and 100 wide. With the font of the
+/// canvas the caption is 20 pixels high and a row 16; ten rows make a height of 128, six of them
+/// visible.
+struct BoxOnCanvas {
+    explicit BoxOnCanvas(int rows = 10) : fields(numberedFields(rows)), box(&canvas, &fields, "T") {
+        box.SetLeft(30);
+        box.SetTop(40);
+        canvas.moved = 0;
+        canvas.invalidated.clear();
+    }
+    TorvQDListItem* row(int index) const { return box.Items[std::size_t(index)].get(); }
+
+    FakeCanvas canvas;
+    TDataSet fields;
+    TorvQDTable box;
+};
+
+QStringList rowNames(const TorvQDTable& box) {
+    QStringList names;
+    for (const auto& item : box.Items) names << item->Name;
+    return names;
+}
+
+int checkedRows(const TorvQDTable& box) {
+    int count = 0;
+    for (const auto& item : box.Items) count += item->Checked ? 1 : 0;
+    return count;
+}
+
+bool contains(const std::vector<TRect>& rects, const TRect& rect) {
+    return std::find(rects.begin(), rects.end(), rect) != rects.end();
+}
+
+}  // namespace
+
+class FloatTableTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { orvtest::failOnAnyWarning(); }
+    void cleanup() { lReservedWords().clear(); }
+
+    // --- making a box
+
+    void parentMustBeACanvas() {
+        QWidget plain;
+        const TDataSet fields = numberedFields(1);
+        const QString expected = QStringLiteral("Invalide parent for table object!");
+        QCOMPARE(orvtest::errorOf([&] { TorvQDTable box(&plain, &fields, "T"); }), expected);
+        QCOMPARE(orvtest::errorOf([&] { TorvQDTable box(nullptr, &fields, "T"); }), expected);
+    }
+
+    void newBoxHasItsInitialValues() {
+        FakeCanvas canvas;
+        const TDataSet fields = numberedFields(10);
+        const TorvQDTable box(&canvas, &fields, "T");
+        QCOMPARE(box.GetBoundsRect(), TRect({0, 0, 100, 128}));
+        QCOMPARE(box.CaptionHeight, 20);
+        QCOMPARE(box.ItemHeight, 16);
+        QCOMPARE(box.ButtonsWidth, 40);
+        QCOMPARE(box.BorderWidth, 2);
+        QCOMPARE(box.Indent, 2);
+        QCOMPARE(box.ScrollBarWidth, 16);
+        QCOMPARE(box.VisibleCount, 6);
+        QCOMPARE(box.FirstVisibleItem, 0);
+        QCOMPARE(box.FieldState, 0);
+        QCOMPARE(box.PressedButton, -1);
+        QCOMPARE(box.HotButton, -1);
+        QVERIFY(box.Expanded);
+        QVERIFY(!box.Selected);
+        QVERIFY(!box.CurrentItem);
+        QCOMPARE(box.Alias(), QString());
+        QCOMPARE(box.GetHint(), QString());
+    }
+
+    void heightFollowsTheNumberOfFields_data() {
+        QTest::addColumn<int>("fields");
+        QTest::addColumn<int>("visible");
+        QTest::addColumn<int>("height");
+        QTest::newRow("none") << 0 << 0 << 20 + 2 + 2 * 2;
+        QTest::newRow("one") << 1 << 1 << 17 + 26;
+        QTest::newRow("six") << 6 << 6 << 6 * 17 + 26;
+        QTest::newRow("ten") << 10 << 6 << 6 * 17 + 26;
+    }
+    void heightFollowsTheNumberOfFields() {
+        QFETCH(int, fields);
+        QFETCH(int, visible);
+        QFETCH(int, height);
+        const BoxOnCanvas on(fields);
+        QCOMPARE(on.box.VisibleCount, visible);
+        QCOMPARE(on.box.Height, height);
+        QCOMPARE(int(on.box.Items.size()), fields);
+    }
+
+    void largeFontMakesHigherCaptionAndRows() {
+        FakeCanvas canvas;
+        canvas.font = 30;
+        const TDataSet fields = numberedFields(2);
+        const TorvQDTable box(&canvas, &fields, "T");
+        QCOMPARE(box.CaptionHeight, 34);
+        QCOMPARE(box.ItemHeight, 30);
+        QCOMPARE(box.Height, 2 * 31 + 34 + 6);
+    }
+
+    void withoutADataSetThereAreNoRows() {
+        FakeCanvas canvas;
+        const TorvQDTable box(&canvas, nullptr, "T");
+        QVERIFY(box.Items.empty());
+    }
+
+    void namesAreQuotedWhereTheyMust() {
+        lReservedWords() << "ORDER";
+        FakeCanvas canvas;
+        const TDataSet fields({{"NAME_1$", ftString},
+                               {"name", ftString},
+                               {"MY FIELD", ftString},
+                               {"A.B", ftString},
+                               {"A\"B", ftString},
+                               {QStringLiteral("\u00c4"), ftString},
+                               {"\"done\"", ftString},
+                               {"'done'", ftString},
+                               {"ORDER", ftString}});
+        const TorvQDTable box(&canvas, &fields, "my table");
+        QCOMPARE(box.TableName, "\"my table\"");
+        QCOMPARE(rowNames(box),
+                 QStringList({"NAME_1$", "\"name\"", "\"MY FIELD\"", "\"A.B\"", "\"A\"\"B\"",
+                              QStringLiteral("\"\u00c4\""), "\"done\"", "'done'", "\"ORDER\""}));
+    }
+
+    void rowsKnowTheirBoxTypeAndPlace() {
+        const BoxOnCanvas on(3);
+        for (int index = 0; index < 3; ++index) {
+            QCOMPARE(on.row(index)->Table, &on.box);
+            QCOMPARE(on.row(index)->GetIndex(), index);
+            QCOMPARE(on.row(index)->FieldType, ftInteger);
+            QCOMPARE(on.row(index)->ParamType, ptOutput);
+            QVERIFY(!on.row(index)->Checked);
+            QVERIFY(!on.row(index)->Selected);
+            QVERIFY(on.row(index)->IsNull);
+            QVERIFY(!on.row(index)->Busy);
+        }
+    }
+
+    void assigningItemsReplacesTheRowsAndKeepsTheHeight() {
+        BoxOnCanvas on(10);
+        QVERIFY(on.box.GetFieldItem("F9"));
+        const TDataSet other({{"X", ftString}, {"Y", ftString}});
+        on.box.AssignItems(&other);
+        QCOMPARE(rowNames(on.box), QStringList({"X", "Y"}));
+        QCOMPARE(on.box.VisibleCount, 2);
+        QCOMPARE(on.box.Height, 128);
+        QVERIFY(!on.box.GetFieldItem("F9"));
+        QCOMPARE(on.box.GetFieldItem("y"), on.row(1));
+    }
+
+    void typesAreNamedForPeople_data() {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<QString>("text");
+        const char* const texts[] = {
+            "",       "String",     "Integer",  "Integer",      "Integer",   "Boolean",
+            "Float",  "Float",      "BCD",      "Date",         "Time",      "Date&&Time",
+            "Bytes",  "VarBytes",   "Integer",  "Blob",         "String",    "Graphic",
+            "String", "ParadoxOle", "DBaseOle", "Typed binary", "Cursor",    "String",
+            "String", "Integer",    "ADT",      "Array",        "Reference", "Data set"};
+        for (int type = ftUnknown; type <= ftDataSet; ++type) {
+            QTest::addRow("%d", type) << type << QString::fromLatin1(texts[type]);
+        }
+    }
+    void typesAreNamedForPeople() {
+        QFETCH(int, type);
+        QFETCH(QString, text);
+        const BoxOnCanvas on(1);
+        on.row(0)->FieldType = TFieldType(type);
+        QCOMPARE(on.row(0)->GetDataName(), text);
+    }
+
+    // --- names
+
+    void captionShowsTheAliasInBrackets_data() {
+        QTest::addColumn<QString>("alias");
+        QTest::addColumn<QString>("caption");
+        QTest::addColumn<QString>("effective");
+        QTest::newRow("none") << ""
+                              << "T"
+                              << "T";
+        QTest::newRow("one letter") << "O"
+                                    << "T (O)"
+                                    << "O";
+        QTest::newRow("blanks only") << "   "
+                                     << "T"
+                                     << "T";
+        QTest::newRow("untrimmed") << " O "
+                                   << "T ( O )"
+                                   << " O ";
+    }
+    void captionShowsTheAliasInBrackets() {
+        QFETCH(QString, alias);
+        QFETCH(QString, caption);
+        QFETCH(QString, effective);
+        BoxOnCanvas on(1);
+        on.box.SetAlias(alias);
+        QCOMPARE(on.box.GetCaption(), caption);
+        QCOMPARE(on.box.GetAlias(), effective);
+        QCOMPARE(on.box.Alias(), alias);
+    }
+
+    void aliasChangeIsToldOnceWithTheOldEffectiveAlias() {
+        BoxOnCanvas on(1);
+        QStringList old;
+        on.box.aliasChanged = [&](TorvQDTable*, const QString& oldAlias) { old << oldAlias; };
+        on.box.SetAlias("E");
+        on.box.SetAlias("E");
+        on.box.SetAlias("");
+        on.box.SetAlias("  ");
+        QCOMPARE(old, QStringList({"T", "E"}));
+    }
+
+    void fieldsAreFoundIgnoringCase_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("row");
+        QTest::newRow("exact") << "NAME" << 0;
+        QTest::newRow("other case") << "nAmE" << 0;
+        QTest::newRow("quoted") << "\"my field\"" << 1;
+        QTest::newRow("quoted, other case") << "\"MY FIELD\"" << 1;
+        QTest::newRow("quotes count") << "my field" << -1;
+        QTest::newRow("unknown") << "NAMES" << -1;
+        QTest::newRow("empty") << "" << -1;
+        QTest::newRow("first of equal ones") << "twice" << 2;
+        QTest::newRow("no ASCII") << QStringLiteral("\"\u00c4\"") << 4;
+    }
+    void fieldsAreFoundIgnoringCase() {
+        QFETCH(QString, name);
+        QFETCH(int, row);
+        FakeCanvas canvas;
+        const TDataSet fields({{"NAME", ftString},
+                               {"my field", ftString},
+                               {"TWICE", ftString},
+                               {"TWICE", ftInteger},
+                               {QStringLiteral("\u00e4"), ftString}});
+        const TorvQDTable box(&canvas, &fields, "T");
+        const TorvQDListItem* found = box.GetFieldItem(name);
+        QCOMPARE(found ? found->GetIndex() : -1, row);
+    }
+
+    void findingIgnoresQuotesWhenOneRowAloneMatches_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("row");
+        QTest::newRow("without quotes") << "my field" << 0;
+        QTest::newRow("with quotes") << "\"NAME\"" << 1;
+        QTest::newRow("exact comes first") << "SAME" << 2;
+        QTest::newRow("quoted exact comes first") << "\"same\"" << 3;
+        QTest::newRow("two match") << "pair" << -1;
+    }
+    void findingIgnoresQuotesWhenOneRowAloneMatches() {
+        QFETCH(QString, name);
+        QFETCH(int, row);
+        FakeCanvas canvas;
+        const TDataSet fields({{"my field", ftString},
+                               {"NAME", ftString},
+                               {"SAME", ftString},
+                               {"same", ftString},
+                               {"pair", ftString},
+                               {"Pair", ftString}});
+        const TorvQDTable box(&canvas, &fields, "T");
+        const TorvQDListItem* found = box.findItem(name);
+        QCOMPARE(found ? found->GetIndex() : -1, row);
+    }
+
+    // --- rectangles
+
+    void rectanglesOfAnExpandedBox() {
+        const BoxOnCanvas on;
+        QCOMPARE(on.box.GetBoundsRect(), TRect({30, 40, 130, 168}));
+        QCOMPARE(on.box.GetCaptionRect(), TRect({52, 42, 88, 58}));
+        QCOMPARE(on.box.GetButtonRect(), TRect({88, 42, 128, 60}));
+        QCOMPARE(on.box.GetClientRect(), TRect({34, 62, 126, 164}));
+        QCOMPARE(on.box.checkBoxRect(), TRect({36, 44, 48, 56}));
+    }
+
+    void rectanglesOfACollapsedBox() {
+        BoxOnCanvas on;
+        on.box.SetExpand(0);
+        QCOMPARE(on.box.GetBoundsRect(), TRect({30, 40, 130, 60}));
+        QCOMPARE(on.box.GetCaptionRect(), TRect({52, 42, 88, 58}));
+        QCOMPARE(on.box.GetButtonRect(), TRect({88, 42, 128, 60}));
+    }
+
+    void scrollingMovesNoRectangleOfTheDiagram() {
+        BoxOnCanvas on;
+        on.canvas.scroll = oddScroll;
+        QCOMPARE(on.box.GetBoundsRect(), TRect({30, 40, 130, 168}));
+        QCOMPARE(on.box.GetClientRect(), TRect({34, 62, 126, 164}));
+        QCOMPARE(on.box.GetFullItemRect(on.row(0)), TRect({30, 61, 130, 77}));
+    }
+
+    void rowsLieInViewCoordinates() {
+        BoxOnCanvas on;
+        QCOMPARE(on.box.GetItemRect(on.row(0)), TRect({34, 61, 126, 77}));
+        QCOMPARE(on.box.GetItemRect(on.row(3)), TRect({34, 112, 126, 128}));
+        on.canvas.scroll = oddScroll;
+        QCOMPARE(on.box.GetItemRect(on.row(0)), TRect({34 - 137, 61 - 53, 126 - 137, 77 - 53}));
+    }
+
+    void rowsAboveTheFirstVisibleOneLieAboveTheList() {
+        BoxOnCanvas on;
+        on.box.SetFirstVisibleItem(2);
+        QCOMPARE(on.box.GetItemRect(on.row(2)), TRect({34, 61, 126, 77}));
+        QCOMPARE(on.box.GetItemRect(on.row(0)), TRect({34, 27, 126, 43}));
+    }
+
+    void linksAttachToRows_data() {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<TRect>("expected");
+        QTest::newRow("scrolled above") << 1 << TRect({30, 40, 130, 60});
+        QTest::newRow("first visible") << 2 << TRect({30, 61, 130, 77});
+        QTest::newRow("last visible") << 7 << TRect({30, 146, 130, 162});
+        QTest::newRow("partly visible") << 8 << TRect({30, 163, 130, 164});
+        QTest::newRow("below") << 9 << TRect({30, 166, 130, 168});
+    }
+    void linksAttachToRows() {
+        QFETCH(int, row);
+        QFETCH(TRect, expected);
+        BoxOnCanvas on;
+        on.box.SetFirstVisibleItem(2);
+        QCOMPARE(on.box.GetFullItemRect(on.row(row)), expected);
+        QCOMPARE(on.row(row)->GetBoundsRect(), expected);
+    }
+
+    void linksAttachToTheCaptionOfACollapsedBox() {
+        BoxOnCanvas on;
+        on.box.SetExpand(0);
+        QCOMPARE(on.box.GetFullItemRect(on.row(5)), TRect({30, 40, 130, 60}));
+    }
+
+    void rowsOfAnotherBoxHaveNoRectangle() {
+        const BoxOnCanvas on;
+        const BoxOnCanvas other;
+        QCOMPARE(on.box.GetItemRect(other.row(0)), TRect());
+        QCOMPARE(on.box.GetFullItemRect(other.row(0)), TRect());
+        QCOMPARE(on.box.GetItemRect(nullptr), TRect());
+        QVERIFY(!on.box.owns(other.row(0)));
+        QVERIFY(on.box.owns(on.row(0)));
+    }
+
+    // The canvas says that a letter is 7 pixels wide; 2 more are added.
+    void captionTextMayBeWiderThanItsPlace() {
+        BoxOnCanvas on;
+        on.box.SetAlias("LONG_ALIAS");
+        const int width = 7 * int(QStringLiteral("T (LONG_ALIAS)").size()) + 2;
+        QCOMPARE(on.box.CaptionRect(false), TRect({52, 42, 52 + width, 58}));
+        const int right = 130 - 88 + 52;
+        QCOMPARE(on.box.CaptionRect(true), TRect({right, 42, right + width, 58}));
+    }
+
+    // --- hit test
+
+    void hitsAtEveryScrollPosition_data() {
+        QTest::addColumn<QPoint>("scroll");
+        QTest::addColumn<QPoint>("point");  // diagram coordinates
+        QTest::addColumn<int>("hit");
+        struct Row {
+            const char* name;
+            QPoint point;
+            TTableHitTest hit;
+        };
+        const Row rows[] = {
+            {"left of it", {29, 100}, htTOutSide},
+            {"above it", {80, 39}, htTOutSide},
+            {"on its right edge", {130, 100}, htTOutSide},
+            {"on its bottom edge", {80, 168}, htTOutSide},
+            {"left band begins", {30, 100}, htTLeft},
+            {"left band ends", {33, 100}, htTLeft},
+            {"behind the left band", {34, 100}, htTClient},
+            {"right band begins", {127, 100}, htTRight},
+            {"right band ends", {129, 100}, htTRight},
+            {"4 pixels inside the right edge", {126, 100}, htTClient},
+            {"top band begins", {80, 40}, htTTop},
+            {"top band ends", {80, 43}, htTTop},
+            {"bottom band begins", {80, 165}, htTBottom},
+            {"bottom band ends", {80, 167}, htTBottom},
+            {"above the bottom band", {80, 164}, htTClient},
+            {"left top", {33, 43}, htTLeftTop},
+            {"left bottom", {30, 165}, htTLeftBottom},
+            {"right top", {127, 43}, htTRightTop},
+            {"right bottom", {129, 167}, htTRightBottom},
+            {"caption", {60, 50}, htTCaption},
+            {"caption's last line", {60, 59}, htTCaption},
+            {"rows begin", {60, 60}, htTClient},
+            {"buttons begin", {88, 50}, htTbutton},
+            {"left of the buttons", {87, 50}, htTCaption},
+            {"buttons end", {126, 59}, htTbutton},
+            {"check box begins", {34, 44}, htTCheck},
+            {"check box ends", {45, 55}, htTCheck},
+            {"right of the check box", {46, 50}, htTCaption},
+            {"below the check box", {40, 56}, htTCaption},
+        };
+        for (const QPoint& scroll : {QPoint(), oddScroll}) {
+            for (const Row& row : rows) {
+                QTest::addRow("%s, scrolled %d", row.name, scroll.x())
+                    << scroll << row.point << int(row.hit);
+            }
+        }
+    }
+    void hitsAtEveryScrollPosition() {
+        QFETCH(QPoint, scroll);
+        QFETCH(QPoint, point);
+        QFETCH(int, hit);
+        BoxOnCanvas on;
+        on.canvas.scroll = scroll;
+        QCOMPARE(int(on.box.HitTest(point - scroll)), hit);
+    }
+
+    void collapsedBoxHasNoEdges_data() {
+        QTest::addColumn<QPoint>("point");
+        QTest::addColumn<int>("hit");
+        QTest::newRow("left top corner") << QPoint(30, 40) << int(htTCaption);
+        QTest::newRow("right edge") << QPoint(129, 50) << int(htTCaption);
+        QTest::newRow("check box") << QPoint(40, 50) << int(htTCheck);
+        QTest::newRow("buttons") << QPoint(100, 50) << int(htTbutton);
+        QTest::newRow("below") << QPoint(60, 60) << int(htTOutSide);
+    }
+    void collapsedBoxHasNoEdges() {
+        QFETCH(QPoint, point);
+        QFETCH(int, hit);
+        BoxOnCanvas on;
+        on.box.SetExpand(0);
+        QCOMPARE(int(on.box.HitTest(point)), hit);
+    }
+
+    void rowAtAHeight_data() {
+        QTest::addColumn<int>("y");  // diagram coordinates
+        QTest::addColumn<int>("row");
+        QTest::newRow("above the list") << 0 << 2;
+        QTest::newRow("first line") << 61 << 2;
+        QTest::newRow("its last line") << 76 << 2;
+        QTest::newRow("the gap belongs to the next") << 77 << 3;
+        QTest::newRow("last visible") << 161 << 7;
+        QTest::newRow("below the last visible") << 162 << -1;
+    }
+    void rowAtAHeight() {
+        QFETCH(int, y);
+        QFETCH(int, row);
+        for (const QPoint& scroll : {QPoint(), oddScroll}) {
+            BoxOnCanvas on;
+            on.box.SetFirstVisibleItem(2);
+            on.canvas.scroll = scroll;
+            const TorvQDListItem* item = on.box.GetItemAt(-1000, y - scroll.y());
+            QCOMPARE(item ? item->GetIndex() : -1, row);
+        }
+    }
+
+    void negativeFirstRowLeavesRoomAboveTheRows() {
+        BoxOnCanvas on(3);
+        on.box.SetHeight(128);
+        QCOMPARE(on.box.VisibleCount, 5);
+        on.box.SetFirstVisibleItem(0);
+        QCOMPARE(on.box.FirstVisibleItem, -2);
+        QCOMPARE(on.box.GetItemRect(on.row(0)).Top, 61 + 2 * 17);
+        QCOMPARE(on.box.GetItemAt(0, 0), on.row(0));
+        QCOMPARE(on.box.GetItemAt(0, 61 + 4 * 17), on.row(2));
+        QVERIFY(!on.box.GetItemAt(0, 161));
+    }
+
+    void boxWithoutRowsHasNoRowAnywhere() {
+        const BoxOnCanvas on(0);
+        QVERIFY(!on.box.GetItemAt(0, 0));
+        QVERIFY(!on.box.GetItemAt(0, 65));
+    }
+
+    // --- setters
+
+    void captionHeightHasAMinimum_data() { addHeightRows(20); }
+    void captionHeightHasAMinimum() {
+        QFETCH(int, given);
+        QFETCH(int, expected);
+        BoxOnCanvas on;
+        on.box.SetCaptionHeight(given);
+        QCOMPARE(on.box.CaptionHeight, expected);
+    }
+
+    void itemHeightHasAMinimum_data() { addHeightRows(16); }
+    void itemHeightHasAMinimum() {
+        QFETCH(int, given);
+        QFETCH(int, expected);
+        BoxOnCanvas on;
+        on.box.SetItemHeight(given);
+        QCOMPARE(on.box.ItemHeight, expected);
+    }
+
+    void widthHasAMinimum() {
+        BoxOnCanvas on;
+        on.box.SetWidth(1);
+        QCOMPARE(on.box.Width, on.box.CaptionHeight + 60);
+        on.box.SetWidth(-500);
+        QCOMPARE(on.box.Width, on.box.CaptionHeight + 60);
+        QCOMPARE(on.canvas.resized, 1);
+    }
+
+    void heightHasAMinimum() {
+        BoxOnCanvas on;
+        on.box.SetHeight(1);
+        QCOMPARE(on.box.Height, 2 * on.box.ItemHeight + on.box.CaptionHeight + 4);
+        QCOMPARE(on.box.VisibleCount, 1);
+        on.box.SetHeight(-500);
+        QCOMPARE(on.canvas.resized, 1);
+    }
+
+    void sameSizeIsNoChange() {
+        BoxOnCanvas on;
+        on.box.SetWidth(100);
+        on.box.SetHeight(128);
+        on.box.SetExpand(1);
+        QCOMPARE(on.canvas.resized, 0);
+        QVERIFY(on.canvas.invalidated.empty());
+    }
+
+    void heightCountsTheVisibleRows() {
+        BoxOnCanvas on;
+        on.box.SetFirstVisibleItem(4);
+        on.box.SetHeight(128 + 34);
+        QCOMPARE(on.box.VisibleCount, (162 - 20 - 2 - 4 - 1) / 17);
+        QCOMPARE(on.box.FirstVisibleItem, 3);
+        QCOMPARE(on.canvas.resized, 1);
+    }
+
+    void heightBeyondTheRowsShowsThemFromTheFirst() {
+        BoxOnCanvas on(7);
+        on.box.SetFirstVisibleItem(1);
+        on.box.SetHeight(500);
+        QCOMPARE(on.box.FirstVisibleItem, 0);
+    }
+
+    void movingTellsTheCanvasOnce() {
+        BoxOnCanvas on;
+        on.box.SetLeft(31);
+        QCOMPARE(on.canvas.moved, 1);
+        on.box.SetTop(42);
+        QCOMPARE(on.canvas.moved, 2);
+        QCOMPARE(on.box.GetBoundsRect(), TRect({31, 42, 131, 170}));
+        on.box.SetLeft(31);
+        on.box.SetTop(42);
+        on.box.MoveTable(0, 0);
+        QCOMPARE(on.canvas.moved, 2);
+    }
+
+    void movingRepaintsOldAndNewPlaceInTheView() {
+        BoxOnCanvas on;
+        on.canvas.scroll = oddScroll;
+        on.box.MoveTable(10, -5);
+        const TRect old = TRect({30, 40, 130, 168}).translated(-137, -53);
+        QVERIFY(contains(on.canvas.invalidated, old));
+        QVERIFY(contains(on.canvas.invalidated, old.translated(10, -5)));
+    }
+
+    void collapsingTellsTheCanvasAndKeepsTheHeight() {
+        BoxOnCanvas on;
+        on.box.SetExpand(0);
+        QCOMPARE(on.canvas.resized, 1);
+        QCOMPARE(on.box.Height, 128);
+        QVERIFY(contains(on.canvas.invalidated, {30, 40, 130, 168}));
+        on.box.SetExpand(-1);
+        QCOMPARE(on.canvas.resized, 2);
+        QCOMPARE(on.box.GetBoundsRect().Bottom, 168);
+    }
+
+    void firstVisibleItemIsClamped_data() {
+        QTest::addColumn<int>("given");
+        QTest::addColumn<int>("expected");
+        QTest::newRow("below the first") << -5 << 0;
+        QTest::newRow("inside") << 3 << 3;
+        QTest::newRow("the last that fills the list") << 4 << 4;
+        QTest::newRow("beyond") << 9 << 4;
+    }
+    void firstVisibleItemIsClamped() {
+        QFETCH(int, given);
+        QFETCH(int, expected);
+        BoxOnCanvas on;
+        on.box.SetFirstVisibleItem(1);
+        on.canvas.rowsScrolledCount = 0;
+        on.box.SetFirstVisibleItem(given);
+        QCOMPARE(on.box.FirstVisibleItem, expected);
+        QCOMPARE(on.canvas.rowsScrolledCount, 1);
+        on.box.SetFirstVisibleItem(given);
+        QCOMPARE(on.canvas.rowsScrolledCount, 1);
+    }
+
+    void scrollingRowsRepaintsTheRowAreaAlone() {
+        BoxOnCanvas on;
+        on.canvas.scroll = oddScroll;
+        on.box.SetFirstVisibleItem(2);
+        const TRect client = on.box.toView(on.box.GetClientRect());
+        QVERIFY(!on.canvas.invalidated.empty());
+        for (const TRect& rect : on.canvas.invalidated) {
+            QVERIFY(rect.Left >= client.Left && rect.Right <= client.Right);
+            QVERIFY(rect.Top >= client.Top && rect.Bottom <= client.Bottom);
+        }
+    }
+
+    void fontChangeLaysOutAnewForTheVisibleRows() {
+        BoxOnCanvas on;
+        on.canvas.font = 30;
+        on.box.relayout();
+        QCOMPARE(on.box.CaptionHeight, 34);
+        QCOMPARE(on.box.ItemHeight, 30);
+        QCOMPARE(on.box.VisibleCount, 6);
+        QCOMPARE(on.box.Height, 6 * 31 + 34 + 6);
+        QCOMPARE(on.canvas.resized, 1);
+    }
+
+    // --- the scroll bar
+
+    void onlyTheSelectedBoxWithMoreRowsShowsTheScrollBar_data() {
+        QTest::addColumn<int>("rows");
+        QTest::addColumn<bool>("selected");
+        QTest::addColumn<bool>("shown");
+        QTest::newRow("selected, ten rows") << 10 << true << true;
+        QTest::newRow("selected, six rows") << 6 << true << false;
+        QTest::newRow("selected, no rows") << 0 << true << false;
+        QTest::newRow("not selected") << 10 << false << false;
+    }
+    void onlyTheSelectedBoxWithMoreRowsShowsTheScrollBar() {
+        QFETCH(int, rows);
+        QFETCH(bool, selected);
+        QFETCH(bool, shown);
+        BoxOnCanvas on(rows);
+        on.box.SetSelect(selected);
+        QCOMPARE(on.box.UpdateScrollBar(), shown);
+        QCOMPARE(on.canvas.scrollBarVisible, shown);
+    }
+
+    void scrollBarStandsAtTheRightInsideEdge() {
+        BoxOnCanvas on;
+        on.canvas.scroll = oddScroll;
+        on.box.SetFirstVisibleItem(3);
+        on.box.SetSelect(true);
+        const IDiagramCanvas::RowScroll& scroll = on.canvas.placed.back();
+        QCOMPARE(scroll.rect, TRect({110, 62, 126, 164}).translated(-137, -53));
+        QCOMPARE(scroll.position, 3);
+        QCOMPARE(scroll.maximum, 4);
+        QCOMPARE(scroll.pageStep, 5);
+    }
+
+    void deselectingAndCollapsingHideTheScrollBar() {
+        BoxOnCanvas on;
+        on.box.SetSelect(true);
+        on.box.SetExpand(0);
+        QVERIFY(!on.canvas.scrollBarVisible);
+        on.box.SetExpand(1);
+        QVERIFY(on.canvas.scrollBarVisible);
+        on.box.SetSelect(false);
+        QVERIFY(!on.canvas.scrollBarVisible);
+    }
+
+    void selectingACollapsedBoxShowsNoScrollBar() {
+        BoxOnCanvas on;
+        on.box.SetExpand(0);
+        on.box.SetSelect(true);
+        QVERIFY(!on.canvas.scrollBarVisible);
+    }
+
+    void scrollBarFollowsItsBox() {
+        BoxOnCanvas on;
+        on.box.SetSelect(true);
+        on.box.MoveTable(7, 9);
+        on.box.SetWidth(150);
+        QCOMPARE(on.canvas.scrollBarMoves, std::vector<QPoint>({QPoint(7, 9), QPoint(50, 0)}));
+    }
+
+    void growingUntilAllRowsFitHidesTheScrollBar() {
+        BoxOnCanvas on;
+        on.box.SetSelect(true);
+        on.box.SetHeight(400);
+        QVERIFY(!on.canvas.scrollBarVisible);
+        on.box.SetHeight(100);
+        QVERIFY(on.canvas.scrollBarVisible);
+    }
+
+    // --- ticks
+
+    void tickingTellsTheCanvasAndRepaintsTheRow() {
+        BoxOnCanvas on;
+        on.canvas.scroll = oddScroll;
+        on.row(2)->SetCheck(true);
+        QVERIFY(on.row(2)->Checked);
+        QCOMPARE(on.canvas.checks, QStringList("F2+"));
+        QCOMPARE(on.canvas.invalidated, std::vector<TRect>{on.box.GetItemRect(on.row(2))});
+        QCOMPARE(on.box.FieldState, 0);
+    }
+
+    void updatingATickTellsNobodyAndRecounts_data() {
+        QTest::addColumn<QList<int>>("ticked");
+        QTest::addColumn<int>("row");
+        QTest::addColumn<int>("value");
+        QTest::addColumn<int>("state");
+        QTest::newRow("one of three") << QList<int>() << 0 << -1 << 1;
+        QTest::newRow("the last of three") << QList<int>({0, 1}) << 2 << 1 << 2;
+        QTest::newRow("off, others stay") << QList<int>({0, 1, 2}) << 1 << 0 << 1;
+        QTest::newRow("off, none stays") << QList<int>({1}) << 1 << 0 << 0;
+        QTest::newRow("ticked already") << QList<int>({0, 1, 2}) << 1 << -1 << 2;
+    }
+    void updatingATickTellsNobodyAndRecounts() {
+        QFETCH(QList<int>, ticked);
+        QFETCH(int, row);
+        QFETCH(int, value);
+        QFETCH(int, state);
+        BoxOnCanvas on(3);
+        for (const int index : ticked) on.row(index)->UpdateCheck(-1);
+        on.row(row)->UpdateCheck(value);
+        QCOMPARE(on.row(row)->Checked, value != 0);
+        QCOMPARE(on.box.FieldState, state);
+        QVERIFY(on.canvas.checks.isEmpty());
+    }
+
+    void stateTwoTicksAllRows() {
+        BoxOnCanvas on(4);
+        on.box.SetFieldState(2);
+        QCOMPARE(checkedRows(on.box), 4);
+        QCOMPARE(on.box.FieldState, 2);
+        QCOMPARE(on.canvas.checks, QStringList({"F0+", "F1+", "F2+", "F3+"}));
+        QCOMPARE(on.canvas.begun, 1);
+        QCOMPARE(on.canvas.ended, 1);
+    }
+
+    void stateZeroUnticksAllRows() {
+        BoxOnCanvas on(3);
+        on.box.SetFieldState(2);
+        on.canvas.checks.clear();
+        on.box.SetFieldState(0);
+        QCOMPARE(checkedRows(on.box), 0);
+        QCOMPARE(on.box.FieldState, 0);
+        QCOMPARE(on.canvas.checks, QStringList({"F0-", "F1-", "F2-"}));
+    }
+
+    // The check box shows the mixed state until the next recount.
+    void stateOneUnticksAllRowsAndStaysMixed() {
+        BoxOnCanvas on(3);
+        on.box.SetFieldState(2);
+        on.box.SetFieldState(1);
+        QCOMPARE(checkedRows(on.box), 0);
+        QCOMPARE(on.box.FieldState, 1);
+        on.row(0)->UpdateCheck(0);
+        QCOMPARE(on.box.FieldState, 0);
+    }
+
+    void shownStateIsClampedAndRepaintsItsSquare() {
+        BoxOnCanvas on;
+        on.canvas.scroll = oddScroll;
+        on.box.UpdateFieldState(7);
+        QCOMPARE(on.box.FieldState, 2);
+        QCOMPARE(on.canvas.invalidated,
+                 std::vector<TRect>{TRect({30, 40, 50, 60}).translated(-137, -53)});
+        on.box.UpdateFieldState(2);
+        QCOMPARE(on.canvas.invalidated.size(), std::size_t(1));
+        on.box.UpdateFieldState(-3);
+        QCOMPARE(on.box.FieldState, 0);
+    }
+
+    void tickingAnInputRowAsksForItsValue() {
+        BoxOnCanvas on(2);
+        TorvQDListItem* item = on.row(1);
+        item->ParamType = ptInput;
+        bool busy = false;
+        int asked = 0;
+        on.canvas.onEnterParameter = [&](TorvQDTable* table, TorvQDListItem* row) {
+            busy = table == &on.box && row == item && row->Busy;
+            ++asked;
+        };
+        item->SetCheck(true);
+        QCOMPARE(asked, 1);
+        QVERIFY(busy);
+        QVERIFY(!item->Busy);
+        QVERIFY(!item->Checked);
+        QVERIFY(on.canvas.checks.isEmpty());
+    }
+
+    // While the host is being asked, the tick itself is set.
+    void busyInputRowIsTicked() {
+        BoxOnCanvas on(2);
+        TorvQDListItem* item = on.row(1);
+        item->ParamType = ptInput;
+        on.canvas.onEnterParameter = [&](TorvQDTable*, TorvQDListItem* row) {
+            row->SetCheck(true);
+        };
+        item->SetCheck(false);
+        QVERIFY(item->Checked);
+    }
+
+    void errorWhileAskingLeavesTheRowUsable() {
+        BoxOnCanvas on(2);
+        on.row(1)->ParamType = ptInput;
+        on.canvas.onEnterParameter = [](TorvQDTable*, TorvQDListItem*) {
+            throw std::runtime_error("no");
+        };
+        QVERIFY_EXCEPTION_THROWN(on.row(1)->SetCheck(true), std::runtime_error);
+        QVERIFY(!on.row(1)->Busy);
+    }
+
+    void highlightingRepaintsTheRow() {
+        BoxOnCanvas on;
+        on.row(3)->SetSelect(true);
+        QVERIFY(on.row(3)->Selected);
+        QCOMPARE(on.canvas.invalidated, std::vector<TRect>{on.box.GetItemRect(on.row(3))});
+    }
+
+    void currentRowRepaintsOldAndNew() {
+        BoxOnCanvas on;
+        on.box.SetCurrentItem(on.row(1));
+        on.canvas.invalidated.clear();
+        on.box.SetCurrentItem(on.row(4));
+        QCOMPARE(on.box.CurrentItem, on.row(4));
+        QCOMPARE(on.canvas.invalidated, (std::vector<TRect>{on.box.GetItemRect(on.row(1)),
+                                                            on.box.GetItemRect(on.row(4))}));
+    }
+
+    void currentRowMustBeARowOfTheBox() {
+        BoxOnCanvas on;
+        const BoxOnCanvas other;
+        on.box.SetCurrentItem(on.row(1));
+        on.canvas.invalidated.clear();
+        on.box.SetCurrentItem(other.row(1));
+        on.box.SetCurrentItem(nullptr);
+        on.box.SetCurrentItem(on.row(1));
+        QCOMPARE(on.box.CurrentItem, on.row(1));
+        QVERIFY(on.canvas.invalidated.empty());
+    }
+
+    // --- mouse and menu
+
+    void pressOnTheCaptionsCheckBox_data() {
+        QTest::addColumn<int>("before");
+        QTest::addColumn<int>("after");
+        QTest::newRow("none") << 0 << 2;
+        QTest::newRow("some") << 1 << 2;
+        QTest::newRow("all") << 2 << 0;
+    }
+    void pressOnTheCaptionsCheckBox() {
+        QFETCH(int, before);
+        QFETCH(int, after);
+        BoxOnCanvas on(3);
+        for (int index = 0; index < before + before / 2; ++index) on.row(index)->UpdateCheck(-1);
+        QCOMPARE(on.box.FieldState, before);
+        TWMMouse message{40, 50, Qt::LeftButton};
+        on.box.MouseDown(message, htTCheck);
+        QCOMPARE(on.box.FieldState, after);
+        QCOMPARE(checkedRows(on.box), after == 2 ? 3 : 0);
+    }
+
+    void pressMakesTheRowCurrentAndReleaseTicksIt() {
+        BoxOnCanvas on;
+        on.canvas.scroll = oddScroll;
+        const TRect rect = on.box.GetItemRect(on.row(2));
+        TWMMouse down{rect.Left, rect.Top, Qt::LeftButton};
+        on.box.MouseDown(down, htTClient);
+        QCOMPARE(on.box.CurrentItem, on.row(2));
+        QVERIFY(!on.row(2)->Checked);
+        TWMMouse up{rect.Left, rect.Top, Qt::LeftButton};
+        on.box.MouseUp(up, htTClient);
+        QVERIFY(on.row(2)->Checked);
+        QCOMPARE(on.box.FieldState, 1);
+        QCOMPARE(on.canvas.checks, QStringList("F2+"));
+        QCOMPARE(on.canvas.begun, on.canvas.ended);
+    }
+
+    void releaseOutsideTheCheckSquareTicksNothing_data() {
+        QTest::addColumn<int>("x");  // from the row's left edge
+        QTest::addColumn<bool>("ticked");
+        QTest::newRow("left of it") << -1 << false;
+        QTest::newRow("first column") << 0 << true;
+        QTest::newRow("last column") << 15 << true;
+        QTest::newRow("right of it") << 16 << false;
+    }
+    void releaseOutsideTheCheckSquareTicksNothing() {
+        QFETCH(int, x);
+        QFETCH(bool, ticked);
+        BoxOnCanvas on;
+        const TRect rect = on.box.GetItemRect(on.row(0));
+        on.box.SetCurrentItem(on.row(0));
+        TWMMouse up{rect.Left + x, rect.Top, Qt::LeftButton};
+        on.box.MouseUp(up, htTClient);
+        QCOMPARE(on.row(0)->Checked, ticked);
+    }
+
+    void releaseOverAnotherRowTicksNothing() {
+        BoxOnCanvas on;
+        on.box.SetCurrentItem(on.row(0));
+        const TRect rect = on.box.GetItemRect(on.row(1));
+        TWMMouse up{rect.Left, rect.Top, Qt::LeftButton};
+        on.box.MouseUp(up, htTClient);
+        QCOMPARE(checkedRows(on.box), 0);
+        QVERIFY(on.canvas.checks.isEmpty());
+    }
+
+    void mouseEventsAreRelativeToTheBox() {
+        BoxOnCanvas on;
+        QPoint seen;
+        on.box.OnMouseDown = [&](QObject*, Qt::MouseButton, Qt::KeyboardModifiers, int x, int y) {
+            seen = {x, y};
+        };
+        TWMMouse message{60, 50, Qt::LeftButton};
+        on.box.MouseDown(message, htTCaption);
+        QCOMPARE(seen, QPoint(30, 10));
+        QCOMPARE(message.Result, 1);
+    }
+
+    void captionHasAMenu() {
+        BoxOnCanvas on;
+        QMenu menu;
+        on.box.PopupMenu(menu, 60, 50, htTCaption);
+        QCOMPARE(menu.actions().size(), 3);
+        QCOMPARE(menu.actions().at(0)->text(), "Delete table");
+        QVERIFY(menu.actions().at(1)->isSeparator());
+        QCOMPARE(menu.actions().at(2)->text(), "Rename table");
+        menu.actions().at(0)->trigger();
+        QCOMPARE(on.canvas.closed, std::vector<TorvQDTable*>{&on.box});
+        TorvQDTable* renamed = nullptr;
+        on.box.renameRequested = [&](TorvQDTable* table) { renamed = table; };
+        menu.actions().at(2)->trigger();
+        QCOMPARE(renamed, &on.box);
+    }
+
+    void otherPlacesHaveNoMenu() {
+        BoxOnCanvas on;
+        for (const TTableHitTest hit : {htTOutSide, htTClient, htTbutton, htTCheck, htTLeft}) {
+            QMenu menu;
+            on.box.PopupMenu(menu, 60, 50, hit);
+            QVERIFY(menu.isEmpty());
+        }
+    }
+
+    void menuOfADeadBoxDoesNothing() {
+        FakeCanvas canvas;
+        auto box = std::make_unique<TorvQDTable>(&canvas, nullptr, "T");
+        QMenu menu;
+        box->PopupMenu(menu, 0, 0, htTCaption);
+        box.reset();
+        menu.actions().at(0)->trigger();
+        menu.actions().at(2)->trigger();
+        QVERIFY(canvas.closed.empty());
+    }
+
+    void closingAndUnlinkingAreTheCanvassBusiness() {
+        BoxOnCanvas on;
+        on.box.CloseTable();
+        on.box.UnlinkTable();
+        QCOMPARE(on.canvas.closed, std::vector<TorvQDTable*>{&on.box});
+        QCOMPARE(on.canvas.unlinked, std::vector<TorvQDTable*>{&on.box});
+    }
+
+private:
+    void addHeightRows(int minimum) {
+        QTest::addColumn<int>("given");
+        QTest::addColumn<int>("expected");
+        QTest::newRow("zero is ignored") << 0 << minimum;
+        QTest::newRow("below the minimum") << 5 << minimum;
+        QTest::newRow("negative") << -30 << 30;
+        QTest::newRow("positive") << 30 << 30;
+    }
+};
+
+QTEST_MAIN(FloatTableTest)
+#include "tst_floattable.moc"

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "contract/IDiagramCanvas.h"
+#include "diagram/ORVQDFloatTable.h"
+
+#include <QStringList>
+#include <QWidget>
+
+#include <functional>
+#include <vector>
+
+namespace orvtest {
+
+/// A canvas that only remembers what boxes asked of it: boxes are tested without a work area.
+class FakeCanvas : public QWidget, public IDiagramCanvas {
+public:
+    QPoint scroll;
+    int font = 11;
+    TorvQDWorkAreaOptions workAreaOptions;
+    bool scrollBarVisible = false;
+    std::vector<RowScroll> placed;
+    std::vector<QPoint> scrollBarMoves;
+    std::vector<TRect> invalidated;  // view coordinates
+    std::vector<TorvQDFloatObject*> broughtToFront;
+    QStringList checks;  // rows told of, with their new tick
+    std::vector<TorvQDTable*> closed;
+    std::vector<TorvQDTable*> unlinked;
+    int moved = 0;
+    int resized = 0;
+    int rowsScrolledCount = 0;
+    int begun = 0;
+    int ended = 0;
+    std::function<void(TorvQDTable*, TorvQDListItem*)> onEnterParameter;
+
+    QPoint scrollPosition() const override { return scroll; }
+    void invalidate(const TRect& viewRect) override { invalidated.push_back(viewRect); }
+    int fontHeight() const override { return font; }
+    int boldTextWidth(const QString& text) const override { return 7 * int(text.size()); }
+    const TorvQDWorkAreaOptions& options() const override { return workAreaOptions; }
+    bool isRowScrollBarVisible() const override { return scrollBarVisible; }
+    void placeRowScrollBar(const RowScroll& rowScroll) override { placed.push_back(rowScroll); }
+    void showRowScrollBar(bool visible) override { scrollBarVisible = visible; }
+    void moveRowScrollBar(int dx, int dy) override { scrollBarMoves.emplace_back(dx, dy); }
+    void bringToFront(TorvQDFloatObject* object) override { broughtToFront.push_back(object); }
+    void tableMoved(TorvQDTable*) override { ++moved; }
+    void tableResized(TorvQDTable*) override { ++resized; }
+    void rowsScrolled(TorvQDTable*) override { ++rowsScrolledCount; }
+    void closeTable(TorvQDTable* table) override { closed.push_back(table); }
+    void unlinkTable(TorvQDTable* table) override { unlinked.push_back(table); }
+    void checkItem(TorvQDFloatObject*, TorvQDListItem* item) override {
+        checks << item->Name + (item->Checked ? QStringLiteral("+") : QStringLiteral("-"));
+    }
+    void enterParameter(TorvQDTable* table, TorvQDListItem* item) override {
+        if (onEnterParameter) onEnterParameter(table, item);
+    }
+    void beginChange() override { ++begun; }
+    void endChange() override { ++ended; }
+};
+
+/// A data set of `count` integer columns F0, F1, ...
+inline TDataSet numberedFields(int count) {
+    TDataSet dataSet;
+    for (int index = 0; index < count; ++index) {
+        dataSet.FieldDefs.push_back({QStringLiteral("F%1").arg(index), ftInteger});
+    }
+    return dataSet;
+}
+
+}  // namespace orvtest
+
+// QTest prints a rectangle that is not the expected one.
+inline char* toString(const TRect& rect) {
+    return qstrdup(qPrintable(QStringLiteral("TRect(%1, %2, %3, %4)")
+                                  .arg(rect.Left)
+                                  .arg(rect.Top)
+                                  .arg(rect.Right)
+                                  .arg(rect.Bottom)));
+}

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "core/Error.h"
+#include "toolkit/Services.h"
+
+#include <QRegularExpression>
+#include <QStringList>
+#include <QTest>
+
+// What the tests of the control share. QVERIFY returns from the function that it stands in, so
+// these report through their results.
+namespace orvtest {
+
+/// The text of the orv::Error that the body raises; a text that no error has when it raises none.
+template <typename Body>
+QString errorOf(Body&& body) {
+    try {
+        body();
+    } catch (const orv::Error& error) {
+        return error.Message();
+    }
+    return QStringLiteral("(no error)");
+}
+
+/// For the init() of a test class: a warning of Qt that no test asked for fails the test. What the
+/// offscreen platform says about itself whenever a window has a minimum size is none.
+inline void failOnAnyWarning() {
+    QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!This plugin does not support)")));
+}
+
+/// Answers message boxes and takes errors for as long as it lives, so that no test can block.
+class RecordedServices {
+public:
+    RecordedServices() {
+        m_oldService = orv::setMessageService([this](const orv::MessageRequest& request) {
+            messages << request.text;
+            return request.buttons == orv::MessageButtons::Ok ? orv::MessageAnswer::Ok : answer;
+        });
+        m_oldHandler = orv::setErrorHandler([this](const QString& text) { errors << text; });
+    }
+    ~RecordedServices() {
+        orv::setMessageService(m_oldService);
+        orv::setErrorHandler(m_oldHandler);
+    }
+    RecordedServices(const RecordedServices&) = delete;
+    RecordedServices& operator=(const RecordedServices&) = delete;
+
+    QStringList messages;
+    QStringList errors;
+    orv::MessageAnswer answer = orv::MessageAnswer::Yes;
+
+private:
+    orv::MessageService m_oldService;
+    orv::ErrorHandler m_oldHandler;
+};
+
+}  // namespace orvtest
