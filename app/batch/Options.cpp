@@ -1,0 +1,199 @@
+// SPDX-License-Identifier: MIT
+#include "batch/Options.h"
+
+#include <QFileInfo>
+
+namespace orvquery {
+
+namespace {
+
+// Options whose value follows behind "=" or as the next argument.
+const QStringList& optionsWithValue() {
+    static const QStringList names = {QStringLiteral("--database"), QStringLiteral("--schema"),
+                                      QStringLiteral("--load"),     QStringLiteral("--list"),
+                                      QStringLiteral("--format"),   QStringLiteral("--render")};
+    return names;
+}
+
+const QStringList& optionsWithoutValue() {
+    static const QStringList names = {QStringLiteral("--classic"), QStringLiteral("--strict"),
+                                      QStringLiteral("--print"),   QStringLiteral("--state"),
+                                      QStringLiteral("--run"),     QStringLiteral("--help"),
+                                      QStringLiteral("--version")};
+    return names;
+}
+
+// The arguments as options and their values, before anything is made of them. Lives for one
+// command line.
+class Arguments {
+public:
+    explicit Arguments(const QStringList& arguments) {
+        for (qsizetype index = 0; index < arguments.size(); ++index) take(arguments, index);
+    }
+
+    [[nodiscard]] bool has(const char* name) const { return value(name).has_value(); }
+
+    [[nodiscard]] std::optional<QString> value(const char* name) const {
+        const auto found = m_values.constFind(QLatin1String(name));
+        return found == m_values.cend() ? std::nullopt : std::optional<QString>(*found);
+    }
+
+    // Raises UsageError when more than one of the options is there.
+    void requireAtMostOne(std::initializer_list<const char*> names) const {
+        QString first;
+        for (const char* name : names) {
+            if (!has(name)) continue;
+            if (!first.isEmpty()) {
+                throw UsageError(
+                    QStringLiteral("%1 and %2 exclude each other").arg(first, QLatin1String(name)));
+            }
+            first = QLatin1String(name);
+        }
+    }
+
+private:
+    // Takes the argument at the index, and the next one when it is its value.
+    void take(const QStringList& arguments, qsizetype& index) {
+        const QString& argument = arguments[index];
+        const QString name = canonicalName(argument.section(u'=', 0, 0));
+        const bool hasEquals = argument.contains(u'=');
+        if (!argument.startsWith(u'-') || argument == u"-") {
+            throw UsageError(QStringLiteral("unexpected argument \"%1\"").arg(argument));
+        }
+        if (optionsWithValue().contains(name)) {
+            add(name, hasEquals ? argument.section(u'=', 1) : next(arguments, index, name));
+        } else if (!optionsWithoutValue().contains(name)) {
+            throw UsageError(QStringLiteral("unknown option \"%1\"").arg(argument));
+        } else if (hasEquals) {
+            throw UsageError(QStringLiteral("%1 takes no value").arg(name));
+        } else {
+            add(name, QString());
+        }
+    }
+
+    static QString canonicalName(const QString& name) {
+        if (name == u"-h") return QStringLiteral("--help");
+        return name;
+    }
+
+    static QString next(const QStringList& arguments, qsizetype& index, const QString& name) {
+        const bool isThere =
+            index + 1 < arguments.size() && !arguments[index + 1].startsWith(QLatin1String("--"));
+        if (!isThere) throw UsageError(QStringLiteral("%1 needs a value").arg(name));
+        return arguments[++index];
+    }
+
+    void add(const QString& name, const QString& value) {
+        if (m_values.contains(name)) {
+            throw UsageError(QStringLiteral("%1 is there twice").arg(name));
+        }
+        if (value.isEmpty() && optionsWithValue().contains(name)) {
+            throw UsageError(QStringLiteral("%1 needs a value").arg(name));
+        }
+        m_values.insert(name, value);
+    }
+
+    QHash<QString, QString> m_values;
+};
+
+RowFormat formatOf(const QString& name) {
+    if (name == u"table") return RowFormat::Table;
+    if (name == u"csv") return RowFormat::Csv;
+    if (name == u"json") return RowFormat::Json;
+    throw UsageError(QStringLiteral("unknown format \"%1\": it is table, csv or json").arg(name));
+}
+
+QString pictureOf(const QString& file) {
+    const QString suffix = QFileInfo(file).suffix().toLower();
+    if (suffix == u"png" || suffix == u"svg") return file;
+    throw UsageError(
+        QStringLiteral("--render writes a file named .png or .svg, not \"%1\"").arg(file));
+}
+
+Output outputOf(const Arguments& arguments) {
+    // Whoever asks for help gets it, whatever else is there.
+    if (arguments.has("--help")) return Output::Help;
+    if (arguments.has("--version")) return Output::Version;
+    // The states are what --list prints, so --state beside it says nothing new.
+    arguments.requireAtMostOne({"--list", "--print", "--run", "--render"});
+    arguments.requireAtMostOne({"--print", "--state", "--run", "--render"});
+    if (arguments.has("--list")) return Output::StateOfEach;
+    if (arguments.has("--print")) return Output::Print;
+    if (arguments.has("--state")) return Output::State;
+    if (arguments.has("--run")) return Output::Run;
+    if (arguments.has("--render")) return Output::Render;
+    return Output::Window;
+}
+
+void requireSenseOf(const Arguments& arguments) {
+    arguments.requireAtMostOne({"--database", "--schema"});
+    arguments.requireAtMostOne({"--load", "--list"});
+    if (arguments.has("--format") && !arguments.has("--run")) {
+        throw UsageError(QStringLiteral("--format goes with --run alone"));
+    }
+    if (arguments.has("--schema") && arguments.has("--run")) {
+        throw UsageError(QStringLiteral("--run needs a database; a --schema file has no rows"));
+    }
+}
+
+}  // namespace
+
+Options parseOptions(const QStringList& list) {
+    const Arguments arguments(list);
+    Options options;
+    options.output = outputOf(arguments);
+    if (options.output == Output::Help || options.output == Output::Version) return options;
+    requireSenseOf(arguments);
+    options.database = arguments.value("--database");
+    options.schema = arguments.value("--schema");
+    options.load = arguments.value("--load");
+    options.list = arguments.value("--list").value_or(QString());
+    if (const auto format = arguments.value("--format")) options.format = formatOf(*format);
+    if (const auto file = arguments.value("--render")) options.picture = pictureOf(*file);
+    options.keepMeaning = !arguments.has("--classic");
+    options.strict = arguments.has("--strict");
+    return options;
+}
+
+QString helpText() {
+    return QStringLiteral(
+        "usage: orvquery [--database FILE | --schema FILE] [--load FILE] [--classic] [--strict]\n"
+        "                [--print | --state | --run [--format FORMAT] | --render FILE]\n"
+        "       orvquery [--database FILE | --schema FILE] [--classic] [--strict] --list FILE\n"
+        "\n"
+        "Puts a SQL query together by mouse and runs it. Without one of the outputs below it "
+        "opens\n"
+        "its window; with one it needs no display.\n"
+        "\n"
+        "Tables\n"
+        "  --database FILE  an SQLite database, opened for reading only; without it and --schema\n"
+        "                   a sample database, made on first use\n"
+        "  --schema FILE    a JSON file that describes tables: {\"ORDERS\": [[\"CUSTNO\",\n"
+        "                   \"ftInteger\"], [\"PRICE\", \"ftFloat\"]]}; no rows, so no --run\n"
+        "\n"
+        "Statement\n"
+        "  --load FILE      load the SELECT statement in FILE (UTF-8); - is standard input\n"
+        "  --classic        load and write by the control's plain rules, also where these change\n"
+        "                   what a statement asks for; each change is reported\n"
+        "  --strict         exit with status 1 when the statement could not be held in full\n"
+        "\n"
+        "Output\n"
+        "  --print          the statement as the control writes it\n"
+        "  --state          all that the control holds, as JSON\n"
+        "  --run            the rows; --format table (default), csv or json\n"
+        "  --render FILE    the diagram as a picture, by the name .png or .svg\n"
+        "  --list FILE      FILE names a statement file on each line; the state of each as one "
+        "line\n"
+        "                   of JSON\n"
+        "  --help           this text\n"
+        "  --version        the version\n"
+        "\n"
+        "What a loaded statement says and the control cannot hold is told on standard error, as\n"
+        "FILE:line:column: \"text\": what became of it.\n"
+        "\n"
+        "Exit status: 0; 1 when a file, the statement or the database could not be used; 2 when "
+        "the\n"
+        "command line makes no sense.\n");
+}
+
+}  // namespace orvquery

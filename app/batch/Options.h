@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "batch/RowsText.h"
+#include "core/Error.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace orvquery {
+
+/// What the program is asked to do with the statement; Window asks for none of the others.
+enum class Output { Window, Print, State, StateOfEach, Run, Render, Help, Version };
+
+/// The command line, taken apart. A plain value.
+struct Options {
+    Output output = Output::Window;
+    std::optional<QString> database;  ///< an SQLite file; the sample database without one
+    std::optional<QString> schema;    ///< a JSON file that describes tables
+    std::optional<QString> load;      ///< a file with a statement; "-" is standard input
+    QString list;                     ///< for StateOfEach: a file with names of statement files
+    QString picture;                  ///< for Render
+    RowFormat format = RowFormat::Table;
+    bool keepMeaning = true;
+    bool strict = false;
+};
+
+/// A command line that asks for nothing the program knows; the text says why.
+class UsageError : public orv::Error {
+public:
+    using orv::Error::Error;
+};
+
+/// Takes the arguments apart, without the program's own name in front. Raises UsageError.
+[[nodiscard]] Options parseOptions(const QStringList& arguments);
+
+/// What --help prints.
+[[nodiscard]] QString helpText();
+
+}  // namespace orvquery

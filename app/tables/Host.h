@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tables/TableSource.h"
+
+class TorvQueryBuilder;
+
+namespace orvquery {
+
+/// Lets the control ask the source for its tables, and quotes the source's reserved words from now
+/// on. The source must outlive the control, or its place in it until the next call.
+void connectTables(TorvQueryBuilder& builder, const TableSource& source);
+
+/// Adds a box of the table of that name, as tables() of the source gives it; false when there is no
+/// such table or the control does not take it. Raises orv::Error when its columns cannot be read.
+bool addTable(TorvQueryBuilder& builder, const TableSource& source, const QString& name);
+
+}  // namespace orvquery
