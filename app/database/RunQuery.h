@@ -36,6 +36,8 @@ public:
 
     [[nodiscard]] const QStringList& columns() const { return m_columns; }
     [[nodiscard]] const std::vector<Row>& rows() const { return m_rows; }
+    /// Hands the rows over; none are left.
+    [[nodiscard]] std::vector<Row> takeRows() { return std::move(m_rows); }
     /// Whether there were more rows than it takes.
     [[nodiscard]] bool isCut() const { return m_isCut; }
 

@@ -60,4 +60,4 @@ void TestColumnTypes::types() {
 }
 
 QTEST_GUILESS_MAIN(TestColumnTypes)
-#include "tst_columntypes.moc"
+#include "tst_app_columntypes.moc"

@@ -185,4 +185,4 @@ void TestAppNames::parts() {
 }
 
 QTEST_GUILESS_MAIN(TestAppNames)
-#include "tst_appnames.moc"
+#include "tst_app_names.moc"

@@ -136,4 +136,4 @@ void TestRowsText::widths() {
 }
 
 QTEST_GUILESS_MAIN(TestRowsText)
-#include "tst_rowstext.moc"
+#include "tst_app_rowstext.moc"

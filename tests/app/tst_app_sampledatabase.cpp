@@ -197,4 +197,4 @@ void TestSampleDatabase::failureLeavesNothingBehind() {
 }
 
 QTEST_GUILESS_MAIN(TestSampleDatabase)
-#include "tst_sampledatabase.moc"
+#include "tst_app_sampledatabase.moc"

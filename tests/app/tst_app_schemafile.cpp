@@ -158,4 +158,4 @@ void TestSchemaFile::readsFile() {
 }
 
 QTEST_GUILESS_MAIN(TestSchemaFile)
-#include "tst_schemafile.moc"
+#include "tst_app_schemafile.moc"

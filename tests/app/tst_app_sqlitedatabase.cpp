@@ -283,4 +283,4 @@ void TestSqliteDatabase::connectionsGo() {
 }
 
 QTEST_GUILESS_MAIN(TestSqliteDatabase)
-#include "tst_sqlitedatabase.moc"
+#include "tst_app_sqlitedatabase.moc"

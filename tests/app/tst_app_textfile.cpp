@@ -90,4 +90,4 @@ void TestTextFile::position() {
 }
 
 QTEST_GUILESS_MAIN(TestTextFile)
-#include "tst_textfile.moc"
+#include "tst_app_textfile.moc"
