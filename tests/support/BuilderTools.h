@@ -1,0 +1,242 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "core/Text.h"
+#include "querybuilder/ORVQDState.h"
+#include "querybuilder/ORVQDWindow.h"
+#include "selection/ORVQDSelectOrder.h"
+#include "support/TestTools.h"
+#include "workarea/ORVQDFloatPanel.h"
+
+#include <QHash>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSet>
+#include <QStringList>
+
+#include <algorithm>
+
+// What tests of the whole control share.
+namespace orvtest {
+
+/// A data set of string columns.
+inline TDataSet stringFields(const QStringList& names) {
+    TDataSet dataSet;
+    for (const QString& name : names) dataSet.FieldDefs.push_back({name, ftString});
+    return dataSet;
+}
+
+/// A host with a few tables, which it knows ignoring case. It remembers what it was asked for.
+class Host {
+public:
+    Host() {
+        add("T", {"A", "B", "C", "D", "E"});
+        add("U", {"A", "X", "Y"});
+        add("EMPLOYEE", {"EMP_NO", "FIRST_NAME", "SALARY", "DEPT_NO"});
+        add("DEPT", {"DEPT_NO", "DEPARTMENT", "BUDGET"});
+        add("ORDERS", {"ORDER_NO", "CUST_NO", "PRICE", "NAME"});
+        add("my table", {"my field", "PLAIN", "a.b", "q\"q"});
+        add("S.T", {"A", "Z"});
+    }
+
+    void add(const QString& name, const QStringList& fields) {
+        m_tables[name.toUpper()] = stringFields(fields);
+    }
+    [[nodiscard]] const TDataSet& table(const QString& name) const {
+        return m_tables.find(name.toUpper()).value();
+    }
+    void attach(TorvQueryBuilder& builder) {
+        builder.OnGetTableFields = [this](const QString& name, std::unique_ptr<TDataSet>& dataSet,
+                                          std::unique_ptr<TParams>&) {
+            asked << name;
+            const auto found = m_tables.find(name.toUpper());
+            if (found != m_tables.end()) dataSet = std::make_unique<TDataSet>(*found);
+        };
+    }
+
+    QStringList asked;
+
+private:
+    QHash<QString, TDataSet> m_tables;
+};
+
+/// A builder with that host, and counters of its signals.
+class HostedBuilder {
+public:
+    explicit HostedBuilder(bool keepMeaning = false) {
+        host.attach(builder);
+        builder.setKeepMeaning(keepMeaning);
+        QObject::connect(&builder, &TorvQueryBuilder::StatementChanged, &builder,
+                         [this] { ++changes; });
+        QObject::connect(&builder, &TorvQueryBuilder::LoadReported, &builder,
+                         [this](const orv::Findings&) { ++reports; });
+    }
+
+    TorvQDTable* addTable(const QString& name) {
+        return builder.ListOfTables->AddTable(name, host.table(name));
+    }
+    [[nodiscard]] TorvQDTable* table(const QString& alias) const {
+        return builder.ListOfTables->tableByAlias(alias);
+    }
+    [[nodiscard]] TorvQDSelectGrid* grid() const { return builder.SelectPanel->grid(); }
+
+    /// Ticks or unticks a row as a press on its check square does.
+    void tick(const QString& alias, const QString& field, bool on = true) {
+        TorvQDListItem* item = table(alias)->GetFieldItem(field);
+        item->SetCheck(on);
+        item->UpdateCheck(on ? -1 : 0);
+    }
+
+    /// The boxes in the order of their creation, as "NAME" or "NAME ALIAS".
+    [[nodiscard]] QStringList tables() const {
+        QStringList names;
+        for (const TorvQDTable* box : builder.WorkArea->tablesByCreation()) {
+            const QString alias = box->GetAlias();
+            names << (alias == box->TableName ? alias : box->TableName + u' ' + alias);
+        }
+        return names;
+    }
+    /// The boxes from the front to the back, by alias.
+    [[nodiscard]] QStringList stacking() const {
+        QStringList names;
+        for (int index = 0; index < builder.WorkArea->TablesCount(); ++index) {
+            names << builder.WorkArea->Tables(index)->GetAlias();
+        }
+        return names;
+    }
+    /// The columns, as "name|aggregate|source".
+    [[nodiscard]] QStringList columns() const {
+        QStringList texts;
+        for (const orv::OutputColumn& column : grid()->columns()) {
+            texts << column.name + u'|' + column.aggregate + u'|' + column.source;
+        }
+        return texts;
+    }
+    /// The texts of the findings.
+    [[nodiscard]] QStringList findings() const {
+        QStringList texts;
+        for (const orv::Finding& finding : builder.LoadReport()) texts << finding.text;
+        return texts;
+    }
+
+    Host host;
+    TorvQueryBuilder builder;
+    int changes = 0;
+    int reports = 0;
+};
+
+/// Everything that the control shows, without the report of the last load.
+inline QByteArray visibleState(TorvQueryBuilder& builder) {
+    QJsonObject state = QJsonDocument::fromJson(orv::stateJson(builder, {})).object();
+    state.remove(QStringLiteral("report"));
+    return QJsonDocument(state).toJson();
+}
+
+namespace detail {
+
+inline QString brokenNameRule(TorvQueryBuilder& builder) {
+    QSet<QString> aliases;
+    QStringList fields;
+    for (TorvQDTable* box : builder.WorkArea->tablesByCreation()) {
+        const QString alias = box->GetAlias();
+        if (aliases.contains(alias)) return "two boxes have the alias " + alias;
+        aliases.insert(alias);
+        if (builder.WorkArea->GetTable(alias) != box) return "alias is not found: " + alias;
+        for (const auto& item : box->Items) {
+            const QString name = alias + u'.' + item->Name;
+            if (item->ParamType == ptOutput && !fields.contains(name)) fields << name;
+        }
+    }
+    if (builder.AllFields().names() != fields) {
+        return "AllFields is " + builder.AllFields().names().join(u' ') + ", not " +
+               fields.join(u' ');
+    }
+    return {};
+}
+
+inline QString brokenTickRule(TorvQueryBuilder& builder) {
+    QSet<QString> ticked;
+    for (const TorvQDTable* box : builder.WorkArea->tablesByCreation()) {
+        int count = 0;
+        for (const auto& item : box->Items) {
+            if (!item->Checked) continue;
+            ++count;
+            ticked.insert(box->GetAlias() + u'.' + item->Name);
+        }
+        const int state = count == 0 ? 0 : count == int(box->Items.size()) ? 2 : 1;
+        if (!box->Items.empty() && box->FieldState != state) {
+            return QStringLiteral("FieldState of %1 is %2, not %3")
+                .arg(box->GetAlias())
+                .arg(box->FieldState)
+                .arg(state);
+        }
+    }
+    const auto resolved = [&](const QString& source) {
+        const std::optional<PageField> field = builder.resolveField(source);
+        return field ? field->qualifiedName() : QString();
+    };
+    QSet<QString> listed;
+    for (const QString& name : builder.SelectedFields().names()) listed.insert(resolved(name));
+    if (listed != ticked) {
+        return "SelectedFields is " + builder.SelectedFields().names().join(u' ') +
+               ", ticked are " + QStringList(ticked.begin(), ticked.end()).join(u' ');
+    }
+    QSet<QString> columns;
+    for (const orv::OutputColumn& column : builder.SelectPanel->grid()->columns()) {
+        const QString name = resolved(column.source);
+        if (orv::orvTrim(column.aggregate).isEmpty() && !name.isEmpty()) columns.insert(name);
+    }
+    if (columns != ticked) {
+        return "columns are " + QStringList(columns.begin(), columns.end()).join(u' ') +
+               ", ticked are " + QStringList(ticked.begin(), ticked.end()).join(u' ');
+    }
+    return {};
+}
+
+inline QString brokenStackingRule(TorvQueryBuilder& builder) {
+    const TorvQDWorkArea& area = *builder.WorkArea;
+    const std::vector<TorvQDTable*> created = area.tablesByCreation();
+    if (int(created.size()) != area.TablesCount()) return "a box is missing in an order";
+    int selected = 0;
+    for (int index = 0; index < area.TablesCount(); ++index) {
+        TorvQDTable* box = area.Tables(index);
+        if (std::count(created.begin(), created.end(), box) != 1) return "orders differ in boxes";
+        if (!box->Selected) continue;
+        ++selected;
+        if (index != 0) return "the selected box is not in front: " + box->GetAlias();
+        if (area.selectedObject() != box) return "another object is known as the selected one";
+    }
+    return selected > 1 ? "several boxes are selected" : QString();
+}
+
+inline QString brokenGridRule(TorvQueryBuilder& builder) {
+    const TorvQDSelectGrid& grid = *builder.SelectPanel->grid();
+    const QAbstractItemModel& model = *grid.model();
+    if (model.rowCount() != grid.RowCount() - 1) return "the grid shows another number of rows";
+    for (int row = 1; row < grid.RowCount(); ++row) {
+        for (int column = 0; column < 3; ++column) {
+            const QString shown = model.index(row - 1, column).data().toString();
+            if (shown != grid.Cells(column, row)) return "the grid shows another text: " + shown;
+            const bool isLast = row == grid.RowCount() - 1;
+            if (isLast && !shown.isEmpty()) return "the last row is not empty: " + shown;
+        }
+    }
+    return {};
+}
+
+}  // namespace detail
+
+/// What is wrong between the diagram, the name lists and the grid; empty when all agrees.
+inline QString brokenRule(TorvQueryBuilder& builder) {
+    for (const auto rule : {detail::brokenNameRule, detail::brokenTickRule,
+                            detail::brokenStackingRule, detail::brokenGridRule}) {
+        const QString broken = rule(builder);
+        if (!broken.isEmpty()) return broken;
+    }
+    return {};
+}
+
+}  // namespace orvtest
+
+/// Fails the test when the parts of the builder do not agree.
+#define verifyBuilder(builder) QCOMPARE(orvtest::brokenRule(builder), QString())
