@@ -96,6 +96,7 @@ private Q_SLOTS:
         row("cross join", "t cross join u", {"T", "U"});
         row("cross join with aliases", "t x cross join u as y", {"T X", "U Y"});
         row("same table under two aliases", "t x, t y", {"T X", "T Y"});
+        row("same table, alias first", "t x, t", {"T X", "T"});
     }
     void tablesAndAliases() {
         QFETCH(QString, from);
@@ -182,6 +183,12 @@ private Q_SLOTS:
         row("using", "t join u using (a)", {"T", "U"}, {"join u using (a)"});
         row("table behind a join", "t join u on t.a = u.a, dept", {"T", "U", "DEPT"},
             {"join u on t.a = u.a"});
+        row("cross join behind a join", "t join u on t.a = u.a cross join dept", {"T", "U", "DEPT"},
+            {"join u on t.a = u.a"});
+        row("join behind a comma", "t, u join dept d on u.x = d.budget", {"T", "U", "DEPT D"},
+            {"join dept d on u.x = d.budget"});
+        row("joins in brackets", "(t join u on t.a = u.a), dept", {"DEPT"},
+            {"(t join u on t.a = u.a)"});
         row("same table without alias", "t, t", {"T"}, {"t"});
         row("two aliases equal", "t x, u x", {"T X", "U X"}, {"u x"});
     }

@@ -254,6 +254,19 @@ private Q_SLOTS:
         verifyBuilder(on.builder);
     }
 
+    // Selecting it changed the order of FROM, and the host answered by closing it.
+    void boxClosedByTheHostDuringAPressIsNotTicked() {
+        ShownBuilder on;
+        const QPoint point = on.captionCheckOf("U");
+        connect(&on.builder, &TorvQueryBuilder::StatementChanged, this, [&] {
+            if (on.table("U")) on.table("U")->CloseTable();
+        });
+        on.click(point);
+        QCOMPARE(on.tables(), QStringList("T"));
+        QCOMPARE(on.columns(), QStringList());
+        verifyBuilder(on.builder);
+    }
+
     void errorInsideAPressGoesToTheHandler() {
         orvtest::RecordedServices services;
         ShownBuilder on;
