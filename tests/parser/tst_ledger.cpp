@@ -42,6 +42,8 @@ private Q_SLOTS:
     void findingsAreInTheOrderOfTheText();
     void lineBreaksInQuotesAreFindings_data();
     void lineBreaksInQuotesAreFindings();
+    void textHasItsLineBreaksAsBlanks();
+    void onePlaceIsToldOnce();
     void hasFindingSeesOverlaps();
     void givenTextComesFromTheStatement();
     void tokensInAreThoseOfTheSpan();
@@ -147,6 +149,20 @@ void TestLedger::lineBreaksInQuotesAreFindings() {
     if (!found) return;
     QCOMPARE(findings[0].start, 7);
     QCOMPARE(findings[0].text, quoted);
+}
+
+void TestLedger::textHasItsLineBreaksAsBlanks() {
+    const LoadLedger ledger = ledgerOf("a\n'b\r\nc'");
+    QCOMPARE(ledger.text(), QStringLiteral("a 'b  c'"));
+    QCOMPARE(ledger.givenText(2, 8), QStringLiteral("'b\r\nc'"));
+}
+
+void TestLedger::onePlaceIsToldOnce() {
+    LoadLedger ledger = ledgerOf("a b");
+    placeText(ledger, "a");
+    ledger.report(2, 3, QStringLiteral("Lost."));
+    ledger.report(2, 3, QStringLiteral("Lost."));
+    QCOMPARE(textsOf(ledger.findings()), QStringList({"b"}));
 }
 
 void TestLedger::hasFindingSeesOverlaps() {

@@ -65,6 +65,7 @@ void TestTokens::kinds_data() {
     row("count(*)", "w:count o:( s:* c:)");
     row("t.*", "w:t. s:*");
     row(":p @q ?1 #t $x a_b", "w::p w:@q w:?1 w:#t w:$x w:a_b");
+    row("a::text ::b", "w:a s::: w:text s::: w:b");
     row("a[1];", "w:a s:[ n:1 s:] s:;");
     row("\xc3\xa4\xc3\xb6 \xf0\x9f\x90\x98", "w:\xc3\xa4\xc3\xb6 w:\xf0\x9f\x90\x98");
 }
