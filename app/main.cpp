@@ -60,8 +60,8 @@ int runBatch(const Options& options, int argc, char** argv) {
 int runWindow(const Options& options, int argc, char** argv) {
     const QApplication application(argc, argv);
     MainWindow window;
-    window.begin(options);
     window.show();
+    window.begin(options);
     return QApplication::exec();
 }
 

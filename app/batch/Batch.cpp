@@ -24,7 +24,7 @@ constexpr qsizetype mostFindingText = 100;
 
 // A finding's text on one line of bearable length.
 QString shortText(const QString& text) {
-    const QString line = text.simplified();
+    QString line = text.simplified();
     if (line.size() <= mostFindingText) return line;
     const qsizetype cut =
         line[mostFindingText - 1].isHighSurrogate() ? mostFindingText - 1 : mostFindingText;

@@ -4,7 +4,7 @@
 namespace orvquery {
 
 QString sqlErrorText(const QSqlError& error) {
-    const QString text = error.databaseText().simplified();
+    QString text = error.databaseText().simplified();
     if (!text.isEmpty()) return text;
     const QString driverText = error.driverText().simplified();
     return driverText.isEmpty() ? QStringLiteral("unknown error") : driverText;

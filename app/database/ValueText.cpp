@@ -18,7 +18,7 @@ bool isFraction(const QVariant& value) {
 }
 
 QString exactNumber(double number) {
-    const QString text = QString::number(number, 'g', shownDigits);
+    QString text = QString::number(number, 'g', shownDigits);
     if (text.toDouble() == number || std::isnan(number)) return text;
     return QString::number(number, 'g', exactDigits);
 }

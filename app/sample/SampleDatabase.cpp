@@ -97,7 +97,7 @@ bool isPresentSample(const QString& path) {
 
 QString sampleDatabasePath() {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-    const QString path = folder + QStringLiteral("/sample.db");
+    QString path = folder + QStringLiteral("/sample.db");
     if (!isPresentSample(path)) makeSampleDatabase(path);
     return path;
 }

@@ -1,3 +1,3 @@
-select country_code, count(customer_no) as customers, sum(credit_limit) as credit
+select city, count(customer_no) as customers, sum(credit_limit) as credit
 from customers
-group by country_code
+group by city

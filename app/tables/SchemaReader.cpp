@@ -236,7 +236,7 @@ QString SchemaReader::entryName(const QJsonValue& value) const {
     if (!value.isString()) {
         fail(QStringLiteral("expected a text as the name, not %1").arg(described(value)));
     }
-    const QString name = value.toString();
+    QString name = value.toString();
     if (name.trimmed().isEmpty()) fail(QStringLiteral("the name is empty"));
     return name;
 }

@@ -6,7 +6,7 @@
 namespace orvquery {
 
 QString whatIsMissing(const QString& writtenStatement) {
-    const QString noTables = QStringLiteral("There are no tables in the diagram yet.");
+    QString noTables = QStringLiteral("There are no tables in the diagram yet.");
     if (writtenStatement.isEmpty()) return noTables;
     const QStringList lines = writtenStatement.split(QStringLiteral("\r\n"));
     const QString columns = lines.front().trimmed();

@@ -45,20 +45,19 @@ MainWindow::~MainWindow() {
 void MainWindow::begin(const Options& options) {
     m_builder->setKeepMeaning(options.keepMeaning);
     if (options.schema) {
-        tryToOpen([&] { useTables(SchemaFile::read(*options.schema), nullptr); });
+        tryTo([&] { useTables(SchemaFile::read(*options.schema), nullptr); });
     } else if (options.database) {
         openDatabase(*options.database);
-    } else if (!options.load) {
-        openSample();
-    } else {
-        openDatabase(sampleDatabasePath());
+    } else if (openSample() && !options.load) {
+        loadText(sampleQuery());
     }
     if (!options.load) return;
-    orv::guarded([&] { loadText(readTextFile(*options.load)); });
+    QString text;
+    if (tryTo([&] { text = readTextFile(*options.load); })) loadText(text);
 }
 
 bool MainWindow::openDatabase(const QString& path) {
-    return tryToOpen([&] {
+    return tryTo([&] {
         auto database = std::make_unique<SqliteDatabase>(path);
         Database* const opened = database.get();
         useTables(std::move(database), opened);
@@ -67,13 +66,12 @@ bool MainWindow::openDatabase(const QString& path) {
 
 bool MainWindow::openSample() {
     QString path;
-    if (!tryToOpen([&] { path = sampleDatabasePath(); }) || !openDatabase(path)) return false;
-    return loadText(sampleQuery());
+    return tryTo([&] { path = sampleDatabasePath(); }) && openDatabase(path);
 }
 
-bool MainWindow::tryToOpen(const std::function<void()>& open) {
+bool MainWindow::tryTo(const std::function<void()>& action) {
     try {
-        open();
+        action();
         return true;
     } catch (const orv::Error& error) {
         tellError(error.Message());
@@ -105,7 +103,11 @@ void MainWindow::chooseDatabase() {
 }
 
 void MainWindow::chooseSample() {
-    openSample();
+    if (openSample()) loadText(sampleQuery());
+}
+
+void MainWindow::quit() {
+    close();
 }
 
 void MainWindow::addTableToDiagram(const QString& name) {
@@ -122,7 +124,7 @@ bool MainWindow::loadText(const QString& text) {
         const QScopedValueRollback<bool> loading(m_isLoading, true);
         m_builder->LoadSQL(text);
     } catch (const std::exception& error) {
-        m_statement->setRefused(QString::fromUtf8(error.what()));
+        m_statement->setRefused(text, QString::fromUtf8(error.what()));
         return false;
     }
     m_statement->setLoaded(text, m_builder->LoadReport());
@@ -172,12 +174,10 @@ void MainWindow::queryFinished(QueryOutcome& outcome) {
 }
 
 void MainWindow::clearAll() {
-    orv::guarded([this] {
-        m_builder->Clear();
-        m_statement->forgetLoaded();
-        m_result->clear();
-        statementChanged();
-    });
+    m_builder->Clear();
+    m_statement->forgetLoaded();
+    m_result->clear();
+    statementChanged();
 }
 
 void MainWindow::tellError(const QString& text) {

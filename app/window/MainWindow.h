@@ -8,6 +8,7 @@
 
 #include <QMainWindow>
 
+#include <functional>
 #include <memory>
 
 class QAction;
@@ -38,7 +39,7 @@ public:
     /// opened, a message box says so and all stays as it was; false then.
     bool openDatabase(const QString& path);
 
-    /// Opens the sample database with its query; false as openDatabase.
+    /// Opens the sample database, as openDatabase does.
     bool openSample();
 
 protected:
@@ -59,12 +60,13 @@ private:
     void runStatement();
     void stopQuery();
     void clearAll();
+    void quit();
     void showAbout();
 
     void useTables(std::unique_ptr<TableSource> tables, Database* database);
     void addTableToDiagram(const QString& name);
     bool loadText(const QString& text);
-    bool tryToOpen(const std::function<void()>& open);
+    bool tryTo(const std::function<void()>& action);
     void statementChanged();
     [[nodiscard]] QString whatPreventsRunning(const QString& text) const;
     void queryFinished(QueryOutcome& outcome);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "querybuilder/ORVQDWindow.h"
+#include "toolkit/Services.h"
 #include "window/MainWindow.h"
 #include "window/ResultPane.h"
 #include "window/StatementPane.h"
@@ -17,7 +18,8 @@ namespace orvquery {
 
 namespace {
 
-constexpr QSize firstSize(1180, 820);
+constexpr QSize firstSize(1180, 840);
+constexpr int pagesHeightPx = 160;
 
 QSettings settings() {
     return QSettings(QStringLiteral("orvquery"), QStringLiteral("orvquery"));
@@ -48,6 +50,7 @@ void MainWindow::buildPanes() {
     m_statement = new StatementPane;
     m_result = new ResultPane;
     m_runner = new QueryRunner(this);
+    m_builder->setTabsHeight(pagesHeightPx);
 
     m_lower->addWidget(m_statement);
     m_lower->addWidget(m_result);
@@ -64,7 +67,9 @@ void MainWindow::buildPanes() {
     connect(m_tableList, &TableListPane::tableChosen, this, &MainWindow::addTableToDiagram);
     connect(m_builder, &TorvQueryBuilder::StatementChanged, this, &MainWindow::statementChanged);
     connect(m_runner, &QueryRunner::finished, this,
-            [this](const std::shared_ptr<QueryOutcome>& outcome) { queryFinished(*outcome); });
+            [this](const std::shared_ptr<QueryOutcome>& outcome) {
+                orv::guarded([&] { queryFinished(*outcome); });
+            });
 }
 
 QAction* MainWindow::addAction(const char* icon, const QString& text, const QKeySequence& shortcut,
@@ -74,7 +79,8 @@ QAction* MainWindow::addAction(const char* icon, const QString& text, const QKey
         action->setIcon(QIcon(QStringLiteral(":/orvquery/icons/%1.svg").arg(QLatin1String(icon))));
     }
     action->setShortcut(shortcut);
-    connect(action, &QAction::triggered, this, slot);
+    connect(action, &QAction::triggered, this,
+            [this, slot] { orv::guarded([&] { (this->*slot)(); }); });
     return action;
 }
 
@@ -104,7 +110,8 @@ void MainWindow::buildMenus() {
     QMenu* file = menuBar()->addMenu(tr("&File"));
     file->addActions({m_open, m_sample});
     file->addSeparator();
-    QAction* quit = addAction(nullptr, tr("&Quit"), QKeySequence::Quit, nullptr);
+    QAction* quit =
+        addAction(nullptr, tr("&Quit"), QKeySequence(QStringLiteral("Ctrl+Q")), &MainWindow::quit);
     quit->setMenuRole(QAction::QuitRole);
     file->addAction(quit);
 
@@ -125,7 +132,7 @@ void MainWindow::restoreLayout() {
     resize(firstSize);
     restoreGeometry(stored.value(QStringLiteral("geometry")).toByteArray());
     m_outer->setSizes({190, firstSize.width() - 190});
-    m_inner->setSizes({540, 240});
+    m_inner->setSizes({590, 240});
     m_lower->setSizes({420, 560});
     for (QSplitter* splitter : {m_outer, m_inner, m_lower}) {
         splitter->restoreState(stored.value(splitter->objectName()).toByteArray());

@@ -15,7 +15,7 @@ namespace {
 constexpr qsizetype longestCellText = 500;
 
 QString cellText(const QVariant& value) {
-    const QString text = shownText(value);
+    QString text = shownText(value);
     if (text.size() <= longestCellText) return text;
     return text.left(longestCellText) + QChar(0x2026);
 }

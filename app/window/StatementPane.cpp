@@ -19,7 +19,8 @@ namespace orvquery {
 
 namespace {
 
-constexpr int mostFindingLines = 3;
+constexpr int mostFindingLines = 5;
+constexpr qsizetype longestQuote = 40;
 
 // The editor counts each line break as one character.
 QString withSingleBreaks(QString text) {
@@ -35,6 +36,12 @@ QFrame* makeBar(QWidget* parent) {
     bar->setBackgroundRole(QPalette::ToolTipBase);
     bar->setForegroundRole(QPalette::ToolTipText);
     return bar;
+}
+
+// The place itself is a click away.
+QString shortQuote(const QString& text) {
+    const QString line = text.simplified();
+    return line.size() <= longestQuote ? line : line.left(longestQuote) + QChar(0x2026);
 }
 
 QLabel* makePlainLabel(QWidget* parent) {
@@ -153,13 +160,17 @@ void StatementPane::setLoaded(const QString& text, const orv::Findings& findings
     m_refusal->clear();
     m_findingsList->clear();
     for (const orv::Finding& finding : findings) {
-        m_findingsList->addItem(u'"' + finding.text.simplified() + QStringLiteral("\": ") +
+        m_findingsList->addItem(u'"' + shortQuote(finding.text) + QStringLiteral("\": ") +
                                 finding.what);
     }
     refresh();
 }
 
-void StatementPane::setRefused(const QString& reason) {
+void StatementPane::setRefused(const QString& text, const QString& reason) {
+    if (withSingleBreaks(text) != editorText()) {
+        m_content = Content::Typed;
+        replaceText(withSingleBreaks(text));
+    }
     m_refusal->setText(tr("Not loaded: ") + reason);
     m_isOutdated = false;
     refresh();
@@ -187,21 +198,23 @@ QString StatementPane::problem() const {
     return m_content == Content::Statement ? m_problem : QString();
 }
 
-// The edit keeps its history, so that Undo brings back what was typed.
 void StatementPane::showContent(Content content) {
     m_content = content;
     m_isOutdated = false;
     if (content == Content::Statement) m_refusal->clear();
-    const QString wanted = withSingleBreaks(text());
-    if (wanted != editorText()) {
-        m_isReplacing = true;
-        QTextCursor cursor(m_editor->document());
-        cursor.select(QTextCursor::Document);
-        cursor.insertText(wanted);
-        m_isReplacing = false;
-        m_editor->moveCursor(QTextCursor::Start);
-    }
+    replaceText(withSingleBreaks(text()));
     refresh();
+}
+
+// The edit keeps its history, so that Undo brings back what was typed.
+void StatementPane::replaceText(const QString& wanted) {
+    if (wanted == editorText()) return;
+    m_isReplacing = true;
+    QTextCursor cursor(m_editor->document());
+    cursor.select(QTextCursor::Document);
+    cursor.insertText(wanted);
+    m_isReplacing = false;
+    m_editor->moveCursor(QTextCursor::Start);
 }
 
 void StatementPane::showFinding(int row) {
@@ -248,9 +261,7 @@ void StatementPane::refresh() {
                                        .arg(count));
     m_findingsTitle->setVisible(count > 0);
     m_findingsList->setVisible(count > 0);
-    const int lines = qMin(count, mostFindingLines);
-    m_findingsList->setMaximumHeight(lines * m_findingsList->sizeHintForRow(0) +
-                                     2 * m_findingsList->frameWidth());
+    fitFindings();
 
     const bool hasProblem = m_content == Content::Statement && !m_problem.isEmpty();
     m_editor->setPlaceholderText(hasProblem ? m_problem
@@ -260,6 +271,25 @@ void StatementPane::refresh() {
     QFont font = m_editor->font();
     font.setItalic(hasProblem);
     m_editor->setFont(font);
+}
+
+// As high as the findings need in this width, within bounds.
+void StatementPane::fitFindings() {
+    const QFontMetrics metrics = m_findingsList->fontMetrics();
+    const QRect room(0, 0, m_findingsList->viewport()->width() - 2 * metrics.averageCharWidth(),
+                     QWIDGETSIZE_MAX);
+    int height = 0;
+    for (int row = 0; row < m_findingsList->count(); ++row) {
+        const QString text = m_findingsList->item(row)->text();
+        height += metrics.boundingRect(room, Qt::TextWordWrap, text).height();
+    }
+    m_findingsList->setFixedHeight(qMin(height, mostFindingLines * metrics.lineSpacing()) +
+                                   2 * m_findingsList->frameWidth() + metrics.descent());
+}
+
+void StatementPane::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    fitFindings();
 }
 
 QString StatementPane::stateText() const {

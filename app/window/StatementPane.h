@@ -31,8 +31,8 @@ public:
     /// A text was loaded; what the text says and the diagram does not hold. Call setStatement or
     /// setProblem afterwards.
     void setLoaded(const QString& text, const orv::Findings& findings);
-    /// The text in the pane was refused; it stays.
-    void setRefused(const QString& reason);
+    /// A text was refused; it stays, or comes, to be mended.
+    void setRefused(const QString& text, const QString& reason);
     /// Nothing is loaded any more.
     void forgetLoaded();
 
@@ -46,6 +46,9 @@ public:
     void setLoadAction(QAction* action);
     void setRunAction(QAction* action);
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     /// Whose text the editor shows.
     enum class Content { Statement, Loaded, Typed };
@@ -55,9 +58,11 @@ private:
     QToolButton* addButton(QAction* action);
     void takeStatement(const QString& statement, const QString& problem);
     void showContent(Content content);
+    void replaceText(const QString& wanted);
     void showFinding(int row);
     void textEdited();
     void refresh();
+    void fitFindings();
     [[nodiscard]] QString editorText() const;
     [[nodiscard]] QString stateText() const;
 

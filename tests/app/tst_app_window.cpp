@@ -59,6 +59,7 @@ private Q_SLOTS:
     void incompleteStatementIsNotRun();
     void otherDatabaseReplacesTables();
     void newEmptiesEverything();
+    void quitClosesWindow();
     void layoutIsRemembered();
 
 private:
@@ -179,7 +180,7 @@ void TestWindow::beginsWithSampleQuery() {
     QVERIFY(builder().LoadReport().empty());
     QVERIFY(text().contains(QStringLiteral("FROM CUSTOMERS")));
     QVERIFY(runAndWait());
-    QCOMPARE(label("summary").section(u',', 0, 0), QStringLiteral("18 rows"));
+    QCOMPARE(label("summary").section(u',', 0, 0), QStringLiteral("29 rows"));
 }
 
 void TestWindow::beginsWithGivenStatement() {
@@ -195,8 +196,14 @@ void TestWindow::beginsWithGivenStatement() {
     options.load = m_folder.filePath(QStringLiteral("none.sql"));
     open(options);
     QVERIFY(m_window->isVisible());
-    QTRY_COMPARE(m_messages.size(), 1);
+    QCOMPARE(m_messages.size(), 1);
     QVERIFY(m_messages[0].endsWith(QStringLiteral("it does not exist.")));
+    // A statement that is refused is there to be mended.
+    QVERIFY(apptest::writeFile(query, "drop table orders"));
+    options.load = query;
+    open(options);
+    QCOMPARE(text(), QStringLiteral("drop table orders"));
+    QVERIFY(isShown("refusal"));
 }
 
 void TestWindow::beginsWithSchema() {
@@ -512,6 +519,11 @@ void TestWindow::newEmptiesEverything() {
     QCOMPARE(builder().ListOfTables->TablesCount(), 0);
     QVERIFY(!isShown("findings"));
     QVERIFY(!isShown("rows"));
+}
+
+void TestWindow::quitClosesWindow() {
+    press(Qt::Key_Q, Qt::ControlModifier);
+    QVERIFY(!m_window->isVisible());
 }
 
 void TestWindow::layoutIsRemembered() {
