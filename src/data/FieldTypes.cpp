@@ -73,7 +73,7 @@ QString fieldTypeDisplayName(TFieldType type) {
 }
 
 QString fieldTypeIdentifier(TFieldType type) {
-    return QString::fromLatin1(typeIdentifiers.at(type));
+    return type < typeIdentifiers.size() ? QString::fromLatin1(typeIdentifiers[type]) : QString();
 }
 
 std::optional<TFieldType> fieldTypeFromIdentifier(const QString& text) {
@@ -81,7 +81,7 @@ std::optional<TFieldType> fieldTypeFromIdentifier(const QString& text) {
 }
 
 QString paramTypeIdentifier(TParamType type) {
-    return QString::fromLatin1(paramIdentifiers.at(type));
+    return type < paramIdentifiers.size() ? QString::fromLatin1(paramIdentifiers[type]) : QString();
 }
 
 std::optional<TParamType> paramTypeFromIdentifier(const QString& text) {

@@ -66,7 +66,9 @@ public:
     CompatibleFields(std::initializer_list<TFieldType> types) {
         for (const TFieldType type : types) m_types.set(type);
     }
-    [[nodiscard]] bool contains(TFieldType type) const { return m_types.test(type); }
+    [[nodiscard]] bool contains(TFieldType type) const {
+        return type < m_types.size() && m_types[type];
+    }
 
 private:
     std::bitset<32> m_types;

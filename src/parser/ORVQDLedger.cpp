@@ -34,8 +34,9 @@ void LoadLedger::place(int start, int end) {
 void LoadLedger::report(int start, int end, const QString& what) {
     const TokenRun run = tokensIn(start, end);
     place(start, end);
-    m_losses.push_back(
-        {run.isEmpty() ? start : run.start(), run.isEmpty() ? end : run.endPosition(), what});
+    Loss loss{run.isEmpty() ? start : run.start(), run.isEmpty() ? end : run.endPosition(), what};
+    const bool isTold = !m_losses.empty() && m_losses.back() == loss;
+    if (!isTold) m_losses.push_back(std::move(loss));
 }
 
 bool LoadLedger::hasFinding(int start, int end) const {
@@ -84,7 +85,7 @@ void LoadLedger::findBrokenLines() {
 
 Finding LoadLedger::toFinding(const Loss& loss) const {
     const int start = m_normalised.givenPosition(loss.start);
-    const int end = m_normalised.givenEnd(std::max(loss.end, loss.start + 1));
+    const int end = loss.end > loss.start ? m_normalised.givenEnd(loss.end) : start;
     return {start, end - start, m_given.mid(start, end - start), loss.what};
 }
 

@@ -30,8 +30,8 @@ public:
     void place(int start, int end);
     void place(const TokenRun& run) { place(run.start(), run.endPosition()); }
 
-    /// A finding, told once for a place: the control does not hold [start, end), or with another
-    /// meaning.
+    /// A finding, told once when it comes several times in a row: the control does not hold [start,
+    /// end), or with another meaning.
     void report(int start, int end, const QString& what);
     void report(const TokenRun& run, const QString& what) {
         report(run.start(), run.endPosition(), what);
@@ -48,6 +48,8 @@ private:
         int start;
         int end;
         QString what;
+
+        friend bool operator==(const Loss&, const Loss&) = default;
     };
 
     [[nodiscard]] std::vector<Loss> untakenTokens() const;

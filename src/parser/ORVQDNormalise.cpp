@@ -114,7 +114,10 @@ private:
 
     // `name` or [name]: the closing sign doubled stands for itself.
     void readForeignName(QChar close) {
-        qsizetype end = m_given.indexOf(close, m_position + 1);
+        // Once nothing closes such a name, nothing closes those behind it either.
+        bool& noneLeft = close == u']' ? m_noSquareLeft : m_noBacktickLeft;
+        qsizetype end = noneLeft ? -1 : m_given.indexOf(close, m_position + 1);
+        noneLeft = end < 0;
         while (end >= 0 && end + 1 < m_given.size() && m_given[end + 1] == close) {
             end = m_given.indexOf(close, end + 2);
         }
@@ -152,6 +155,8 @@ private:
     const QString& m_given;
     const bool m_squareNames;
     bool m_openQuote = false;
+    bool m_noSquareLeft = false;
+    bool m_noBacktickLeft = false;
     qsizetype m_position = 0;
     NormalisedSQL m_result;
 };

@@ -19,6 +19,8 @@ TTypeOfTie kindOfValue(const QString& word) {
     return word.size() > 1 && word.back() == first ? otConst : otField;
 }
 
+constexpr QStringView joinWord = u"JOIN";
+
 QString joinText(int joinIndex) {
     switch (joinIndex) {
     case 0:
@@ -81,6 +83,7 @@ void TorvQDParseRun::findBrackets() {
 // rest, and its last character is taken off only when it is a bracket.
 TorvQDParseRun::Group TorvQDParseRun::groupAt(int open, int end) {
     while (m_brackets[m_nextBracket].open < open) ++m_nextBracket;
+    Q_ASSERT(m_brackets[m_nextBracket].open == open);
     const int close = m_brackets[m_nextBracket].close;
     if (close >= 0 && close < end) return {open + 1, close, close + 1};
     const bool endsWithBracket = end - 1 > open && m_text[end - 1] == u')';
@@ -354,13 +357,26 @@ bool TorvQDParseRun::isFollowedByJoin(const orv::ScannedWord& word, int end,
 // Position behind the next "JOIN"; the present one when there is none. What was found is kept, so
 // that a text of many LEFTs without a JOIN is not searched to its end for each of them.
 int TorvQDParseRun::behindNextJoin(int end) {
-    static const QString join = QStringLiteral("JOIN");
-    if (m_nextJoin < m_position) {
-        const qsizetype found = m_text.indexOf(join, m_position, Qt::CaseInsensitive);
-        m_nextJoin = found < 0 ? int(m_text.size()) : int(found);
-    }
-    const int behind = m_nextJoin + int(join.size());
+    if (m_nextJoin < m_position) m_nextJoin = findJoinOutsideQuotes();
+    const int behind = m_nextJoin + int(joinWord.size());
     return behind <= end ? behind : m_position;
+}
+
+// A JOIN inside quotes is data.
+int TorvQDParseRun::findJoinOutsideQuotes() const {
+    const int size = int(m_text.size());
+    for (int position = m_position; position < size; ++position) {
+        const QChar character = m_text[position];
+        if (character == u'"' || character == u'\'') {
+            const qsizetype close = m_text.indexOf(character, position + 1);
+            if (close < 0) break;
+            position = int(close);
+        } else if ((character == u'J' || character == u'j') &&
+                   QStringView(m_text).mid(position).startsWith(joinWord, Qt::CaseInsensitive)) {
+            return position;
+        }
+    }
+    return size;
 }
 
 TorvQDParser* TorvQDParseRun::add(TorvQDParser& parent, TTypeOfTie kind, TLocationKinds location,

@@ -69,6 +69,7 @@ private:
     [[nodiscard]] bool isFollowedByJoin(const orv::ScannedWord& word, int end,
                                         bool anyJoinWord) const;
     [[nodiscard]] int behindNextJoin(int end);
+    [[nodiscard]] int findJoinOutsideQuotes() const;
 
     TorvQDParser* add(TorvQDParser& parent, TTypeOfTie kind, TLocationKinds location,
                       const QString& text, int start, int end);

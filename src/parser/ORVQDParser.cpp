@@ -142,7 +142,8 @@ QString TorvQDParser::FillArguments(bool AddAlias) const {
 
 void TorvQDParser::GetNextWord(QString& S, QString& Word) {
     const orv::ScannedWord word = orv::scanWord(S, 0, int(S.size()));
-    Word = word.text;
+    const bool joinsTwo = word.info.is(orv::wordClause) || word.info.is(orv::wordConditionFunc);
+    Word = joinsTwo ? word.text : S.left(word.end);
     S.remove(0, word.next);
 }
 
