@@ -198,6 +198,20 @@ private Q_SLOTS:
         verifyBuilder(on.builder);
     }
 
+    // A wide table would cost the square of its rows otherwise.
+    void gridIsRefreshedOncePerChange() {
+        HostedBuilder on;
+        on.addTable("T");
+        int refreshed = 0;
+        connect(on.grid()->model(), &QAbstractItemModel::modelReset, this, [&] { ++refreshed; });
+        on.table("T")->SetFieldState(2);
+        QCOMPARE(refreshed, 1);
+        on.builder.LoadSQL("select * from t, u");
+        QCOMPARE(refreshed, 2);
+        on.table("U")->CloseTable();
+        QCOMPARE(refreshed, 3);
+    }
+
     void idleActionChangesNothing_data() {
         QTest::addColumn<QString>("action");
         for (const QString& action : idleActions().keys()) {

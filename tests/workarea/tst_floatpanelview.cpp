@@ -224,6 +224,7 @@ private Q_SLOTS:
         QTest::mousePress(on.view(), Qt::LeftButton, {}, from);
         on.moveTo(from + QPoint(5, 5));
         on.table("T")->CloseTable();
+        QCoreApplication::processEvents();
         on.moveTo(from + QPoint(50, 50));
         QTest::mouseRelease(on.view(), Qt::LeftButton, {}, from + QPoint(50, 50));
         QCOMPARE(on.tables(), QStringList("U"));
@@ -236,6 +237,7 @@ private Q_SLOTS:
         QTest::mousePress(on.view(), Qt::LeftButton, {}, from);
         on.moveTo(from + QPoint(5, 5));
         on.builder.Clear();
+        QCoreApplication::processEvents();
         on.moveTo(from + QPoint(50, 50));
         QTest::mouseRelease(on.view(), Qt::LeftButton, {}, from + QPoint(50, 50));
         QCOMPARE(on.tables(), QStringList());
