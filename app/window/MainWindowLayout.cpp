@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "querybuilder/ORVQDWindow.h"
+#include "selection/ORVQDSelectOrder.h"
 #include "toolkit/Services.h"
 #include "window/MainWindow.h"
 #include "window/ResultPane.h"
@@ -51,6 +52,8 @@ void MainWindow::buildPanes() {
     m_result = new ResultPane;
     m_runner = new QueryRunner(this);
     m_builder->setTabsHeight(pagesHeightPx);
+    // What is ticked shows here at once; the pages beside it are empty so far.
+    m_builder->PageCtrl->setCurrentWidget(m_builder->SelectPanel->parentWidget());
 
     m_lower->addWidget(m_statement);
     m_lower->addWidget(m_result);
