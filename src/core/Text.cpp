@@ -7,7 +7,7 @@ namespace orv {
 
 namespace {
 
-bool isBlank(QChar character) {
+bool isBlankCharacter(QChar character) {
     return character.unicode() <= u' ';
 }
 
@@ -18,8 +18,8 @@ bool isQuote(QChar character) {
 }  // namespace
 
 QStringView orvTrim(QStringView text) {
-    while (!text.isEmpty() && isBlank(text.front())) text = text.mid(1);
-    while (!text.isEmpty() && isBlank(text.back())) text.chop(1);
+    while (!text.isEmpty() && isBlankCharacter(text.front())) text = text.mid(1);
+    while (!text.isEmpty() && isBlankCharacter(text.back())) text.chop(1);
     return text;
 }
 
@@ -79,6 +79,15 @@ bool isQuotedName(QStringView text) {
 QString unquotedName(const QString& text) {
     if (!isQuotedName(text)) return text;
     return text.mid(1, text.size() - 2).replace(QStringLiteral("\"\""), QStringLiteral("\""));
+}
+
+QString withoutQuotes(const QString& text) {
+    const bool isText = text.size() > 1 && text.front() == u'\'' && text.back() == u'\'';
+    return isText ? text.mid(1, text.size() - 2) : unquotedName(text);
+}
+
+bool isBlank(QStringView text) {
+    return orvTrim(text).isEmpty();
 }
 
 QString quotedName(const QString& text) {

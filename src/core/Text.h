@@ -33,6 +33,12 @@ struct QualifiedName {
 /// The name without its double quotes, inner doubled ones made single; any other text as it is.
 [[nodiscard]] ORV_EXPORT QString unquotedName(const QString& text);
 
+/// The name without its quotes, be they double ones or apostrophes; any other text as it is.
+[[nodiscard]] ORV_EXPORT QString withoutQuotes(const QString& text);
+
+/// Whether nothing but blanks and control characters stands in the text.
+[[nodiscard]] ORV_EXPORT bool isBlank(QStringView text);
+
 /// The name in double quotes, inner ones doubled.
 [[nodiscard]] ORV_EXPORT QString quotedName(const QString& text);
 

@@ -11,7 +11,7 @@ Qt::MouseButton buttonOf(Qt::MouseButtons buttons) {
     return button;
 }
 
-// Alt is never told.
+// The mouse never tells of Alt.
 Qt::KeyboardModifiers shiftOf(Qt::KeyboardModifiers modifiers) {
     return modifiers & (Qt::ControlModifier | Qt::ShiftModifier);
 }
@@ -52,11 +52,11 @@ void TorvQDFloatObject::MouseUp(TWMMouse& Message, TTableHitTest) {
 }
 
 void TorvQDFloatObject::KeyDown(int& Key, Qt::KeyboardModifiers Shift) {
-    if (const KeyEvent handler = OnKeyDown) handler(this, Key, shiftOf(Shift));
+    if (const KeyEvent handler = OnKeyDown) handler(this, Key, Shift);
 }
 
 void TorvQDFloatObject::KeyUp(int& Key, Qt::KeyboardModifiers Shift) {
-    if (const KeyEvent handler = OnKeyUp) handler(this, Key, shiftOf(Shift));
+    if (const KeyEvent handler = OnKeyUp) handler(this, Key, Shift);
 }
 
 void TorvQDFloatObject::LeaveHit(TWMMouse&, TTableHitTest) {}

@@ -12,8 +12,6 @@ namespace {
 
 constexpr int minimumCaptionHeightPx = 20;
 constexpr int minimumItemHeightPx = 16;
-constexpr int captionPaddingPx = 4;
-constexpr int rowGapPx = 1;
 constexpr int mostVisibleRows = 6;
 
 }  // namespace
@@ -94,6 +92,7 @@ void TorvQDTable::AssignItems(const TDataSet* DataSet) {
     const TFieldDefs fields = DataSet ? DataSet->FieldDefs : TFieldDefs();
     VisibleCount = std::min(int(fields.size()), mostVisibleRows);
     for (const TFieldDef& field : fields) {
+        if (field.Name.isEmpty()) throw orv::Error(QStringLiteral("A field must have a name"));
         Items.push_back(std::make_unique<TorvQDListItem>(this, ProcessName(field.Name),
                                                          field.DataType, ptOutput));
         Items.back()->m_index = int(Items.size()) - 1;
@@ -108,12 +107,12 @@ void TorvQDTable::SetAlias(const QString& alias) {
 }
 
 QString TorvQDTable::GetCaption() const {
-    if (orv::orvTrim(QStringView(m_alias)).isEmpty()) return TableName;
+    if (orv::isBlank(m_alias)) return TableName;
     return TableName + QStringLiteral(" (") + m_alias + QStringLiteral(")");
 }
 
 QString TorvQDTable::GetAlias() const {
-    return orv::orvTrim(QStringView(m_alias)).isEmpty() ? TableName : m_alias;
+    return orv::isBlank(m_alias) ? TableName : m_alias;
 }
 
 void TorvQDTable::indexNames() const {

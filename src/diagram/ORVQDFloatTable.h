@@ -194,7 +194,10 @@ private:
 
     QString m_alias;
     int m_outputRows = 0;
-    int m_checkedRows = 0;  // of the output rows
+    int m_checkedRows = 0;                      // of the output rows
+    static constexpr int rowGapPx = 1;          // between two rows
+    static constexpr int captionPaddingPx = 4;  // of the caption around its font
+
     void indexNames() const;
 
     mutable QHash<QString, int> m_rowByName;  // upper-case name to index of its first row

@@ -6,7 +6,6 @@
 
 namespace {
 
-constexpr int rowGapPx = 1;
 constexpr int edgeMarginPx = 4;
 constexpr int minimumCaptionTextPx = 20;
 constexpr int checkOffsetPx = 2;
@@ -227,7 +226,7 @@ void TorvQDTable::relayout() {
     if (!canvas()) return;
     invalidate(GetBoundsRect());
     const int fontHeight = canvas()->fontHeight();
-    SetCaptionHeight(fontHeight + 4);
+    SetCaptionHeight(fontHeight + captionPaddingPx);
     SetItemHeight(fontHeight);
     Height = (ItemHeight + rowGapPx) * VisibleCount + CaptionHeight + BorderWidth + 2 * Indent;
     if (Selected) showScrollBar(Expanded && UpdateScrollBar());

@@ -79,7 +79,10 @@ void TorvQDTable::paintRows(QPainter& painter) const {
     painter.setFont(canvas()->options().GetFont());
     const int last = std::min(int(Items.size()), FirstVisibleItem + VisibleCount + 1);
     for (int index = std::max(0, FirstVisibleItem); index < last; ++index) {
-        paintRow(painter, *Items[std::size_t(index)]);
+        const TorvQDListItem& item = *Items[std::size_t(index)];
+        // Vector files know no clipping: what of a row is hardly seen is left out.
+        const int visible = toView(GetClientRect()).Bottom - GetItemRect(&item).Top;
+        if (visible >= ItemHeight / 2) paintRow(painter, item);
     }
     painter.restore();
 }
@@ -92,6 +95,7 @@ void TorvQDTable::paintRow(QPainter& painter, const TorvQDListItem& item) const 
     drawCheckBox(painter, {rect.left() + 1, rect.top() + (rect.height() - glyph) / 2, glyph, glyph},
                  item.Checked ? Tick::All : Tick::None);
     rect.setLeft(rect.left() + ItemHeight);
+    rect.setRight(std::min(rect.right(), toView(scrolledArea()).Right - 1));
     if (selected) painter.fillRect(rect, selectedCaptionColor);
     QString text = u' ' + item.Name;
     if (options.GetShowFieldsType()) {

@@ -7,10 +7,6 @@
 
 namespace {
 
-bool isTrimmedEmpty(const QString& text) {
-    return text.isEmpty() || orv::orvTrim(QStringView(text)).isEmpty();
-}
-
 TTypeOfTie kindOfValue(const QString& word) {
     if (word == u"*" || word == u"NULL" || word == u"USER") return otConst;
     const QChar first = word.front();
@@ -213,13 +209,13 @@ bool TorvQDParseRun::DoParseOf(const Frame& frame, const orv::ScannedWord& word)
 }
 
 void TorvQDParseRun::DoParseOfValue(const Frame& frame, const QString& word, int start, int end) {
-    if (isTrimmedEmpty(word)) return;
+    if (orv::isBlank(word)) return;
     TorvQDParser* leaf = add(*frame.node, kindOfValue(word), inItem, word, start, end);
     if (frame.node->Location() == inSelect) GetAlias(*leaf, frame.end);
 }
 
 bool TorvQDParseRun::DoParseOfTable(const Frame& frame, const orv::ScannedWord& word) {
-    if (isTrimmedEmpty(word.text)) return true;
+    if (orv::isBlank(word.text)) return true;
     bool goOn = true;
     if (word.info.is(orv::wordUnheldJoin) && readUnheldJoin(frame, word, goOn)) return goOn;
     if (word.info.is(orv::wordOn)) {
@@ -330,14 +326,14 @@ void TorvQDParseRun::readAlias(TorvQDParser& node, int end) {
     const orv::WordInfo info = word.info;
     const bool belongsAround = info.is(orv::wordJoin) || info.is(orv::wordNeverAlias) ||
                                (info.is(orv::wordClause) && info.clause != inSelect) ||
-                               info.is(orv::wordOn) || isTrimmedEmpty(word.text);
+                               info.is(orv::wordOn) || orv::isBlank(word.text);
     if (belongsAround) return;
     if (info.is(orv::wordAs)) {
         start = std::min(word.next + 1, end);
         word = orv::scanWord(m_text, start, end);
         m_position = start;
     }
-    if (isTrimmedEmpty(word.text)) return;
+    if (orv::isBlank(word.text)) return;
     m_position = word.next;
     add(node, otAlias, inItem, word.text, start, word.end);
 }

@@ -7,14 +7,6 @@
 
 namespace orv {
 
-namespace {
-
-bool isBlank(const QString& text) {
-    return orvTrim(QStringView(text)).isEmpty();
-}
-
-}  // namespace
-
 QString indentLines(const QString& text, int indent) {
     if (indent <= 0) return text;
     const QString blanks(indent, u' ');

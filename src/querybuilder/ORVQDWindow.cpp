@@ -124,10 +124,10 @@ QSize TorvQueryBuilder::sizeHint() const {
     return initialSize;
 }
 
-// --- properties
-// -----------------------------------------------------------------------------------
+// --- properties ---
 
 int TorvQueryBuilder::TabsHeight() const {
+    if (!WorkArea) return m_tabsHeight;
     const QList<int> sizes = Splitter->sizes();
     const bool laidOut = isVisible() && !sizes.isEmpty() && sizes.last() > 0;
     return laidOut ? sizes.last() : m_tabsHeight;
@@ -157,10 +157,19 @@ void TorvQueryBuilder::showEvent(QShowEvent* event) {
 
 void TorvQueryBuilder::setAlign(TAlign align) {
     m_align = align;
-    if (!parentWidget()) return;
-    parentWidget()->removeEventFilter(this);
-    if (align != alNone) parentWidget()->installEventFilter(this);
+    watchParent();
+}
+
+void TorvQueryBuilder::watchParent() {
+    if (m_watchedParent) m_watchedParent->removeEventFilter(this);
+    m_watchedParent = m_align == alNone ? nullptr : parentWidget();
+    if (m_watchedParent) m_watchedParent->installEventFilter(this);
     applyAlign();
+}
+
+bool TorvQueryBuilder::event(QEvent* event) {
+    if (event->type() == QEvent::ParentChange) watchParent();
+    return TorvBuilder::event(event);
 }
 
 bool TorvQueryBuilder::eventFilter(QObject* watched, QEvent* event) {
@@ -227,8 +236,7 @@ QString TorvQueryBuilder::GetSortedAliasName(const QString& Name) const {
     return SelectPanel ? SelectPanel->grid()->GetFieldAlias(Name) : QString();
 }
 
-// --- questions to the host
-// ------------------------------------------------------------------------
+// --- questions to the host ---
 
 bool TorvQueryBuilder::DoAddRemoveTable(TorvQDTable* Table, TAddRemove Action) {
     bool allowed = true;

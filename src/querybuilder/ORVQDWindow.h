@@ -15,6 +15,7 @@
 
 #include <QIcon>
 #include <QList>
+#include <QPointer>
 #include <QSet>
 #include <QSplitter>
 #include <QTabWidget>
@@ -160,6 +161,7 @@ Q_SIGNALS:
     void LoadReported(const orv::Findings& findings);
 
 protected:
+    bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
@@ -171,6 +173,7 @@ private:
     void createWorkArea();
     void applyTabsHeight();
     void applyAlign();
+    void watchParent();
 
     // Handlers of the diagram and of the selection grid.
     void _AddRemoveField(QObject* Sender, TorvQDListItem* Item);
@@ -186,6 +189,8 @@ private:
     void flushRemovals();
 
     void refuseWhileBusy() const;
+    [[nodiscard]] bool isShown(const QString& text);
+    void loadText(const QString& text);
     void checkLoadable(const TorvQDParser& root) const;
     void clearAll();
     void loadParsed(const TorvQDParser& root);
@@ -196,6 +201,7 @@ private:
     orv::NameList m_allFields;
     QSet<QString> m_removals;  // unticked in this change, not yet taken off the lists
     TAlign m_align = alNone;
+    QPointer<QWidget> m_watchedParent;  // whose size the control follows
     int m_tabsHeight;
     bool m_keepMeaning = false;
     QString m_tail;

@@ -7,8 +7,7 @@
 
 #include <QThread>
 
-// --- one change
-// -----------------------------------------------------------------------------------
+// --- one change ---
 
 void TorvQueryBuilder::beginChange() {
     ++m_changeDepth;
@@ -32,8 +31,7 @@ void TorvQueryBuilder::statementChanged() {
     endChange();
 }
 
-// --- ticks
-// ----------------------------------------------------------------------------------------
+// --- ticks ---
 
 bool TorvQueryBuilder::isListed(const QString& name) const {
     return m_selectedFields.contains(name) && !m_removals.contains(name);
@@ -61,9 +59,10 @@ void TorvQueryBuilder::_AddRemoveField(QObject* Sender, TorvQDListItem* Item) {
     const bool bareListed = isListed(Item->Name) && resolveItem(Item->Name) == Item;
     beginChange();
     if (!Item->Checked) {
-        if (isListed(name)) m_removals.insert(name);
+        const bool listed = isListed(name);
+        if (listed) m_removals.insert(name);
         if (bareListed) m_removals.insert(Item->Name);
-        statementChanged();
+        if (listed || bareListed) statementChanged();
     } else if (!bareListed && !isListed(name)) {
         flushRemovals();
         m_selectedFields.append(name);
@@ -95,8 +94,7 @@ void TorvQueryBuilder::_UnselectField(const QString& FullName) {
     m_selectedFields.remove({FullName});
 }
 
-// --- tables
-// ---------------------------------------------------------------------------------------
+// --- tables ---
 
 void TorvQueryBuilder::_AddTable(QObject*, QObject* Table) {
     const auto* table = qobject_cast<TorvQDTable*>(Table);
@@ -119,7 +117,7 @@ void TorvQueryBuilder::_ChangeAlias(QObject* Table, const QString& OldAlias) {
     if (!table) return;
     const QString alias = table->GetAlias();
     const auto renamed = [&](const QString& name) {
-        if (!name.startsWith(OldAlias)) return name;
+        if (!name.startsWith(OldAlias) || orv::firstFullStop(name) < 0) return name;
         return alias + u'.' + orv::splitQualifiedName(name).field;
     };
     flushRemovals();
@@ -128,8 +126,7 @@ void TorvQueryBuilder::_ChangeAlias(QObject* Table, const QString& OldAlias) {
     if (SelectPanel) SelectPanel->grid()->ChangeAlias(alias, OldAlias);
 }
 
-// --- what the pages ask
-// ---------------------------------------------------------------------------
+// --- what the pages ask ---
 
 namespace {
 

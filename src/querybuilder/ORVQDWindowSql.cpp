@@ -9,10 +9,14 @@
 #include "querybuilder/ORVQDStatement.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
+#include "toolkit/Services.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <QPointer>
+#include <QSet>
 #include <QThread>
+
+#include <utility>
 
 namespace {
 
@@ -37,20 +41,11 @@ QString clauseLoss(TLocationKinds location) {
     return {};
 }
 
-// A table name with full stops gets its last part as an alias when it has none.
-void addImpliedAliases(const orv::TokenRun& run, orv::TokenCounts& counts) {
-    for (int index = 0; index < run.size(); ++index) {
-        const QString name = run.textOf(index).toString();
-        const bool isQualified =
-            run[index].kind == orv::SqlToken::Word && orv::firstFullStop(name) >= 0;
-        const bool endsItem = index + 1 == run.size() ||
-                              run[index + 1].kind != orv::SqlToken::Word ||
-                              run.is(index + 1, u"CROSS");
-        if (!isQualified || !endsItem) continue;
-        for (const auto& [word, count] : orv::countTokens(run.mid(index, 1)).asKeyValueRange()) {
-            counts[word] += count;
-        }
-    }
+// Names of a FROM clause, each once: an alias that is the table's own name is not written again,
+// and CROSS JOIN is written as a comma.
+QSet<QString> wordsOf(const orv::TokenCounts& counts) {
+    QSet<QString> words(counts.keyBegin(), counts.keyEnd());
+    return words - QSet<QString>{QStringLiteral("CROSS"), QStringLiteral("JOIN")};
 }
 
 bool containsSquareBracket(const TOperatorList& operators) {
@@ -76,8 +71,7 @@ QString TorvQueryBuilder::GetSQLStatment() {
     return orv::assembleStatement(clauses);
 }
 
-// --- clearing
-// -------------------------------------------------------------------------------------
+// --- clearing ---
 
 // The host's handlers are in the middle of a question: what they were asked about must not go.
 void TorvQueryBuilder::refuseWhileBusy() const {
@@ -105,8 +99,7 @@ void TorvQueryBuilder::clearAll() {
     statementChanged();
 }
 
-// --- loading
-// --------------------------------------------------------------------------------------
+// --- loading ---
 
 namespace {
 
@@ -114,21 +107,30 @@ namespace {
 class LoadScope {
 public:
     LoadScope(TorvQueryBuilder* builder, bool& loading, std::unique_ptr<orv::LoadLedger>& ledger)
-        : m_builder(builder), m_loading(loading), m_ledger(ledger) {
+        : m_builder(builder),
+          m_loading(loading),
+          m_ledger(ledger),
+          m_updates(builder->updatesEnabled()) {
         m_loading = true;
-        m_updates = builder->updatesEnabled();
         builder->setUpdatesEnabled(false);
         builder->beginChange();
     }
+    // Loading failed: what the host's slots raise now must not hide why.
     ~LoadScope() {
-        if (!m_builder) return;
-        m_loading = false;
-        m_ledger.reset();
-        m_builder->setUpdatesEnabled(m_updates);
-        m_builder->endChange();
+        orv::guarded([this] { finish(); });
     }
     LoadScope(const LoadScope&) = delete;
     LoadScope& operator=(const LoadScope&) = delete;
+
+    /// Ends the load and tells of the change; what a slot of the host raises passes through.
+    void finish() {
+        const QPointer<TorvQueryBuilder> builder = std::exchange(m_builder, nullptr);
+        if (!builder) return;
+        m_loading = false;
+        m_ledger.reset();
+        builder->setUpdatesEnabled(m_updates);
+        builder->endChange();
+    }
 
 private:
     QPointer<TorvQueryBuilder> m_builder;
@@ -143,33 +145,39 @@ void TorvQueryBuilder::LoadSQL(const QString& Text) {
     Q_ASSERT(thread() == QThread::currentThread());
     refuseWhileBusy();
     if (!WorkArea) return;
-    bool isShown = false;
-    try {
-        isShown = Text == GetSQLStatment();
-    } catch (const orv::Error&) {
-        isShown = false;  // what cannot be written is no statement
-    }
     const QPointer<TorvQueryBuilder> self(this);
-    if (!isShown) {
-        const orv::SquareBrackets brackets = containsSquareBracket(*Operators)
-                                                 ? orv::SquareBrackets::AreSigns
-                                                 : orv::SquareBrackets::QuoteNames;
-        auto ledger = std::make_unique<orv::LoadLedger>(Text, orv::NormaliseSQL(Text, brackets));
-        const orv::StatementParts parts = orv::splitStatement(ledger->text(), ledger->tokens());
-        const TorvQDParser root(ledger->text().left(parts.bodyEnd));
-        checkLoadable(root);
-        m_ledger = std::move(ledger);
-        const LoadScope scope(this, m_loading, m_ledger);
-        clearAll();
-        loadParsed(root);
-        if (!self) return;
-        loadTail(parts.tailStart, parts.tailEnd, parts.restStart);
-        compareClauses(root);
-        m_report = m_ledger->findings();
-    } else {
-        m_report.clear();
-    }
+    m_report.clear();
+    if (!isShown(Text)) loadText(Text);
     if (self) Q_EMIT LoadReported(m_report);
+}
+
+// Loading the statement that is shown must not disturb the pages. What cannot be written is none.
+bool TorvQueryBuilder::isShown(const QString& text) {
+    try {
+        return text == GetSQLStatment();
+    } catch (const orv::Error&) {
+        return false;
+    }
+}
+
+void TorvQueryBuilder::loadText(const QString& text) {
+    const orv::SquareBrackets brackets = containsSquareBracket(*Operators)
+                                             ? orv::SquareBrackets::AreSigns
+                                             : orv::SquareBrackets::QuoteNames;
+    auto ledger = std::make_unique<orv::LoadLedger>(text, orv::NormaliseSQL(text, brackets));
+    const orv::StatementParts parts = orv::splitStatement(ledger->text(), ledger->tokens());
+    const TorvQDParser root(ledger->text().left(parts.bodyEnd));
+    checkLoadable(root);
+    const QPointer<TorvQueryBuilder> self(this);
+    m_ledger = std::move(ledger);
+    LoadScope scope(this, m_loading, m_ledger);
+    clearAll();
+    loadParsed(root);
+    if (!self) return;
+    loadTail(parts.tailStart, parts.tailEnd, parts.restStart);
+    compareClauses(root);
+    m_report = m_ledger->findings();
+    scope.finish();
 }
 
 // What can be seen to fail fails before anything is cleared.
@@ -225,11 +233,8 @@ void TorvQueryBuilder::compareClauses(const TorvQDParser& root) {
     const TorvQDParser* from = root.Clause(inFrom);
     if (!from || m_ledger->hasFinding(from->Start(), from->End())) return;
     const orv::TokenRun loaded = m_ledger->tokensIn(from->Start(), from->End());
-    orv::TokenCounts expected = orv::countTokens(loaded.mid(1));
-    expected.remove(QStringLiteral("CROSS"));
-    expected.remove(QStringLiteral("JOIN"));
-    addImpliedAliases(loaded.mid(1), expected);
-    if (expected == orv::countTokens(WorkArea->GetSQLStatment())) return;
+    const QString written = WorkArea->GetSQLStatment();
+    if (wordsOf(orv::countTokens(loaded.mid(1))) == wordsOf(orv::countTokens(written))) return;
     m_ledger->report(from->Start(), from->End(),
                      QStringLiteral("This clause is written differently."));
 }

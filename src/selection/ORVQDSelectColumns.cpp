@@ -11,10 +11,6 @@ namespace orv {
 
 namespace {
 
-bool isBlank(const QString& text) {
-    return orvTrim(QStringView(text)).isEmpty();
-}
-
 bool isAggregateName(QStringView word, const QStringList& aggregates) {
     return std::any_of(aggregates.begin(), aggregates.end(), [&](const QString& name) {
         return !isBlank(name) && word.compare(name, Qt::CaseInsensitive) == 0;

@@ -21,10 +21,6 @@ namespace {
 
 constexpr int drawsOfName = 100;
 
-bool isTrimmedEmpty(const QString& text) {
-    return orv::orvTrim(QStringView(text)).isEmpty();
-}
-
 }  // namespace
 
 /// Reads a select list and a GROUP BY list into the columns of a grid, and accounts for their text.
@@ -43,7 +39,12 @@ public:
         const TokenRun list = selectList();
         const TokenRun columns = readDistinct(list);
         placeCommas(columns);
-        for (const TokenRun& run : columns.splitAtCommas()) {
+        const std::vector<TokenRun> runs = columns.splitAtCommas();
+        for (const TokenRun& run : runs) {
+            const orv::AliasedRun parts = orv::splitAlias(run);
+            if (!parts.alias.isEmpty()) m_names.insert(loadedName(parts.alias));
+        }
+        for (const TokenRun& run : runs) {
             if (!run.isEmpty()) loadColumn(run);
         }
         if (columns.isEmpty() && m_ledger) {
@@ -104,8 +105,7 @@ private:
         }
     }
 
-    // --- columns
-    // ----------------------------------------------------------------------------------
+    // --- columns ---
 
     void loadColumn(const TokenRun& run) {
         if (loadStar(run)) return;
@@ -196,7 +196,7 @@ private:
         const TokenRun inside = parts.expression.mid(2, parts.expression.size() - 3);
         if (!aggregates) {
             const QString text = expressionText(callText(node), parts.expression);
-            take(parts, {freshName(), QString(), text});
+            take(parts, {QString(), QString(), text});
         } else if (inside.isEmpty()) {
             report(parts.whole, QStringLiteral("This aggregate has no argument: the column is not "
                                                "loaded."));
@@ -230,7 +230,7 @@ private:
             name = orv::createFieldName(QString(),
                                         orv::upperOutsideQuotes(parts.expression.textOf(0)));
         }
-        take(parts, {name.isEmpty() ? freshName() : name, QString(), source});
+        take(parts, {name, QString(), source});
     }
 
     // Fields joined by operators: a word, a sign, a word ...
@@ -256,11 +256,12 @@ private:
             return;
         }
         if (named) column.name = loadedName(parts.alias);
+        if (!named && column.name.isEmpty()) column.name = freshName();
         const bool invalidName = !named && !column.aggregate.isEmpty() && !m_rules.keepMeaning &&
                                  !orv::isPlainIdentifier(column.name);
         const bool losesName =
             named && orv::columnText(column, m_rules) == orv::columnText(unnamed, m_rules) &&
-            !isTrimmedEmpty(column.aggregate);
+            !orv::isBlank(column.aggregate);
         add(std::move(column), parts.whole);
         if (losesName) {
             report(parts.whole,
@@ -279,7 +280,7 @@ private:
         const QString text = alias.sourceText();
         const QString bare = orv::unquotedName(text);
         const bool putBack = m_rules.keepMeaning && bare != text && !orv::isPlainIdentifier(bare) &&
-                             !orv::isQuotedName(bare) && !isTrimmedEmpty(bare) &&
+                             !orv::isQuotedName(bare) && !orv::isBlank(bare) &&
                              bare == orv::orvTrim(bare) && !bare.startsWith(u'\'');
         return putBack ? bare : text;
     }
@@ -289,7 +290,7 @@ private:
         m_loaded.push_back({std::move(column), run});
     }
 
-    /// A name for an expression without one, unlike those of the columns in front of it.
+    /// A name for an expression without one, unlike all names of the text and those given so far.
     QString freshName() {
         const QString prefix = QStringLiteral("FIELD_NAME");
         for (int draw = 0; draw < drawsOfName && m_nextNumber == drawsOfName; ++draw) {
@@ -300,11 +301,10 @@ private:
         return prefix + QString::number(m_nextNumber++);
     }
 
-    // --- GROUP BY
-    // ---------------------------------------------------------------------------------
+    // --- GROUP BY ---
 
     [[nodiscard]] bool isPlain(const orv::OutputColumn& column) const {
-        return isTrimmedEmpty(column.aggregate) &&
+        return orv::isBlank(column.aggregate) &&
                !orv::callsAggregate(column.source, *m_rules.aggregates);
     }
 
@@ -330,6 +330,22 @@ private:
             const std::optional<std::size_t> index = groupedColumn(item, byText, byField, byName);
             if (index) m_loaded[*index].column.grouped = true;
             if (!index) m_unmatchedItems.push_back(item);
+        }
+        markEqualColumns();
+    }
+
+    // Grouping by a field groups every column of that field.
+    void markEqualColumns() {
+        const auto keyOf = [this](const orv::OutputColumn& column) {
+            return resolve(column.source).value_or(orv::tokenKey(column.source));
+        };
+        QSet<QString> grouped;
+        for (const Loaded& loaded : m_loaded) {
+            if (loaded.column.grouped) grouped.insert(keyOf(loaded.column));
+        }
+        for (Loaded& loaded : m_loaded) {
+            const bool isEqual = isPlain(loaded.column) && grouped.contains(keyOf(loaded.column));
+            loaded.column.grouped = loaded.column.grouped || isEqual;
         }
     }
 
@@ -414,7 +430,7 @@ private:
         const TorvQDSelectGrid::NameEvent handler = m_grid.OnFieldChosen;
         if (!handler) return;
         for (const Loaded& loaded : m_loaded) {
-            if (isTrimmedEmpty(loaded.column.aggregate)) handler(loaded.column.source);
+            if (orv::isBlank(loaded.column.aggregate)) handler(loaded.column.source);
         }
     }
 

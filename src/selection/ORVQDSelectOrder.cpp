@@ -126,8 +126,7 @@ void TorvQDSelectGrid::resizeEvent(QResizeEvent* event) {
     setColumnWidth(2, width - names - aggregates);
 }
 
-// --- rows
-// -----------------------------------------------------------------------------------------
+// --- rows ---
 
 QString TorvQDSelectGrid::CreateFieldName(const QString& Agg, const QString& Source) {
     return orv::createFieldName(Agg, Source);
@@ -203,8 +202,7 @@ void TorvQDSelectGrid::ClearContents() {
     changed();
 }
 
-// --- the panel
-// ------------------------------------------------------------------------------------
+// --- the panel ---
 
 TorvQDSelectPanel::TorvQDSelectPanel(QWidget* AOwner) : QWidget(AOwner) {
     if (!AOwner) throw orv::Error(QStringLiteral("Invalide parent for OrderPanel"));

@@ -13,8 +13,7 @@ ExitEdit::ExitEdit(QWidget* parent) : QLineEdit(parent) {
     hide();
 }
 
-void ExitEdit::open(const QRect& rect, const QString& text) {
-    setGeometry(rect);
+void ExitEdit::open(const QString& text) {
     setText(text);
     selectAll();
     m_open = true;

@@ -18,8 +18,8 @@ class ORV_EXPORT ExitEdit : public QLineEdit {
 public:
     explicit ExitEdit(QWidget* parent);
 
-    /// Shows the edit with the text and takes the focus.
-    void open(const QRect& rect, const QString& text);
+    /// Shows the edit where it lies, with the text, and takes the focus.
+    void open(const QString& text);
     /// Hides the edit without an exit; `focusTo` gets the focus when the edit has it.
     void discard();
 

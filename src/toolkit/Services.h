@@ -53,6 +53,8 @@ void guarded(Body&& body) {
         body();
     } catch (const std::exception& error) {
         reportError(QString::fromUtf8(error.what()));
+    } catch (...) {
+        reportError(QStringLiteral("Unknown error"));
     }
 }
 

@@ -24,12 +24,6 @@ constexpr int placementDownPx = 20;
 constexpr int placementGapPx = 10;
 const QColor aliasEditColor(0xC0, 0xC0, 0xC0);
 
-QString withoutQuotes(const QString& name) {
-    const bool quoted = name.size() > 1 && name.front() == name.back() &&
-                        (name.front() == u'"' || name.front() == u'\'');
-    return quoted ? name.mid(1, name.size() - 2) : name;
-}
-
 IWorkAreaOwner* ownerOf(QWidget* widget) {
     auto* owner = dynamic_cast<IWorkAreaOwner*>(widget);
     if (!owner) throw orv::Error(QStringLiteral("Given parent is not valid for WorkArea!"));
@@ -51,11 +45,7 @@ TorvQDWorkArea::TorvQDWorkArea(QWidget* AOwner)
     QPalette palette = m_aliasEdit->palette();
     palette.setColor(QPalette::Base, aliasEditColor);
     m_aliasEdit->setPalette(palette);
-    m_aliasEdit->committed = [this] {
-        const QPointer<TorvQDTable> table = m_renamed;
-        m_renamed.clear();
-        if (table) renameTable(table, m_aliasEdit->text());
-    };
+    m_aliasEdit->committed = [this] { _EditNameKillFocus(); };
     m_aliasEdit->dropped = [this] { m_renamed.clear(); };
     m_rowScrollBar->setFocusPolicy(Qt::NoFocus);
     m_rowScrollBar->hide();
@@ -91,8 +81,7 @@ int TorvQDWorkArea::indexOf(const QObject* table) const {
     return found == m_tables.end() ? -1 : int(found - m_tables.begin());
 }
 
-// --- adding
-// ---------------------------------------------------------------------------------------
+// --- adding ---
 
 TorvQDTable* TorvQDWorkArea::AddPanel(const QString& TableName, const TDataSet* DataSet) {
     return addTable(TableName, DataSet, QString(), QString());
@@ -103,18 +92,22 @@ TorvQDTable* TorvQDWorkArea::AddPanel(const QString& TableName, const TDataSet* 
 // told of the box, so that all names made from it are right from the start.
 TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataSet,
                                       const QString& writtenName, const QString& finalAlias) {
-    if (orv::orvTrim(QStringView(name)).isEmpty()) {
+    if (orv::isBlank(name)) {
         throw orv::Error(QStringLiteral("A table must have a name"));
     }
     orv::guarded([&] { commitPendingEdit(); });
     if (m_selected) m_selected->SetSelect(false);
     auto box = std::make_unique<TorvQDTable>(this, dataSet, name);
     if (!writtenName.isEmpty()) box->TableName = writtenName;
-    const QString alias = freeAlias(box->TableName);
-    if (alias != box->TableName) box->SetAlias(alias);
+    const auto takeFreeAlias = [&] {
+        const QString alias = freeAlias(box->TableName);
+        box->SetAlias(alias == box->TableName ? QString() : alias);
+    };
+    takeFreeAlias();
     const QPointer<TorvQDWorkArea> self(this);
     const bool allowed = m_owner->DoAddRemoveTable(box.get(), araAdd);
     if (!self || !allowed) return nullptr;
+    if (m_byAlias.contains(box->GetAlias())) takeFreeAlias();  // a handler took it meanwhile
     const int captionWidth = box->CaptionRect(true).width();
     if (captionWidth > box->Width) box->Width = captionWidth;
     placeTable(*box);
@@ -129,6 +122,7 @@ TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataS
     updateScrollRange();
     m_owner->statementChanged();
     if (const TAddEvent handler = OnAddTable) handler(this, table);
+    if (m_selected) m_selected->SetSelect(false);  // one that a handler added meanwhile
     m_selected = table;
     table->SetSelect(true);
     endChange();
@@ -138,7 +132,7 @@ TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataS
 // The name itself, or the name followed by the first free number.
 QString TorvQDWorkArea::freeAlias(const QString& processedName) const {
     QString candidate = processedName;
-    const QString base = withoutQuotes(processedName);
+    const QString base = orv::withoutQuotes(processedName);
     for (int counter = 1; m_byAlias.contains(candidate); ++counter) {
         const QString numbered = base + QString::number(counter);
         candidate = base == processedName ? numbered : ProcessName(numbered);
@@ -179,8 +173,7 @@ void TorvQDWorkArea::placeTable(TorvQDTable& table) const {
     table.Top = place.Top;
 }
 
-// --- names
-// ----------------------------------------------------------------------------------------
+// --- names ---
 
 void TorvQDWorkArea::rememberAlias(TorvQDTable* table) {
     m_byAlias[table->GetAlias()].push_back(table);
@@ -198,11 +191,13 @@ void TorvQDWorkArea::forgetAlias(TorvQDTable* table, const QString& alias) {
 }
 
 TorvQDTable* TorvQDWorkArea::GetTable(const QString& Alias) const {
-    if (orv::orvTrim(QStringView(Alias)).isEmpty()) {
+    if (orv::isBlank(Alias)) {
         return m_tables.size() == 1 ? m_tables.front().get() : nullptr;
     }
-    const std::vector<TorvQDTable*> found = m_byAlias.value(Alias);
-    if (found.size() < 2) return found.empty() ? nullptr : found.front();
+    const auto entry = m_byAlias.constFind(Alias);
+    if (entry == m_byAlias.constEnd()) return nullptr;
+    const std::vector<TorvQDTable*>& found = *entry;
+    if (found.size() == 1) return found.front();
     return *std::min_element(found.begin(), found.end(), [&](TorvQDTable* a, TorvQDTable* b) {
         return indexOf(a) < indexOf(b);
     });
@@ -210,7 +205,7 @@ TorvQDTable* TorvQDWorkArea::GetTable(const QString& Alias) const {
 
 TorvQDTable* TorvQDWorkArea::findTable(const QString& alias) const {
     if (TorvQDTable* table = GetTable(alias)) return table;
-    if (orv::orvTrim(QStringView(alias)).isEmpty()) return nullptr;
+    if (orv::isBlank(alias)) return nullptr;
     const QString wanted = orv::unquotedName(alias).toUpper();
     TorvQDTable* match = nullptr;
     for (const auto& table : m_tables) {
@@ -224,7 +219,7 @@ TorvQDTable* TorvQDWorkArea::findTable(const QString& alias) const {
 void TorvQDWorkArea::renameTable(TorvQDTable* table, const QString& text) {
     if (indexOf(table) < 0) return;
     const QString old = table->GetAlias();
-    QString alias = orv::orvTrim(QStringView(text)).isEmpty() ? table->TableName : text;
+    QString alias = orv::isBlank(text) ? table->TableName : text;
     for (const QString& taken : {alias, orv::quotedName(alias)}) {
         const TorvQDTable* other = GetTable(taken);
         if (other && other != table) {
@@ -247,8 +242,7 @@ void TorvQDWorkArea::renameTable(TorvQDTable* table, const QString& text) {
     endChange();
 }
 
-// --- stacking and removing
-// ------------------------------------------------------------------------
+// --- stacking and removing ---
 
 void TorvQDWorkArea::TableToFront(QObject* Table) {
     const int index = indexOf(Table);
@@ -331,7 +325,7 @@ void TorvQDWorkArea::ClearContents() {
 }
 
 void TorvQDWorkArea::selectObject(TorvQDFloatObject* object) {
-    if (m_selected == object) return;
+    if (m_selected == object && (!object || object->Selected)) return;
     orv::guarded([&] { commitPendingEdit(); });
     beginChange();
     if (m_selected) m_selected->SetSelect(false);
@@ -340,8 +334,7 @@ void TorvQDWorkArea::selectObject(TorvQDFloatObject* object) {
     endChange();
 }
 
-// --- relays
-// ---------------------------------------------------------------------------------------
+// --- relays ---
 
 void TorvQDWorkArea::_CheckItem(QObject* Sender, TorvQDListItem* Item) {
     if (!qobject_cast<TorvQDTable*>(Sender)) return;

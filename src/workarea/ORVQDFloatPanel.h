@@ -83,6 +83,8 @@ public:
     void renameTable(TorvQDTable* table, const QString& text);
     /// Opens the edit over the box's caption.
     void beginRename(TorvQDTable* table);
+    /// Takes the text of the alias edit for the box over which it was opened; nothing when none is.
+    void _EditNameKillFocus();
     /// Ends the edit with what was typed, or without.
     void commitPendingEdit();
     void discardPendingEdit();
@@ -151,6 +153,7 @@ private:
     [[nodiscard]] TorvQDTable* tableAt(const QPoint& viewPoint) const;
     void updateScrollRange();
     void showContextMenu(const QPoint& viewPoint);
+    void placeAliasEdit();
     void moveBoxTo(const QPoint& viewPoint);
 
     IWorkAreaOwner* m_owner;

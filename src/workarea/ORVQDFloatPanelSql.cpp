@@ -17,10 +17,11 @@ constexpr int topLevel = 0;  // bracket depth of a statement's own clauses
 
 /// A table as the text of a FROM clause names it.
 struct NamedTable {
-    QString written;  ///< as FROM writes it again
-    QString lookup;   ///< as the host is asked for it
-    QString alias;    ///< as given; empty without one
-    int start;        ///< span, alias included
+    QString written;   ///< as FROM writes it again
+    QString lookup;    ///< as the host is asked for it
+    QString alias;     ///< as given; empty without one
+    bool hasOwnAlias;  ///< the text gives the alias, it is not implied by a qualified name
+    int start;         ///< span, alias included
     int end;
 };
 
@@ -38,13 +39,6 @@ bool isName(const QString& text) {
     const orv::SqlTokens tokens = orv::tokenise(text);
     return tokens.size() == 1 &&
            (tokens.front().kind == orv::SqlToken::Word || text.startsWith(u'\''));
-}
-
-QString withoutEnclosingQuotes(const QString& name) {
-    const bool quoted = name.size() > 1 && name.front() == name.back() &&
-                        (name.front() == u'"' || name.front() == u'\'');
-    if (!quoted) return name;
-    return name.front() == u'"' ? orv::unquotedName(name) : name.mid(1, name.size() - 2);
 }
 
 }  // namespace
@@ -127,20 +121,24 @@ private:
     // A table that is mentioned again reuses its box; with meaning kept, only when the second
     // mention has no alias of its own.
     [[nodiscard]] bool boxToReuse(const NamedTable& table) const {
-        if (m_area.m_owner->KeepMeaning() && !table.alias.isEmpty()) return false;
+        if (m_area.m_owner->KeepMeaning() && table.hasOwnAlias) return false;
+        if (!table.alias.isEmpty() && !table.hasOwnAlias) {
+            const TorvQDTable* box = m_area.GetTable(table.alias);
+            return box && box->TableName == table.written;
+        }
         return m_area.m_byAlias.contains(table.lookup) ||
                m_area.m_byAlias.contains(orv::quotedName(table.lookup));
     }
 
     static NamedTable named(const TorvQDParser& node) {
-        NamedTable table{node.Text(), {}, {}, node.Start(), node.End()};
+        NamedTable table{node.Text(), {}, {}, false, node.Start(), node.End()};
         const QStringList parts = splitAtFullStops(node.Text());
         QStringList written;
         QStringList lookup;
         for (const QString& part : parts) {
             if (part.isEmpty()) continue;
             written << (parts.size() > 1 ? ProcessName(part) : part);
-            lookup << withoutEnclosingQuotes(part);
+            lookup << orv::withoutQuotes(part);
         }
         if (parts.size() > 1) {
             table.written = written.join(u'.');
@@ -155,7 +153,8 @@ private:
     }
 
     static void useAlias(NamedTable& table, const QString& text, int end) {
-        table.alias = text.startsWith(u'\'') ? orv::quotedName(text.mid(1, text.size() - 2)) : text;
+        table.alias = text.startsWith(u'\'') ? orv::quotedName(orv::withoutQuotes(text)) : text;
+        table.hasOwnAlias = true;
         table.end = end;
     }
 
@@ -179,7 +178,7 @@ private:
 
     // The host is not asked for the alias of a derived table.
     void loseDerivedTable(const TorvQDParser& node) {
-        NamedTable bracket{{}, {}, {}, node.Start(), node.End()};
+        NamedTable bracket{{}, {}, {}, false, node.Start(), node.End()};
         readDetachedAlias(bracket);
         m_readUpTo = bracket.end;
         report(bracket, QStringLiteral("A bracket in FROM cannot be shown as a table: it is not "

@@ -47,7 +47,8 @@ void TorvQDWorkArea::invalidate(const TRect& viewRect) {
 bool TorvQDWorkArea::event(QEvent* event) {
     const int type = event->type();
     if (type < CMMOVECONTROL || type > CMDELETELINK) return QAbstractScrollArea::event(event);
-    auto* table = qobject_cast<TorvQDTable*>(static_cast<TorvDiagramEvent*>(event)->object());
+    const auto* message = dynamic_cast<TorvDiagramEvent*>(event);
+    auto* table = message ? qobject_cast<TorvQDTable*>(message->object()) : nullptr;
     if (!table || indexOf(table) < 0) return true;
     orv::guarded([&] {
         switch (type) {
@@ -61,8 +62,7 @@ bool TorvQDWorkArea::event(QEvent* event) {
     return true;
 }
 
-// --- painting
-// -------------------------------------------------------------------------------------
+// --- painting ---
 
 void TorvQDWorkArea::paintEvent(QPaintEvent* event) {
     orv::guarded([&] {
@@ -88,8 +88,7 @@ void TorvQDWorkArea::paintDiagram(QPainter& painter) const {
     m_paintsAll = false;
 }
 
-// --- scrolling
-// ------------------------------------------------------------------------------------
+// --- scrolling ---
 
 // The diagram is 5000 pixels wide and high, and grows with boxes that lie beyond.
 void TorvQDWorkArea::updateScrollRange() {
@@ -123,7 +122,7 @@ void TorvQDWorkArea::scrollContentsBy(int dx, int dy) {
 }
 
 bool TorvQDWorkArea::isRowScrollBarVisible() const {
-    return !m_rowScrollBar->isHidden();
+    return !m_paintsAll && !m_rowScrollBar->isHidden();
 }
 
 void TorvQDWorkArea::placeRowScrollBar(const RowScroll& scroll) {
@@ -146,12 +145,14 @@ void TorvQDWorkArea::bringToFront(TorvQDFloatObject* object) {
     TableToFront(object);
 }
 
-void TorvQDWorkArea::tableMoved(TorvQDTable*) {
+void TorvQDWorkArea::tableMoved(TorvQDTable* table) {
     updateScrollRange();
+    if (table == m_renamed) placeAliasEdit();
 }
 
-void TorvQDWorkArea::tableResized(TorvQDTable*) {
+void TorvQDWorkArea::tableResized(TorvQDTable* table) {
     updateScrollRange();
+    if (table == m_renamed) placeAliasEdit();
 }
 
 void TorvQDWorkArea::rowsScrolled(TorvQDTable* table) {
@@ -160,8 +161,7 @@ void TorvQDWorkArea::rowsScrolled(TorvQDTable* table) {
     m_rowScrollBar->setValue(table->FirstVisibleItem);
 }
 
-// --- the mouse
-// ------------------------------------------------------------------------------------
+// --- the mouse ---
 
 TorvQDTable* TorvQDWorkArea::tableAt(const QPoint& viewPoint) const {
     const auto hit = std::find_if(m_tables.begin(), m_tables.end(), [&](const auto& table) {
@@ -179,7 +179,7 @@ void TorvQDWorkArea::mousePressEvent(QMouseEvent* event) {
         m_gesture = table ? Gesture::Pressed : Gesture::Idle;
         m_pressPoint = event->pos();
         selectObject(table);
-        if (!table) return;
+        if (!table || indexOf(table) < 0) return;  // the host closed it when it came to the front
         m_pressedHit = table->HitTest(event->pos());
         m_boxAtPress = {table->Left, table->Top};
         TWMMouse message = messageOf(*event);
@@ -203,9 +203,11 @@ void TorvQDWorkArea::mouseMoveEvent(QMouseEvent* event) {
 // The caption stays inside the diagram, so that the box can always be taken again.
 void TorvQDWorkArea::moveBoxTo(const QPoint& viewPoint) {
     const QPoint wanted = m_boxAtPress + viewPoint - m_pressPoint;
-    const int left = std::clamp(wanted.x(), 0, std::max(0, diagramExtentPx - m_pressed->Width));
-    const int top =
-        std::clamp(wanted.y(), 0, std::max(0, diagramExtentPx - m_pressed->CaptionHeight));
+    // A box that was placed beyond the diagram's extent may stay as far out as it is.
+    const int right = std::max(diagramExtentPx - m_pressed->Width, m_boxAtPress.x());
+    const int bottom = std::max(diagramExtentPx - m_pressed->CaptionHeight, m_boxAtPress.y());
+    const int left = std::clamp(wanted.x(), 0, std::max(0, right));
+    const int top = std::clamp(wanted.y(), 0, std::max(0, bottom));
     m_pressed->MoveTable(left - m_pressed->Left, top - m_pressed->Top);
 }
 
@@ -245,23 +247,31 @@ void TorvQDWorkArea::showContextMenu(const QPoint& viewPoint) {
     menu->popup(viewport()->mapToGlobal(viewPoint));
 }
 
-// --- renaming in place
-// ----------------------------------------------------------------------------
+// --- renaming in place ---
 
 void TorvQDWorkArea::beginRename(TorvQDTable* table) {
     if (indexOf(table) < 0) return;
     selectObject(table);
-    const TRect caption = table->toView(table->GetCaptionRect());
     m_renamed = table;
-    m_aliasEdit->open(QRect(caption.Left, caption.Top + 1, caption.width(), caption.height()),
-                      table->GetAlias());
+    placeAliasEdit();
+    m_aliasEdit->open(table->GetAlias());
 }
 
-void TorvQDWorkArea::commitPendingEdit() {
+// The edit lies over the caption of its box and follows it.
+void TorvQDWorkArea::placeAliasEdit() {
+    const TRect caption = m_renamed->toView(m_renamed->GetCaptionRect());
+    m_aliasEdit->setGeometry(caption.Left, caption.Top + 1, caption.width(), caption.height());
+}
+
+void TorvQDWorkArea::_EditNameKillFocus() {
     const QPointer<TorvQDTable> table = m_renamed;
     if (!table) return;
     discardPendingEdit();
     renameTable(table, m_aliasEdit->text());
+}
+
+void TorvQDWorkArea::commitPendingEdit() {
+    _EditNameKillFocus();
 }
 
 void TorvQDWorkArea::discardPendingEdit() {

@@ -54,7 +54,7 @@ private Q_SLOTS:
         row("count(distinct c)", {"COUNT_OF_DISTINCT C|COUNT|DISTINCT C"});
         row("lower(d) as l", {"L||LOWER(D)"});
         row("lower(d)", {"FIELD_NAME0||LOWER(D)"});
-        row("upper(t.a) x, lower(t.b)", {"X||UPPER(T.A)", "FIELD_NAME1||LOWER(T.B)"});
+        row("upper(t.a) x, lower(t.b)", {"X||UPPER(T.A)", "FIELD_NAME0||LOWER(T.B)"});
         row("coalesce(t.a, 0) c", {"C||COALESCE(T.A, 0)"});
         row("case when e = 1 then 2 else 3 end k", {"K||CASE WHEN E = 1 THEN 2 ELSE 3 END"});
         row("case when e = 1 then 2 else 3 end",
@@ -86,7 +86,7 @@ private Q_SLOTS:
             "END K, SUM(A) + 1 FROM T GROUP BY LOWER(D), CASE WHEN E = 1 THEN 2 ELSE 3 END");
         QCOMPARE(on.columns(),
                  QStringList({"S|SUM|A*B", "COUNT_OF_DISTINCT C|COUNT|DISTINCT C", "L||LOWER(D)",
-                              "K||CASE WHEN E = 1 THEN 2 ELSE 3 END", "FIELD_NAME2||SUM(A) + 1"}));
+                              "K||CASE WHEN E = 1 THEN 2 ELSE 3 END", "FIELD_NAME0||SUM(A) + 1"}));
         QCOMPARE(on.findings(), QStringList());
     }
 

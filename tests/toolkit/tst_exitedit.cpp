@@ -18,7 +18,10 @@ public:
         other->setGeometry(0, 100, 100, 20);
         show();
     }
-    void open() { edit->open(QRect(10, 20, 80, 18), "OLD"); }
+    void open() {
+        edit->setGeometry(10, 20, 80, 18);
+        edit->open("OLD");
+    }
 
     QLineEdit* other;
     orv::ExitEdit* edit;
