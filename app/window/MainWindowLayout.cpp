@@ -11,6 +11,7 @@
 #include <QCoreApplication>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QScreen>
 #include <QSettings>
 #include <QSplitter>
 #include <QToolBar>
@@ -132,7 +133,9 @@ void MainWindow::buildMenus() {
 void MainWindow::restoreLayout() {
     setWindowIcon(QIcon(QStringLiteral(":/orvquery/icons/orvquery.svg")));
     const QSettings stored = settings();
-    resize(firstSize);
+    // At a large scale the screen may be smaller than that.
+    const QSize room = screen()->availableSize();
+    resize(firstSize.boundedTo(room.isEmpty() ? firstSize : room));
     restoreGeometry(stored.value(QStringLiteral("geometry")).toByteArray());
     m_outer->setSizes({190, firstSize.width() - 190});
     m_inner->setSizes({590, 240});

@@ -39,9 +39,6 @@ public:
     /// Whether the text is a name without a table that several boxes have as a field.
     [[nodiscard]] virtual bool isAmbiguous(const QString& text) const = 0;
 
-    /// Whether the text is a qualified name of a field on the diagram, exactly.
-    [[nodiscard]] virtual bool isDiagramField(const QString& qualifiedName) const = 0;
-
     /// Whether written statements keep the meaning of loaded ones.
     [[nodiscard]] virtual bool KeepMeaning() const = 0;
 

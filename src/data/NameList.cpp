@@ -15,13 +15,19 @@ bool NameList::appendNew(const QString& name) {
 }
 
 void NameList::remove(const QSet<QString>& names) {
-    m_names.removeIf([&](const QString& name) { return names.contains(name); });
-    recount();
+    removeIf([&](const QString& name) { return names.contains(name); });
 }
 
 void NameList::removeWithPrefix(const QString& prefix) {
-    m_names.removeIf([&](const QString& name) { return name.startsWith(prefix); });
-    recount();
+    removeIf([&](const QString& name) { return name.startsWith(prefix); });
+}
+
+void NameList::removeIf(const std::function<bool(const QString&)>& goes) {
+    m_names.removeIf([&](const QString& name) {
+        if (!goes(name)) return false;
+        if (--m_count[name] == 0) m_count.remove(name);
+        return true;
+    });
 }
 
 void NameList::transform(const std::function<QString(const QString&)>& replace) {

@@ -34,6 +34,7 @@ public:
     void clear();
 
 private:
+    void removeIf(const std::function<bool(const QString&)>& goes);
     void recount();
 
     QStringList m_names;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "diagram/ORVQDFloatTable.h"
 
+#include "contract/ChangeScope.h"
 #include "core/Error.h"
 #include "core/Text.h"
 #include "data/ProcessName.h"
@@ -169,13 +170,11 @@ void TorvQDTable::SetCurrentItem(TorvQDListItem* Item) {
 
 void TorvQDTable::SetFieldState(int State) {
     UpdateFieldState(State);
-    const QPointer<QWidget> parent = Parent;
-    IDiagramCanvas* canvas = this->canvas();
-    if (canvas) canvas->beginChange();
+    ChangeScope change(canvas(), Parent);
     for (const std::unique_ptr<TorvQDListItem>& item : Items) {
         if (item->ParamType == ptOutput) item->SetCheck(State == 2);
     }
-    if (canvas && parent) canvas->endChange();
+    change.finish();
 }
 
 void TorvQDTable::UpdateFieldState(int State) {

@@ -172,7 +172,7 @@ public:
     /// The canvas is closing the box: a second request is ignored.
     bool closing = false;
 
-    /// Whether all given rows are rows of this box.
+    /// Whether the row is one of this box.
     [[nodiscard]] bool owns(const TorvQDListItem* item) const;
 
     [[nodiscard]] TRect toView(const TRect& rect) const;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What a box does with the mouse: ticking rows, choosing the current row, its menu.
+#include "contract/ChangeScope.h"
 #include "diagram/ORVQDFloatTable.h"
 #include "toolkit/Services.h"
 
@@ -35,12 +36,10 @@ void TorvQDTable::MouseUp(TWMMouse& Message, TTableHitTest Hit) {
 
 void TorvQDTable::toggle(TorvQDListItem* item) {
     const QPointer<TorvQDTable> self(this);
-    const QPointer<QWidget> parent = Parent;
-    IDiagramCanvas* canvas = this->canvas();
-    canvas->beginChange();
+    ChangeScope change(canvas(), Parent);
     item->SetCheck(!item->Checked);
     if (self) item->UpdateCheck(item->Checked ? -1 : 0);
-    if (parent) canvas->endChange();
+    change.finish();
 }
 
 void TorvQDTable::PopupMenu(QMenu& Menu, int, int, TTableHitTest Hit) {

@@ -129,6 +129,14 @@ bool mayFollow(const TokenRun& run, int index) {
     return endsWithUnit(run, index);
 }
 
+// Behind a name some databases take it for an array index and others for an alias.
+bool hasSquareBracket(const TokenRun& run) {
+    for (int index = 0; index < run.size(); ++index) {
+        if (run.is(index, u"[")) return true;
+    }
+    return false;
+}
+
 bool isBalanced(const TokenRun& run) {
     int open = 0;
     for (int index = 0; index < run.size() && open >= 0; ++index) {
@@ -141,7 +149,7 @@ bool isBalanced(const TokenRun& run) {
 QString comparable(const TokenRun& run, int index) {
     QString text = run.textOf(index).toString();
     if (run[index].kind != SqlToken::Word) {
-        return run[index].kind == SqlToken::Text ? text : text.toUpper();
+        return upperOutsideQuotes(text);
     }
     for (qsizetype stop = firstFullStop(text); stop >= 0; stop = firstFullStop(text)) {
         text = text.mid(stop + 1);
@@ -169,7 +177,7 @@ bool isExpression(const TokenRun& run) {
                            isOneOf(run, 0, prefixWords()))) {
         return false;
     }
-    if (!isBalanced(run)) return false;
+    if (!isBalanced(run) || hasSquareBracket(run)) return false;
     const int level = run[0].depth;
     int before = -1;
     for (int index = 0; index < run.size(); ++index) {
@@ -186,6 +194,18 @@ bool isExpression(const TokenRun& run) {
 bool namesField(const TokenRun& run, int index) {
     return run[index].kind == SqlToken::Word && !isOneOf(run, index, constantWords()) &&
            !isParameter(run.textOf(index));
+}
+
+bool isFieldName(const QString& text) {
+    const SqlTokens tokens = tokenise(text);
+    return tokens.size() == 1 && namesField({text, tokens.data(), tokens.data() + 1}, 0);
+}
+
+bool isWholeNumber(const QString& text) {
+    bool isNumber = false;
+    QString digits = text;
+    digits.remove(u' ').toLongLong(&isNumber);
+    return isNumber;
 }
 
 TokenCounts countTokens(const TokenRun& run) {

@@ -29,6 +29,12 @@ struct AliasedRun {
 /// Whether the token names a field: a word that is no constant and no parameter.
 [[nodiscard]] ORV_EXPORT bool namesField(const TokenRun& run, int index);
 
+/// Whether the text is one name of a field, qualified or not.
+[[nodiscard]] ORV_EXPORT bool isFieldName(const QString& text);
+
+/// Whether the text is a whole number, with or without a sign.
+[[nodiscard]] ORV_EXPORT bool isWholeNumber(const QString& text);
+
 /// What a text says, whatever its spacing, case, brackets, qualifiers and quotes around names: how
 /// often it has each word, number, text and sign. Two texts that differ in it differ in meaning.
 using TokenCounts = QHash<QString, int>;

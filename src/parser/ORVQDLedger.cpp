@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "parser/ORVQDLedger.h"
 
+#include "core/Text.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -11,7 +13,7 @@ LoadLedger::LoadLedger(const QString& given, NormalisedSQL normalised)
       m_normalised(std::move(normalised)),
       m_tokens(tokenise(m_normalised.text)),
       m_taken(m_tokens.size(), false) {
-    findBrokenLines();
+    rememberBrokenLines();
     m_normalised.text.replace(u'\n', u' ');
     m_normalised.text.replace(u'\r', u' ');
 }
@@ -71,15 +73,39 @@ std::vector<LoadLedger::Loss> LoadLedger::untakenTokens() const {
 }
 
 // The text that is parsed has no line breaks, in quotes neither.
-void LoadLedger::findBrokenLines() {
+void LoadLedger::rememberBrokenLines() {
     const QStringView text = m_normalised.text;
     if (!text.contains(u'\n') && !text.contains(u'\r')) return;
     for (const SqlToken& token : m_tokens) {
         const QStringView piece = text.mid(token.start, token.end - token.start);
-        if (!piece.contains(u'\n') && !piece.contains(u'\r')) continue;
-        m_losses.push_back({token.start, token.end,
-                            QStringLiteral("The line break inside this quoted text becomes a "
-                                           "blank.")});
+        if (piece.contains(u'\n') || piece.contains(u'\r')) m_brokenLines.push_back(token);
+    }
+}
+
+void LoadLedger::reportChangedTexts(int end) {
+    for (const SqlToken& token : m_brokenLines) {
+        if (token.start >= end) break;
+        report(token.start, token.end,
+               QStringLiteral("The line break inside this quoted text becomes a blank."));
+    }
+    const auto isForeign = [](QChar character) { return character.unicode() >= 0x80; };
+    if (std::none_of(m_normalised.text.begin(), m_normalised.text.end(), isForeign)) return;
+    for (const SqlToken& token : m_tokens) {
+        if (token.start >= end) break;
+        if (token.kind != SqlToken::Word) continue;
+        const QStringView word =
+            QStringView(m_normalised.text).mid(token.start, token.end - token.start);
+        if (std::none_of(word.begin(), word.end(), isForeign)) continue;
+        const QString upper = upperOutsideQuotes(word);
+        const bool sameForeign =
+            upper.size() == word.size() &&
+            std::equal(word.begin(), word.end(), upper.begin(), [&](QChar given, QChar written) {
+                return given == written || !isForeign(given);
+            });
+        if (sameForeign) continue;
+        report(token.start, token.end,
+               QStringLiteral("Letters beyond ASCII are written in upper case here, which a "
+                              "database may take for another name."));
     }
 }
 

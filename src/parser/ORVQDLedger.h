@@ -37,6 +37,10 @@ public:
         report(run.start(), run.endPosition(), what);
     }
 
+    /// Reports texts in front of `end` that cannot be written as they were given: line breaks in
+    /// quotes, and letters beyond ASCII that writing in upper case changes.
+    void reportChangedTexts(int end);
+
     /// Whether a finding lies in [start, end) so far.
     [[nodiscard]] bool hasFinding(int start, int end) const;
 
@@ -53,7 +57,7 @@ private:
     };
 
     [[nodiscard]] std::vector<Loss> untakenTokens() const;
-    void findBrokenLines();
+    void rememberBrokenLines();
     [[nodiscard]] Finding toFinding(const Loss& loss) const;
 
     QString m_given;
@@ -61,6 +65,7 @@ private:
     SqlTokens m_tokens;
     std::vector<bool> m_taken;  // by token
     std::vector<Loss> m_losses;
+    std::vector<SqlToken> m_brokenLines;  // quoted texts with line breaks
 };
 
 }  // namespace orv

@@ -150,9 +150,19 @@ SqlTokens tokenise(QStringView text) {
     return Scanner(text).tokens();
 }
 
+// Names of parameters keep their case: databases tell :a from :A.
 QString TokenRun::sourceText() const {
-    if (isEmpty()) return {};
-    return upperOutsideQuotes(orvTrim(m_text.mid(start(), endPosition() - start())));
+    QString text;
+    int copied = start();
+    for (int index = 0; index < size(); ++index) {
+        const QStringView word = textOf(index);
+        text += m_text.mid(copied, m_first[index].start - copied);
+        const bool isParameter =
+            word.startsWith(u':') || word.startsWith(u'@') || word.startsWith(u'$');
+        text += isParameter ? word.toString() : upperOutsideQuotes(word);
+        copied = m_first[index].end;
+    }
+    return text;
 }
 
 std::vector<TokenRun> TokenRun::splitAtCommas() const {

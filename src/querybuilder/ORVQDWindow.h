@@ -13,6 +13,7 @@
 #include "parser/ORVQDFindings.h"
 #include "querybuilder/ORVQDListOfTables.h"
 
+#include <QHash>
 #include <QIcon>
 #include <QList>
 #include <QPointer>
@@ -149,7 +150,6 @@ public:
     [[nodiscard]] std::vector<PageField> fieldsOf(const QString& alias) const override;
     [[nodiscard]] std::optional<PageField> resolveField(const QString& text) const override;
     [[nodiscard]] bool isAmbiguous(const QString& text) const override;
-    [[nodiscard]] bool isDiagramField(const QString& qualifiedName) const override;
     void beginChange() override;
     void endChange() override;
     void statementChanged() override;
@@ -185,6 +185,7 @@ private:
 
     [[nodiscard]] TorvQDListItem* resolveItem(const QString& text) const;
     [[nodiscard]] std::vector<PageField> fieldsNamed(const QString& name) const;
+    [[nodiscard]] QString listedBareName(const TorvQDListItem* item) const;
     [[nodiscard]] bool isListed(const QString& name) const;
     void flushRemovals();
 
@@ -199,6 +200,8 @@ private:
 
     orv::NameList m_selectedFields;
     orv::NameList m_allFields;
+    // Rows that a loaded statement names without their table, by the names it has for them.
+    QMultiHash<const TorvQDListItem*, QString> m_bareNames;
     QSet<QString> m_removals;  // unticked in this change, not yet taken off the lists
     TAlign m_align = alNone;
     QPointer<QWidget> m_watchedParent;  // whose size the control follows

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // How changes travel between the diagram and the pages: always through the query builder.
 #include "core/Text.h"
+#include "parser/ORVQDExpressions.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
 #include "workarea/ORVQDFloatPanel.h"
@@ -56,19 +57,28 @@ void TorvQueryBuilder::_AddRemoveField(QObject* Sender, TorvQDListItem* Item) {
     auto* table = qobject_cast<TorvQDTable*>(Sender);
     if (!table) return;
     const QString name = table->GetAlias() + u'.' + Item->Name;
-    const bool bareListed = isListed(Item->Name) && resolveItem(Item->Name) == Item;
+    const QString bare = listedBareName(Item);
     beginChange();
     if (!Item->Checked) {
         const bool listed = isListed(name);
         if (listed) m_removals.insert(name);
-        if (bareListed) m_removals.insert(Item->Name);
-        if (listed || bareListed) statementChanged();
-    } else if (!bareListed && !isListed(name)) {
+        if (!bare.isEmpty()) m_removals.insert(bare);
+        if (listed || !bare.isEmpty()) statementChanged();
+    } else if (bare.isEmpty() && !isListed(name)) {
         flushRemovals();
         m_selectedFields.append(name);
         if (SelectPanel) SelectPanel->grid()->CheckField(name);
     }
     endChange();
+}
+
+// The name without its table by which the row is listed, when it can only mean this row.
+QString TorvQueryBuilder::listedBareName(const TorvQDListItem* item) const {
+    const auto names = m_bareNames.values(item);
+    for (const QString& name : names) {
+        if (isListed(name) && resolveItem(name) == item) return name;
+    }
+    return {};
 }
 
 TorvQDListItem* TorvQueryBuilder::resolveItem(const QString& text) const {
@@ -84,6 +94,7 @@ void TorvQueryBuilder::_SelectField(const QString& FullName) {
     item->UpdateCheck(-1);
     flushRemovals();
     m_selectedFields.appendNew(FullName);
+    if (orv::firstFullStop(FullName) < 0) m_bareNames.insert(item, FullName);
     endChange();
 }
 
@@ -107,7 +118,9 @@ void TorvQueryBuilder::_AddTable(QObject*, QObject* Table) {
 
 void TorvQueryBuilder::_RemoveTable(QObject*, QObject* Table) {
     const auto* table = qobject_cast<TorvQDTable*>(Table);
-    if (table) m_allFields.removeWithPrefix(table->GetAlias() + u'.');
+    if (!table) return;
+    m_allFields.removeWithPrefix(table->GetAlias() + u'.');
+    for (const auto& item : table->Items) m_bareNames.remove(item.get());
 }
 
 // The old alias is compared as a prefix alone: renaming "T" also renames "T2.NAME" to the new
@@ -153,6 +166,7 @@ std::vector<PageField> TorvQueryBuilder::fieldsOf(const QString& alias) const {
 }
 
 std::optional<PageField> TorvQueryBuilder::resolveField(const QString& text) const {
+    if (!orv::isFieldName(text)) return std::nullopt;
     const orv::QualifiedName name = orv::splitQualifiedName(text);
     if (orv::firstFullStop(text) >= 0) {
         const TorvQDTable* table = WorkArea->findTable(name.alias);
@@ -166,7 +180,7 @@ std::optional<PageField> TorvQueryBuilder::resolveField(const QString& text) con
 // The output fields of that name, at most one of a box.
 std::vector<PageField> TorvQueryBuilder::fieldsNamed(const QString& name) const {
     std::vector<PageField> found;
-    for (const TorvQDTable* table : WorkArea->tablesByCreation()) {
+    for (const TorvQDTable* table : WorkArea->tablesWithField(name)) {
         const TorvQDListItem* item = table->findItem(name);
         if (item && item->ParamType == ptOutput) found.push_back(pageField(*table, *item));
     }
@@ -175,8 +189,4 @@ std::vector<PageField> TorvQueryBuilder::fieldsNamed(const QString& name) const 
 
 bool TorvQueryBuilder::isAmbiguous(const QString& text) const {
     return orv::firstFullStop(text) < 0 && fieldsNamed(text).size() > 1;
-}
-
-bool TorvQueryBuilder::isDiagramField(const QString& qualifiedName) const {
-    return m_allFields.contains(qualifiedName);
 }

@@ -48,6 +48,22 @@ QSet<QString> wordsOf(const orv::TokenCounts& counts) {
     return words - QSet<QString>{QStringLiteral("CROSS"), QStringLiteral("JOIN")};
 }
 
+// A FROM that is there may stand behind a bracket or quote that nothing closes.
+QString reasonWithoutFrom(const QString& text) {
+    int open = 0;
+    for (const orv::SqlToken& token : orv::tokenise(text)) {
+        if (token.kind == orv::SqlToken::Open) ++open;
+        if (token.kind == orv::SqlToken::Close) --open;
+    }
+    if (open > 0) {
+        return QStringLiteral("A bracket is not closed: nothing is loaded.");
+    }
+    if (text.count(u'\'') % 2 != 0 || text.count(u'"') % 2 != 0) {
+        return QStringLiteral("A quote is not closed: nothing is loaded.");
+    }
+    return QStringLiteral("A statement without FROM cannot be shown: nothing is loaded.");
+}
+
 bool containsSquareBracket(const TOperatorList& operators) {
     for (int index = 0; index < operators.Count(); ++index) {
         if (operators.Items(index)->Name.contains(u'[')) return true;
@@ -89,6 +105,7 @@ void TorvQueryBuilder::Clear() {
 void TorvQueryBuilder::clearAll() {
     m_removals.clear();
     m_selectedFields.clear();
+    m_bareNames.clear();
     if (WorkArea) WorkArea->ClearContents();
     if (SelectPanel) {
         SelectPanel->ClearContents();
@@ -174,6 +191,7 @@ void TorvQueryBuilder::loadText(const QString& text) {
     clearAll();
     loadParsed(root);
     if (!self) return;
+    m_ledger->reportChangedTexts(parts.bodyEnd);
     loadTail(parts.tailStart, parts.tailEnd, parts.restStart);
     compareClauses(root);
     m_report = m_ledger->findings();
@@ -200,9 +218,7 @@ void TorvQueryBuilder::checkLoadable(const TorvQDParser& root) const {
 void TorvQueryBuilder::loadParsed(const TorvQDParser& root) {
     const QPointer<TorvQueryBuilder> self(this);
     if (!root.Clause(inFrom)) {
-        m_ledger->report(root.Start(), int(root.Source().size()),
-                         QStringLiteral("A statement without FROM cannot be shown: nothing is "
-                                        "loaded."));
+        m_ledger->report(root.Start(), int(root.Source().size()), reasonWithoutFrom(root.Source()));
         return;
     }
     for (const TorvQDParser::Node& child : root.Children()) {
@@ -217,6 +233,7 @@ void TorvQueryBuilder::loadParsed(const TorvQDParser& root) {
 }
 
 void TorvQueryBuilder::loadTail(int tailStart, int tailEnd, int restStart) {
+    m_tail.clear();  // a handler of the host may have set one meanwhile
     if (tailStart < tailEnd) {
         const orv::TokenRun tail = m_ledger->tokensIn(tailStart, tailEnd);
         m_tail = m_ledger->givenText(tail.start(), tail.endPosition());

@@ -17,6 +17,11 @@ bool isAggregateName(QStringView word, const QStringList& aggregates) {
     });
 }
 
+bool isOneToken(const QString& text) {
+    const SqlTokens tokens = tokenise(text);
+    return tokens.size() == 1;
+}
+
 // Whether the call that opens at `open` stands over a window; a FILTER may stand between.
 bool isOverWindow(const TokenRun& run, int open) {
     int next = run.behindBracket(open);
@@ -58,8 +63,8 @@ QString columnText(const OutputColumn& column, const SelectTextRules& rules) {
     }
     const QString name = orvTrim(column.name);
     const bool isImplied = column.name == createFieldName(QString(), column.source);
-    // An aggregate named like its field would get another name from the database.
-    const bool keepsName = rules.keepMeaning && !isBlank(column.aggregate);
+    // Only a field or constant alone gets its own name from every database.
+    const bool keepsName = rules.keepMeaning && (!isBlank(column.aggregate) || !isOneToken(source));
     if (name.isEmpty() || (isImplied && !keepsName)) return text;
     const bool quotes = rules.keepMeaning && !isPlainIdentifier(name) && !isQuotedName(name) &&
                         !name.startsWith(u'\'');

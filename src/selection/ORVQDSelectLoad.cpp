@@ -42,7 +42,11 @@ public:
         const std::vector<TokenRun> runs = columns.splitAtCommas();
         for (const TokenRun& run : runs) {
             const orv::AliasedRun parts = orv::splitAlias(run);
-            if (!parts.alias.isEmpty()) m_names.insert(loadedName(parts.alias));
+            if (!parts.alias.isEmpty()) {
+                m_names.insert(loadedName(parts.alias));
+            } else if (parts.expression.size() == 1) {
+                m_names.insert(orv::createFieldName({}, parts.expression.sourceText()));
+            }
         }
         for (const TokenRun& run : runs) {
             if (!run.isEmpty()) loadColumn(run);
@@ -216,6 +220,7 @@ private:
     // The text put together from nodes where it says what the source says; else the source.
     static QString expressionText(const QString& fromNodes, const TokenRun& source) {
         QString text = source.sourceText();
+        if (text.contains(u':') || text.contains(u'@') || text.contains(u'$')) return text;
         return orv::tokenKey(fromNodes) == orv::tokenKey(text) ? fromNodes : text;
     }
 
@@ -229,6 +234,7 @@ private:
             }
             name = orv::createFieldName(QString(),
                                         orv::upperOutsideQuotes(parts.expression.textOf(0)));
+            if (m_names.contains(name)) name.clear();  // a name of its own instead
         }
         take(parts, {name, QString(), source});
     }
@@ -261,7 +267,7 @@ private:
                                  !orv::isPlainIdentifier(column.name);
         const bool losesName =
             named && orv::columnText(column, m_rules) == orv::columnText(unnamed, m_rules) &&
-            !orv::isBlank(column.aggregate);
+            (!orv::isBlank(column.aggregate) || parts.expression.size() > 1);
         add(std::move(column), parts.whole);
         if (losesName) {
             report(parts.whole,
@@ -304,7 +310,7 @@ private:
     // --- GROUP BY ---
 
     [[nodiscard]] bool isPlain(const orv::OutputColumn& column) const {
-        return orv::isBlank(column.aggregate) &&
+        return orv::isBlank(column.aggregate) && !orv::isWholeNumber(column.source) &&
                !orv::callsAggregate(column.source, *m_rules.aggregates);
     }
 

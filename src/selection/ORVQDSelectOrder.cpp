@@ -153,17 +153,19 @@ void TorvQDSelectGrid::ChangeAlias(const QString& NewAlias, const QString& OldAl
     const QString after = NewAlias + u'.';
     // Where the new alias contains the old one, the search would find its own result for ever.
     const bool once = after.contains(before);
+    bool found = false;
     for (orv::OutputColumn& column : m_columns) {
+        found = found || column.source.contains(before);
         if (once) {
             column.source.replace(before, after);
             continue;
         }
-        for (qsizetype found = column.source.indexOf(before); found >= 0;
-             found = column.source.indexOf(before)) {
-            column.source.replace(found, before.size(), after);
+        for (qsizetype at = column.source.indexOf(before); at >= 0;
+             at = column.source.indexOf(before)) {
+            column.source.replace(at, before.size(), after);
         }
     }
-    changed();
+    if (found) changed();
 }
 
 QString TorvQDSelectGrid::GetFieldName(int Row) const {
@@ -198,6 +200,7 @@ orv::SelectTexts TorvQDSelectGrid::GetSQLStatment() const {
 }
 
 void TorvQDSelectGrid::ClearContents() {
+    if (m_columns.empty()) return;
     m_columns.clear();
     changed();
 }

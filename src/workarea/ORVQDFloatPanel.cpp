@@ -2,10 +2,12 @@
 // The work area as a model: its boxes, their aliases, places and stacking, adding and removing.
 #include "workarea/ORVQDFloatPanel.h"
 
+#include "contract/ChangeScope.h"
 #include "contract/DiagramEvents.h"
 #include "core/Error.h"
 #include "core/Text.h"
 #include "data/ProcessName.h"
+#include "parser/ORVQDKeywords.h"
 #include "toolkit/ExitEdit.h"
 #include "toolkit/Services.h"
 
@@ -23,6 +25,12 @@ constexpr int placementRightPx = 50;
 constexpr int placementDownPx = 20;
 constexpr int placementGapPx = 10;
 const QColor aliasEditColor(0xC0, 0xC0, 0xC0);
+
+// A name that SQL takes for one without quotes.
+bool isFreeName(const QString& name) {
+    return orv::isPlainIdentifier(name) && orv::wordInfo(name.toUpper()).traits == 0 &&
+           !lReservedWords().contains(name.toUpper());
+}
 
 IWorkAreaOwner* ownerOf(QWidget* widget) {
     auto* owner = dynamic_cast<IWorkAreaOwner*>(widget);
@@ -71,10 +79,6 @@ TorvQDTable* TorvQDWorkArea::Tables(int Index) const {
     return m_tables[std::size_t(Index)].get();
 }
 
-std::vector<TorvQDTable*> TorvQDWorkArea::tablesByCreation() const {
-    return m_creation;
-}
-
 int TorvQDWorkArea::indexOf(const QObject* table) const {
     const auto found = std::find_if(m_tables.begin(), m_tables.end(),
                                     [&](const auto& box) { return box.get() == table; });
@@ -95,7 +99,9 @@ TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataS
     if (orv::isBlank(name)) {
         throw orv::Error(QStringLiteral("A table must have a name"));
     }
+    const QPointer<TorvQDWorkArea> self(this);
     orv::guarded([&] { commitPendingEdit(); });
+    if (!self) return nullptr;
     if (m_selected) m_selected->SetSelect(false);
     auto box = std::make_unique<TorvQDTable>(this, dataSet, name);
     if (!writtenName.isEmpty()) box->TableName = writtenName;
@@ -104,7 +110,6 @@ TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataS
         box->SetAlias(alias == box->TableName ? QString() : alias);
     };
     takeFreeAlias();
-    const QPointer<TorvQDWorkArea> self(this);
     const bool allowed = m_owner->DoAddRemoveTable(box.get(), araAdd);
     if (!self || !allowed) return nullptr;
     if (m_byAlias.contains(box->GetAlias())) takeFreeAlias();  // a handler took it meanwhile
@@ -113,11 +118,12 @@ TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataS
     placeTable(*box);
     if (!finalAlias.isEmpty() && finalAlias != box->TableName) box->SetAlias(finalAlias);
 
-    beginChange();
+    ChangeScope change(m_owner, this);
     TorvQDTable* table = box.get();
     m_tables.insert(m_tables.begin(), std::move(box));
     m_creation.push_back(table);
     rememberAlias(table);
+    indexFields(table);
     table->renameRequested = [this](TorvQDTable* renamed) { beginRename(renamed); };
     updateScrollRange();
     m_owner->statementChanged();
@@ -125,7 +131,8 @@ TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataS
     if (m_selected) m_selected->SetSelect(false);  // one that a handler added meanwhile
     m_selected = table;
     table->SetSelect(true);
-    endChange();
+    ensureVisible(*table);
+    change.finish();
     return self && indexOf(table) >= 0 ? table : nullptr;
 }
 
@@ -174,6 +181,26 @@ void TorvQDWorkArea::placeTable(TorvQDTable& table) const {
 }
 
 // --- names ---
+
+void TorvQDWorkArea::indexFields(TorvQDTable* table) {
+    for (const auto& item : table->Items) {
+        std::vector<TorvQDTable*>& tables = m_byField[orv::unquotedName(item->Name).toUpper()];
+        if (tables.empty() || tables.back() != table) tables.push_back(table);
+    }
+}
+
+void TorvQDWorkArea::unindexFields(TorvQDTable* table) {
+    for (const auto& item : table->Items) {
+        const auto found = m_byField.find(orv::unquotedName(item->Name).toUpper());
+        if (found == m_byField.end()) continue;
+        std::erase(found.value(), table);
+        if (found.value().empty()) m_byField.erase(found);
+    }
+}
+
+std::vector<TorvQDTable*> TorvQDWorkArea::tablesWithField(const QString& name) const {
+    return m_byField.value(orv::unquotedName(name).toUpper());
+}
 
 void TorvQDWorkArea::rememberAlias(TorvQDTable* table) {
     m_byAlias[table->GetAlias()].push_back(table);
@@ -229,17 +256,17 @@ void TorvQDWorkArea::renameTable(TorvQDTable* table, const QString& text) {
     if (alias == table->TableName) alias.clear();
     if (!orv::isQuotedName(alias)) {
         alias.remove(u'.');
-        if (!alias.isEmpty() && !orv::isPlainIdentifier(alias)) alias = orv::quotedName(alias);
+        if (!alias.isEmpty() && !isFreeName(alias)) alias = orv::quotedName(alias);
     }
     if (alias == table->TableName) alias.clear();
-    beginChange();
+    ChangeScope change(m_owner, this);
     invalidate(table->toView(table->GetBoundsRect()));
     table->SetAlias(alias);
     if (table->GetAlias() != old) {
         m_owner->statementChanged();
         if (const TChangeStringEvent handler = OnChangeAlias) handler(table, old);
     }
-    endChange();
+    change.finish();
 }
 
 // --- stacking and removing ---
@@ -270,7 +297,7 @@ void TorvQDWorkArea::closeTable(TorvQDTable* table) {
         box->closing = false;
         return;
     }
-    beginChange();
+    ChangeScope change(m_owner, this);
     for (const auto& item : table->Items) {
         if (!item->Checked) continue;
         item->UpdateCheck(0);
@@ -284,13 +311,14 @@ void TorvQDWorkArea::closeTable(TorvQDTable* table) {
         invalidate(table->toView(table->GetBoundsRect()));
         forget(table);
         forgetAlias(table, table->GetAlias());
+        unindexFields(table);
         std::erase(m_creation, table);
         auto dying = std::move(m_tables[std::size_t(index)]);
         m_tables.erase(m_tables.begin() + index);
         bury(std::move(dying));
         updateScrollRange();
     }
-    endChange();
+    change.finish();
 }
 
 void TorvQDWorkArea::unlinkTable(TorvQDTable*) {}
@@ -317,16 +345,21 @@ void TorvQDWorkArea::ClearContents() {
     showRowScrollBar(false);
     m_creation.clear();
     m_byAlias.clear();
+    m_byField.clear();
     for (auto& table : m_tables) bury(std::move(table));
     m_tables.clear();
     updateScrollRange();
     viewport()->update();
     if (contentsCleared) contentsCleared();
+    m_owner->statementChanged();
 }
 
 void TorvQDWorkArea::selectObject(TorvQDFloatObject* object) {
     if (m_selected == object && (!object || object->Selected)) return;
+    const QPointer<TorvQDWorkArea> self(this);
+    const QPointer<TorvQDFloatObject> wanted(object);
     orv::guarded([&] { commitPendingEdit(); });
+    if (!self || (object && !wanted)) return;
     beginChange();
     if (m_selected) m_selected->SetSelect(false);
     m_selected = object;

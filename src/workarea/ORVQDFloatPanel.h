@@ -52,7 +52,7 @@ public:
     /// The box at a place of the stacking order. Raises orv::Error when there is none.
     [[nodiscard]] TorvQDTable* Tables(int Index) const;
     /// The boxes in the order of their creation.
-    [[nodiscard]] std::vector<TorvQDTable*> tablesByCreation() const;
+    [[nodiscard]] const std::vector<TorvQDTable*>& tablesByCreation() const { return m_creation; }
 
     /// Adds a box for the table, in front of all others, when the host allows it; else returns
     /// none. Its effective alias is the table's name, followed by a number when that is taken. No
@@ -65,6 +65,10 @@ public:
     /// The same, and where nothing is found, compared without quotes and ignoring case; a unique
     /// match counts.
     [[nodiscard]] TorvQDTable* findTable(const QString& alias) const;
+
+    /// The boxes that have a field of that name, ignoring case and quotes, each once, in the order
+    /// of their creation.
+    [[nodiscard]] std::vector<TorvQDTable*> tablesWithField(const QString& name) const;
 
     /// Brings the box to index 0; the order of the others stays.
     void TableToFront(QObject* Table);
@@ -147,11 +151,14 @@ private:
     void placeTable(TorvQDTable& table) const;
     void forget(TorvQDFloatObject* object);
     void bury(std::unique_ptr<TorvQDTable> table);
+    void indexFields(TorvQDTable* table);
+    void unindexFields(TorvQDTable* table);
     void rememberAlias(TorvQDTable* table);
     void forgetAlias(TorvQDTable* table, const QString& alias);
     [[nodiscard]] int indexOf(const QObject* table) const;
     [[nodiscard]] TorvQDTable* tableAt(const QPoint& viewPoint) const;
     void updateScrollRange();
+    void ensureVisible(const TorvQDTable& table);
     void showContextMenu(const QPoint& viewPoint);
     void placeAliasEdit();
     void moveBoxTo(const QPoint& viewPoint);
@@ -161,6 +168,7 @@ private:
     std::vector<std::unique_ptr<TorvQDTable>> m_dying;
     std::vector<TorvQDTable*> m_creation;
     QHash<QString, std::vector<TorvQDTable*>> m_byAlias;
+    QHash<QString, std::vector<TorvQDTable*>> m_byField;  // upper-case names without quotes
     QPointer<TorvQDFloatObject> m_selected;
     QPointer<TorvQDTable> m_renamed;
     orv::ExitEdit* m_aliasEdit;

@@ -112,7 +112,9 @@ private:
             report(table, QStringLiteral("The program did not allow this table: it is not "
                                          "loaded."));
         } else if (aliasTaken) {
-            report(table, QStringLiteral("Another table has this alias, too."));
+            report(table,
+                   QStringLiteral(
+                       "Another table has this alias, too: a statement with both is not valid."));
         } else if (m_ledger) {
             m_ledger->place(table.start, table.end);
         }

@@ -110,6 +110,19 @@ void TorvQDWorkArea::updateScrollRange() {
     verticalScrollBar()->setSingleStep(scrollStepPx);
 }
 
+// Scrolls as little as shows the box; a box larger than the view shows its left top corner. While a
+// statement is loaded its boxes come one by one, and the view stays where it is.
+void TorvQDWorkArea::ensureVisible(const TorvQDTable& table) {
+    if (m_owner->ledger() || !viewport()->isVisible()) return;
+    const TRect bounds = table.GetBoundsRect();
+    const auto show = [](QScrollBar* bar, int first, int end, int page) {
+        const int last = std::max(bar->value(), end - page);
+        bar->setValue(std::min(last, first));
+    };
+    show(horizontalScrollBar(), bounds.Left, bounds.Right, viewport()->width());
+    show(verticalScrollBar(), bounds.Top, bounds.Bottom, viewport()->height());
+}
+
 void TorvQDWorkArea::resizeEvent(QResizeEvent* event) {
     QAbstractScrollArea::resizeEvent(event);
     updateScrollRange();

@@ -65,7 +65,7 @@ private Q_SLOTS:
         row("left(t.c, 1) l", {"L||LEFT(T.C, 1)"});
         row("sum(t.a) over (partition by t.b) w", {"W||SUM(T.A) OVER (PARTITION BY T.B)"});
         row("t.a is null as missing", {"MISSING||T.A IS NULL"});
-        row(":p x", {"X||:P"});
+        row(":p x", {"X||:p"});
     }
     void columns() {
         QFETCH(QString, list);
