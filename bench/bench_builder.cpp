@@ -38,7 +38,7 @@ void loadColumns(benchmark::State& state) {
     }
     state.SetComplexityN(columns);
 }
-BENCHMARK(loadColumns)->RangeMultiplier(4)->Range(16, 16384)->Complexity();
+BENCHMARK(loadColumns)->RangeMultiplier(4)->Range(16, 16384)->Complexity(benchmark::oN);
 
 void loadStar(benchmark::State& state) {
     const int columns = int(state.range(0));
@@ -47,7 +47,7 @@ void loadStar(benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state) builder.LoadSQL(QStringLiteral("SELECT * FROM T"));
     state.SetComplexityN(columns);
 }
-BENCHMARK(loadStar)->RangeMultiplier(4)->Range(16, 16384)->Complexity();
+BENCHMARK(loadStar)->RangeMultiplier(4)->Range(16, 16384)->Complexity(benchmark::oN);
 
 void writeStatement(benchmark::State& state) {
     const int columns = int(state.range(0));
@@ -57,7 +57,7 @@ void writeStatement(benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(builder.GetSQLStatment().size());
     state.SetComplexityN(columns);
 }
-BENCHMARK(writeStatement)->RangeMultiplier(4)->Range(16, 16384)->Complexity();
+BENCHMARK(writeStatement)->RangeMultiplier(4)->Range(16, 16384)->Complexity(benchmark::oN);
 
 void tickAll(benchmark::State& state) {
     const int rows = int(state.range(0));
@@ -69,7 +69,7 @@ void tickAll(benchmark::State& state) {
     }
     state.SetComplexityN(rows);
 }
-BENCHMARK(tickAll)->RangeMultiplier(4)->Range(16, 16384)->Complexity();
+BENCHMARK(tickAll)->RangeMultiplier(4)->Range(16, 16384)->Complexity(benchmark::oN);
 
 // Adding one more table to a diagram of many: its place is looked for among all of them.
 void addToMany(benchmark::State& state) {
@@ -85,7 +85,7 @@ void addToMany(benchmark::State& state) {
     }
     state.SetComplexityN(tables);
 }
-BENCHMARK(addToMany)->RangeMultiplier(4)->Range(4, 1024)->Complexity();
+BENCHMARK(addToMany)->RangeMultiplier(4)->Range(4, 1024)->Complexity(benchmark::oN);
 
 }  // namespace
 

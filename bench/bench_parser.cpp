@@ -86,7 +86,7 @@ void parseOfLength(benchmark::State& state) {
     }
     state.SetComplexityN(state.range(0));
 }
-BENCHMARK(parseOfLength)->RangeMultiplier(8)->Range(smallest, largest)->Complexity();
+BENCHMARK(parseOfLength)->RangeMultiplier(8)->Range(smallest, largest)->Complexity(benchmark::oN);
 
 void nestedBrackets(benchmark::State& state) {
     const int depth = int(state.range(0));
@@ -95,7 +95,7 @@ void nestedBrackets(benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state) read(text);
     state.SetComplexityN(depth);
 }
-BENCHMARK(nestedBrackets)->RangeMultiplier(8)->Range(smallest, 1 << 20)->Complexity();
+BENCHMARK(nestedBrackets)->RangeMultiplier(8)->Range(smallest, 1 << 20)->Complexity(benchmark::oN);
 
 void noise(benchmark::State& state) {
     QString text = QStringLiteral("SELECT ");
@@ -107,7 +107,7 @@ void noise(benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state) read(text);
     state.SetComplexityN(state.range(0));
 }
-BENCHMARK(noise)->RangeMultiplier(8)->Range(smallest, largest)->Complexity();
+BENCHMARK(noise)->RangeMultiplier(8)->Range(smallest, largest)->Complexity(benchmark::oN);
 
 }  // namespace
 
