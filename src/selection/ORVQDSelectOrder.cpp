@@ -73,6 +73,8 @@ TorvQDSelectGrid::TorvQDSelectGrid(QWidget* Parent) : QTableView(Parent) {
     verticalHeader()->setMinimumSectionSize(rowHeightPx);
     horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     horizontalHeader()->setHighlightSections(false);
+    // A narrow column cuts its caption at the end, not on both sides.
+    horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     randomBelow100 = [generator = std::minstd_rand(defaultSeed)]() mutable {
         return int(generator() % 100);
     };
