@@ -267,7 +267,8 @@ private:
                                  !orv::isPlainIdentifier(column.name);
         const bool losesName =
             named && orv::columnText(column, m_rules) == orv::columnText(unnamed, m_rules) &&
-            (!orv::isBlank(column.aggregate) || parts.expression.size() > 1);
+            (!orv::isBlank(column.aggregate) || parts.expression.size() > 1 ||
+             parts.expression[0].kind != SqlToken::Word);
         add(std::move(column), parts.whole);
         if (losesName) {
             report(parts.whole,
