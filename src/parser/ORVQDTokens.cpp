@@ -2,6 +2,7 @@
 #include "parser/ORVQDTokens.h"
 
 #include "core/Text.h"
+#include "parser/ORVQDWordScan.h"
 
 #include <algorithm>
 
@@ -40,23 +41,10 @@ bool isNamePart(QChar character) {
     }
 }
 
+// The parser's operator characters, and those that only other dialects have.
 bool isSignPart(QChar character) {
-    switch (character.unicode()) {
-    case u'=':
-    case u'<':
-    case u'>':
-    case u'!':
-    case u'+':
-    case u'-':
-    case u'*':
-    case u'/':
-    case u'|':
-    case u'%':
-    case u'&':
-    case u'^':
-    case u'~': return true;
-    default: return false;
-    }
+    return isOperatorCharacter(character) || character == u'%' || character == u'&' ||
+           character == u'^' || character == u'~';
 }
 
 class Scanner {
