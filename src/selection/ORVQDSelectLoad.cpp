@@ -301,7 +301,7 @@ private:
     QString freshName() {
         const QString prefix = QStringLiteral("FIELD_NAME");
         for (int draw = 0; draw < drawsOfName && m_nextNumber == drawsOfName; ++draw) {
-            const QString name = prefix + QString::number(m_grid.randomBelow100());
+            QString name = prefix + QString::number(m_grid.randomBelow100());
             if (!m_names.contains(name)) return name;
         }
         while (m_names.contains(prefix + QString::number(m_nextNumber))) ++m_nextNumber;

@@ -171,7 +171,7 @@ void TorvQDSelectGrid::ChangeAlias(const QString& NewAlias, const QString& OldAl
 }
 
 QString TorvQDSelectGrid::GetFieldName(int Row) const {
-    const QString source = Cells(2, Row);
+    QString source = Cells(2, Row);
     const bool plain = orv::orvTrim(Cells(1, Row)).isEmpty();
     if (plain && AllFields && AllFields->contains(source)) return source;
     return orv::orvTrim(Cells(0, Row)).isEmpty() ? source : QString::number(Row);
