@@ -21,6 +21,14 @@ constexpr double nameColumnShare = 0.4;
 constexpr double aggregateColumnShare = 0.1;
 constexpr unsigned defaultSeed = 1;
 
+// The query builder in which a page's widget lies; none in an arrangement without one.
+IPagesHost* hostAbove(const QWidget* page) {
+    for (QWidget* widget = page->parentWidget(); widget; widget = widget->parentWidget()) {
+        if (auto* host = dynamic_cast<IPagesHost*>(widget)) return host;
+    }
+    return nullptr;
+}
+
 QString headerText(int column) {
     switch (column) {
     case 0: return QStringLiteral("Name of output field");
@@ -95,21 +103,15 @@ QString TorvQDSelectGrid::Cells(int Col, int Row) const {
 }
 
 IPagesHost* TorvQDSelectGrid::host() const {
-    for (QWidget* widget = parentWidget(); widget; widget = widget->parentWidget()) {
-        if (auto* host = dynamic_cast<IPagesHost*>(widget)) return host;
-    }
-    return nullptr;
+    return hostAbove(this);
 }
 
 void TorvQDSelectGrid::changed() {
-    IPagesHost* owner = host();
-    if (!owner) {
+    if (IPagesHost* owner = host()) {
+        owner->statementChanged();
+    } else {
         refreshView();
-        return;
     }
-    owner->beginChange();
-    owner->statementChanged();
-    owner->endChange();
 }
 
 void TorvQDSelectGrid::refreshView() {
@@ -220,14 +222,7 @@ TorvQDSelectPanel::TorvQDSelectPanel(QWidget* AOwner) : QWidget(AOwner) {
     layout->addWidget(m_grid, 1);
     setFocusPolicy(Qt::NoFocus);
     connect(m_distinct, &QCheckBox::toggled, this, [this] {
-        for (QWidget* widget = parentWidget(); widget; widget = widget->parentWidget()) {
-            auto* host = dynamic_cast<IPagesHost*>(widget);
-            if (!host) continue;
-            host->beginChange();
-            host->statementChanged();
-            host->endChange();
-            return;
-        }
+        if (IPagesHost* owner = hostAbove(this)) owner->statementChanged();
     });
 }
 
