@@ -8,6 +8,7 @@
 #include <QString>
 
 class TorvQDFloatObject;
+class TorvQDLink;
 class TorvQDListItem;
 class TorvQDTable;
 
@@ -65,6 +66,9 @@ public:
 
     /// Asks the host for the value of a parameter row.
     virtual void enterParameter(TorvQDTable* table, TorvQDListItem* item) = 0;
+
+    /// A link was selected or deselected: its two rows are told to whoever wants to know.
+    virtual void linkSelected(TorvQDLink* link, bool selected) = 0;
 
     /// Everything between these two is one change: the pages refresh once, at the end.
     virtual void beginChange() = 0;

@@ -191,6 +191,64 @@ bool isExpression(const TokenRun& run) {
     return !isConnective(run, run.size() - 1);
 }
 
+namespace {
+
+bool isBracketOfConditions(const TokenRun& run) {
+    return run.size() > 2 && run[0].kind == SqlToken::Open && run.behindBracket(0) == run.size() &&
+           run[run.size() - 1].kind == SqlToken::Close && !run.is(1, u"SELECT");
+}
+
+// The runs between the ANDs of one level; none when OR or NOT stands there.
+std::vector<TokenRun> partsOfLevel(const TokenRun& run) {
+    std::vector<TokenRun> parts;
+    int first = 0;
+    int betweens = 0;
+    int cases = 0;
+    for (int index = 0; index < run.size();) {
+        if (run[index].kind == SqlToken::Open) {
+            index = run.behindBracket(index);
+            continue;
+        }
+        const bool isWord = run[index].kind == SqlToken::Word;
+        if (isWord && run.is(index, u"CASE")) ++cases;
+        if (isWord && run.is(index, u"END") && cases > 0) --cases;
+        if (isWord && cases == 0) {
+            if (run.is(index, u"OR") || (index == first && run.is(index, u"NOT"))) return {};
+            if (run.is(index, u"BETWEEN")) ++betweens;
+            if (run.is(index, u"AND") && --betweens < 0) {
+                betweens = 0;
+                parts.push_back(run.mid(first, index - first));
+                first = index + 1;
+            }
+        }
+        ++index;
+    }
+    parts.push_back(run.mid(first));
+    return parts;
+}
+
+}  // namespace
+
+bool splitConjunction(const TokenRun& run, std::vector<TokenRun>& parts) {
+    std::vector<TokenRun> open = {run};  // in reverse order of the text
+    bool outermost = true;
+    while (!open.empty()) {
+        TokenRun part = open.back();
+        open.pop_back();
+        TokenRun inside = part;
+        while (isBracketOfConditions(inside)) inside = inside.mid(1, inside.size() - 2);
+        const std::vector<TokenRun> level = partsOfLevel(inside);
+        if (level.empty() && outermost) return false;
+        outermost = false;
+        if (level.size() > 1) {
+            open.insert(open.end(), level.rbegin(), level.rend());
+        } else if (!part.isEmpty()) {
+            parts.push_back(level.empty() ? part : level.front());
+        }
+    }
+    return !parts.empty();
+}
+
 bool namesField(const TokenRun& run, int index) {
     return run[index].kind == SqlToken::Word && !isOneOf(run, index, constantWords()) &&
            !isParameter(run.textOf(index));

@@ -7,6 +7,8 @@
 #include <QHash>
 #include <QString>
 
+#include <vector>
+
 namespace orv {
 
 /// An expression of a list and the alias behind it.
@@ -25,6 +27,11 @@ struct AliasedRun {
 /// what other dialects put in front of a column (TOP 5, DISTINCT ON (A)), which would change its
 /// meaning when it were taken for one.
 [[nodiscard]] ORV_EXPORT bool isExpression(const TokenRun& run);
+
+/// Splits a condition at the ANDs of its level into `parts`, a bracket around several of them
+/// included; the AND of a BETWEEN and those of a CASE split nothing. False when the condition has
+/// OR or NOT at that level: then it is no conjunction.
+[[nodiscard]] ORV_EXPORT bool splitConjunction(const TokenRun& run, std::vector<TokenRun>& parts);
 
 /// Whether the token names a field: a word that is no constant and no parameter.
 [[nodiscard]] ORV_EXPORT bool namesField(const TokenRun& run, int index);

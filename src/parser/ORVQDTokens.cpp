@@ -116,19 +116,29 @@ private:
     void readSingle(QChar character) {
         const qsizetype start = m_position++;
         if (character == u'(') {
+            m_opened.push_back(m_tokens.size());
             add(start, SqlToken::Open);
             ++m_depth;
         } else if (character == u')') {
             m_depth = std::max(0, m_depth - 1);
             add(start, SqlToken::Close);
+            closeBracket();
         } else {
             add(start, character == u',' ? SqlToken::Comma : SqlToken::Sign);
         }
     }
 
+    void closeBracket() {
+        if (m_opened.empty()) return;
+        const std::size_t open = m_opened.back();
+        m_opened.pop_back();
+        m_tokens[open].closeOffset = int(m_tokens.size() - 1 - open);
+    }
+
     QStringView m_text;
     qsizetype m_position = 0;
     int m_depth = 0;
+    std::vector<std::size_t> m_opened;  // brackets that are open
     SqlTokens m_tokens;
 };
 
@@ -168,11 +178,8 @@ std::vector<TokenRun> TokenRun::splitAtCommas() const {
 }
 
 int TokenRun::behindBracket(int index) const {
-    const int level = m_first[index].depth;
-    for (int at = index + 1; at < size(); ++at) {
-        if (m_first[at].kind == SqlToken::Close && m_first[at].depth == level) return at + 1;
-    }
-    return size();
+    const int offset = m_first[index].closeOffset;
+    return offset == 0 || index + offset >= size() ? size() : index + offset + 1;
 }
 
 TokenRun tokensBetween(QStringView text, const SqlTokens& tokens, int start, int end) {

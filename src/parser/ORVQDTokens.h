@@ -26,7 +26,8 @@ struct SqlToken {
     int start;  ///< position in the normalised text
     int end;    ///< exclusive
     Kind kind;
-    int depth;  ///< open brackets around it; a bracket has the depth of what is around it
+    int depth;            ///< open brackets around it; a bracket has the depth of what is around it
+    int closeOffset = 0;  ///< of an Open: how many tokens behind it the Close stands; 0 without one
 
     friend bool operator==(const SqlToken&, const SqlToken&) = default;
 };

@@ -3,6 +3,7 @@
 
 #include "core/Error.h"
 #include "core/Text.h"
+#include "criteria/ORVQDWherePanel.h"
 #include "querybuilder/ORVQDJsonWriter.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
@@ -40,6 +41,42 @@ void writeTable(JsonWriter& json, const TorvQDTable& table) {
     json.endObject();
 }
 
+void writeJoins(JsonWriter& json, const TorvQDWorkArea& area) {
+    json.beginArray();
+    for (const auto& join : area.Joins()) {
+        json.beginObject();
+        json.key("kind").value(joinKindIdentifier(join->KindOfJoin));
+        json.key("table1").value(join->Table1->GetAlias());
+        json.key("table2").value(join->Table2->GetAlias());
+        if (!join->Text.isEmpty()) json.key("text").value(join->Text);
+        json.endObject();
+    }
+    json.endArray();
+}
+
+void writePoints(JsonWriter& json, const std::vector<QPoint>& points) {
+    json.beginArray();
+    for (const QPoint& point : points) {
+        json.beginArray().value(point.x()).value(point.y()).endArray();
+    }
+    json.endArray();
+}
+
+void writeLinks(JsonWriter& json, const TorvQDWorkArea& area) {
+    json.beginArray();
+    for (const auto& link : area.Links()) {
+        json.beginObject();
+        json.key("table1").value(link->Join->Table1->GetAlias());
+        json.key("field1").value(link->Item1->Name);
+        json.key("operator").value(link->operatorText());
+        json.key("table2").value(link->Join->Table2->GetAlias());
+        json.key("field2").value(link->Item2->Name);
+        if (!link->bendPoints().empty()) writePoints(json.key("points"), link->bendPoints());
+        json.endObject();
+    }
+    json.endArray();
+}
+
 void writeReport(JsonWriter& json, const Findings& findings) {
     json.beginArray();
     for (const Finding& finding : findings) {
@@ -53,12 +90,35 @@ void writeReport(JsonWriter& json, const Findings& findings) {
     json.endArray();
 }
 
-// A criteria group without conditions: the pages that hold them are still to come.
-void writeEmptyGroup(JsonWriter& json) {
+QString filled(const QString& text) {
+    return isBlank(text) ? QString() : text;
+}
+
+void writeRow(JsonWriter& json, const TorvQDWhereRow& row) {
     json.beginObject();
-    json.key("group").value(QStringLiteral("All"));
-    json.key("rows").beginArray().endArray();
+    if (row.isGroup()) {
+        json.key("group").value(row.GroupOper);
+        json.key("rows").beginArray();
+        for (int index = 0; index < row.SubRows->GetCount(); ++index) {
+            writeRow(json, *row.SubRows->Row(index));
+        }
+        json.endArray();
+    } else {
+        json.key("func").value(filled(row.FieldFunc));
+        json.key("field").value(filled(row.FieldName));
+        json.key("operator").value(row.Operator ? row.Operator->Name : QString());
+        json.key("argFunc").value(filled(row.ArgFunc));
+        QStringList arguments;
+        for (const QString& argument : row.Arguments) arguments << filled(argument);
+        writeTexts(json.key("arguments"), arguments);
+    }
     json.endObject();
+}
+
+void writeOrder(JsonWriter& json, const SortList& list) {
+    json.beginArray();
+    for (const SortList::Line& line : list.lines()) writeTexts(json, {line.name, line.direction});
+    json.endArray();
 }
 
 void writeColumns(JsonWriter& json, const OutputColumns& columns) {
@@ -101,14 +161,14 @@ QByteArray stateJson(TorvQueryBuilder& builder, const StateNotes& notes, JsonLay
         writeTable(json, *builder.WorkArea->Tables(index));
     }
     json.endArray();
-    json.key("joins").beginArray().endArray();
-    json.key("links").beginArray().endArray();
-    writeEmptyGroup(json.key("where"));
-    writeEmptyGroup(json.key("having"));
+    writeJoins(json.key("joins"), *builder.WorkArea);
+    writeLinks(json.key("links"), *builder.WorkArea);
+    writeRow(json.key("where"), *builder.WherePanel->rootRow());
+    writeRow(json.key("having"), *builder.HavingPanel->rootRow());
     json.key("distinct").value(builder.SelectPanel->GetDistinct() != 0);
     json.key("tail").value(builder.TailText());
     writeColumns(json.key("columns"), builder.SelectPanel->grid()->columns());
-    json.key("order").beginArray().endArray();
+    writeOrder(json.key("order"), builder.OrderPanel->sortList());
     writeTexts(json.key("selectedFields"), builder.SelectedFields().names());
     writeTexts(json.key("allFields"), builder.AllFields().names());
     json.endObject();

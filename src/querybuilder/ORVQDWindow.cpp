@@ -3,6 +3,7 @@
 #include "querybuilder/ORVQDWindow.h"
 
 #include "core/Error.h"
+#include "criteria/ORVQDWherePanel.h"
 #include "selection/ORVQDSelectOrder.h"
 #include "toolkit/Services.h"
 #include "workarea/ORVQDFloatPanel.h"
@@ -88,11 +89,12 @@ void TorvQueryBuilder::createPages(bool designMode) {
     PageCtrl = new QTabWidget(Splitter);
     PageCtrl->setObjectName(QStringLiteral("PageCtrl"));
     PageCtrl->setMinimumHeight(1);
-    addSheet(QStringLiteral("Criterions"));
+    TorvTabSheet* criterions = addSheet(QStringLiteral("Criterions"));
     TorvTabSheet* selection = addSheet(QStringLiteral("Selection"));
-    addSheet(QStringLiteral("Grouping criterions"));
-    addSheet(QStringLiteral("Sorting"));
+    TorvTabSheet* grouping = addSheet(QStringLiteral("Grouping criterions"));
+    TorvTabSheet* sorting = addSheet(QStringLiteral("Sorting"));
     if (designMode) return;
+    WherePanel = addCriteria(criterions, nullptr);
     SelectPanel = new TorvQDSelectPanel(selection);
     selection->layout()->addWidget(SelectPanel);
     TorvQDSelectGrid* grid = SelectPanel->grid();
@@ -100,6 +102,23 @@ void TorvQueryBuilder::createPages(bool designMode) {
     grid->AllFields = &m_allFields;
     grid->OnFieldChosen = [this](const QString& name) { _SelectField(name); };
     grid->OnFieldRemoved = [this](const QString& name) { _UnselectField(name); };
+    HavingPanel = addCriteria(grouping, &AgrFuncs);
+    OrderPanel = new TorvQDOrderPanel(sorting);
+    OrderPanel->grid = grid;
+    sorting->layout()->addWidget(OrderPanel);
+    connect(PageCtrl, &QTabWidget::currentChanged, this, [this] {
+        if (OrderPanel) OrderPanel->RefreshFields();
+    });
+}
+
+TorvQDWherePanel* TorvQueryBuilder::addCriteria(TorvTabSheet* sheet, const QStringList* functions) {
+    auto* panel = new TorvQDWherePanel(sheet);
+    sheet->layout()->addWidget(panel);
+    panel->GroupOpers = &GroupOpers;
+    panel->Functions = functions;
+    panel->Operators = Operators.get();
+    panel->Activate();
+    return panel;
 }
 
 void TorvQueryBuilder::createWorkArea() {

@@ -25,7 +25,9 @@
 #include <optional>
 
 class TorvQDParser;
+class TorvQDOrderPanel;
 class TorvQDSelectPanel;
+class TorvQDWherePanel;
 class TorvQDWorkArea;
 
 /// The sheet of the page control on which a page's panel lies.
@@ -71,6 +73,9 @@ public:
     TGroupOperators GroupOpers;
     QStringList AgrFuncs;
     std::unique_ptr<TOperatorList> Operators;
+    TorvQDWherePanel* WherePanel = nullptr;    ///< none in design mode
+    TorvQDWherePanel* HavingPanel = nullptr;   ///< none in design mode
+    TorvQDOrderPanel* OrderPanel = nullptr;    ///< none in design mode
     TorvQDSelectPanel* SelectPanel = nullptr;  ///< none in design mode
     std::unique_ptr<TorvQDWorkAreaOptions> WorkAreaOptions;
     std::unique_ptr<TorvQDConditionOptions> ConditionOptions;
@@ -170,6 +175,7 @@ private:
     void fillCatalogues();
     void createPages(bool designMode);
     TorvTabSheet* addSheet(const QString& caption);
+    TorvQDWherePanel* addCriteria(TorvTabSheet* sheet, const QStringList* functions);
     void createWorkArea();
     void applyTabsHeight();
     void applyAlign();
@@ -196,6 +202,7 @@ private:
     void clearAll();
     void loadParsed(const TorvQDParser& root);
     void loadTail(int tailStart, int tailEnd, int restStart);
+    void settleHaving(const TorvQDParser& root);
     void compareClauses(const TorvQDParser& root);
 
     orv::NameList m_selectedFields;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // How changes travel between the diagram and the pages: always through the query builder.
 #include "core/Text.h"
+#include "criteria/ORVQDWherePanel.h"
 #include "parser/ORVQDExpressions.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
@@ -17,7 +18,12 @@ void TorvQueryBuilder::beginChange() {
 void TorvQueryBuilder::endChange() {
     if (m_changeDepth == 1) flushRemovals();
     if (--m_changeDepth > 0) return;
-    if (m_gridChanged && SelectPanel) SelectPanel->grid()->refreshView();
+    if (m_gridChanged && SelectPanel) {
+        SelectPanel->grid()->refreshView();
+        OrderPanel->RefreshFields();
+        WherePanel->update();
+        HavingPanel->update();
+    }
     m_gridChanged = false;
     if (!m_statementChanged) return;
     m_statementChanged = false;
@@ -136,7 +142,10 @@ void TorvQueryBuilder::_ChangeAlias(QObject* Table, const QString& OldAlias) {
     flushRemovals();
     m_selectedFields.transform(renamed);
     m_allFields.transform(renamed);
-    if (SelectPanel) SelectPanel->grid()->ChangeAlias(alias, OldAlias);
+    if (!SelectPanel) return;
+    WherePanel->ChangeAlias(alias, OldAlias);
+    HavingPanel->ChangeAlias(alias, OldAlias);
+    SelectPanel->grid()->ChangeAlias(alias, OldAlias);
 }
 
 // --- what the pages ask ---

@@ -2,6 +2,7 @@
 // The statement of the query builder: assembled from its pages, and loaded into them.
 #include "core/Error.h"
 #include "core/Text.h"
+#include "criteria/ORVQDWherePanel.h"
 #include "parser/ORVQDExpressions.h"
 #include "parser/ORVQDLedger.h"
 #include "parser/ORVQDNormalise.h"
@@ -20,32 +21,14 @@
 
 namespace {
 
-QString clauseLoss(TLocationKinds location) {
-    switch (location) {
-    case inWhere:
-        return QStringLiteral(
-            "Conditions are not held yet: without them the statement gives other "
-            "rows.");
-    case inHaving:
-        return QStringLiteral(
-            "Grouping conditions are not held yet: without them the statement "
-            "gives other rows.");
-    case inOrderBy: return QStringLiteral("Sorting is not held yet: the rows come in any order.");
-    case inUnknown:
-    case inFunction:
-    case inItem:
-    case inSelect:
-    case inFrom:
-    case inGroupBy: break;
-    }
-    return {};
-}
-
 // Names of a FROM clause, each once: an alias that is the table's own name is not written again,
 // and CROSS JOIN is written as a comma.
 QSet<QString> wordsOf(const orv::TokenCounts& counts) {
     QSet<QString> words(counts.keyBegin(), counts.keyEnd());
-    return words - QSet<QString>{QStringLiteral("CROSS"), QStringLiteral("JOIN")};
+    return words - QSet<QString>{QStringLiteral("CROSS"), QStringLiteral("JOIN"),
+                                 QStringLiteral("<"),     QStringLiteral(">"),
+                                 QStringLiteral("<="),    QStringLiteral(">="),
+                                 QStringLiteral("LEFT"),  QStringLiteral("RIGHT")};
 }
 
 // A FROM that is there may stand behind a bracket or quote that nothing closes.
@@ -83,6 +66,9 @@ QString TorvQueryBuilder::GetSQLStatment() {
     clauses.select = texts.select;
     clauses.groupBy = texts.groupBy;
     clauses.from = WorkArea->GetSQLStatment();
+    clauses.where = WherePanel->GetSQLStatment();
+    clauses.having = HavingPanel->GetSQLStatment();
+    clauses.orderBy = OrderPanel->GetSQLStatment();
     clauses.tail = m_tail;
     return orv::assembleStatement(clauses);
 }
@@ -110,6 +96,9 @@ void TorvQueryBuilder::clearAll() {
     if (SelectPanel) {
         SelectPanel->ClearContents();
         SelectPanel->SetDistinct(0);
+        WherePanel->ClearContents();
+        HavingPanel->ClearContents();
+        OrderPanel->ClearContents();
     }
     m_tail.clear();
     m_report.clear();
@@ -226,10 +215,30 @@ void TorvQueryBuilder::loadParsed(const TorvQDParser& root) {
             WorkArea->LoadSQL(*child);
             if (!self) return;
             SelectPanel->grid()->LoadSQL(root);
-        } else if (const QString loss = clauseLoss(child->Location()); !loss.isEmpty()) {
-            m_ledger->report(child->Start(), child->End(), loss);
+        } else if (child->Location() == inWhere) {
+            WherePanel->LoadSQL(*child);
+        } else if (child->Location() == inHaving) {
+            HavingPanel->LoadSQL(*child);
+        } else if (child->Location() == inOrderBy) {
+            OrderPanel->LoadSQL(*child);
         }
     }
+    settleHaving(root);
+}
+
+// HAVING is written behind a GROUP BY list only.
+void TorvQueryBuilder::settleHaving(const TorvQDParser& root) {
+    const TorvQDParser* having = root.Clause(inHaving);
+    if (!having) return;
+    QString groupBy;
+    try {
+        groupBy = SelectPanel->grid()->GetSQLStatment().groupBy;
+    } catch (const orv::Error&) {
+        return;  // told already: nothing is written at all
+    }
+    if (!orv::isBlank(groupBy)) return;
+    m_ledger->report(having->Start(), having->End(),
+                     QStringLiteral("Without a GROUP BY list this condition is not written."));
 }
 
 void TorvQueryBuilder::loadTail(int tailStart, int tailEnd, int restStart) {

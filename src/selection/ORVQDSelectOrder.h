@@ -4,6 +4,7 @@
 #include "core/Export.h"
 #include "data/NameList.h"
 #include "selection/ORVQDSelectColumns.h"
+#include "selection/ORVQDSortList.h"
 
 #include <QSet>
 #include <QTableView>
@@ -14,6 +15,10 @@
 
 class IPagesHost;
 class QCheckBox;
+class QLabel;
+class QListWidget;
+class QPushButton;
+class QTreeWidget;
 class TorvQDParser;
 class TorvQDSelectGrid;
 
@@ -99,4 +104,57 @@ public:
 private:
     QCheckBox* m_distinct;
     TorvQDSelectGrid* m_grid;
+};
+
+/// The "Sorting" page: the output names that are not sorted on the left, the sorted ones with their
+/// directions on the right. It knows the output columns through the selection grid only. Owned by
+/// its page.
+class ORV_EXPORT TorvQDOrderPanel : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Raises orv::Error "Invalide parent for OrderPanel" without a parent.
+    explicit TorvQDOrderPanel(QWidget* AOwner);
+
+    TorvQDSelectGrid* grid = nullptr;  ///< whose first column are the output names; borrowed
+
+    /// The ORDER BY list. Raises orv::Error "Fatal error! Could not find parent for sorting page!"
+    /// outside a query builder.
+    [[nodiscard]] QString GetSQLStatment() const;
+    /// Rebuilds the sorted lines from an ORDER BY node. Raises orv::Error when the node is another.
+    void LoadSQL(const TorvQDParser& Node);
+    void ClearContents();
+    /// Drops sorted lines whose name is gone and lists what is not sorted.
+    void RefreshFields();
+
+    [[nodiscard]] const orv::SortList& sortList() const { return m_list; }
+
+    void _SelectItem();
+    void _AddClick();
+    void _RemoveClick();
+    void _ChangeOrder();
+    void _MoveUp();
+    void _MoveDown();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    [[nodiscard]] IPagesHost* host() const;
+    [[nodiscard]] QStringList outputNames() const;
+    [[nodiscard]] int loadedRow(const QString& text, bool isNumber) const;
+    void edit(const std::function<void()>& change);
+    void show();
+    [[nodiscard]] int selectedLine() const;
+    void selectLine(int line);
+
+    orv::SortList m_list;
+    QLabel* m_outputLabel;
+    QListWidget* m_unsorted;
+    QTreeWidget* m_sorted;
+    QPushButton* m_add;
+    QPushButton* m_remove;
+    QPushButton* m_order;
+    QPushButton* m_up;
+    QPushButton* m_down;
 };

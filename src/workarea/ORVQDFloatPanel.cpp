@@ -122,6 +122,7 @@ TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataS
     TorvQDTable* table = box.get();
     m_tables.insert(m_tables.begin(), std::move(box));
     m_creation.push_back(table);
+    m_creationNumber.insert(table, m_created++);
     rememberAlias(table);
     indexFields(table);
     table->renameRequested = [this](TorvQDTable* renamed) { beginRename(renamed); };
@@ -313,6 +314,7 @@ void TorvQDWorkArea::closeTable(TorvQDTable* table) {
         forgetAlias(table, table->GetAlias());
         unindexFields(table);
         std::erase(m_creation, table);
+        m_creationNumber.remove(table);
         auto dying = std::move(m_tables[std::size_t(index)]);
         m_tables.erase(m_tables.begin() + index);
         bury(std::move(dying));
@@ -320,8 +322,6 @@ void TorvQDWorkArea::closeTable(TorvQDTable* table) {
     }
     change.finish();
 }
-
-void TorvQDWorkArea::unlinkTable(TorvQDTable*) {}
 
 // Drops every reference to an object that is about to go.
 void TorvQDWorkArea::forget(TorvQDFloatObject* object) {
@@ -332,10 +332,15 @@ void TorvQDWorkArea::forget(TorvQDFloatObject* object) {
     m_selected.clear();
 }
 
-// A box may be closed from within one of its own handlers: it dies once that has returned.
-void TorvQDWorkArea::bury(std::unique_ptr<TorvQDTable> table) {
-    if (m_dying.empty()) QTimer::singleShot(0, this, [this] { m_dying.clear(); });
-    m_dying.push_back(std::move(table));
+// An object may go from within one of its own handlers: it dies once that has returned.
+void TorvQDWorkArea::bury(std::unique_ptr<QObject> object) {
+    if (m_dying.empty()) {
+        QTimer::singleShot(0, this, [this] {
+            m_dying.clear();
+            m_dyingJoins.clear();
+        });
+    }
+    m_dying.push_back(std::move(object));
 }
 
 void TorvQDWorkArea::ClearContents() {
@@ -344,8 +349,16 @@ void TorvQDWorkArea::ClearContents() {
     m_selected.clear();
     showRowScrollBar(false);
     m_creation.clear();
+    m_creationNumber.clear();
     m_byAlias.clear();
     m_byField.clear();
+    m_joinByPair.clear();
+    m_linksOfJoin.clear();
+    m_joinsOfTable.clear();
+    for (auto& link : m_links) bury(std::move(link));
+    m_links.clear();
+    for (auto& join : m_joins) m_dyingJoins.push_back(std::move(join));
+    m_joins.clear();
     for (auto& table : m_tables) bury(std::move(table));
     m_tables.clear();
     updateScrollRange();

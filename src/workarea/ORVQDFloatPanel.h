@@ -6,6 +6,8 @@
 #include "core/Export.h"
 #include "data/DataSet.h"
 #include "diagram/ORVQDFloatTable.h"
+#include "diagram/ORVQDLinks.h"
+#include "workarea/ORVQDFromText.h"
 
 #include <QAbstractScrollArea>
 #include <QHash>
@@ -26,6 +28,9 @@ class ExitEdit;
 using TCheckItemEvent = std::function<void(QObject* Sender, TorvQDListItem* Item)>;
 using TAddEvent = std::function<void(QObject* Sender, QObject* Item)>;
 using TRemoveEvent = std::function<void(QObject* Sender, QObject* Item)>;
+using TSelectionLinkEvent =
+    std::function<void(QObject* Sender, TorvQDTable* Table1, TorvQDTable* Table2,
+                       TorvQDListItem* Item1, TorvQDListItem* Item2, bool State)>;
 using TChangeStringEvent = std::function<void(QObject* Item, const QString& OldValue)>;
 
 /// The diagram: a scrolling canvas that owns the table boxes. The order of its list is the stacking
@@ -45,6 +50,9 @@ public:
     TAddEvent OnAddTable;
     TRemoveEvent OnRemoveTable;
     TChangeStringEvent OnChangeAlias;
+    TAddEvent OnAddLink;
+    TRemoveEvent OnRemoveLink;
+    TSelectionLinkEvent OnSelectionLink;
     /// All boxes went at once, without a notification for each.
     std::function<void()> contentsCleared;
 
@@ -58,6 +66,27 @@ public:
     /// none. Its effective alias is the table's name, followed by a number when that is taken. No
     /// data set makes a box without rows; an empty name raises orv::Error.
     TorvQDTable* AddPanel(const QString& TableName, const TDataSet* DataSet);
+
+    /// Adds a link between two rows, in the join of their boxes, which is made when there is none;
+    /// a second, identical link is not refused. None when the host does not allow it.
+    TorvQDLink* AddLink(TorvQDTable* Table1, TorvQDTable* Table2, TorvQDListItem* Item1,
+                        TorvQDListItem* Item2);
+    /// The join of two boxes, whichever is its first; none without one.
+    [[nodiscard]] TorvQDJoin* FindJoin(const TorvQDTable* Table1, const TorvQDTable* Table2,
+                                       bool& Reversed) const;
+    /// Whether a link joins the two rows.
+    [[nodiscard]] bool FindLink(const TorvQDTable* Table1, const TorvQDTable* Table2,
+                                const TorvQDListItem* Item1, const TorvQDListItem* Item2) const;
+    /// Removes a link, and its join with the last of its links; asks nobody.
+    void RemoveLink(TorvQDLink* Link, bool Invalidate);
+    /// The same when the host allows it.
+    void deleteLink(TorvQDLink* link);
+    /// Tells whoever wants to know that the link between two rows was selected or deselected.
+    void SelectLink(TorvQDListItem* Item1, TorvQDListItem* Item2, bool State);
+    /// Joins and links in the order of their creation.
+    [[nodiscard]] const std::vector<std::unique_ptr<TorvQDJoin>>& Joins() const { return m_joins; }
+    [[nodiscard]] const std::vector<std::unique_ptr<TorvQDLink>>& Links() const { return m_links; }
+    [[nodiscard]] const std::vector<TorvQDLink*>& linksOf(const TorvQDJoin* join) const;
 
     /// The box of that effective alias (case counts), front-most first. An empty name stands for
     /// the only box there is.
@@ -125,6 +154,7 @@ public:
     void unlinkTable(TorvQDTable* table) override;
     void checkItem(TorvQDFloatObject* sender, TorvQDListItem* item) override;
     void enterParameter(TorvQDTable* table, TorvQDListItem* item) override;
+    void linkSelected(TorvQDLink* link, bool selected) override;
     void beginChange() override;
     void endChange() override;
 
@@ -141,7 +171,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
-    friend class FromLoader;  // reads a FROM clause into the boxes
+    friend class FromLoader;
 
     enum class Gesture { Idle, Pressed, MovingBox };
 
@@ -149,8 +179,14 @@ private:
                           const QString& finalAlias);
     [[nodiscard]] QString freeAlias(const QString& processedName) const;
     void placeTable(TorvQDTable& table) const;
+    void reroute(const TorvQDTable* table);
+    void dropJoin(TorvQDJoin* join);
+    [[nodiscard]] bool createdBefore(const TorvQDTable* first, const TorvQDTable* second) const;
+    [[nodiscard]] orv::FromDiagram fromDiagram() const;
+    [[nodiscard]] std::vector<orv::JoinPlace> joinPlaces() const;
+    [[nodiscard]] QString writeFrom(std::vector<orv::JoinPlace>* places) const;
     void forget(TorvQDFloatObject* object);
-    void bury(std::unique_ptr<TorvQDTable> table);
+    void bury(std::unique_ptr<QObject> object);
     void indexFields(TorvQDTable* table);
     void unindexFields(TorvQDTable* table);
     void rememberAlias(TorvQDTable* table);
@@ -165,7 +201,15 @@ private:
 
     IWorkAreaOwner* m_owner;
     std::vector<std::unique_ptr<TorvQDTable>> m_tables;
-    std::vector<std::unique_ptr<TorvQDTable>> m_dying;
+    std::vector<std::unique_ptr<TorvQDJoin>> m_joins;
+    std::vector<std::unique_ptr<TorvQDLink>> m_links;
+    std::vector<std::unique_ptr<QObject>> m_dying;
+    std::vector<std::unique_ptr<TorvQDJoin>> m_dyingJoins;  // links that die refer to them
+    QHash<std::pair<const TorvQDTable*, const TorvQDTable*>, TorvQDJoin*> m_joinByPair;
+    QHash<const TorvQDJoin*, std::vector<TorvQDLink*>> m_linksOfJoin;
+    QHash<const TorvQDTable*, std::vector<TorvQDJoin*>> m_joinsOfTable;
+    QHash<const TorvQDTable*, int> m_creationNumber;
+    int m_created = 0;
     std::vector<TorvQDTable*> m_creation;
     QHash<QString, std::vector<TorvQDTable*>> m_byAlias;
     QHash<QString, std::vector<TorvQDTable*>> m_byField;  // upper-case names without quotes

@@ -48,6 +48,10 @@ bool TorvQDWorkArea::event(QEvent* event) {
     const int type = event->type();
     if (type < CMMOVECONTROL || type > CMDELETELINK) return QAbstractScrollArea::event(event);
     const auto* message = dynamic_cast<TorvDiagramEvent*>(event);
+    if (message && type == CMDELETELINK) {
+        orv::guarded([&] { deleteLink(qobject_cast<TorvQDLink*>(message->object())); });
+        return true;
+    }
     auto* table = message ? qobject_cast<TorvQDTable*>(message->object()) : nullptr;
     if (!table || indexOf(table) < 0) return true;
     orv::guarded([&] {
@@ -73,18 +77,21 @@ void TorvQDWorkArea::paintEvent(QPaintEvent* event) {
             const QRect bounds = table.toView(table.GetBoundsRect()).toQRect();
             if (event->region().intersects(bounds)) table.Paint(painter);
         }
+        for (const auto& link : m_links) link->Paint(painter);
     });
 }
 
 QRect TorvQDWorkArea::diagramBounds() const {
     QRect bounds;
     for (const auto& table : m_tables) bounds |= table->GetBoundsRect().toQRect();
+    for (const auto& link : m_links) bounds |= link->GetBounds().toQRect();
     return bounds;
 }
 
 void TorvQDWorkArea::paintDiagram(QPainter& painter) const {
     m_paintsAll = true;
     for (std::size_t index = m_tables.size(); index-- > 0;) m_tables[index]->Paint(painter);
+    for (const auto& link : m_links) link->Paint(painter);
     m_paintsAll = false;
 }
 
@@ -160,15 +167,18 @@ void TorvQDWorkArea::bringToFront(TorvQDFloatObject* object) {
 
 void TorvQDWorkArea::tableMoved(TorvQDTable* table) {
     updateScrollRange();
+    reroute(table);
     if (table == m_renamed) placeAliasEdit();
 }
 
 void TorvQDWorkArea::tableResized(TorvQDTable* table) {
     updateScrollRange();
+    reroute(table);
     if (table == m_renamed) placeAliasEdit();
 }
 
 void TorvQDWorkArea::rowsScrolled(TorvQDTable* table) {
+    reroute(table);
     if (table != m_selected || !isRowScrollBarVisible()) return;
     const QSignalBlocker silent(m_rowScrollBar);
     m_rowScrollBar->setValue(table->FirstVisibleItem);

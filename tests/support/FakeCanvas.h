@@ -29,6 +29,7 @@ public:
     int moved = 0;
     int resized = 0;
     int rowsScrolledCount = 0;
+    std::vector<std::pair<TorvQDLink*, bool>> linkSelections;
     int begun = 0;
     int ended = 0;
     std::function<void(TorvQDTable*, TorvQDListItem*)> onEnterParameter;
@@ -53,6 +54,9 @@ public:
     }
     void enterParameter(TorvQDTable* table, TorvQDListItem* item) override {
         if (onEnterParameter) onEnterParameter(table, item);
+    }
+    void linkSelected(TorvQDLink* link, bool selected) override {
+        linkSelections.emplace_back(link, selected);
     }
     void beginChange() override { ++begun; }
     void endChange() override { ++ended; }

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "core/Export.h"
+
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+class TCollectionItemEx;
+
+/// An ordered collection that owns its items, hands each an id and can hold back its notification
+/// while many items change.
+class ORV_EXPORT TCollectionEx {
+public:
+    using ItemFactory = std::function<std::unique_ptr<TCollectionItemEx>()>;
+
+    /// `factory` makes the items that Add and Insert create.
+    explicit TCollectionEx(ItemFactory factory);
+    TCollectionEx(const TCollectionEx&) = delete;
+    TCollectionEx& operator=(const TCollectionEx&) = delete;
+    virtual ~TCollectionEx();
+
+    /// Replaces the items by copies of the source's.
+    virtual void Assign(const TCollectionEx& Source);
+    virtual void SetItemName(TCollectionItemEx* Item);
+    /// Called after a change, with the item, or none when all may have changed.
+    virtual void Update(TCollectionItemEx* Item);
+    virtual void BeginUpdate();
+    virtual void EndUpdate();
+
+    TCollectionItemEx* Add();
+    TCollectionItemEx* Insert(int Index);
+    void Delete(int Index);
+    void Clear();
+    [[nodiscard]] int GetCount() const { return int(m_items.size()); }
+    /// The item at an index; none out of range.
+    [[nodiscard]] TCollectionItemEx* GetItem(int Index) const;
+    /// Copies the item's content into the one at the index.
+    void SetItem(int Index, const TCollectionItemEx& Item);
+    [[nodiscard]] TCollectionItemEx* FindItemID(int ID) const;
+    [[nodiscard]] int indexOf(const TCollectionItemEx* item) const;
+
+    /// Takes the item in at the end and gives it the next id.
+    void InsertItem(std::unique_ptr<TCollectionItemEx> Item);
+    /// Lets the item go; the caller owns it then.
+    [[nodiscard]] std::unique_ptr<TCollectionItemEx> RemoveItem(TCollectionItemEx* Item);
+
+    /// Lets all items go, in order; the caller owns them then.
+    [[nodiscard]] std::vector<std::unique_ptr<TCollectionItemEx>> takeAll();
+
+    void Changed();
+
+protected:
+    friend class TCollectionItemEx;
+
+    ItemFactory m_factory;
+    std::vector<std::unique_ptr<TCollectionItemEx>> m_items;
+    int m_updateCount = 0;
+    int m_nextId = 0;
+};
+
+/// One item of a TCollectionEx, which owns it.
+class ORV_EXPORT TCollectionItemEx {
+public:
+    TCollectionItemEx() = default;
+    TCollectionItemEx(const TCollectionItemEx&) = delete;
+    TCollectionItemEx& operator=(const TCollectionItemEx&) = delete;
+    virtual ~TCollectionItemEx();
+
+    /// Copies the content of the source; a source of another class is ignored.
+    virtual void Assign(const TCollectionItemEx& Source);
+    [[nodiscard]] virtual QString GetDisplayName() const;
+    virtual void SetIndex(int Index);
+    virtual void SetDisplayName(const QString& Name);
+
+    [[nodiscard]] int GetIndex() const;
+    [[nodiscard]] int id() const { return m_id; }
+    [[nodiscard]] TCollectionEx* collection() const { return m_collection; }
+    /// Moves the item to the end of another collection.
+    void SetCollection(TCollectionEx* Collection);
+    void Changed(bool AllItems);
+
+private:
+    friend class TCollectionEx;
+
+    TCollectionEx* m_collection = nullptr;
+    int m_id = 0;
+};

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "catalogue/ORVQDOperators.h"
+#include "core/Export.h"
+#include "parser/ORVQDTokens.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+namespace orv {
+
+/// What a condition of a statement says: its left side, operator and operands, or, where no
+/// operator of the list fits, its whole text.
+struct ReadCondition {
+    QString fieldFunc;
+    QString field;
+    TOperatorList::Entry operation;  ///< expressionOperator() for a text as a whole
+    QString argFunc;
+    QStringList arguments;
+};
+
+/// One element of a bracket's level: AND, OR, NOT, a bracketed sub-condition or a condition.
+struct ConditionElement {
+    enum Kind : quint8 { And, Or, Not, Bracket, Condition };
+
+    Kind kind = Condition;
+    TokenRun run;                            ///< its tokens
+    ReadCondition condition;                 ///< of a Condition
+    std::vector<ConditionElement> children;  ///< of a Bracket
+};
+
+/// By what a condition is read.
+struct ConditionRules {
+    const TOperatorList* operators = nullptr;  ///< borrowed
+    const QStringList* functions = nullptr;    ///< functions of their own cells; none without
+    bool andBindsTighter = false;              ///< AND before OR, as SQL has it
+};
+
+/// How deep sub-conditions may nest; brackets around brackets do not count.
+inline constexpr int deepestCondition = 2000;
+
+/// Reads the tokens of a WHERE or HAVING clause, without the keyword. Raises orv::Error when
+/// sub-conditions nest deeper than deepestCondition.
+[[nodiscard]] ORV_EXPORT std::vector<ConditionElement> readConditions(const TokenRun& run,
+                                                                      const ConditionRules& rules);
+
+/// The first AND behind an OR of one level: where reading from left to right and reading AND first
+/// differ. None when they agree.
+[[nodiscard]] ORV_EXPORT const ConditionElement* andBehindOr(
+    const std::vector<ConditionElement>& level);
+
+}  // namespace orv

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "criteria/ORVQDConditionReader.h"
+#include "criteria/ORVQDWhereRows.h"
+
+namespace orv {
+
+/// Turns the elements of one level into sub-rows of `group`, which is a panel's root row or a row
+/// that becomes a group. AND and OR are combined from left to right: where the connective changes,
+/// what was read so far becomes one nested group. With `negate` the group says the opposite.
+ORV_EXPORT void buildRows(const std::vector<ConditionElement>& elements, TorvQDWhereRow* group,
+                          bool negate);
+
+}  // namespace orv

@@ -1,0 +1,270 @@
+// SPDX-License-Identifier: MIT
+#include "criteria/ORVQDWhereRows.h"
+
+#include "core/Text.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+constexpr int fixedElements = 5;
+constexpr int longestShownText = 30;
+constexpr int mostOperands = 1000;
+const QString indentUnit = QStringLiteral("   ");
+const QString crLf = QStringLiteral("\r\n");
+
+bool isSet(const QString& text) {
+    return !orv::orvTrim(QStringView(text)).isEmpty();
+}
+
+QString withoutLeadingBlanks(const QString& text) {
+    qsizetype start = 0;
+    while (start < text.size() && text[start].unicode() <= u' ') ++start;
+    return text.mid(start);
+}
+
+}  // namespace
+
+namespace orv {
+
+TOperatorList::Entry expressionOperator() {
+    static const TOperatorList::Entry entry =
+        std::make_shared<TorvQDOperator>(TorvQDOperator{{}, {}, {}, {}, {}, 0});
+    return entry;
+}
+
+const TorvQDGroupFunc* findGroupOperator(const TGroupOperators& list, const QString& name) {
+    const auto found = std::find_if(list.begin(), list.end(), [&](const TorvQDGroupFunc& entry) {
+        return entry.Caption.toUpper() == name.toUpper();
+    });
+    return found == list.end() ? nullptr : &*found;
+}
+
+int operandCount(const TOperatorList::Entry& entry) {
+    return entry ? std::clamp(entry->Count, 0, mostOperands) : 1;
+}
+
+}  // namespace orv
+
+// --- elements
+// -------------------------------------------------------------------------------------
+
+void TorvQDControl::SetText(const QString& text) {
+    QString shown = text.isEmpty() ? orv::blankText() : text;
+    if (shown.size() > longestShownText) {
+        const bool splitsPair = shown[longestShownText - 1].isHighSurrogate();
+        shown = shown.left(longestShownText - (splitsPair ? 1 : 0)) + QStringLiteral("...");
+    }
+    shown.replace(u'\r', u' ');
+    shown.replace(u'\n', u' ');
+    m_text = shown;
+}
+
+// --- collections
+// ----------------------------------------------------------------------------------
+
+TorvQDWhereRows::TorvQDWhereRows(const orv::ConditionCatalogues* catalogues,
+                                 TorvQDWhereRow* ownerRow)
+    : TCollectionEx([this] { return std::make_unique<TorvQDWhereRow>(this); }),
+      m_catalogues(catalogues),
+      m_ownerRow(ownerRow) {}
+
+TorvQDWhereRow* TorvQDWhereRows::Row(int Index) const {
+    return static_cast<TorvQDWhereRow*>(GetItem(Index));
+}
+
+TorvQDWhereRow* TorvQDWhereRows::AddRow() {
+    return static_cast<TorvQDWhereRow*>(Add());
+}
+
+// --- rows
+// -----------------------------------------------------------------------------------------
+
+TorvQDWhereRow::TorvQDWhereRow(TorvQDWhereRows* collection)
+    : SubRows(std::make_unique<TorvQDWhereRows>(&collection->catalogues(), this)),
+      FieldFunc(orv::blankText()),
+      FieldName(orv::blankText()),
+      ArgFunc(orv::blankText()) {
+    if (collection->catalogues().operators) Operator = collection->catalogues().operators->Items(0);
+    SetArgumentStrings();
+}
+
+TorvQDWhereRow::~TorvQDWhereRow() = default;
+
+void TorvQDWhereRow::SetArgumentStrings() {
+    const int count = orv::operandCount(Operator);
+    while (Arguments.size() > count) Arguments.removeLast();
+    while (Arguments.size() < count) Arguments << orv::blankText();
+    const std::size_t elements = std::size_t(fixedElements + count);
+    if (Controls.size() > elements) Controls.resize(elements);
+    while (Controls.size() < elements) {
+        Controls.push_back(std::make_unique<TorvQDControl>(this, int(Controls.size())));
+    }
+}
+
+void TorvQDWhereRow::setOperator(const TOperatorList::Entry& entry) {
+    Operator = entry;
+    SetArgumentStrings();
+}
+
+void TorvQDWhereRow::SetGroupOper(const QString& Name) {
+    GroupOper = Name;
+    Expanded = true;
+}
+
+void TorvQDWhereRow::SetExpanded(bool Value) {
+    Expanded = Value;
+}
+
+void TorvQDWhereRow::refreshTexts() {
+    Controls[0]->SetText(GetFullIndex());
+    if (isGroup()) {
+        Controls[1]->SetText(Expanded ? GroupOper : shortCondition(longestShownText + 1));
+        return;
+    }
+    Controls[1]->SetText(FieldFunc);
+    Controls[2]->SetText(FieldName);
+    Controls[3]->SetText(Operator ? Operator->Caption : QString());
+    Controls[4]->SetText(ArgFunc);
+    for (qsizetype index = 0; index < Arguments.size(); ++index) {
+        Controls[std::size_t(fixedElements + index)]->SetText(Arguments[index]);
+    }
+}
+
+TorvQDWhereRows* TorvQDWhereRow::rows() const {
+    return static_cast<TorvQDWhereRows*>(collection());
+}
+
+TorvQDWhereRow* TorvQDWhereRow::parentRow() const {
+    return rows() ? rows()->ownerRow() : nullptr;
+}
+
+int TorvQDWhereRow::depth() const {
+    int depth = 1;
+    for (const TorvQDWhereRow* row = parentRow(); row; row = row->parentRow()) ++depth;
+    return depth;
+}
+
+QString TorvQDWhereRow::GetFullIndex() const {
+    if (!parentRow()) return QStringLiteral(" ");
+    QString number;
+    for (const TorvQDWhereRow* row = this; row->parentRow(); row = row->parentRow()) {
+        number.prepend(QString::number(row->GetIndex() + 1) + u'.');
+    }
+    return number;
+}
+
+TorvQDWhereRow* TorvQDWhereRow::GetPreviousRow() const {
+    const int index = GetIndex();
+    if (index <= 0) return parentRow();
+    TorvQDWhereRow* row = rows()->Row(index - 1);
+    while (row->Expanded && row->SubRows->GetCount() > 0) {
+        row = row->SubRows->Row(row->SubRows->GetCount() - 1);
+    }
+    return row;
+}
+
+TorvQDWhereRow* TorvQDWhereRow::GetNextRow() const {
+    if (Expanded) return SubRows->Row(0);
+    for (const TorvQDWhereRow* row = this; row->parentRow(); row = row->parentRow()) {
+        if (TorvQDWhereRow* next = row->rows()->Row(row->GetIndex() + 1)) return next;
+    }
+    return nullptr;
+}
+
+void TorvQDWhereRow::Assign(const TCollectionItemEx& Source) {
+    const auto* row = dynamic_cast<const TorvQDWhereRow*>(&Source);
+    if (!row || row == this) return;
+    GroupOper = row->GroupOper;
+    FieldFunc = row->FieldFunc;
+    FieldName = row->FieldName;
+    ArgFunc = row->ArgFunc;
+    Operator = row->Operator;
+    SetArgumentStrings();
+    for (qsizetype index = 0; index < Arguments.size(); ++index) {
+        Arguments[index] = row->Arguments.value(index, orv::blankText());
+    }
+    Valid = row->Valid;
+    AuxText = row->AuxText;
+    Expanded = row->Expanded;
+}
+
+// --- SQL text
+// -------------------------------------------------------------------------------------
+
+/// One buffer for the text of a whole tree.
+struct TorvQDWhereRow::Writer {
+    QString text;
+    bool multiLine;
+    qsizetype limit;  // no more is written once the text is longer
+
+    [[nodiscard]] bool isFull() const { return text.size() > limit; }
+    void newLine(int depth) {
+        if (!multiLine) return;
+        text += crLf;
+        for (int unit = 0; unit < depth; ++unit) text += indentUnit;
+    }
+    // Blanks in front of a word are for one line only.
+    void word(const QString& texts) { text += multiLine ? withoutLeadingBlanks(texts) : texts; }
+};
+
+QString TorvQDWhereRow::GetSQLCondition(bool MultiLine) const {
+    Writer writer{{}, MultiLine, std::numeric_limits<qsizetype>::max()};
+    append(writer, depth());
+    return writer.text;
+}
+
+QString TorvQDWhereRow::shortCondition(int limit) const {
+    Writer writer{{}, false, limit};
+    append(writer, 1);
+    return writer.text;
+}
+
+void TorvQDWhereRow::append(Writer& writer, int depth) const {
+    if (writer.isFull()) return;
+    if (isGroup()) {
+        appendGroup(writer, depth);
+    } else {
+        appendSimple(writer, depth);
+    }
+}
+
+void TorvQDWhereRow::appendGroup(Writer& writer, int depth) const {
+    const TGroupOperators* list = rows()->catalogues().groupOperators;
+    const TorvQDGroupFunc* group = list ? orv::findGroupOperator(*list, GroupOper) : nullptr;
+    const int count = SubRows->GetCount();
+    if (!group || count == 0) {
+        writer.text += orv::blankText();
+        return;
+    }
+    writer.newLine(depth);
+    writer.word(group->Prefix);
+    writer.text += u'(';
+    for (int index = 0; index < count && !writer.isFull(); ++index) {
+        if (index > 0) {
+            writer.newLine(depth);
+            writer.word(group->Connector);
+        }
+        SubRows->Row(index)->append(writer, depth + 1);
+    }
+    writer.newLine(depth);
+    writer.text += u')';
+}
+
+void TorvQDWhereRow::appendSimple(Writer& writer, int depth) const {
+    writer.newLine(depth);
+    writer.text += u'(';
+    if (isExpression()) {
+        writer.text += FieldName + u')';
+        return;
+    }
+    const TorvQDOperator operation = Operator ? *Operator : TorvQDOperator();
+    const bool callsArgument = Arguments.size() == 1 && isSet(ArgFunc);
+    writer.text += isSet(FieldFunc) ? FieldFunc + u'(' + FieldName + u')' : FieldName;
+    writer.text += u' ' + operation.Name + u' ';
+    writer.text += callsArgument ? ArgFunc + u'(' : operation.Prefix;
+    writer.text += Arguments.join(operation.Relate);
+    if (callsArgument) writer.text += u')';
+    writer.text += operation.Postfix + u')';
+}

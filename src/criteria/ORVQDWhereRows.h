@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "catalogue/ORVQDOperators.h"
+#include "core/Export.h"
+#include "criteria/ORVQDCollection.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <vector>
+
+class TorvQDWherePanel;
+class TorvQDWhereRow;
+
+namespace orv {
+
+/// What rows need of their panel, and what stands in for it in tests.
+struct ConditionCatalogues {
+    const TOperatorList* operators = nullptr;         ///< borrowed
+    const TGroupOperators* groupOperators = nullptr;  ///< borrowed
+};
+
+/// The operator of a condition that is text as a whole: no name, no operands, in no list.
+[[nodiscard]] ORV_EXPORT TOperatorList::Entry expressionOperator();
+
+/// The group operator of that caption, ignoring case; none when the catalogue has none.
+[[nodiscard]] ORV_EXPORT const TorvQDGroupFunc* findGroupOperator(const TGroupOperators& list,
+                                                                  const QString& name);
+
+/// How many operands an operator has, within bounds that a row can show.
+[[nodiscard]] ORV_EXPORT int operandCount(const TOperatorList::Entry& entry);
+
+}  // namespace orv
+
+/// One clickable text element of a row: 0 the row's button, 1 the function or group operator, 2 the
+/// field, 3 the operator, 4 the argument's function, from 5 on the arguments. Owned by its row.
+class ORV_EXPORT TorvQDControl {
+public:
+    TorvQDControl(TorvQDWhereRow* row, int kind) : Row(row), Kind(kind) {}
+
+    TorvQDWhereRow* Row;  ///< borrowed
+    int Kind;
+    int Left = 0;   ///< pixels, content coordinates
+    int Width = 0;  ///< pixels
+
+    [[nodiscard]] const QString& GetText() const { return m_text; }
+    /// The text as it is shown: nine blanks for none, at most 30 characters and "...", on one line.
+    void SetText(const QString& text);
+
+private:
+    QString m_text;
+};
+
+/// The rows of one group, or the root of a panel.
+class ORV_EXPORT TorvQDWhereRows : public TCollectionEx {
+public:
+    TorvQDWhereRows(const orv::ConditionCatalogues* catalogues, TorvQDWhereRow* ownerRow);
+
+    [[nodiscard]] TorvQDWhereRow* Row(int Index) const;
+    TorvQDWhereRow* AddRow();
+    /// The row whose sub-rows these are; none for a panel's root.
+    [[nodiscard]] TorvQDWhereRow* ownerRow() const { return m_ownerRow; }
+    [[nodiscard]] const orv::ConditionCatalogues& catalogues() const { return *m_catalogues; }
+
+private:
+    const orv::ConditionCatalogues* m_catalogues;
+    TorvQDWhereRow* m_ownerRow;
+};
+
+/// One row of a condition: a comparison, or a group of sub-rows. Texts that are not filled hold
+/// nine blanks. A row is a group exactly when GroupOper is not empty.
+class ORV_EXPORT TorvQDWhereRow : public TCollectionItemEx {
+public:
+    explicit TorvQDWhereRow(TorvQDWhereRows* collection);
+    ~TorvQDWhereRow() override;
+
+    std::unique_ptr<TorvQDWhereRows> SubRows;
+    QString GroupOper;
+    QString FieldFunc;
+    QString FieldName;
+    QString ArgFunc;
+    TOperatorList::Entry Operator;  ///< none when the catalogue is empty
+    QStringList Arguments;          ///< as many as the operator has operands
+    bool Valid = true;              ///< the last type check succeeded
+    QString AuxText;
+    bool Expanded = false;
+    std::vector<std::unique_ptr<TorvQDControl>> Controls;
+
+    [[nodiscard]] bool isGroup() const { return !GroupOper.isEmpty(); }
+    /// Whether the row is one text with no operator of the catalogue.
+    [[nodiscard]] bool isExpression() const { return Operator == orv::expressionOperator(); }
+
+    /// Brings arguments and elements in line with the operator; the first arguments stay.
+    void SetArgumentStrings();
+    void setOperator(const TOperatorList::Entry& entry);
+    void SetGroupOper(const QString& Name);
+    void SetExpanded(bool Value);
+    /// Brings the elements' texts up to date.
+    void refreshTexts();
+
+    /// Number of the row as its button shows it: "1.2."; a blank for the root row.
+    [[nodiscard]] QString GetFullIndex() const;
+    /// The rows shown above and below; none at the ends.
+    [[nodiscard]] TorvQDWhereRow* GetPreviousRow() const;
+    [[nodiscard]] TorvQDWhereRow* GetNextRow() const;
+    /// The group that the row lies in; none for the root row.
+    [[nodiscard]] TorvQDWhereRow* parentRow() const;
+    [[nodiscard]] TorvQDWhereRows* rows() const;
+    /// 1 for the root row, one more for each group around a row.
+    [[nodiscard]] int depth() const;
+
+    /// Copies all but the sub-rows.
+    void Assign(const TCollectionItemEx& Source) override;
+
+    /// The SQL text of the row and what is below it; over several lines, indented by the depth, or
+    /// on one line.
+    [[nodiscard]] QString GetSQLCondition(bool MultiLine) const;
+    /// The same on one line, but no more of it than about `limit` characters.
+    [[nodiscard]] QString shortCondition(int limit) const;
+
+private:
+    struct Writer;
+
+    void append(Writer& writer, int depth) const;
+    void appendGroup(Writer& writer, int depth) const;
+    void appendSimple(Writer& writer, int depth) const;
+};

@@ -1,0 +1,278 @@
+// SPDX-License-Identifier: MIT
+#include "diagram/ORVQDLinks.h"
+
+#include "core/Error.h"
+#include "diagram/ORVQDFloatTable.h"
+#include "diagram/Orvvisualutils.h"
+
+#include <QMenu>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace {
+
+constexpr int fixedPoints = 4;
+constexpr int stubLengthPx = 10;
+constexpr int boundsMarginPx = 3;
+constexpr int pointReachPx = 4;
+constexpr int markerLengthPx = 6;
+constexpr int markerHalfHeightPx = 3;
+constexpr int clipHalfHeightPx = 4;
+constexpr int clipMarkerLengthPx = 7;
+constexpr int selectedWidthPx = 2;
+
+int middleOf(const TRect& rect) {
+    return rect.Top + (rect.Bottom - rect.Top) / 2;
+}
+
+bool isClose(const QPoint& a, const QPoint& b) {
+    return std::abs(a.x() - b.x()) < pointReachPx && std::abs(a.y() - b.y()) < pointReachPx;
+}
+
+}  // namespace
+
+namespace orv {
+
+const QStringList& linkOperators() {
+    static const QStringList list = {QStringLiteral("="),  QStringLiteral(">"),
+                                     QStringLiteral("<"),  QStringLiteral(">="),
+                                     QStringLiteral("<="), QStringLiteral("<>")};
+    return list;
+}
+
+QString joinWords(TKindOfJoin kind) {
+    switch (kind) {
+    case klInnerJoin: return QStringLiteral("INNER JOIN");
+    case klLOuterJoin: return QStringLiteral("LEFT OUTER JOIN");
+    case klROuterJoin: return QStringLiteral("RIGHT OUTER JOIN");
+    case klFOuterJoin: return QStringLiteral("FULL OUTER JOIN");
+    }
+    return {};
+}
+
+QString joinKindIdentifier(TKindOfJoin kind) {
+    switch (kind) {
+    case klInnerJoin: return QStringLiteral("klInnerJoin");
+    case klLOuterJoin: return QStringLiteral("klLOuterJoin");
+    case klROuterJoin: return QStringLiteral("klROuterJoin");
+    case klFOuterJoin: return QStringLiteral("klFOuterJoin");
+    }
+    return {};
+}
+
+TKindOfJoin mirrored(TKindOfJoin kind) {
+    switch (kind) {
+    case klLOuterJoin: return klROuterJoin;
+    case klROuterJoin: return klLOuterJoin;
+    case klInnerJoin:
+    case klFOuterJoin: break;
+    }
+    return kind;
+}
+
+QString mirroredOperator(const QString& text) {
+    QString result = text;
+    for (QChar& character : result) {
+        if (character == u'<') {
+            character = u'>';
+        } else if (character == u'>') {
+            character = u'<';
+        }
+    }
+    const bool isComparison = text == u"<" || text == u">" || text == u"<=" || text == u">=";
+    return isComparison ? result : text;
+}
+
+}  // namespace orv
+
+// --- joins
+// ----------------------------------------------------------------------------------------
+
+TorvQDJoin::TorvQDJoin(QWidget* workArea, TorvQDTable* table1, TorvQDTable* table2)
+    : Table1(table1), Table2(table2), WorkArea(workArea) {}
+
+TorvQDTable* TorvQDJoin::GetTable(int Index) const {
+    return Index == 0 ? Table1 : Index == 1 ? Table2 : nullptr;
+}
+
+QString TorvQDJoin::GetTableName(int Index) const {
+    const TorvQDTable* table = GetTable(Index);
+    return table ? table->TableName : QString();
+}
+
+// --- links
+// ----------------------------------------------------------------------------------------
+
+TorvQDLink::TorvQDLink(QWidget* workArea, TorvQDJoin* join, TorvQDListItem* item1,
+                       TorvQDListItem* item2)
+    : TorvQDFloatObject(workArea), Join(join), Item1(item1), Item2(item2), m_points(fixedPoints) {
+    SetBoundaryRect();
+}
+
+TorvQDLink::~TorvQDLink() = default;
+
+QString TorvQDLink::operatorText() const {
+    if (Operator >= 0 && Operator < orv::linkOperators().size()) {
+        return orv::linkOperators().at(Operator);
+    }
+    return OperatorSource.isEmpty() ? orv::linkOperators().front() : OperatorSource;
+}
+
+void TorvQDLink::setOperatorText(const QString& text) {
+    Operator = int(orv::linkOperators().indexOf(text));
+    OperatorSource = Operator < 0 ? text : QString();
+}
+
+QString TorvQDLink::GetHint() const {
+    return Join->Table1->GetAlias() + u'.' + Item1->Name + operatorText() +
+           Join->Table2->GetAlias() + u'.' + Item2->Name;
+}
+
+void TorvQDLink::SetSelect(bool Value) {
+    TorvQDFloatObject::SetSelect(Value);
+    Item1->SetSelect(Value);
+    Item2->SetSelect(Value);
+    if (!canvas()) return;
+    canvas()->linkSelected(this, Value);
+    const QPoint scroll = canvas()->scrollPosition();
+    canvas()->invalidate(m_bounds.translated(-scroll.x(), -scroll.y()));
+}
+
+// --- points
+// ---------------------------------------------------------------------------------------
+
+void TorvQDLink::checkIndex(int index) const {
+    if (index >= 0 && index < GetCountPoints()) return;
+    throw orv::Error(QStringLiteral("Invalid index = %1 ").arg(index));
+}
+
+QPoint TorvQDLink::GetPoint(int Index) const {
+    checkIndex(Index);
+    return m_points[std::size_t(Index)] - (canvas() ? canvas()->scrollPosition() : QPoint());
+}
+
+void TorvQDLink::SetPoint(int Index, const QPoint& P) {
+    checkIndex(Index);
+    m_points[std::size_t(Index)] = P;
+}
+
+std::vector<QPoint> TorvQDLink::bendPoints() const {
+    return {m_points.begin() + 2, m_points.end() - 2};
+}
+
+void TorvQDLink::setBendPoints(const std::vector<QPoint>& points) {
+    m_points.erase(m_points.begin() + 2, m_points.end() - 2);
+    m_points.insert(m_points.begin() + 2, points.begin(), points.end());
+    SetBoundaryRect();
+}
+
+QPoint TorvQDLink::toDiagram(const QPoint& viewPoint) const {
+    return viewPoint + (canvas() ? canvas()->scrollPosition() : QPoint());
+}
+
+// Each end leaves its row on the side of what it runs towards: the first or last bend point, or the
+// outer edge of the other row.
+void TorvQDLink::SetBoundaryRect() {
+    for (const int index : {0, 1}) {
+        if (Join->GetTable(index)) continue;
+        throw orv::Error(
+            QStringLiteral("Invalid table %1 in Link control").arg(Join->GetTableName(index)));
+    }
+    const TRect row1 = Item1->GetBoundsRect();
+    const TRect row2 = Item2->GetBoundsRect();
+    const bool hasBends = GetCountPoints() > fixedPoints;
+    const std::size_t last = m_points.size() - 1;
+    const int towards1 = hasBends ? m_points[2].x() : row2.Right;
+    const int towards2 = hasBends ? m_points[last - 2].x() : row1.Right;
+    const bool right1 = towards1 >= row1.Left;
+    const bool right2 = towards2 >= row2.Left;
+    m_points[0] = {right1 ? row1.Right : row1.Left, middleOf(row1)};
+    m_points[1] = m_points[0] + QPoint(right1 ? stubLengthPx : -stubLengthPx, 0);
+    m_points[last] = {right2 ? row2.Right : row2.Left, middleOf(row2)};
+    m_points[last - 1] = m_points[last] + QPoint(right2 ? stubLengthPx : -stubLengthPx, 0);
+    recomputeBounds();
+}
+
+// The greatest coordinates are looked for from 0 on.
+void TorvQDLink::recomputeBounds() {
+    TRect bounds{m_points[0].x(), m_points[0].y(), 0, 0};
+    for (const QPoint& point : m_points) {
+        bounds.Left = std::min(bounds.Left, point.x());
+        bounds.Top = std::min(bounds.Top, point.y());
+        bounds.Right = std::max(bounds.Right, point.x());
+        bounds.Bottom = std::max(bounds.Bottom, point.y());
+    }
+    m_bounds = {bounds.Left - boundsMarginPx, bounds.Top - boundsMarginPx,
+                bounds.Right + boundsMarginPx, bounds.Bottom + boundsMarginPx};
+}
+
+// A line is hit within as many pixels as it has points; of its points the last close one decides.
+TTableHitTest TorvQDLink::HitTest(const QPoint& P) const {
+    const int near = orv::IsPointNearLine(m_points, toDiagram(P), GetCountPoints());
+    TTableHitTest hit = near >= 0 ? htTClient : htTOutSide;
+    const int last = GetCountPoints() - 1;
+    for (int index = 0; index <= last; ++index) {
+        if (index == 1 || index == last - 1 || !isClose(GetPoint(index), P)) continue;
+        hit = index == 0 || index == last ? htTEndLine : htTPoint;
+    }
+    return hit;
+}
+
+// --- painting
+// -------------------------------------------------------------------------------------
+
+QRegion TorvQDLink::GetClipRgn(int Part) const {
+    const int last = GetCountPoints() - 1;
+    QRegion region;
+    if (Part == 0 || Part == 1) {
+        const QPoint start = GetPoint(0);
+        const int side = start.x() < GetPoint(1).x() ? 1 : -1;
+        const int length = side * (clipMarkerLengthPx - 1);
+        region += QRect(
+            QPoint(std::min(start.x() - side, start.x() + length), start.y() - clipHalfHeightPx),
+            QSize(clipMarkerLengthPx + 1, 2 * clipHalfHeightPx));
+    } else {
+        region += QRect(0, 0, 1, 1);
+    }
+    const int first = Part == 2 ? last - 2 : 0;
+    const int end = Part == 1 ? 1 : last;
+    for (int index = std::max(0, first); index < end; ++index) {
+        const QRect segment = QRect(GetPoint(index), GetPoint(index + 1)).normalized();
+        region += segment.adjusted(-clipHalfHeightPx, -clipHalfHeightPx, clipHalfHeightPx,
+                                   clipHalfHeightPx);
+    }
+    return region;
+}
+
+void TorvQDLink::Paint(QPainter& Painter) {
+    const int last = GetCountPoints() - 1;
+    Painter.save();
+    Painter.setPen(QPen(Qt::black, Selected ? selectedWidthPx : 1));
+    Painter.setBrush(Qt::black);
+    for (int index = 0; index < last; ++index)
+        Painter.drawLine(GetPoint(index), GetPoint(index + 1));
+    for (int index = 2; index < last - 1; ++index) {
+        const QPoint bend = GetPoint(index);
+        Painter.drawEllipse(QRect(bend.x() - 3, bend.y() - 3, 5, 5));
+    }
+    Painter.setPen(QPen(Qt::black, 1));
+    const auto marker = [&](const QPoint& tip, const QPoint& stub, bool includesAll) {
+        const int length = tip.x() >= stub.x() ? -markerLengthPx : markerLengthPx;
+        const QPoint wings[] = {tip, tip + QPoint(length, -markerHalfHeightPx),
+                                tip + QPoint(length, markerHalfHeightPx)};
+        if (includesAll) {
+            Painter.drawPolygon(wings, 3);
+        } else {
+            Painter.drawEllipse(QRect(std::min(tip.x(), tip.x() + length),
+                                      tip.y() - markerHalfHeightPx, markerLengthPx - 1,
+                                      2 * markerHalfHeightPx - 1));
+        }
+    };
+    const TKindOfJoin kind = Join->KindOfJoin;
+    marker(GetPoint(0), GetPoint(1), kind == klLOuterJoin || kind == klFOuterJoin);
+    marker(GetPoint(last), GetPoint(last - 1), kind == klROuterJoin || kind == klFOuterJoin);
+    Painter.restore();
+}
+
+void TorvQDLink::PopupMenu(QMenu&, int, int, TTableHitTest) {}

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "core/TRect.h"
+#include "diagram/ORVQDFloatObject.h"
+
+#include <QPoint>
+#include <QRegion>
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+class TorvQDListItem;
+class TorvQDTable;
+
+/// How two tables are joined; left is always the join's first table.
+enum TKindOfJoin : quint8 { klInnerJoin = 0, klLOuterJoin = 1, klROuterJoin = 2, klFOuterJoin = 3 };
+static_assert(klInnerJoin == 0 && klLOuterJoin == 1 && klROuterJoin == 2 && klFOuterJoin == 3);
+
+namespace orv {
+
+/// The comparison operators that a link may have, in the order of its dialog.
+[[nodiscard]] ORV_EXPORT const QStringList& linkOperators();
+
+/// SQL words of the kind: "LEFT OUTER JOIN".
+[[nodiscard]] ORV_EXPORT QString joinWords(TKindOfJoin kind);
+
+/// Identifier of the kind as state files have it: "klLOuterJoin".
+[[nodiscard]] ORV_EXPORT QString joinKindIdentifier(TKindOfJoin kind);
+
+/// The kind that preserves the same rows when the two tables change sides.
+[[nodiscard]] ORV_EXPORT TKindOfJoin mirrored(TKindOfJoin kind);
+
+/// The operator that says the same when its two sides change places.
+[[nodiscard]] ORV_EXPORT QString mirroredOperator(const QString& text);
+
+}  // namespace orv
+
+/// That two boxes are joined, and how. Owned by the work area; at most one per pair of boxes, and
+/// only while a link refers to it.
+class ORV_EXPORT TorvQDJoin {
+public:
+    TorvQDJoin(QWidget* workArea, TorvQDTable* table1, TorvQDTable* table2);
+
+    TKindOfJoin KindOfJoin = klInnerJoin;
+    TorvQDTable* Table1;  ///< the first, left one; borrowed
+    TorvQDTable* Table2;  ///< borrowed
+    QWidget* WorkArea;    ///< borrowed
+
+    /// Conditions of its ON that are no comparison of two fields, joined by AND; empty without any.
+    QString Text;
+
+    /// The first (0) or second (1) box; none for any other index.
+    [[nodiscard]] TorvQDTable* GetTable(int Index) const;
+    [[nodiscard]] QString GetTableName(int Index) const;
+};
+
+/// The line between two field rows: a comparison in its join's ON. Owned by the work area. The line
+/// leaves each row sideways by a stub and may have bend points in between; points are diagram
+/// coordinates:
+///
+///     0 --- 1 ... bend points 2 to Count - 3 ... Count-2 --- Count-1
+///     row of Table1                                          row of Table2
+class ORV_EXPORT TorvQDLink : public TorvQDFloatObject {
+    Q_OBJECT
+
+public:
+    TorvQDLink(QWidget* workArea, TorvQDJoin* join, TorvQDListItem* item1, TorvQDListItem* item2);
+    ~TorvQDLink() override;
+
+    TorvQDJoin* Join;        ///< borrowed
+    int Operator = 0;        ///< index in orv::linkOperators(); -1 for another one
+    QString OperatorSource;  ///< its text as it was loaded, beside -1
+    TorvQDListItem* Item1;   ///< row of the join's first box; borrowed
+    TorvQDListItem* Item2;   ///< row of its second one; borrowed
+    QPoint DragPoint;        ///< view coordinates while the mouse is down
+    int DragIndex = -1;      ///< the point being dragged
+
+    /// The operator's text; "=" when there is none.
+    [[nodiscard]] QString operatorText() const;
+    /// Takes the operator of that text, known or not.
+    void setOperatorText(const QString& text);
+
+    [[nodiscard]] int GetCountPoints() const { return int(m_points.size()); }
+    /// A point in view coordinates. Raises orv::Error "Invalid index = %d " out of range.
+    [[nodiscard]] QPoint GetPoint(int Index) const;
+    /// Stores a point, in diagram coordinates. Raises like GetPoint.
+    void SetPoint(int Index, const QPoint& P);
+    [[nodiscard]] const std::vector<QPoint>& points() const { return m_points; }
+    /// The user's bend points, in diagram coordinates.
+    [[nodiscard]] std::vector<QPoint> bendPoints() const;
+    void setBendPoints(const std::vector<QPoint>& points);
+
+    /// Encloses the line and its markers, in diagram coordinates.
+    [[nodiscard]] TRect GetBounds() const { return m_bounds; }
+    void SetBounds(const TRect& R) { m_bounds = R; }
+
+    /// Computes the four fixed points and the bounds from where the rows are now. Raises orv::Error
+    /// "Invalid table ... in Link control" when the join has lost a box.
+    void SetBoundaryRect();
+
+    /// The region that the line takes, in view coordinates: all of it (0), its start (1) or its
+    /// end (2).
+    [[nodiscard]] QRegion GetClipRgn(int Part) const;
+
+    void SetSelect(bool Value) override;
+    /// The comparison as text, nothing between its parts.
+    [[nodiscard]] QString GetHint() const override;
+    void Paint(QPainter& Painter) override;
+    [[nodiscard]] TTableHitTest HitTest(const QPoint& P) const override;
+    void PopupMenu(QMenu& Menu, int X, int Y, TTableHitTest HitTest) override;
+
+private:
+    [[nodiscard]] QPoint toDiagram(const QPoint& viewPoint) const;
+    void checkIndex(int index) const;
+    void recomputeBounds();
+
+    std::vector<QPoint> m_points;
+    TRect m_bounds;
+};

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "core/Export.h"
+#include "diagram/ORVQDLinks.h"
+
+#include <QString>
+
+#include <vector>
+
+namespace orv {
+
+/// A table of a FROM clause.
+struct FromTable {
+    QString name;   ///< as it is written, with the arguments of a procedure
+    QString alias;  ///< effective alias; written where it differs from `plainName`
+    QString plainName;
+};
+
+/// One comparison of a join: fields of its first and second table.
+struct FromLink {
+    QString field1;
+    QString operation;
+    QString field2;
+};
+
+/// A join between two tables, by their indices.
+struct FromJoin {
+    int table1 = 0;
+    int table2 = 0;
+    TKindOfJoin kind = klInnerJoin;
+    std::vector<FromLink> links;
+    QString text;  ///< conditions that are no comparison of two fields
+};
+
+/// What a FROM clause is written from. Tables stand in the order in which they are to begin lines;
+/// joins in the order of their creation.
+struct FromDiagram {
+    std::vector<FromTable> tables;
+    std::vector<FromJoin> joins;
+};
+
+/// How a join came out in the text.
+struct JoinPlace {
+    bool swapped = false;      ///< its second table stands on the left
+    bool closesCycle = false;  ///< both tables were written before
+};
+
+/// The body of the clause: each table that no earlier one reaches begins an item of the comma list,
+/// and what it reaches through joins follows on lines of its own. Joins are followed depth first; a
+/// join between two tables that are both written names the second again. Linear in tables, joins
+/// and links, and not recursive.
+[[nodiscard]] ORV_EXPORT QString fromText(const FromDiagram& diagram,
+                                          std::vector<JoinPlace>* places = nullptr);
+
+/// The same with the meaning kept: of the joins that touch a written table the earliest is written
+/// next, its kind and operators mirrored where its sides change places. A join between two tables
+/// that are both written adds its conditions to the line of the later one.
+[[nodiscard]] ORV_EXPORT QString fromTextKeepingMeaning(const FromDiagram& diagram,
+                                                        std::vector<JoinPlace>* places = nullptr);
+
+}  // namespace orv
