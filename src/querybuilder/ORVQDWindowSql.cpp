@@ -21,14 +21,41 @@
 
 namespace {
 
-// Names of a FROM clause, each once: an alias that is the table's own name is not written again,
-// and CROSS JOIN is written as a comma.
-QSet<QString> wordsOf(const orv::TokenCounts& counts) {
-    QSet<QString> words(counts.keyBegin(), counts.keyEnd());
-    return words - QSet<QString>{QStringLiteral("CROSS"), QStringLiteral("JOIN"),
-                                 QStringLiteral("<"),     QStringLiteral(">"),
-                                 QStringLiteral("<="),    QStringLiteral(">="),
-                                 QStringLiteral("LEFT"),  QStringLiteral("RIGHT")};
+/// What a FROM clause says, as far as two of the same meaning have it in common.
+struct FromWords {
+    QSet<QString> names;       // of tables and aliases: one of them may be implied
+    orv::TokenCounts content;  // of the ON conditions and the words of joins
+};
+
+// CROSS JOIN is written as a comma. Sides may change places: LEFT becomes RIGHT then, and "<" ">".
+FromWords wordsOf(const orv::TokenCounts& counts, const QSet<QString>& namesOfTables) {
+    static const QSet<QString> implied = {QStringLiteral("CROSS"), QStringLiteral("JOIN")};
+    static const QHash<QString, QString> mirrored = {
+        {QStringLiteral("RIGHT"), QStringLiteral("LEFT")},
+        {QStringLiteral(">"), QStringLiteral("<")},
+        {QStringLiteral(">="), QStringLiteral("<=")},
+        {QStringLiteral("!="), QStringLiteral("<>")}};
+    FromWords words;
+    for (auto count = counts.constBegin(); count != counts.constEnd(); ++count) {
+        if (implied.contains(count.key())) continue;
+        if (namesOfTables.contains(count.key())) {
+            words.names.insert(count.key());
+        } else {
+            words.content[mirrored.value(count.key(), count.key())] += count.value();
+        }
+    }
+    return words;
+}
+
+QSet<QString> namesOfTables(const TorvQDWorkArea& area) {
+    QSet<QString> names;
+    for (const TorvQDTable* table : area.tablesByCreation()) {
+        for (const QString& name : {table->TableName, table->GetAlias()}) {
+            const orv::TokenCounts counts = orv::countTokens(name);
+            names += QSet<QString>(counts.keyBegin(), counts.keyEnd());
+        }
+    }
+    return names;
 }
 
 // A FROM that is there may stand behind a bracket or quote that nothing closes.
@@ -254,13 +281,16 @@ void TorvQueryBuilder::loadTail(int tailStart, int tailEnd, int restStart) {
     }
 }
 
-// A safety net: a FROM clause that comes out different without anybody having said so.
+// A safety net: a FROM clause that comes out different without anybody having said so. The pages
+// compare their own clauses.
 void TorvQueryBuilder::compareClauses(const TorvQDParser& root) {
     const TorvQDParser* from = root.Clause(inFrom);
     if (!from || m_ledger->hasFinding(from->Start(), from->End())) return;
-    const orv::TokenRun loaded = m_ledger->tokensIn(from->Start(), from->End());
-    const QString written = WorkArea->GetSQLStatment();
-    if (wordsOf(orv::countTokens(loaded.mid(1))) == wordsOf(orv::countTokens(written))) return;
+    const QSet<QString> names = namesOfTables(*WorkArea);
+    const orv::TokenRun clause = m_ledger->tokensIn(from->Start(), from->End());
+    const FromWords loaded = wordsOf(orv::countTokens(clause.mid(1)), names);
+    const FromWords written = wordsOf(orv::countTokens(WorkArea->GetSQLStatment()), names);
+    if (loaded.names == written.names && loaded.content == written.content) return;
     m_ledger->report(from->Start(), from->End(),
                      QStringLiteral("This clause is written differently."));
 }

@@ -104,7 +104,7 @@ void TestTokens::spansAreThoseOfTheText() {
     const SqlTokens tokens = tokenise(text);
     QCOMPARE(tokens.size(), std::size_t(4));
     QCOMPARE(tokens[0], (SqlToken{1, 3, SqlToken::Word, 0}));
-    QCOMPARE(tokens[1], (SqlToken{5, 6, SqlToken::Open, 0}));
+    QCOMPARE(tokens[1], (SqlToken{5, 6, SqlToken::Open, 0, 2}));  // closed two tokens further on
     QCOMPARE(tokens[2], (SqlToken{6, 7, SqlToken::Word, 1}));
     QCOMPARE(tokens[3], (SqlToken{7, 8, SqlToken::Close, 0}));
     const TokenRun run = runOf(text, tokens);

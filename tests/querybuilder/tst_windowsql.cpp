@@ -158,7 +158,7 @@ private Q_SLOTS:
     // The report is about the last call, and that has loaded nothing.
     void refusalEmptiesTheReport() {
         HostedBuilder on;
-        on.builder.LoadSQL("select t.a from t where t.a = 1");
+        on.builder.LoadSQL("select t.a from t order by t.z");
         QCOMPARE(on.builder.LoadReport().size(), std::size_t(1));
         QCOMPARE(orvtest::errorOf([&] { on.builder.LoadSQL("DELETE FROM T"); }), notSelect);
         QVERIFY(on.builder.LoadReport().empty());
@@ -166,7 +166,7 @@ private Q_SLOTS:
 
     void shownTextEmptiesTheReport() {
         HostedBuilder on;
-        on.builder.LoadSQL("select t.a from t where t.a = 1");
+        on.builder.LoadSQL("select t.a from t order by t.z");
         on.builder.LoadSQL(on.builder.GetSQLStatment());
         QVERIFY(on.builder.LoadReport().empty());
     }
@@ -176,7 +176,7 @@ private Q_SLOTS:
         orv::Findings carried;
         connect(&on.builder, &TorvQueryBuilder::LoadReported, this,
                 [&](const orv::Findings& findings) { carried = findings; });
-        on.builder.LoadSQL("select t.a from t order by 1");
+        on.builder.LoadSQL("select t.a from t order by t.z");
         QCOMPARE(on.reports, 1);
         QCOMPARE(carried.size(), std::size_t(1));
         QVERIFY(carried == on.builder.LoadReport());
@@ -244,38 +244,49 @@ private Q_SLOTS:
 
     // --- the report
 
-    void clausesThatAreNotHeldAreFindings() {
-        HostedBuilder on;
+    void everyClauseIsLoadedIntoItsPage() {
+        HostedBuilder on(true);
         on.builder.LoadSQL(
             "select t.a, count(t.b) n from t where t.c = 1 group by t.a "
             "having count(t.b) > 1 order by n desc limit 5");
-        QCOMPARE(on.findings(),
-                 QStringList({"where t.c = 1", "having count(t.b) > 1", "order by n desc"}));
-        QCOMPARE(on.builder.TailText(), "limit 5");
+        QCOMPARE(on.findings(), QStringList());
+        QCOMPARE(on.builder.GetSQLStatment(),
+                 "SELECT T.A,\r\n       COUNT( T.B ) AS N\r\nFROM T\r\n"
+                 "WHERE \r\n   (\r\n      (T.C = 1)\r\n   )\r\n"
+                 "GROUP BY T.A\r\n"
+                 "HAVING \r\n   (\r\n      (COUNT(T.B) > 1)\r\n   )\r\n"
+                 "ORDER BY 2 DESC\r\nlimit 5");
+    }
+
+    void havingWithoutGroupByIsAFinding() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select count(*) n from t having count(*) > 1");
+        QCOMPARE(on.findings(), QStringList("having count(*) > 1"));
+        QVERIFY(!on.builder.GetSQLStatment().contains("HAVING"));
     }
 
     void positionsAreThoseOfTheGivenText_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QStringList>("findings");
-        QTest::newRow("plain") << "select t.a from t where t.a = 1" << QStringList("where t.a = 1");
+        QTest::newRow("plain") << "select t.a from t order by t.z" << QStringList("t.z");
         QTest::newRow("comment in front")
-            << "/* what */ select t.a from t where t.a = 1" << QStringList("where t.a = 1");
+            << "/* what */ select t.a from t order by t.z" << QStringList("t.z");
         QTest::newRow("line comment in front")
-            << "-- what\r\nselect t.a\r\nfrom t\r\nwhere t.a = 1" << QStringList("where t.a = 1");
-        QTest::newRow("comment inside") << "select t.a from t where t.a /* one */ = 1"
-                                        << QStringList("where t.a /* one */ = 1");
+            << "-- what\r\nselect t.a\r\nfrom t\r\norder by t.z" << QStringList("t.z");
+        QTest::newRow("comment inside")
+            << "select t.a from t order by t.z /* one */ desc" << QStringList("t.z /* one */ desc");
         QTest::newRow("backticks in front")
-            << "select m.`my field` from `my table` m where 1 = 1" << QStringList("where 1 = 1");
+            << "select m.`my field` from `my table` m order by 9" << QStringList("9");
         QTest::newRow("backticks inside") << "select t.a, `my z` from t" << QStringList("`my z`");
         QTest::newRow("square brackets") << "select t.a, [my z] from t" << QStringList("[my z]");
         QTest::newRow("tabs and line breaks")
-            << "select\tt.a\r\n\tfrom\tt\r\n\twhere\tt.a\t=\t1" << QStringList("where\tt.a\t=\t1");
+            << "select\tt.a\r\n\tfrom\tt\r\n\torder\tby\tt.z\tdesc" << QStringList("t.z\tdesc");
         QTest::newRow("doubled sign in backticks")
-            << "select t.a, `a``b` from t where 1 = 1" << QStringList({"`a``b`", "where 1 = 1"});
-        QTest::newRow("several in order") << "select t.z, t.a, x.b from t, nowhere order by 1"
-                                          << QStringList({"t.z", "x.b", "nowhere", "order by 1"});
+            << "select t.a, `a``b` from t order by t.z" << QStringList({"`a``b`", "t.z"});
+        QTest::newRow("several in order") << "select t.z, t.a, x.b from t, nowhere order by 9"
+                                          << QStringList({"t.z", "x.b", "nowhere", "9"});
         QTest::newRow("blanks behind")
-            << "select t.a from t where t.a = 1   \r\n ; " << QStringList("where t.a = 1");
+            << "select t.a from t order by t.z   \r\n ; " << QStringList("t.z");
     }
     void positionsAreThoseOfTheGivenText() {
         QFETCH(QString, text);
@@ -404,11 +415,11 @@ private Q_SLOTS:
         HostedBuilder on;
         bool nested = false;
         connect(&on.builder, &TorvQueryBuilder::StatementChanged, this, [&] {
-            if (!std::exchange(nested, true)) on.builder.LoadSQL("select u.x from u where 1 = 1");
+            if (!std::exchange(nested, true)) on.builder.LoadSQL("select u.x from u order by u.z");
         });
         on.builder.LoadSQL("select t.a from t");
         QCOMPARE(on.builder.GetSQLStatment(), "SELECT U.X\r\nFROM U");
-        QCOMPARE(on.findings(), QStringList("where 1 = 1"));
+        QCOMPARE(on.findings(), QStringList("u.z"));
         verifyBuilder(on.builder);
     }
 
