@@ -72,6 +72,18 @@ QString fieldTypeDisplayName(TFieldType type) {
     return {};
 }
 
+std::optional<TFieldType> fieldTypeFromDisplayName(const QString& text) {
+    // Of the numbers and texts the plain ones stand for all.
+    for (const TFieldType type : {ftString, ftInteger, ftFloat}) {
+        if (fieldTypeDisplayName(type) == text) return type;
+    }
+    for (std::size_t ordinal = 0; ordinal < typeIdentifiers.size(); ++ordinal) {
+        const auto type = static_cast<TFieldType>(ordinal);
+        if (fieldTypeDisplayName(type) == text) return type;
+    }
+    return std::nullopt;
+}
+
 QString fieldTypeIdentifier(TFieldType type) {
     return type < typeIdentifiers.size() ? QString::fromLatin1(typeIdentifiers[type]) : QString();
 }

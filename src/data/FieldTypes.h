@@ -85,6 +85,10 @@ namespace orv {
 /// "Date&&Time": the doubled ampersand is part of it.
 [[nodiscard]] ORV_EXPORT QString fieldTypeDisplayName(TFieldType type);
 
+/// The first type that is displayed so; types with one display name are compatible with one
+/// another.
+[[nodiscard]] ORV_EXPORT std::optional<TFieldType> fieldTypeFromDisplayName(const QString& text);
+
 /// The identifier of the type as it stands in schema files ("ftInteger"), and back.
 [[nodiscard]] ORV_EXPORT QString fieldTypeIdentifier(TFieldType type);
 [[nodiscard]] ORV_EXPORT std::optional<TFieldType> fieldTypeFromIdentifier(const QString& text);

@@ -61,6 +61,13 @@ QString joinKindIdentifier(TKindOfJoin kind) {
     return {};
 }
 
+std::optional<TKindOfJoin> joinKindFromIdentifier(const QString& text) {
+    for (const TKindOfJoin kind : {klInnerJoin, klLOuterJoin, klROuterJoin, klFOuterJoin}) {
+        if (joinKindIdentifier(kind) == text) return kind;
+    }
+    return std::nullopt;
+}
+
 TKindOfJoin mirrored(TKindOfJoin kind) {
     switch (kind) {
     case klLOuterJoin: return klROuterJoin;

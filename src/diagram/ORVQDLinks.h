@@ -9,6 +9,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
 #include <vector>
 
 class TorvQDListItem;
@@ -26,8 +27,9 @@ namespace orv {
 /// SQL words of the kind: "LEFT OUTER JOIN".
 [[nodiscard]] ORV_EXPORT QString joinWords(TKindOfJoin kind);
 
-/// Identifier of the kind as state files have it: "klLOuterJoin".
+/// Identifier of the kind as state files have it, "klLOuterJoin", and back.
 [[nodiscard]] ORV_EXPORT QString joinKindIdentifier(TKindOfJoin kind);
+[[nodiscard]] ORV_EXPORT std::optional<TKindOfJoin> joinKindFromIdentifier(const QString& text);
 
 /// The kind that preserves the same rows when the two tables change sides.
 [[nodiscard]] ORV_EXPORT TKindOfJoin mirrored(TKindOfJoin kind);

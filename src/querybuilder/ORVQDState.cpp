@@ -130,9 +130,26 @@ void writeColumns(JsonWriter& json, const OutputColumns& columns) {
     json.endArray();
 }
 
-}  // namespace
+void writeRestoringKeys(JsonWriter& json, TorvQueryBuilder& builder) {
+    const TorvQDWorkArea& area = *builder.WorkArea;
+    QHash<const TorvQDTable*, int> indices;
+    for (int index = 0; index < area.TablesCount(); ++index)
+        indices.insert(area.Tables(index), index);
+    json.key("creationOrder").beginArray();
+    for (const TorvQDTable* table : area.tablesByCreation()) json.value(indices.value(table));
+    json.endArray();
+    json.key("groupedColumns").beginArray();
+    const OutputColumns& columns = builder.SelectPanel->grid()->columns();
+    for (std::size_t index = 0; index < columns.size(); ++index) {
+        if (columns[index].grouped) json.value(int(index) + 1);
+    }
+    json.endArray();
+    json.key("sortedRows").beginArray();
+    for (const SortList::Line& line : builder.OrderPanel->sortList().lines()) json.value(line.row);
+    json.endArray();
+}
 
-QByteArray stateJson(TorvQueryBuilder& builder, const StateNotes& notes, JsonLayout layout) {
+void writeState(JsonWriter& json, TorvQueryBuilder& builder, const StateNotes& notes) {
     QString statement;
     QString error = notes.error;
     bool written = true;
@@ -142,8 +159,6 @@ QByteArray stateJson(TorvQueryBuilder& builder, const StateNotes& notes, JsonLay
         written = false;
         if (error.isEmpty()) error = raised.Message();
     }
-    JsonWriter json(layout);
-    json.beginObject();
     json.key("statement");
     if (written)
         json.value(statement);
@@ -171,6 +186,23 @@ QByteArray stateJson(TorvQueryBuilder& builder, const StateNotes& notes, JsonLay
     writeOrder(json.key("order"), builder.OrderPanel->sortList());
     writeTexts(json.key("selectedFields"), builder.SelectedFields().names());
     writeTexts(json.key("allFields"), builder.AllFields().names());
+}
+
+}  // namespace
+
+QByteArray stateJson(TorvQueryBuilder& builder, const StateNotes& notes, JsonLayout layout) {
+    JsonWriter json(layout);
+    json.beginObject();
+    writeState(json, builder, notes);
+    json.endObject();
+    return json.result();
+}
+
+QByteArray savedState(TorvQueryBuilder& builder) {
+    JsonWriter json(JsonLayout::Indented);
+    json.beginObject();
+    writeState(json, builder, {});
+    writeRestoringKeys(json, builder);
     json.endObject();
     return json.result();
 }

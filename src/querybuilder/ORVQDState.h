@@ -25,4 +25,11 @@ enum class JsonLayout { Indented, Compact };
 [[nodiscard]] ORV_EXPORT QByteArray stateJson(TorvQueryBuilder& builder, const StateNotes& notes,
                                               JsonLayout layout = JsonLayout::Indented);
 
+/// The same as RestoreState() needs it: behind the keys of stateJson(), without notes, what a
+/// reader of the picture does not miss. "creationOrder" are indices of the tables in the order in
+/// which they were made, "groupedColumns" the numbers of the output columns whose source stood in
+/// the loaded GROUP BY list, "sortedRows" the output column of each sort line, 0 for the first of
+/// its name.
+[[nodiscard]] ORV_EXPORT QByteArray savedState(TorvQueryBuilder& builder);
+
 }  // namespace orv

@@ -104,6 +104,14 @@ public:
     /// Empties the diagram and all pages.
     void Clear();
 
+    /// Everything that the control holds, as one JSON document in UTF-8: the statement and its
+    /// parts, the places of boxes and bend points. Properties and catalogues are not part of it.
+    [[nodiscard]] QByteArray SaveState();
+    /// Replaces everything by a saved state. No veto is asked, and the host is told by the ordinary
+    /// notifications. Raises orv::Error, with everything left as it was, when the text is no state,
+    /// names an operator that the catalogue has not, or contradicts itself.
+    void RestoreState(const QByteArray& json);
+
     /// Takes over what is being typed in an open editor.
     void CommitPendingEdits();
 
@@ -204,6 +212,7 @@ private:
     void loadTail(int tailStart, int tailEnd, int restStart);
     void settleHaving(const TorvQDParser& root);
     void compareClauses(const TorvQDParser& root);
+    void restoreNames(const QStringList& selected, const QStringList& all);
 
     orv::NameList m_selectedFields;
     orv::NameList m_allFields;

@@ -133,6 +133,14 @@ void TorvQDOrderPanel::ClearContents() {
     RefreshFields();
 }
 
+void TorvQDOrderPanel::setSortedLines(const std::vector<orv::SortList::Line>& lines) {
+    m_list.clear();
+    for (const orv::SortList::Line& line : lines) {
+        m_list.append(line.name, line.direction, line.row);
+    }
+    RefreshFields();
+}
+
 void TorvQDOrderPanel::_SelectItem() {
     const int line = selectedLine();
     const int lines = int(m_list.lines().size());

@@ -209,6 +209,11 @@ void TorvQDSelectGrid::ClearContents() {
     changed();
 }
 
+void TorvQDSelectGrid::setColumns(orv::OutputColumns columns) {
+    m_columns = std::move(columns);
+    changed();
+}
+
 // --- the panel ---
 
 TorvQDSelectPanel::TorvQDSelectPanel(QWidget* AOwner) : QWidget(AOwner) {

@@ -65,6 +65,8 @@ public:
     /// the node is another.
     void LoadSQL(const TorvQDParser& Node);
     void ClearContents();
+    /// Replaces all rows.
+    void setColumns(orv::OutputColumns columns);
 
     [[nodiscard]] orv::SelectTextRules textRules() const;
     /// Shows what changed; the query builder calls it once per change.
@@ -128,6 +130,8 @@ public:
     void RefreshFields();
 
     [[nodiscard]] const orv::SortList& sortList() const { return m_list; }
+    /// Replaces all sorted lines.
+    void setSortedLines(const std::vector<orv::SortList::Line>& lines);
 
     void _SelectItem();
     void _AddClick();

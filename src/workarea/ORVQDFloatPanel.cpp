@@ -119,6 +119,18 @@ TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataS
     if (!finalAlias.isEmpty() && finalAlias != box->TableName) box->SetAlias(finalAlias);
 
     ChangeScope change(m_owner, this);
+    TorvQDTable* table = adopt(std::move(box));
+    if (!self) return nullptr;
+    if (m_selected) m_selected->SetSelect(false);  // one that a handler added meanwhile
+    m_selected = table;
+    table->SetSelect(true);
+    ensureVisible(*table);
+    change.finish();
+    return self && indexOf(table) >= 0 ? table : nullptr;
+}
+
+// From here on the box is one of the diagram; those who want to know are told.
+TorvQDTable* TorvQDWorkArea::adopt(std::unique_ptr<TorvQDTable> box) {
     TorvQDTable* table = box.get();
     m_tables.insert(m_tables.begin(), std::move(box));
     m_creation.push_back(table);
@@ -129,12 +141,33 @@ TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataS
     updateScrollRange();
     m_owner->statementChanged();
     if (const TAddEvent handler = OnAddTable) handler(this, table);
-    if (m_selected) m_selected->SetSelect(false);  // one that a handler added meanwhile
-    m_selected = table;
-    table->SetSelect(true);
-    ensureVisible(*table);
-    change.finish();
-    return self && indexOf(table) >= 0 ? table : nullptr;
+    return table;
+}
+
+TorvQDTable* TorvQDWorkArea::restoreTable(const QString& name, const QString& alias,
+                                          const TDataSet& dataSet, const QRect& bounds) {
+    auto box = std::make_unique<TorvQDTable>(this, &dataSet, name);
+    box->TableName = name;
+    if (alias != name) box->SetAlias(alias);
+    if (bounds.isValid()) {
+        box->SetWidth(bounds.width());
+        box->SetHeight(bounds.height());
+        box->SetLeft(bounds.left());
+        box->SetTop(bounds.top());
+    } else {
+        placeTable(*box);
+    }
+    return adopt(std::move(box));
+}
+
+void TorvQDWorkArea::restack(const std::vector<TorvQDTable*>& frontToBack) {
+    QHash<const TorvQDTable*, int> places;
+    for (TorvQDTable* table : frontToBack) places.insert(table, int(places.size()));
+    std::stable_sort(m_tables.begin(), m_tables.end(), [&](const auto& a, const auto& b) {
+        return places.value(a.get()) < places.value(b.get());
+    });
+    m_owner->statementChanged();
+    viewport()->update();
 }
 
 // The name itself, or the name followed by the first free number.

@@ -67,6 +67,16 @@ public:
     /// data set makes a box without rows; an empty name raises orv::Error.
     TorvQDTable* AddPanel(const QString& TableName, const TDataSet* DataSet);
 
+    /// Adds a box as a saved query has it: FROM writes `name`, and `alias` is its effective alias.
+    /// Nobody is asked, it is put in front of all others and is not selected.
+    TorvQDTable* restoreTable(const QString& name, const QString& alias, const TDataSet& dataSet,
+                              const QRect& bounds);
+    /// Adds a join without links, which restoreLink is to give it. Nobody is asked.
+    TorvQDJoin* restoreJoin(TorvQDTable* table1, TorvQDTable* table2);
+    TorvQDLink* restoreLink(TorvQDJoin* join, TorvQDListItem* item1, TorvQDListItem* item2);
+    /// Puts the boxes in that stacking order; they are all there, each once.
+    void restack(const std::vector<TorvQDTable*>& frontToBack);
+
     /// Adds a link between two rows, in the join of their boxes, which is made when there is none;
     /// a second, identical link is not refused. None when the host does not allow it.
     TorvQDLink* AddLink(TorvQDTable* Table1, TorvQDTable* Table2, TorvQDListItem* Item1,
@@ -177,6 +187,9 @@ private:
 
     TorvQDTable* addTable(const QString& name, const TDataSet* dataSet, const QString& writtenName,
                           const QString& finalAlias);
+    TorvQDTable* adopt(std::unique_ptr<TorvQDTable> box);
+    void adopt(std::unique_ptr<TorvQDJoin> join);
+    TorvQDLink* adopt(std::unique_ptr<TorvQDLink> link);
     [[nodiscard]] QString freeAlias(const QString& processedName) const;
     void placeTable(TorvQDTable& table) const;
     void reroute(const TorvQDTable* table);

@@ -57,20 +57,38 @@ TorvQDLink* TorvQDWorkArea::AddLink(TorvQDTable* Table1, TorvQDTable* Table2, To
     const QPointer<TorvQDTable> second(Table2);
     if (!m_owner->DoAddRemoveLink(link.get(), araAdd) || !self || !first || !second) return nullptr;
     beginChange();
-    if (made) {
-        m_joinByPair.insert(pairOf(Table1, Table2), join);
-        m_joinsOfTable[Table1].push_back(join);
-        if (Table1 != Table2) m_joinsOfTable[Table2].push_back(join);
-        m_joins.push_back(std::move(made));
-    }
+    if (made) adopt(std::move(made));
+    TorvQDLink* added = adopt(std::move(link));
+    if (self) endChange();
+    return self ? added : nullptr;
+}
+
+void TorvQDWorkArea::adopt(std::unique_ptr<TorvQDJoin> join) {
+    m_joinByPair.insert(pairOf(join->Table1, join->Table2), join.get());
+    m_joinsOfTable[join->Table1].push_back(join.get());
+    if (join->Table1 != join->Table2) m_joinsOfTable[join->Table2].push_back(join.get());
+    m_joins.push_back(std::move(join));
+}
+
+// From here on the link is one of the diagram; those who want to know are told.
+TorvQDLink* TorvQDWorkArea::adopt(std::unique_ptr<TorvQDLink> link) {
     TorvQDLink* added = link.get();
-    m_linksOfJoin[join].push_back(added);
+    m_linksOfJoin[added->Join].push_back(added);
     m_links.push_back(std::move(link));
     invalidate(TRect::fromQRect(added->GetClipRgn(0).boundingRect()));
     m_owner->statementChanged();
     if (const TAddEvent handler = OnAddLink) handler(this, added);
-    endChange();
     return added;
+}
+
+TorvQDJoin* TorvQDWorkArea::restoreJoin(TorvQDTable* table1, TorvQDTable* table2) {
+    adopt(std::make_unique<TorvQDJoin>(this, table1, table2));
+    return m_joins.back().get();
+}
+
+TorvQDLink* TorvQDWorkArea::restoreLink(TorvQDJoin* join, TorvQDListItem* item1,
+                                        TorvQDListItem* item2) {
+    return adopt(std::make_unique<TorvQDLink>(this, join, item1, item2));
 }
 
 void TorvQDWorkArea::RemoveLink(TorvQDLink* Link, bool Invalidate) {

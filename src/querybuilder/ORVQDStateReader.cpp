@@ -1,0 +1,287 @@
+// SPDX-License-Identifier: MIT
+#include "querybuilder/ORVQDStateReader.h"
+
+#include "core/Error.h"
+#include "core/Text.h"
+
+#include <QHash>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QJsonValue>
+#include <QSet>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace orv {
+
+namespace {
+
+[[noreturn]] void fail(const QString& path, const QString& what) {
+    throw Error(QStringLiteral("The state cannot be restored: %1 %2")
+                    .arg(path.isEmpty() ? QStringLiteral("the text") : path, what));
+}
+
+/// A value of the document and the place where it stands, for messages.
+class Value {
+public:
+    Value(QJsonValue value, QString path) : m_value(std::move(value)), m_path(std::move(path)) {}
+
+    [[nodiscard]] bool isMissing() const { return m_value.isUndefined() || m_value.isNull(); }
+    [[nodiscard]] const QString& path() const { return m_path; }
+
+    [[nodiscard]] Value key(const char* name) const {
+        const QString word = QString::fromLatin1(name);
+        if (!m_value.isObject()) fail(m_path, QStringLiteral("is no object"));
+        return {m_value.toObject().value(word), m_path.isEmpty() ? word : m_path + u'.' + word};
+    }
+
+    [[nodiscard]] std::vector<Value> items() const {
+        std::vector<Value> values;
+        if (isMissing()) return values;
+        if (!m_value.isArray()) fail(m_path, QStringLiteral("is no list"));
+        const QJsonArray array = m_value.toArray();
+        values.reserve(std::size_t(array.size()));
+        for (const QJsonValue& item : array) {
+            values.emplace_back(item, QStringLiteral("%1[%2]").arg(m_path).arg(values.size()));
+        }
+        return values;
+    }
+
+    [[nodiscard]] QString text() const {
+        if (!m_value.isString()) fail(m_path, QStringLiteral("is no text"));
+        return m_value.toString();
+    }
+    [[nodiscard]] QString textOr(const QString& other) const {
+        return isMissing() ? other : text();
+    }
+
+    [[nodiscard]] bool flagOr(bool other) const {
+        if (isMissing()) return other;
+        if (!m_value.isBool()) fail(m_path, QStringLiteral("is neither true nor false"));
+        return m_value.toBool();
+    }
+
+    [[nodiscard]] int number() const {
+        constexpr int largest = 1000000;  // far beyond any diagram, and safe to add up
+        const double value = m_value.toDouble(std::numeric_limits<double>::quiet_NaN());
+        if (std::isnan(value) || value != std::floor(value) || std::abs(value) > largest) {
+            fail(m_path, QStringLiteral("is no whole number from -%1 to %1").arg(largest));
+        }
+        return int(value);
+    }
+
+    [[nodiscard]] QStringList texts() const {
+        QStringList list;
+        for (const Value& item : items()) list << item.text();
+        return list;
+    }
+
+    [[nodiscard]] std::vector<int> numbers() const {
+        std::vector<int> list;
+        for (const Value& item : items()) list.push_back(item.number());
+        return list;
+    }
+
+    /// The texts of a list of that many.
+    [[nodiscard]] QStringList texts(int count) const {
+        const QStringList list = texts();
+        if (list.size() != count) fail(m_path, QStringLiteral("has not %1 texts").arg(count));
+        return list;
+    }
+
+private:
+    QJsonValue m_value;
+    QString m_path;
+};
+
+QueryState::Table readTable(const Value& value) {
+    QueryState::Table table;
+    table.name = value.key("name").text();
+    if (isBlank(table.name)) fail(value.path(), QStringLiteral("has no name"));
+    table.alias = value.key("alias").textOr(table.name);
+    if (value.key("procedure").flagOr(false)) {
+        fail(value.path(), QStringLiteral("is a procedure, which is not held yet"));
+    }
+    const std::vector<int> bounds = value.key("bounds").numbers();
+    if (bounds.size() == 4) {
+        table.bounds = {bounds[0], bounds[1], bounds[2], bounds[3]};
+    } else if (!bounds.empty()) {
+        fail(value.path(), QStringLiteral("has bounds that are not four numbers"));
+    }
+    for (const Value& field : value.key("fields").items()) {
+        const QString type = field.key("type").textOr(QString());
+        const auto known = fieldTypeFromDisplayName(type);
+        if (!known) fail(field.path(), QStringLiteral("has an unknown type: ") + type);
+        const QString name = field.key("name").text();
+        if (name.isEmpty()) fail(field.path(), QStringLiteral("has no name"));
+        table.fields.FieldDefs.push_back({name, *known});
+        table.checked.push_back(field.key("checked").flagOr(false));
+    }
+    table.collapsed = value.key("collapsed").flagOr(false);
+    if (!value.key("firstRow").isMissing()) table.firstRow = value.key("firstRow").number();
+    return table;
+}
+
+QueryState::Join readJoin(const Value& value) {
+    QueryState::Join join;
+    const QString kind = value.key("kind").text();
+    const auto known = joinKindFromIdentifier(kind);
+    if (!known) fail(value.path(), QStringLiteral("has an unknown kind: ") + kind);
+    join.kind = *known;
+    join.table1 = value.key("table1").text();
+    join.table2 = value.key("table2").text();
+    join.text = value.key("text").textOr(QString());
+    return join;
+}
+
+QueryState::Link readLink(const Value& value) {
+    QueryState::Link link;
+    link.table1 = value.key("table1").text();
+    link.field1 = value.key("field1").text();
+    link.operation = value.key("operator").text();
+    link.table2 = value.key("table2").text();
+    link.field2 = value.key("field2").text();
+    for (const Value& point : value.key("points").items()) {
+        const std::vector<int> numbers = point.numbers();
+        if (numbers.size() != 2) fail(point.path(), QStringLiteral("is no point"));
+        link.points.emplace_back(numbers[0], numbers[1]);
+    }
+    return link;
+}
+
+QueryState::Row readRow(const Value& value) {
+    QueryState::Row row;
+    row.group = value.key("group").textOr(QString());
+    if (!row.group.isEmpty()) {
+        for (const Value& item : value.key("rows").items()) row.rows.push_back(readRow(item));
+        return row;
+    }
+    row.func = value.key("func").textOr(QString());
+    row.field = value.key("field").textOr(QString());
+    row.operation = value.key("operator").textOr(QString());
+    row.argFunc = value.key("argFunc").textOr(QString());
+    row.arguments = value.key("arguments").texts();
+    return row;
+}
+
+QueryState::Row readRoot(const Value& value) {
+    if (value.isMissing()) return {QStringLiteral("All"), {}, {}, {}, {}, {}, {}};
+    QueryState::Row root = readRow(value);
+    if (root.group.isEmpty()) fail(value.path(), QStringLiteral("is no group"));
+    return root;
+}
+
+// Without a list of their own the fields of all boxes tell the order in which these were made: they
+// are listed box by box. Boxes without fields come last.
+std::vector<int> impliedCreationOrder(const QueryState& state) {
+    const int count = int(state.tables.size());
+    QHash<QString, std::vector<int>> tablesOf;  // by alias
+    for (int index = 0; index < count; ++index) {
+        tablesOf[state.tables[std::size_t(index)].alias].push_back(index);
+    }
+    std::vector<int> order;
+    const auto take = [&](const QString& alias) {
+        for (const int index : tablesOf.take(alias)) order.push_back(index);
+    };
+    for (const QString& name : state.allFields) take(splitQualifiedName(name).alias);
+    for (int index = count - 1; index >= 0; --index) take(state.tables[std::size_t(index)].alias);
+    return order;
+}
+
+std::vector<int> readCreationOrder(const Value& value, const QueryState& state) {
+    const int count = int(state.tables.size());
+    std::vector<int> order = value.numbers();
+    if (order.empty()) return impliedCreationOrder(state);
+    std::vector<int> sorted = order;
+    std::sort(sorted.begin(), sorted.end());
+    bool isComplete = int(sorted.size()) == count;
+    for (int index = 0; isComplete && index < count; ++index) {
+        isComplete = sorted[std::size_t(index)] == index;
+    }
+    if (!isComplete) fail(value.path(), QStringLiteral("does not name each table once"));
+    return order;
+}
+
+void readColumns(const Value& root, QueryState& state) {
+    for (const Value& column : root.key("columns").items()) {
+        const QStringList texts = column.texts(3);
+        state.columns.push_back({texts[0], texts[1], texts[2]});
+    }
+    const Value grouped = root.key("groupedColumns");
+    for (const int row : grouped.numbers()) {
+        if (row < 1 || row > int(state.columns.size())) {
+            fail(grouped.path(), QStringLiteral("names no output column"));
+        }
+        state.columns[std::size_t(row - 1)].grouped = true;
+    }
+}
+
+void readOrder(const Value& root, QueryState& state) {
+    for (const Value& line : root.key("order").items()) {
+        const QStringList texts = line.texts(2);
+        if (texts[1] != ascendingText() && texts[1] != descendingText()) {
+            fail(line.path(), QStringLiteral("has an unknown direction: ") + texts[1]);
+        }
+        state.order.push_back({texts[0], texts[1]});
+    }
+    const Value rows = root.key("sortedRows");
+    const std::vector<int> numbers = rows.numbers();
+    if (numbers.empty()) return;
+    if (numbers.size() != state.order.size()) {
+        fail(rows.path(), QStringLiteral("is not as long as the order"));
+    }
+    for (std::size_t line = 0; line < numbers.size(); ++line) state.order[line].row = numbers[line];
+}
+
+// Joins and links name tables that are there.
+void checkReferences(const QueryState& state) {
+    QSet<QString> aliases;
+    for (const QueryState::Table& table : state.tables) aliases.insert(table.alias);
+    const auto check = [&](const char* list, std::size_t index, const QString& alias) {
+        if (aliases.contains(alias)) return;
+        fail(QStringLiteral("%1[%2]").arg(QString::fromLatin1(list)).arg(index),
+             QStringLiteral("names an unknown table: ") + alias);
+    };
+    for (std::size_t index = 0; index < state.joins.size(); ++index) {
+        check("joins", index, state.joins[index].table1);
+        check("joins", index, state.joins[index].table2);
+    }
+    for (std::size_t index = 0; index < state.links.size(); ++index) {
+        check("links", index, state.links[index].table1);
+        check("links", index, state.links[index].table2);
+    }
+}
+
+}  // namespace
+
+QueryState readState(const QByteArray& json) {
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(json, &error);
+    if (error.error != QJsonParseError::NoError) {
+        fail(
+            {},
+            QStringLiteral("is no JSON: %1 at byte %2").arg(error.errorString()).arg(error.offset));
+    }
+    if (!document.isObject()) fail({}, QStringLiteral("is no object"));
+    const Value root(document.object(), {});
+    QueryState state;
+    for (const Value& table : root.key("tables").items()) state.tables.push_back(readTable(table));
+    for (const Value& join : root.key("joins").items()) state.joins.push_back(readJoin(join));
+    for (const Value& link : root.key("links").items()) state.links.push_back(readLink(link));
+    state.where = readRoot(root.key("where"));
+    state.having = readRoot(root.key("having"));
+    state.distinct = root.key("distinct").flagOr(false);
+    state.tail = root.key("tail").textOr(QString());
+    readColumns(root, state);
+    readOrder(root, state);
+    state.selectedFields = root.key("selectedFields").texts();
+    state.allFields = root.key("allFields").texts();
+    state.creationOrder = readCreationOrder(root.key("creationOrder"), state);
+    checkReferences(state);
+    return state;
+}
+
+}  // namespace orv

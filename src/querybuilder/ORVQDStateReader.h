@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "core/TRect.h"
+#include "data/DataSet.h"
+#include "diagram/ORVQDLinks.h"
+#include "selection/ORVQDSelectColumns.h"
+#include "selection/ORVQDSortList.h"
+
+#include <QByteArray>
+#include <QPoint>
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+namespace orv {
+
+/// A saved query as plain values: what a state file says, checked for its form.
+struct QueryState {
+    struct Table {
+        QString name;   ///< as FROM writes it
+        QString alias;  ///< effective alias
+        QRect bounds;
+        TDataSet fields;
+        std::vector<bool> checked;  ///< by field
+        bool collapsed = false;
+        int firstRow = 0;
+    };
+    struct Join {
+        TKindOfJoin kind = klInnerJoin;
+        QString table1;
+        QString table2;
+        QString text;
+    };
+    struct Link {
+        QString table1;
+        QString field1;
+        QString operation;
+        QString table2;
+        QString field2;
+        std::vector<QPoint> points;
+    };
+    /// A condition row, or a group when `group` is not empty.
+    struct Row {
+        QString group;
+        std::vector<Row> rows;
+        QString func;
+        QString field;
+        QString operation;
+        QString argFunc;
+        QStringList arguments;
+    };
+
+    std::vector<Table> tables;       ///< front-most first
+    std::vector<int> creationOrder;  ///< indices of `tables`
+    std::vector<Join> joins;
+    std::vector<Link> links;
+    Row where;
+    Row having;
+    bool distinct = false;
+    QString tail;
+    OutputColumns columns;
+    std::vector<SortList::Line> order;
+    QStringList selectedFields;
+    QStringList allFields;
+};
+
+/// Reads a state that stateJson() wrote. Keys that are missing stand for nothing of their kind;
+/// keys that are not known are passed over. Raises orv::Error, naming the place, when the text is
+/// no JSON or a value is not of the kind that belongs there.
+[[nodiscard]] ORV_EXPORT QueryState readState(const QByteArray& json);
+
+}  // namespace orv

@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: MIT
+// The query builder's state, saved and restored as a whole.
+#include "contract/ChangeScope.h"
+#include "core/Error.h"
+#include "core/Text.h"
+#include "criteria/ORVQDWherePanel.h"
+#include "data/ProcessName.h"
+#include "querybuilder/ORVQDState.h"
+#include "querybuilder/ORVQDStateReader.h"
+#include "querybuilder/ORVQDWindow.h"
+#include "selection/ORVQDSelectOrder.h"
+#include "workarea/ORVQDFloatPanel.h"
+
+#include <QHash>
+#include <QSet>
+#include <QThread>
+
+namespace {
+
+[[noreturn]] void fail(const QString& what) {
+    throw orv::Error(QStringLiteral("The state cannot be restored: ") + what);
+}
+
+/// The boxes, joins and links of a state, put on an empty diagram.
+class DiagramRestorer {
+public:
+    DiagramRestorer(TorvQDWorkArea& area, const orv::QueryState& state)
+        : m_area(area), m_state(state) {}
+
+    void restore() {
+        std::vector<TorvQDTable*> frontToBack(m_state.tables.size());
+        for (const int index : m_state.creationOrder) {
+            const orv::QueryState::Table& saved = m_state.tables[std::size_t(index)];
+            TorvQDTable* box =
+                m_area.restoreTable(saved.name, saved.alias, saved.fields, saved.bounds);
+            for (std::size_t field = 0; field < saved.checked.size(); ++field) {
+                if (saved.checked[field]) box->Items[field]->UpdateCheck(-1);
+            }
+            box->SetFirstVisibleItem(saved.firstRow);
+            if (saved.collapsed) box->SetExpand(0);
+            frontToBack[std::size_t(index)] = box;
+        }
+        m_area.restack(frontToBack);
+        for (const orv::QueryState::Join& saved : m_state.joins) restoreJoin(saved);
+        for (const orv::QueryState::Link& saved : m_state.links) restoreLink(saved);
+    }
+
+private:
+    void restoreJoin(const orv::QueryState::Join& saved) {
+        TorvQDJoin* join =
+            m_area.restoreJoin(m_area.GetTable(saved.table1), m_area.GetTable(saved.table2));
+        join->KindOfJoin = saved.kind;
+        join->Text = saved.text;
+    }
+
+    void restoreLink(const orv::QueryState::Link& saved) {
+        TorvQDTable* table1 = m_area.GetTable(saved.table1);
+        TorvQDTable* table2 = m_area.GetTable(saved.table2);
+        bool reversed = false;
+        TorvQDJoin* join = m_area.FindJoin(table1, table2, reversed);
+        TorvQDLink* link = m_area.restoreLink(join, table1->GetFieldItem(saved.field1),
+                                              table2->GetFieldItem(saved.field2));
+        link->setOperatorText(saved.operation);
+        if (!saved.points.empty()) link->setBendPoints(saved.points);
+    }
+
+    TorvQDWorkArea& m_area;
+    const orv::QueryState& m_state;
+};
+
+// What would only show half way is looked for before anything is cleared: a link without its join
+// or its fields, a join without a link.
+void checkDiagram(const orv::QueryState& state) {
+    QHash<QString, QSet<QString>> fieldsOf;  // of the front-most box of an alias, in upper case
+    for (const auto& table : state.tables) {
+        if (fieldsOf.contains(table.alias)) continue;
+        QSet<QString>& fields = fieldsOf[table.alias];
+        for (const TFieldDef& field : table.fields.FieldDefs) {
+            fields.insert(ProcessName(field.Name).toUpper());
+        }
+    }
+    const auto checkField = [&](const QString& alias, const QString& field) {
+        if (fieldsOf.value(alias).contains(field.toUpper())) return;
+        fail(QStringLiteral("a link names the unknown field %1 of %2").arg(field, alias));
+    };
+    QHash<std::pair<QString, QString>, int> linksOf;
+    for (const auto& join : state.joins) {
+        const bool isSecond = linksOf.contains({join.table1, join.table2}) ||
+                              linksOf.contains({join.table2, join.table1});
+        if (isSecond) {
+            fail(QStringLiteral("two joins between %1 and %2").arg(join.table1, join.table2));
+        }
+        linksOf.insert({join.table1, join.table2}, 0);
+    }
+    for (const auto& link : state.links) {
+        const auto found = linksOf.find({link.table1, link.table2});
+        if (found == linksOf.end()) {
+            fail(QStringLiteral("a link without a join between %1 and %2")
+                     .arg(link.table1, link.table2));
+        }
+        ++found.value();
+        checkField(link.table1, link.field1);
+        checkField(link.table2, link.field2);
+    }
+    for (auto links = linksOf.constBegin(); links != linksOf.constEnd(); ++links) {
+        if (links.value() > 0) continue;
+        fail(QStringLiteral("a join without a link between %1 and %2")
+                 .arg(links.key().first, links.key().second));
+    }
+}
+
+/// Condition rows of a state, put into a panel.
+class ConditionRestorer {
+public:
+    ConditionRestorer(const TGroupOperators& groups, const TOperatorList& operators)
+        : m_groups(groups), m_operators(operators) {}
+
+    void check(const orv::QueryState::Row& saved) const {
+        if (saved.group.isEmpty()) {
+            const TOperatorList::Entry entry = operatorOf(saved);
+            if (saved.arguments.size() > orv::operandCount(entry)) {
+                fail(QStringLiteral("too many operands for the operator ") + saved.operation);
+            }
+            return;
+        }
+        if (!orv::findGroupOperator(m_groups, saved.group)) {
+            fail(QStringLiteral("an unknown group operator: ") + saved.group);
+        }
+        for (const orv::QueryState::Row& row : saved.rows) check(row);
+    }
+
+    void fill(TorvQDWhereRow& row, const orv::QueryState::Row& saved) const {
+        if (!saved.group.isEmpty()) {
+            row.SetGroupOper(saved.group);
+            for (const orv::QueryState::Row& sub : saved.rows) fill(*row.SubRows->AddRow(), sub);
+            return;
+        }
+        row.setOperator(operatorOf(saved));
+        row.FieldFunc = filled(saved.func);
+        row.FieldName = filled(saved.field);
+        row.ArgFunc = filled(saved.argFunc);
+        for (qsizetype index = 0; index < saved.arguments.size(); ++index) {
+            row.Arguments[index] = filled(saved.arguments[index]);
+        }
+    }
+
+private:
+    [[nodiscard]] TOperatorList::Entry operatorOf(const orv::QueryState::Row& saved) const {
+        if (saved.operation.isEmpty()) return orv::expressionOperator();
+        const TOperatorList::Entry entry = m_operators.FindName(saved.operation);
+        if (!entry) fail(QStringLiteral("an unknown operator: ") + saved.operation);
+        return entry;
+    }
+    static QString filled(const QString& text) { return text.isEmpty() ? orv::blankText() : text; }
+
+    const TGroupOperators& m_groups;
+    const TOperatorList& m_operators;
+};
+
+}  // namespace
+
+QByteArray TorvQueryBuilder::SaveState() {
+    Q_ASSERT(thread() == QThread::currentThread());
+    return orv::savedState(*this);
+}
+
+void TorvQueryBuilder::RestoreState(const QByteArray& json) {
+    Q_ASSERT(thread() == QThread::currentThread());
+    refuseWhileBusy();
+    if (!WorkArea) return;
+    const orv::QueryState state = orv::readState(json);
+    const ConditionRestorer conditions(GroupOpers, *Operators);
+    conditions.check(state.where);
+    conditions.check(state.having);
+    checkDiagram(state);
+    ChangeScope change(this, this);
+    clearAll();
+    DiagramRestorer(*WorkArea, state).restore();
+    conditions.fill(*WherePanel->rootRow(), state.where);
+    conditions.fill(*HavingPanel->rootRow(), state.having);
+    SelectPanel->SetDistinct(state.distinct ? -1 : 0);
+    SelectPanel->grid()->setColumns(state.columns);
+    OrderPanel->setSortedLines(state.order);
+    m_tail = state.tail;
+    restoreNames(state.selectedFields, state.allFields);
+    change.finish();
+}
+
+// Renaming by prefix may have changed entries that no box explains: the lists come back as they
+// were.
+void TorvQueryBuilder::restoreNames(const QStringList& selected, const QStringList& all) {
+    for (const QString& name : selected) {
+        m_selectedFields.append(name);
+        if (orv::firstFullStop(name) >= 0) continue;
+        if (const TorvQDListItem* item = resolveItem(name)) m_bareNames.insert(item, name);
+    }
+    if (all.isEmpty()) return;
+    m_allFields.clear();
+    for (const QString& name : all) m_allFields.append(name);
+}
