@@ -101,6 +101,11 @@ public:
     /// text. Empty: the statement that is written asks for the same rows as the loaded one.
     [[nodiscard]] const orv::Findings& LoadReport() const { return m_report; }
 
+    /// What is wrong with the present state, though it can be written: conditions that are not
+    /// filled in, names of what is gone, tables that nothing links and the like. Findings have the
+    /// shape of LoadReport()'s, without positions.
+    [[nodiscard]] orv::Findings Validate();
+
     /// Empties the diagram and all pages.
     void Clear();
 

@@ -8,6 +8,7 @@
 #include "parser/ORVQDNormalise.h"
 #include "parser/ORVQDParser.h"
 #include "querybuilder/ORVQDStatement.h"
+#include "querybuilder/ORVQDValidate.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
 #include "toolkit/Services.h"
@@ -98,6 +99,11 @@ QString TorvQueryBuilder::GetSQLStatment() {
     clauses.orderBy = OrderPanel->GetSQLStatment();
     clauses.tail = m_tail;
     return orv::assembleStatement(clauses);
+}
+
+orv::Findings TorvQueryBuilder::Validate() {
+    Q_ASSERT(thread() == QThread::currentThread());
+    return WorkArea ? orv::validate(*this) : orv::Findings();
 }
 
 // --- clearing ---

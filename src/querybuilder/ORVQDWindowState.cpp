@@ -15,6 +15,8 @@
 #include <QSet>
 #include <QThread>
 
+#include <algorithm>
+
 namespace {
 
 [[noreturn]] void fail(const QString& what) {
@@ -36,7 +38,7 @@ public:
             for (std::size_t field = 0; field < saved.checked.size(); ++field) {
                 if (saved.checked[field]) box->Items[field]->UpdateCheck(-1);
             }
-            box->SetFirstVisibleItem(saved.firstRow);
+            if (saved.firstRow != 0) box->SetFirstVisibleItem(std::max(0, saved.firstRow));
             if (saved.collapsed) box->SetExpand(0);
             frontToBack[std::size_t(index)] = box;
         }

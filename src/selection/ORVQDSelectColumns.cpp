@@ -55,20 +55,27 @@ bool callsAggregate(const QString& source, const QStringList& aggregates) {
     return false;
 }
 
-QString columnText(const OutputColumn& column, const SelectTextRules& rules) {
-    const QString source = orvTrim(column.source);
-    QString text = source;
-    if (!isBlank(column.aggregate)) {
-        text = orvTrim(column.aggregate) + QStringLiteral("( ") + source + QStringLiteral(" )");
-    }
+QString writtenOutputName(const OutputColumn& column, const SelectTextRules& rules) {
     const QString name = orvTrim(column.name);
     const bool isImplied = column.name == createFieldName(QString(), column.source);
     // Only a field or constant alone gets its own name from every database.
-    const bool keepsName = rules.keepMeaning && (!isBlank(column.aggregate) || !isOneToken(source));
-    if (name.isEmpty() || (isImplied && !keepsName)) return text;
-    const bool quotes = rules.keepMeaning && !isPlainIdentifier(name) && !isQuotedName(name) &&
-                        !name.startsWith(u'\'');
-    return text + QStringLiteral(" AS ") + (quotes ? quotedName(name) : name);
+    const bool keepsName =
+        rules.keepMeaning && (!isBlank(column.aggregate) || !isOneToken(orvTrim(column.source)));
+    if (name.isEmpty() || (isImplied && !keepsName)) return {};
+    return rules.keepMeaning && !isValidOutputName(name) ? quotedName(name) : name;
+}
+
+bool isValidOutputName(const QString& name) {
+    return isPlainIdentifier(name) || isQuotedName(name) || name.startsWith(u'\'');
+}
+
+QString columnText(const OutputColumn& column, const SelectTextRules& rules) {
+    QString text = orvTrim(column.source);
+    if (!isBlank(column.aggregate)) {
+        text = orvTrim(column.aggregate) + QStringLiteral("( ") + text + QStringLiteral(" )");
+    }
+    const QString name = writtenOutputName(column, rules);
+    return name.isEmpty() ? text : text + QStringLiteral(" AS ") + name;
 }
 
 bool isAggregated(const OutputColumns& columns, const SelectTextRules& rules) {

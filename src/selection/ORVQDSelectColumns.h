@@ -44,6 +44,13 @@ struct SelectTexts {
 /// window.
 [[nodiscard]] ORV_EXPORT bool callsAggregate(const QString& source, const QStringList& aggregates);
 
+/// The name behind AS; empty when none is written.
+[[nodiscard]] ORV_EXPORT QString writtenOutputName(const OutputColumn& column,
+                                                   const SelectTextRules& rules);
+
+/// Whether a name can stand behind AS: an identifier, or a name in quotes.
+[[nodiscard]] ORV_EXPORT bool isValidOutputName(const QString& name);
+
 /// The text of one column as the select list has it.
 [[nodiscard]] ORV_EXPORT QString columnText(const OutputColumn& column,
                                             const SelectTextRules& rules);

@@ -114,6 +114,8 @@ public:
     /// Removes everything at once; tells and asks nobody.
     void ClearContents();
 
+    /// How each join comes out in the FROM clause, in the order of Joins().
+    [[nodiscard]] std::vector<orv::JoinPlace> joinPlaces() const;
     /// The body of the FROM clause, without the keyword; lines end with CR LF.
     [[nodiscard]] QString GetSQLStatment() const;
     /// Rebuilds the diagram from a FROM node. Raises orv::Error when the node is another, the host
@@ -196,7 +198,6 @@ private:
     void dropJoin(TorvQDJoin* join);
     [[nodiscard]] bool createdBefore(const TorvQDTable* first, const TorvQDTable* second) const;
     [[nodiscard]] orv::FromDiagram fromDiagram() const;
-    [[nodiscard]] std::vector<orv::JoinPlace> joinPlaces() const;
     [[nodiscard]] QString writeFrom(std::vector<orv::JoinPlace>* places) const;
     void forget(TorvQDFloatObject* object);
     void bury(std::unique_ptr<QObject> object);

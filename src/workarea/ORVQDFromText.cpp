@@ -105,7 +105,7 @@ private:
         const int to = fromFirst ? join.table2 : join.table1;
         const bool again = m_tableUsed[std::size_t(to)];
         m_tableUsed[std::size_t(to)] = true;
-        m_joinPlaces[std::size_t(index)] = {!fromFirst, again};
+        m_joinPlaces[std::size_t(index)] = {!fromFirst, again, !again};
         const FromTable& table = m_diagram.tables[std::size_t(to)];
         const TKindOfJoin kind = fromFirst ? join.kind : mirrored(join.kind);
         m_item += crLf + joinIndent + joinWords(kind) + u' ' +
@@ -154,6 +154,7 @@ public:
 
 private:
     struct Line {
+        TKindOfJoin kind;
         QString head;
         QStringList conditions;
     };
@@ -175,14 +176,17 @@ private:
         const bool closesCycle = place1 >= 0 && place2 >= 0;
         const bool fromFirst = place2 < 0 || (closesCycle && place1 <= place2);
         const int to = fromFirst ? join.table2 : join.table1;
-        m_joinPlaces[std::size_t(index)] = {!fromFirst, closesCycle};
         if (!closesCycle) {
             const TKindOfJoin kind = fromFirst ? join.kind : mirrored(join.kind);
             m_lines.push_back(
-                {joinIndent + joinWords(kind) + u' ' + withAlias(m_diagram.tables[std::size_t(to)]),
+                {kind,
+                 joinIndent + joinWords(kind) + u' ' + withAlias(m_diagram.tables[std::size_t(to)]),
                  {}});
         }
         const int line = closesCycle ? m_lineOf[to] : int(m_lines.size()) - 1;
+        const bool inner =
+            line >= 0 && join.kind == klInnerJoin && m_lines[std::size_t(line)].kind == klInnerJoin;
+        m_joinPlaces[std::size_t(index)] = {!fromFirst, closesCycle, !closesCycle || inner};
         if (line >= 0) addConditions(m_lines[std::size_t(line)], join, fromFirst);
         if (!closesCycle) bringIn(to);
     }

@@ -44,6 +44,7 @@ struct FromDiagram {
 struct JoinPlace {
     bool swapped = false;      ///< its second table stands on the left
     bool closesCycle = false;  ///< both tables were written before
+    bool keepsMeaning = true;  ///< false for a circle that is not of inner joins alone
 };
 
 /// The body of the clause: each table that no earlier one reaches begins an item of the comma list,

@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: MIT
+#include "querybuilder/ORVQDValidate.h"
+
+#include "core/Error.h"
+#include "core/Text.h"
+#include "criteria/ORVQDWherePanel.h"
+#include "parser/ORVQDExpressions.h"
+#include "parser/ORVQDTokens.h"
+#include "querybuilder/ORVQDWindow.h"
+#include "selection/ORVQDSelectOrder.h"
+#include "workarea/ORVQDFloatPanel.h"
+
+#include <QHash>
+#include <QSet>
+
+#include <functional>
+#include <numeric>
+
+namespace orv {
+
+namespace {
+
+/// Calls `visit` with each name of the text that is qualified by a table; what stands in a
+/// sub-query may mean tables of its own and is passed over.
+void visitQualifiedNames(const QString& text, const std::function<void(const QString&)>& visit) {
+    const SqlTokens tokens = tokenise(text);
+    const TokenRun run(text, tokens.data(), tokens.data() + tokens.size());
+    for (int index = 0; index < run.size();) {
+        const bool isSubQuery = run[index].kind == SqlToken::Open && index + 1 < run.size() &&
+                                run.is(index + 1, u"SELECT");
+        if (isSubQuery || run.is(index, u"SELECT")) {
+            index = isSubQuery ? run.behindBracket(index) : run.size();
+            continue;
+        }
+        const bool isCall = index + 1 < run.size() && run[index + 1].kind == SqlToken::Open;
+        const QString word = run.textOf(index).toString();
+        if (run[index].kind == SqlToken::Word && !isCall && firstFullStop(word) >= 0) visit(word);
+        ++index;
+    }
+}
+
+/// Which tables hang together, by their numbers.
+class Components {
+public:
+    explicit Components(int count) : m_parent(std::size_t(count)) {
+        std::iota(m_parent.begin(), m_parent.end(), 0);
+    }
+    int find(int element) {
+        while (m_parent[std::size_t(element)] != element) {
+            int& parent = m_parent[std::size_t(element)];
+            parent = m_parent[std::size_t(parent)];
+            element = parent;
+        }
+        return element;
+    }
+    void unite(int a, int b) { m_parent[std::size_t(find(b))] = find(a); }
+
+private:
+    std::vector<int> m_parent;
+};
+
+class Validator {
+public:
+    explicit Validator(TorvQueryBuilder& builder) : m_builder(builder) {}
+
+    Findings validate() {
+        checkTables();
+        checkJoins();
+        checkColumns();
+        checkRows(*m_builder.WherePanel->rootRow(), QString());
+        checkRows(*m_builder.HavingPanel->rootRow(), QString());
+        checkWriting();
+        checkTail();
+        return std::move(m_findings);
+    }
+
+private:
+    void report(const QString& text, const QString& what) {
+        m_findings.push_back({0, 0, text, what});
+    }
+
+    // --- the diagram ---
+
+    void checkTables() {
+        const std::vector<TorvQDTable*>& tables = m_builder.WorkArea->tablesByCreation();
+        Components components(int(tables.size()));
+        for (int index = 0; index < int(tables.size()); ++index) {
+            m_numbers.insert(tables[std::size_t(index)], index);
+        }
+        for (const auto& join : m_builder.WorkArea->Joins()) {
+            components.unite(m_numbers.value(join->Table1), m_numbers.value(join->Table2));
+        }
+        uniteByConditions(*m_builder.WherePanel->rootRow(), components);
+        QHash<int, QStringList> aliases;
+        std::vector<int> order;
+        for (int index = 0; index < int(tables.size()); ++index) {
+            const int component = components.find(index);
+            if (!aliases.contains(component)) order.push_back(component);
+            aliases[component] << tables[std::size_t(index)]->GetAlias();
+        }
+        for (std::size_t index = 1; index < order.size(); ++index) {
+            report(aliases.value(order[index]).join(QStringLiteral(", ")),
+                   QStringLiteral("Nothing links this with the other tables: each of its rows is "
+                                  "combined with each of theirs."));
+        }
+    }
+
+    // A condition that names two tables links them as a join does.
+    void uniteByConditions(const TorvQDWhereRow& row, Components& components) {
+        for (int index = 0; index < row.SubRows->GetCount(); ++index) {
+            uniteByConditions(*row.SubRows->Row(index), components);
+        }
+        if (row.isGroup()) return;
+        int first = -1;
+        const auto see = [&](const QString& text) {
+            const std::optional<PageField> field = m_builder.resolveField(text);
+            if (!field) return;
+            const int number = m_numbers.value(m_builder.WorkArea->GetTable(field->alias));
+            if (first < 0) first = number;
+            components.unite(first, number);
+        };
+        for (const QString& text : row.Arguments + QStringList(row.FieldName)) {
+            if (isFieldName(text)) {
+                see(text);
+            } else {
+                visitQualifiedNames(text, see);
+            }
+        }
+    }
+
+    void checkJoins() {
+        const std::vector<JoinPlace> places = m_builder.WorkArea->joinPlaces();
+        const auto& joins = m_builder.WorkArea->Joins();
+        for (std::size_t index = 0; index < joins.size(); ++index) {
+            const TorvQDJoin& join = *joins[index];
+            const QString text = join.Table1->GetAlias() + u' ' + joinWords(join.KindOfJoin) +
+                                 u' ' + join.Table2->GetAlias();
+            checkNames(join.Text);
+            if (places[index].keepsMeaning) continue;
+            report(text, m_builder.KeepMeaning()
+                             ? QStringLiteral("This join closes a circle in which not all joins "
+                                              "are inner ones: what it asks for is not certain.")
+                             : QStringLiteral("This join closes a circle: its table is named "
+                                              "twice."));
+        }
+    }
+
+    // --- the pages ---
+
+    void checkColumns() {
+        const TorvQDSelectGrid& grid = *m_builder.SelectPanel->grid();
+        const SelectTextRules rules = grid.textRules();
+        for (const OutputColumn& column : grid.columns()) {
+            if (isBlank(column.source)) continue;
+            checkNames(column.source);
+            const QString name = writtenOutputName(column, rules);
+            if (!name.isEmpty() && !isValidOutputName(name)) {
+                report(name, QStringLiteral("This is no valid name of an output column."));
+            }
+        }
+    }
+
+    // `number` is the row's outline number, empty for the root row.
+    void checkRows(const TorvQDWhereRow& row, const QString& number) {
+        if (row.isGroup()) {
+            const int count = row.SubRows->GetCount();
+            if (count == 0 && !number.isEmpty()) {
+                report(number + u' ' + row.GroupOper,
+                       QStringLiteral("This group has no conditions."));
+            }
+            for (int index = 0; index < count; ++index) {
+                checkRows(*row.SubRows->Row(index), number + QString::number(index + 1) + u'.');
+            }
+            return;
+        }
+        bool isFilled = !isBlank(row.FieldName);
+        for (const QString& argument : row.Arguments) isFilled = isFilled && !isBlank(argument);
+        if (!isFilled) {
+            report(number + u' ' + orvTrim(row.GetSQLCondition(false)),
+                   QStringLiteral("This condition is not filled in."));
+        }
+        checkNames(row.FieldName);
+        for (const QString& argument : row.Arguments) checkNames(argument);
+    }
+
+    // Names whose table or field is no longer there; each is told once.
+    void checkNames(const QString& text) {
+        visitQualifiedNames(text, [this](const QString& name) {
+            const QualifiedName parts = splitQualifiedName(name);
+            const TorvQDTable* table = m_builder.WorkArea->findTable(parts.alias);
+            const bool isWhole = parts.field.isEmpty() || parts.field == u"*";
+            if (table && (isWhole || table->findItem(parts.field))) return;
+            if (m_told.contains(name)) return;
+            m_told.insert(name);
+            report(name, table ? QStringLiteral("The table has no such field.")
+                               : QStringLiteral("There is no such table on the diagram."));
+        });
+    }
+
+    // --- the statement ---
+
+    void checkWriting() {
+        try {
+            (void)m_builder.GetSQLStatment();
+        } catch (const Error& error) {
+            report({}, error.Message());
+        }
+    }
+
+    void checkTail() {
+        static const QStringList earlier = {QStringLiteral("UNION"), QStringLiteral("INTERSECT"),
+                                            QStringLiteral("EXCEPT"), QStringLiteral("WINDOW")};
+        const SqlTokens tokens = tokenise(m_builder.TailText());
+        if (tokens.empty() || m_builder.OrderPanel->sortList().lines().empty()) return;
+        const QString word = m_builder.TailText().mid(tokens.front().start,
+                                                      tokens.front().end - tokens.front().start);
+        if (!earlier.contains(word.toUpper())) return;
+        report(m_builder.OrderPanel->GetSQLStatment(),
+               QStringLiteral("Sorting cannot stand in front of %1.").arg(word.toUpper()));
+    }
+
+    TorvQueryBuilder& m_builder;
+    QHash<const TorvQDTable*, int> m_numbers;  // in the order of creation
+    QSet<QString> m_told;
+    Findings m_findings;
+};
+
+}  // namespace
+
+Findings validate(TorvQueryBuilder& builder) {
+    return Validator(builder).validate();
+}
+
+}  // namespace orv

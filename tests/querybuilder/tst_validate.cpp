@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+// What is wrong with a state that can be written.
+#include "criteria/ORVQDWherePanel.h"
+#include "support/BuilderTools.h"
+
+#include <QTest>
+
+using orvtest::HostedBuilder;
+
+namespace {
+
+// The findings as "text: sentence".
+QStringList found(HostedBuilder& on) {
+    QStringList texts;
+    for (const orv::Finding& finding : on.builder.Validate()) {
+        texts << finding.text + QStringLiteral(": ") + finding.what;
+    }
+    return texts;
+}
+
+const QString unlinked =
+    ": Nothing links this with the other tables: each of its rows is combined with each of theirs.";
+const QString unfilled = ": This condition is not filled in.";
+const QString noTable = ": There is no such table on the diagram.";
+const QString noField = ": The table has no such field.";
+
+}  // namespace
+
+class ValidateTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void soundQueriesHaveNoFindings_data() {
+        QTest::addColumn<QString>("text");
+        for (const char* text :
+             {"select t.a from t", "select t.a, u.x from t join u on t.a = u.a",
+              "select t.a from t, u where t.a = u.a", "select t.a from t, u where b = x",
+              "select t.a from t, u where t.a + 1 = u.a * 2",
+              "select t.a, count(*) n from t group by t.a having count(*) > 1 order by n",
+              "select t.a from t where exists (select 1 from z where z.a = t.a)",
+              "select upper(t.a) u from t where t.b in (1, 2) limit 5",
+              "select t.a from t union select u.x from u",
+              "select m.\"a.b\" from \"my table\" m where m.\"my field\" = 'X.Y'"}) {
+            QTest::newRow(text) << QString::fromLatin1(text);
+        }
+    }
+    void soundQueriesHaveNoFindings() {
+        QFETCH(QString, text);
+        HostedBuilder on(true);
+        on.builder.LoadSQL(text);
+        QCOMPARE(on.findings(), QStringList());
+        QCOMPARE(found(on), QStringList());
+    }
+
+    void emptyBuilderHasNoFindings() {
+        HostedBuilder on;
+        QCOMPARE(found(on), QStringList());
+    }
+
+    void rowsThatAreNotFilledAreNamed() {
+        HostedBuilder on;
+        on.addTable("T");
+        TorvQDWhereRow* group = on.builder.WherePanel->rootRow()->SubRows->AddRow();
+        group->SetGroupOper("Any");
+        TorvQDWhereRow* half = group->SubRows->AddRow();
+        half->FieldName = "T.A";
+        TorvQDWhereRow* empty = on.builder.WherePanel->rootRow()->SubRows->AddRow();
+        empty->SetGroupOper("None");
+        QCOMPARE(found(on), QStringList({"1.1. (T.A =          )" + unfilled,
+                                         "2. None: This group has no conditions."}));
+    }
+
+    void betweenNeedsBothOperands() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t where t.a between 1 and 2");
+        TorvQDWhereRow* row = on.builder.WherePanel->rootRow()->SubRows->Row(0);
+        QCOMPARE(found(on), QStringList());
+        row->Arguments[1] = orv::blankText();
+        QCOMPARE(found(on).size(), 1);
+    }
+
+    void namesThatAreGoneAreTold() {
+        HostedBuilder on(true);
+        on.builder.LoadSQL(
+            "select t.a, sum(u.x) s, upper(u.y) y from t join u on t.a = u.a "
+            "where t.b = 1 and u.x + 1 > 2 group by t.a, upper(u.y) having max(u.a) > 1");
+        QCOMPARE(on.findings(), QStringList());
+        on.table("U")->CloseTable();
+        const QStringList told = found(on);
+        QVERIFY(told.contains("U.X" + noTable));
+        QVERIFY(told.contains("U.Y" + noTable));
+        QVERIFY(told.contains("U.A" + noTable));
+        QCOMPARE(told.count("U.X" + noTable), 1);
+    }
+
+    void fieldsThatTheTableHasNotAreTold() {
+        HostedBuilder on;
+        on.addTable("T");
+        TorvQDWhereRow* row = on.builder.WherePanel->rootRow()->SubRows->AddRow();
+        row->FieldName = "T.Z";
+        row->Arguments[0] = "LOWER(T.Q) || 'T.R'";
+        QCOMPARE(found(on), QStringList({"T.Z" + noField, "T.Q" + noField}));
+    }
+
+    void tablesThatNothingLinksAreTold() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t, u, dept d, employee e where d.dept_no = e.dept_no");
+        QCOMPARE(found(on), QStringList({"U" + unlinked, "D, E" + unlinked}));
+    }
+
+    void groupingThatCannotBeWrittenIsTold() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a, count(*) n from t group by t.a");
+        orv::OutputColumns columns = on.grid()->columns();
+        columns.push_back({"X", {}, "T.A + 1"});
+        on.grid()->setColumns(columns);
+        QCOMPARE(found(on),
+                 QStringList(": There is no agregate function on page \"Selection\" in 3 row"));
+    }
+
+    void outputNamesAreToldWhereTheyAreWrittenAsTheyStand() {
+        for (const bool keepMeaning : {false, true}) {
+            HostedBuilder on(keepMeaning);
+            on.addTable("T");
+            on.grid()->setColumns({{"two words", {}, "T.A"}, {"\"two words\"", {}, "T.B"}});
+            QCOMPARE(found(on), keepMeaning
+                                    ? QStringList()
+                                    : QStringList("two words: This is no valid name of an output "
+                                                  "column."));
+        }
+    }
+
+    void sortingInFrontOfAUnionIsTold() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t union select u.x from u");
+        QCOMPARE(found(on), QStringList());
+        on.builder.OrderPanel->setSortedLines({{"A", orv::descendingText()}});
+        QCOMPARE(found(on), QStringList("T.A DESC: Sorting cannot stand in front of UNION."));
+        on.builder.setTailText("limit 5");
+        QCOMPARE(found(on), QStringList());
+    }
+
+    void circleWithAnOuterJoinIsTold() {
+        for (const bool keepMeaning : {false, true}) {
+            HostedBuilder on(keepMeaning);
+            on.builder.LoadSQL(
+                "select t.a from t join u on t.a = u.a join dept on u.x = dept.budget");
+            on.builder.WorkArea->AddLink(on.table("T"), on.table("DEPT"),
+                                         on.table("T")->GetFieldItem("B"),
+                                         on.table("DEPT")->GetFieldItem("DEPARTMENT"));
+            QCOMPARE(found(on).size(), keepMeaning ? 0 : 1);
+            on.builder.WorkArea->Joins().back()->KindOfJoin = klLOuterJoin;
+            QCOMPARE(found(on).size(), 1);
+            QVERIFY2(found(on).front().contains("closes a circle"), qPrintable(found(on).front()));
+        }
+    }
+
+    void findingsHaveNoPosition() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t, u");
+        const orv::Findings findings = on.builder.Validate();
+        QCOMPARE(findings.size(), std::size_t(1));
+        QCOMPARE(findings.front().start, 0);
+        QCOMPARE(findings.front().length, 0);
+    }
+};
+
+QTEST_MAIN(ValidateTest)
+#include "tst_validate.moc"
