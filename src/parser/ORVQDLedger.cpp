@@ -109,6 +109,27 @@ void LoadLedger::reportChangedTexts(int end) {
     }
 }
 
+void LoadLedger::reportUnclosed(int end) {
+    int open = 0;
+    for (const SqlToken& token : m_tokens) {
+        if (token.start >= end) break;
+        const QStringView text =
+            QStringView(m_normalised.text).mid(token.start, token.end - token.start);
+        const bool isCut = text.count(u'\'') % 2 != 0 || text.count(u'"') % 2 != 0;
+        if (token.kind == SqlToken::Open) {
+            ++open;
+            const SqlToken* close = &token + token.closeOffset;
+            if (token.closeOffset > 0 && close->start < end) continue;
+            report(token.start, token.end, QStringLiteral("This bracket is not closed."));
+        } else if (token.kind == SqlToken::Close && --open < 0) {
+            open = 0;
+            report(token.start, token.end, QStringLiteral("Nothing opened this bracket."));
+        } else if (isCut && token.end == int(m_normalised.text.size())) {
+            report(token.start, token.end, QStringLiteral("This quote is not closed."));
+        }
+    }
+}
+
 Finding LoadLedger::toFinding(const Loss& loss) const {
     const int start = m_normalised.givenPosition(loss.start);
     const int end = loss.end > loss.start ? m_normalised.givenEnd(loss.end) : start;

@@ -41,6 +41,9 @@ public:
     /// quotes, and letters beyond ASCII that writing in upper case changes.
     void reportChangedTexts(int end);
 
+    /// Reports brackets and quotes in front of `end` that nothing closes, or nothing opened.
+    void reportUnclosed(int end);
+
     /// Whether a finding lies in [start, end) so far.
     [[nodiscard]] bool hasFinding(int start, int end) const;
 

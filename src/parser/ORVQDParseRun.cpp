@@ -165,7 +165,7 @@ void TorvQDParseRun::readWord(const Frame& frame) {
     const orv::WordInfo info = word.info;
     if (info.is(orv::wordMatching)) {
         add(*frame.node, otMatchingType, inItem, word.text, m_wordStart, word.end);
-    } else if (info.is(orv::wordClause)) {
+    } else if (info.is(orv::wordClause) && !isPartOfComparison(word)) {
         readClause(frame, word, info.clause);
     } else if (info.is(orv::wordFunction) && isFollowedByBracket(m_position, frame.end)) {
         const Group group = groupAt(orv::skipBlanks(m_text, m_position, frame.end), frame.end);
@@ -176,6 +176,22 @@ void TorvQDParseRun::readWord(const Frame& frame) {
         m_position = m_wordStart;
         finish();
     }
+}
+
+// IS DISTINCT FROM and IS NOT DISTINCT FROM compare; they begin no clause.
+bool TorvQDParseRun::isPartOfComparison(const orv::ScannedWord& word) const {
+    if (word.text != u"FROM") return false;
+    QStringView before = QStringView(m_text).left(m_wordStart).trimmed();
+    const auto takeWord = [&before](QStringView wanted) {
+        if (!before.endsWith(wanted, Qt::CaseInsensitive)) return false;
+        const QStringView rest = before.chopped(wanted.size());
+        if (!rest.isEmpty() && !orv::isSeparator(rest.back())) return false;
+        before = rest.trimmed();
+        return true;
+    };
+    if (!takeWord(u"DISTINCT")) return false;
+    (void)takeWord(u"NOT");
+    return takeWord(u"IS");
 }
 
 void TorvQDParseRun::readClause(const Frame& frame, const orv::ScannedWord& word,

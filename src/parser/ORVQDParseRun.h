@@ -51,6 +51,7 @@ private:
     [[nodiscard]] int endOfOperator(const Frame& frame) const;
     void readOperator(const Frame& frame, int operatorEnd);
     void readWord(const Frame& frame);
+    [[nodiscard]] bool isPartOfComparison(const orv::ScannedWord& word) const;
     void readClause(const Frame& frame, const orv::ScannedWord& word, TLocationKinds clause);
     [[nodiscard]] bool DoParseOf(const Frame& frame, const orv::ScannedWord& word);
 

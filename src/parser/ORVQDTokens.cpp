@@ -47,6 +47,13 @@ bool isSignPart(QChar character) {
            character == u'^' || character == u'~';
 }
 
+// "@" and "#" begin a name only where one follows; else they are part of a sign ("@>", "#>>").
+bool isLooseSign(QStringView text, qsizetype position) {
+    const QChar character = text[position];
+    if (character != u'@' && character != u'#') return false;
+    return position + 1 == text.size() || !isNamePart(text[position + 1]);
+}
+
 class Scanner {
 public:
     explicit Scanner(QStringView text) : m_text(text) {}
@@ -60,10 +67,10 @@ public:
             } else if (isCastAt(m_position)) {
                 m_position += 2;
                 add(m_position - 2, SqlToken::Sign);
+            } else if (isSignAt(m_position)) {
+                readSigns();
             } else if (isQuote(character) || isNamePart(character)) {
                 readWord();
-            } else if (isSignPart(character)) {
-                readSigns();
             } else {
                 readSingle(character);
             }
@@ -80,6 +87,10 @@ private:
     [[nodiscard]] bool isCastAt(qsizetype position) const {
         return m_text[position] == u':' && position + 1 < m_text.size() &&
                m_text[position + 1] == u':';
+    }
+
+    [[nodiscard]] bool isSignAt(qsizetype position) const {
+        return isSignPart(m_text[position]) || isLooseSign(m_text, position);
     }
 
     void skipQuoted() {
@@ -109,7 +120,7 @@ private:
 
     void readSigns() {
         const qsizetype start = m_position;
-        while (m_position < m_text.size() && isSignPart(m_text[m_position])) ++m_position;
+        while (m_position < m_text.size() && isSignAt(m_position)) ++m_position;
         add(start, SqlToken::Sign);
     }
 

@@ -204,7 +204,7 @@ private:
 
     [[nodiscard]] TorvQDListItem* resolveItem(const QString& text) const;
     [[nodiscard]] std::vector<PageField> fieldsNamed(const QString& name) const;
-    [[nodiscard]] QString listedBareName(const TorvQDListItem* item) const;
+    [[nodiscard]] QString listedGivenName(const TorvQDListItem* item) const;
     [[nodiscard]] bool isListed(const QString& name) const;
     void flushRemovals();
 
@@ -221,8 +221,9 @@ private:
 
     orv::NameList m_selectedFields;
     orv::NameList m_allFields;
-    // Rows that a loaded statement names without their table, by the names it has for them.
-    QMultiHash<const TorvQDListItem*, QString> m_bareNames;
+    // Rows that a loaded statement names otherwise than they are called (without their table, or in
+    // quotes), with those names.
+    QMultiHash<const TorvQDListItem*, QString> m_givenNames;
     QSet<QString> m_removals;  // unticked in this change, not yet taken off the lists
     TAlign m_align = alNone;
     QPointer<QWidget> m_watchedParent;  // whose size the control follows

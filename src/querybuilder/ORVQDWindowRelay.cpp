@@ -58,19 +58,19 @@ const orv::NameList& TorvQueryBuilder::SelectedFields() {
     return m_selectedFields;
 }
 
-// A field that a loaded statement names without its table is listed under that name.
+// A field that a loaded statement names in a way of its own is listed under that name.
 void TorvQueryBuilder::_AddRemoveField(QObject* Sender, TorvQDListItem* Item) {
     auto* table = qobject_cast<TorvQDTable*>(Sender);
     if (!table) return;
     const QString name = table->GetAlias() + u'.' + Item->Name;
-    const QString bare = listedBareName(Item);
+    const QString given = listedGivenName(Item);
     beginChange();
     if (!Item->Checked) {
         const bool listed = isListed(name);
         if (listed) m_removals.insert(name);
-        if (!bare.isEmpty()) m_removals.insert(bare);
-        if (listed || !bare.isEmpty()) statementChanged();
-    } else if (bare.isEmpty() && !isListed(name)) {
+        if (!given.isEmpty()) m_removals.insert(given);
+        if (listed || !given.isEmpty()) statementChanged();
+    } else if (given.isEmpty() && !isListed(name)) {
         flushRemovals();
         m_selectedFields.append(name);
         if (SelectPanel) SelectPanel->grid()->CheckField(name);
@@ -78,9 +78,9 @@ void TorvQueryBuilder::_AddRemoveField(QObject* Sender, TorvQDListItem* Item) {
     endChange();
 }
 
-// The name without its table by which the row is listed, when it can only mean this row.
-QString TorvQueryBuilder::listedBareName(const TorvQDListItem* item) const {
-    const auto names = m_bareNames.values(item);
+// The name of the statement by which the row is listed, when it can only mean this row.
+QString TorvQueryBuilder::listedGivenName(const TorvQDListItem* item) const {
+    const auto names = m_givenNames.values(item);
     for (const QString& name : names) {
         if (isListed(name) && resolveItem(name) == item) return name;
     }
@@ -100,7 +100,9 @@ void TorvQueryBuilder::_SelectField(const QString& FullName) {
     item->UpdateCheck(-1);
     flushRemovals();
     m_selectedFields.appendNew(FullName);
-    if (orv::firstFullStop(FullName) < 0) m_bareNames.insert(item, FullName);
+    if (FullName != item->Table->GetAlias() + u'.' + item->Name) {
+        m_givenNames.insert(item, FullName);
+    }
     endChange();
 }
 
@@ -126,7 +128,7 @@ void TorvQueryBuilder::_RemoveTable(QObject*, QObject* Table) {
     const auto* table = qobject_cast<TorvQDTable*>(Table);
     if (!table) return;
     m_allFields.removeWithPrefix(table->GetAlias() + u'.');
-    for (const auto& item : table->Items) m_bareNames.remove(item.get());
+    for (const auto& item : table->Items) m_givenNames.remove(item.get());
 }
 
 // The old alias is compared as a prefix alone: renaming "T" also renames "T2.NAME" to the new

@@ -124,7 +124,7 @@ void TorvQueryBuilder::Clear() {
 void TorvQueryBuilder::clearAll() {
     m_removals.clear();
     m_selectedFields.clear();
-    m_bareNames.clear();
+    m_givenNames.clear();
     if (WorkArea) WorkArea->ClearContents();
     if (SelectPanel) {
         SelectPanel->ClearContents();
@@ -214,6 +214,7 @@ void TorvQueryBuilder::loadText(const QString& text) {
     loadParsed(root);
     if (!self) return;
     m_ledger->reportChangedTexts(parts.bodyEnd);
+    m_ledger->reportUnclosed(parts.bodyEnd);
     loadTail(parts.tailStart, parts.tailEnd, parts.restStart);
     compareClauses(root);
     m_report = m_ledger->findings();

@@ -193,8 +193,10 @@ void TorvQueryBuilder::RestoreState(const QByteArray& json) {
 void TorvQueryBuilder::restoreNames(const QStringList& selected, const QStringList& all) {
     for (const QString& name : selected) {
         m_selectedFields.append(name);
-        if (orv::firstFullStop(name) >= 0) continue;
-        if (const TorvQDListItem* item = resolveItem(name)) m_bareNames.insert(item, name);
+        const TorvQDListItem* item = resolveItem(name);
+        if (item && name != item->Table->GetAlias() + u'.' + item->Name) {
+            m_givenNames.insert(item, name);
+        }
     }
     if (all.isEmpty()) return;
     m_allFields.clear();

@@ -4,6 +4,7 @@
 #include "core/Error.h"
 #include "core/Text.h"
 #include "parser/ORVQDExpressions.h"
+#include "parser/ORVQDKeywords.h"
 #include "parser/ORVQDLedger.h"
 #include "parser/ORVQDParser.h"
 #include "selection/ORVQDSelectOrder.h"
@@ -172,9 +173,17 @@ private:
                                                          "the column is not loaded."));
                 return;
             }
-            if (orv::firstFullStop(source) >= 0) source = field->qualifiedName();
+            if (orv::firstFullStop(source) >= 0) source = writtenName(source, *field);
         }
         take(parts, {orv::createFieldName(QString(), source), QString(), source});
+    }
+
+    // The name of the row, but a keyword keeps the quotes that the text gives it.
+    static QString writtenName(const QString& source, const PageField& field) {
+        const QString given = orv::splitQualifiedName(source).field;
+        const bool isKeyword = orv::isQuotedName(given) && !orv::isQuotedName(field.name) &&
+                               orv::wordInfo(field.name).traits != 0;
+        return isKeyword ? field.alias + u'.' + given : field.qualifiedName();
     }
 
     /// The node of a run that is one call of a function that the parser knows.

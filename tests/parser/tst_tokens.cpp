@@ -59,6 +59,8 @@ void TestTokens::kinds_data() {
     row("'a b' 'it''s' N'x'", "t:'a b' t:'it''s' t:N'x'");
     row("'never closed, a", "t:'never closed, a");
     row("a<>b", "w:a s:<> w:b");
+    row("a @> b <@ c #>> d", "w:a s:@> w:b s:<@ w:c s:#>> w:d");
+    row("a<@p a=#t a#", "w:a s:< w:@p w:a s:= w:#t w:a#");
     row("a >=-5", "w:a s:>=- n:5");
     row("a||b%c", "w:a s:|| w:b s:% w:c");
     row("f(a)", "w:f o:( w:a c:)");

@@ -307,6 +307,53 @@ private Q_SLOTS:
         QCOMPARE(on.grid()->Cells(2, 1), "'a  b'");
     }
 
+    void whatIsNotClosedIsAFinding_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QStringList>("findings");
+        QTest::newRow("bracket of a condition")
+            << "select t.a from t where ((t.a = 1)" << QStringList("(");
+        QTest::newRow("bracket too many") << "select t.a from t where t.a = 1)" << QStringList(")");
+        QTest::newRow("quote") << "select t.a from t where t.a = 'x" << QStringList("'x");
+        QTest::newRow("closed behind the tail")
+            << "select t.a from t where (t.a = 1) limit 5" << QStringList();
+        QTest::newRow("all closed")
+            << "select upper(t.a) x from t where (t.a in ('(', 'it''s'))" << QStringList();
+    }
+    void whatIsNotClosedIsAFinding() {
+        QFETCH(QString, text);
+        QFETCH(QStringList, findings);
+        HostedBuilder on(true);
+        on.builder.LoadSQL(text);
+        for (const QString& finding : findings) QVERIFY(on.findings().contains(finding));
+        QCOMPARE(on.findings().isEmpty(), findings.isEmpty());
+    }
+
+    // FROM behind IS DISTINCT begins no clause.
+    void comparisonsWithFromAreConditions() {
+        for (const char* text : {"T.A IS DISTINCT FROM T.B", "T.A IS NOT DISTINCT FROM T.B",
+                                 "T.A IS DISTINCT FROM 'x'"}) {
+            HostedBuilder on(true);
+            on.builder.LoadSQL("select t.a from t where " + QString(text) + " and t.c = 1");
+            QCOMPARE(on.findings(), QStringList());
+            QVERIFY(on.builder.GetSQLStatment().contains('(' + QString(text) + ')'));
+            QVERIFY(on.builder.GetSQLStatment().contains("(T.C = 1)"));
+        }
+        HostedBuilder on(true);
+        on.builder.LoadSQL("select distinct from from t");
+        QVERIFY(!on.findings().isEmpty());
+    }
+
+    void quotedKeywordsKeepTheirQuotes() {
+        HostedBuilder on(true);
+        on.host.add("L", {"SELECT", "PLAIN"});
+        on.builder.LoadSQL("select l.\"SELECT\", l.\"PLAIN\" from l");
+        QCOMPARE(on.findings(), QStringList());
+        QCOMPARE(on.builder.GetSQLStatment(), "SELECT L.\"SELECT\",\r\n       L.PLAIN\r\nFROM L");
+        on.tick("L", "SELECT", false);
+        QCOMPARE(on.columns(), QStringList("PLAIN||L.PLAIN"));
+        verifyBuilder(on.builder);
+    }
+
     // --- handlers that call back
 
     void clearAndLoadAreRefusedInsideAQuestion_data() {
