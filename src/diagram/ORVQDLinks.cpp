@@ -79,22 +79,27 @@ TKindOfJoin mirrored(TKindOfJoin kind) {
 }
 
 QString mirroredOperator(const QString& text) {
-    QString result = text;
-    for (QChar& character : result) {
-        if (character == u'<') {
-            character = u'>';
-        } else if (character == u'>') {
-            character = u'<';
-        }
-    }
-    const bool isComparison = text == u"<" || text == u">" || text == u"<=" || text == u">=";
-    return isComparison ? result : text;
+    if (text == u"<") return QStringLiteral(">");
+    if (text == u">") return QStringLiteral("<");
+    if (text == u"<=") return QStringLiteral(">=");
+    if (text == u">=") return QStringLiteral("<=");
+    return text;
+}
+
+bool isSymmetricOperator(const QString& text) {
+    static const QStringList list = {QStringLiteral("="),  QStringLiteral("<>"),
+                                     QStringLiteral("!="), QStringLiteral("=="),
+                                     QStringLiteral("^="), QStringLiteral("<=>")};
+    return list.contains(text);
+}
+
+bool isMirrorableOperator(const QString& text) {
+    return isSymmetricOperator(text) || mirroredOperator(text) != text;
 }
 
 }  // namespace orv
 
-// --- joins
-// ----------------------------------------------------------------------------------------
+// --- joins ---
 
 TorvQDJoin::TorvQDJoin(QWidget* workArea, TorvQDTable* table1, TorvQDTable* table2)
     : Table1(table1), Table2(table2), WorkArea(workArea) {}
@@ -108,8 +113,7 @@ QString TorvQDJoin::GetTableName(int Index) const {
     return table ? table->TableName : QString();
 }
 
-// --- links
-// ----------------------------------------------------------------------------------------
+// --- links ---
 
 TorvQDLink::TorvQDLink(QWidget* workArea, TorvQDJoin* join, TorvQDListItem* item1,
                        TorvQDListItem* item2)
@@ -141,13 +145,16 @@ void TorvQDLink::SetSelect(bool Value) {
     Item1->SetSelect(Value);
     Item2->SetSelect(Value);
     if (!canvas()) return;
+    invalidateLine();
     canvas()->linkSelected(this, Value);
-    const QPoint scroll = canvas()->scrollPosition();
-    canvas()->invalidate(m_bounds.translated(-scroll.x(), -scroll.y()));
 }
 
-// --- points
-// ---------------------------------------------------------------------------------------
+// The line as it runs now: the bounds may be older.
+void TorvQDLink::invalidateLine() const {
+    if (canvas()) canvas()->invalidate(TRect::fromQRect(GetClipRgn(0).boundingRect()));
+}
+
+// --- points ---
 
 void TorvQDLink::checkIndex(int index) const {
     if (index >= 0 && index < GetCountPoints()) return;
@@ -172,6 +179,26 @@ void TorvQDLink::setBendPoints(const std::vector<QPoint>& points) {
     m_points.erase(m_points.begin() + 2, m_points.end() - 2);
     m_points.insert(m_points.begin() + 2, points.begin(), points.end());
     SetBoundaryRect();
+}
+
+void TorvQDLink::_DeletePoint() {
+    const int last = GetCountPoints() - 1;
+    for (int index = 2; index < last - 1; ++index) {
+        if (!isClose(GetPoint(index), DragPoint)) continue;
+        invalidateLine();
+        m_points.erase(m_points.begin() + index);
+        invalidateLine();
+        return;
+    }
+}
+
+void TorvQDLink::_InsertPoint() {
+    DragPoint = toDiagram(DragPoint);
+    const int segment = orv::IsPointNearLine(m_points, DragPoint, GetCountPoints());
+    if (segment < 1 || segment > GetCountPoints() - 3) return;
+    invalidateLine();
+    m_points.insert(m_points.begin() + segment + 1, DragPoint);
+    invalidateLine();
 }
 
 QPoint TorvQDLink::toDiagram(const QPoint& viewPoint) const {
@@ -226,28 +253,29 @@ TTableHitTest TorvQDLink::HitTest(const QPoint& P) const {
     return hit;
 }
 
-// --- painting
-// -------------------------------------------------------------------------------------
+// --- painting ---
 
 QRegion TorvQDLink::GetClipRgn(int Part) const {
     const int last = GetCountPoints() - 1;
     QRegion region;
     if (Part == 0 || Part == 1) {
         const QPoint start = GetPoint(0);
-        const int side = start.x() < GetPoint(1).x() ? 1 : -1;
-        const int length = side * (clipMarkerLengthPx - 1);
-        region += QRect(
-            QPoint(std::min(start.x() - side, start.x() + length), start.y() - clipHalfHeightPx),
-            QSize(clipMarkerLengthPx + 1, 2 * clipHalfHeightPx));
+        const bool right = start.x() < GetPoint(1).x();
+        region += QRect(start.x() - (right ? 1 : clipMarkerLengthPx), start.y() - clipHalfHeightPx,
+                        clipMarkerLengthPx + 1, 2 * clipHalfHeightPx);
     } else {
         region += QRect(0, 0, 1, 1);
     }
     const int first = Part == 2 ? last - 2 : 0;
-    const int end = Part == 1 ? 1 : last;
-    for (int index = std::max(0, first); index < end; ++index) {
-        const QRect segment = QRect(GetPoint(index), GetPoint(index + 1)).normalized();
-        region += segment.adjusted(-clipHalfHeightPx, -clipHalfHeightPx, clipHalfHeightPx,
-                                   clipHalfHeightPx);
+    const int end = Part == 0 || Part == 2 ? last : Part == 1 ? 1 : 0;
+    for (int index = first; index < end; ++index) {
+        const QPoint a = GetPoint(index);
+        const QPoint b = GetPoint(index + 1);
+        const QPoint topLeft(std::min(a.x(), b.x()), std::min(a.y(), b.y()));
+        const QSize size(std::abs(a.x() - b.x()) + 1, std::abs(a.y() - b.y()) + 1);
+        region +=
+            QRect(topLeft, size)
+                .adjusted(-clipHalfHeightPx, -clipHalfHeightPx, clipHalfHeightPx, clipHalfHeightPx);
     }
     return region;
 }

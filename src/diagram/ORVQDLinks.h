@@ -34,8 +34,15 @@ namespace orv {
 /// The kind that preserves the same rows when the two tables change sides.
 [[nodiscard]] ORV_EXPORT TKindOfJoin mirrored(TKindOfJoin kind);
 
-/// The operator that says the same when its two sides change places.
+/// The operator that says the same when its two sides change places; the operator itself when it
+/// means the same both ways, or is not known.
 [[nodiscard]] ORV_EXPORT QString mirroredOperator(const QString& text);
+
+/// Whether the operator means the same when its two sides change places.
+[[nodiscard]] ORV_EXPORT bool isSymmetricOperator(const QString& text);
+
+/// Whether mirroredOperator() knows the operator.
+[[nodiscard]] ORV_EXPORT bool isMirrorableOperator(const QString& text);
 
 }  // namespace orv
 
@@ -94,6 +101,11 @@ public:
     [[nodiscard]] std::vector<QPoint> bendPoints() const;
     void setBendPoints(const std::vector<QPoint>& points);
 
+    /// Deletes the first bend point close to DragPoint, if any.
+    void _DeletePoint();
+    /// Makes DragPoint a bend point when the line runs past it, the two stubs excepted.
+    void _InsertPoint();
+
     /// Encloses the line and its markers, in diagram coordinates.
     [[nodiscard]] TRect GetBounds() const { return m_bounds; }
     void SetBounds(const TRect& R) { m_bounds = R; }
@@ -116,6 +128,7 @@ public:
 private:
     [[nodiscard]] QPoint toDiagram(const QPoint& viewPoint) const;
     void checkIndex(int index) const;
+    void invalidateLine() const;
     void recomputeBounds();
 
     std::vector<QPoint> m_points;

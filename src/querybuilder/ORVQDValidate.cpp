@@ -129,14 +129,10 @@ private:
     }
 
     void checkJoins() {
-        const std::vector<JoinPlace> places = m_builder.WorkArea->joinPlaces();
-        const auto& joins = m_builder.WorkArea->Joins();
-        for (std::size_t index = 0; index < joins.size(); ++index) {
-            const TorvQDJoin& join = *joins[index];
-            const QString text = join.Table1->GetAlias() + u' ' + joinWords(join.KindOfJoin) +
-                                 u' ' + join.Table2->GetAlias();
-            checkNames(join.Text);
-            if (places[index].keepsMeaning) continue;
+        for (const TorvQDJoin* join : m_builder.WorkArea->Joins()) checkNames(join->Text);
+        for (const TorvQDJoin* join : m_builder.WorkArea->brokenCircles()) {
+            const QString text = join->Table1->GetAlias() + u' ' + joinWords(join->KindOfJoin) +
+                                 u' ' + join->Table2->GetAlias();
             report(text, m_builder.KeepMeaning()
                              ? QStringLiteral("This join closes a circle in which not all joins "
                                               "are inner ones: what it asks for is not certain.")

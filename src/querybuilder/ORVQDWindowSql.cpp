@@ -28,9 +28,11 @@ struct FromWords {
     orv::TokenCounts content;  // of the ON conditions and the words of joins
 };
 
-// CROSS JOIN is written as a comma. Sides may change places: LEFT becomes RIGHT then, and "<" ">".
+// CROSS JOIN is written as a comma, and a comparison may move to another line, which changes the
+// number of ANDs. Sides may change places: LEFT becomes RIGHT then, and "<" becomes ">".
 FromWords wordsOf(const orv::TokenCounts& counts, const QSet<QString>& namesOfTables) {
-    static const QSet<QString> implied = {QStringLiteral("CROSS"), QStringLiteral("JOIN")};
+    static const QSet<QString> implied = {QStringLiteral("CROSS"), QStringLiteral("JOIN"),
+                                          QStringLiteral("ON"), QStringLiteral("AND")};
     static const QHash<QString, QString> mirrored = {
         {QStringLiteral("RIGHT"), QStringLiteral("LEFT")},
         {QStringLiteral(">"), QStringLiteral("<")},

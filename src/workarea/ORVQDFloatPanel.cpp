@@ -18,6 +18,7 @@
 #include <queue>
 
 #include <algorithm>
+#include <exception>
 
 namespace {
 
@@ -30,6 +31,19 @@ const QColor aliasEditColor(0xC0, 0xC0, 0xC0);
 bool isFreeName(const QString& name) {
     return orv::isPlainIdentifier(name) && orv::wordInfo(name.toUpper()).traits == 0 &&
            !lReservedWords().contains(name.toUpper());
+}
+
+// What names are compared by without their quotes and ignoring case.
+QString looseKey(const QString& name) {
+    return orv::unquotedName(name).toUpper();
+}
+
+void eraseFrom(QHash<QString, std::vector<TorvQDTable*>>& index, const QString& key,
+               TorvQDTable* table) {
+    const auto found = index.find(key);
+    if (found == index.end()) return;
+    std::erase(found.value(), table);
+    if (found.value().empty()) index.erase(found);
 }
 
 IWorkAreaOwner* ownerOf(QWidget* widget) {
@@ -218,37 +232,41 @@ void TorvQDWorkArea::placeTable(TorvQDTable& table) const {
 
 void TorvQDWorkArea::indexFields(TorvQDTable* table) {
     for (const auto& item : table->Items) {
-        std::vector<TorvQDTable*>& tables = m_byField[orv::unquotedName(item->Name).toUpper()];
+        std::vector<TorvQDTable*>& tables = m_byField[looseKey(item->Name)];
         if (tables.empty() || tables.back() != table) tables.push_back(table);
     }
 }
 
 void TorvQDWorkArea::unindexFields(TorvQDTable* table) {
-    for (const auto& item : table->Items) {
-        const auto found = m_byField.find(orv::unquotedName(item->Name).toUpper());
-        if (found == m_byField.end()) continue;
-        std::erase(found.value(), table);
-        if (found.value().empty()) m_byField.erase(found);
-    }
+    for (const auto& item : table->Items) eraseFrom(m_byField, looseKey(item->Name), table);
 }
 
 std::vector<TorvQDTable*> TorvQDWorkArea::tablesWithField(const QString& name) const {
-    return m_byField.value(orv::unquotedName(name).toUpper());
+    return m_byField.value(looseKey(name));
+}
+
+const std::vector<TorvQDTable*>* TorvQDWorkArea::tablesByField(const QString& name) const {
+    const auto found = m_byField.constFind(looseKey(name));
+    return found == m_byField.constEnd() ? nullptr : &*found;
 }
 
 void TorvQDWorkArea::rememberAlias(TorvQDTable* table) {
-    m_byAlias[table->GetAlias()].push_back(table);
+    addAlias(table);
     table->aliasChanged = [this](TorvQDTable* changed, const QString& oldAlias) {
         forgetAlias(changed, oldAlias);
-        m_byAlias[changed->GetAlias()].push_back(changed);
+        addAlias(changed);
     };
 }
 
+void TorvQDWorkArea::addAlias(TorvQDTable* table) {
+    const QString alias = table->GetAlias();
+    m_byAlias[alias].push_back(table);
+    m_byLooseAlias[looseKey(alias)].push_back(table);
+}
+
 void TorvQDWorkArea::forgetAlias(TorvQDTable* table, const QString& alias) {
-    const auto found = m_byAlias.find(alias);
-    if (found == m_byAlias.end()) return;
-    std::erase(found.value(), table);
-    if (found.value().empty()) m_byAlias.erase(found);
+    eraseFrom(m_byAlias, alias, table);
+    eraseFrom(m_byLooseAlias, looseKey(alias), table);
 }
 
 TorvQDTable* TorvQDWorkArea::GetTable(const QString& Alias) const {
@@ -267,14 +285,9 @@ TorvQDTable* TorvQDWorkArea::GetTable(const QString& Alias) const {
 TorvQDTable* TorvQDWorkArea::findTable(const QString& alias) const {
     if (TorvQDTable* table = GetTable(alias)) return table;
     if (orv::isBlank(alias)) return nullptr;
-    const QString wanted = orv::unquotedName(alias).toUpper();
-    TorvQDTable* match = nullptr;
-    for (const auto& table : m_tables) {
-        if (orv::unquotedName(table->GetAlias()).toUpper() != wanted) continue;
-        if (match) return nullptr;
-        match = table.get();
-    }
-    return match;
+    const auto found = m_byLooseAlias.constFind(looseKey(alias));
+    const bool isUnique = found != m_byLooseAlias.constEnd() && found->size() == 1;
+    return isUnique ? found->front() : nullptr;
 }
 
 void TorvQDWorkArea::renameTable(TorvQDTable* table, const QString& text) {
@@ -332,28 +345,45 @@ void TorvQDWorkArea::closeTable(TorvQDTable* table) {
         return;
     }
     ChangeScope change(m_owner, this);
-    for (const auto& item : table->Items) {
+    // What a handler raises is passed on once the box is gone.
+    std::exception_ptr error;
+    const auto tell = [&](const auto& body) {
+        try {
+            if (self && box) body();
+        } catch (...) {
+            if (!error) error = std::current_exception();
+        }
+    };
+    for (std::size_t index = 0; box && index < table->Items.size(); ++index) {
+        TorvQDListItem* item = table->Items[index].get();
         if (!item->Checked) continue;
         item->UpdateCheck(0);
-        _CheckItem(table, item.get());
+        tell([&] { _CheckItem(table, item); });
     }
-    if (const TRemoveEvent handler = OnRemoveTable) handler(this, table);
-    unlinkTable(table);
-    const int index = indexOf(table);
-    if (index >= 0) {
-        m_owner->statementChanged();
-        invalidate(table->toView(table->GetBoundsRect()));
-        forget(table);
-        forgetAlias(table, table->GetAlias());
-        unindexFields(table);
-        std::erase(m_creation, table);
-        m_creationNumber.remove(table);
-        auto dying = std::move(m_tables[std::size_t(index)]);
-        m_tables.erase(m_tables.begin() + index);
-        bury(std::move(dying));
-        updateScrollRange();
-    }
+    tell([&] {
+        if (const TRemoveEvent handler = OnRemoveTable) handler(this, table);
+    });
+    tell([&] { unlinkTable(table); });
+    if (self) removeBox(table);
+    if (error) std::rethrow_exception(error);
     change.finish();
+}
+
+void TorvQDWorkArea::removeBox(TorvQDTable* table) {
+    const int index = indexOf(table);
+    if (index < 0) return;
+    m_owner->statementChanged();
+    invalidate(table->toView(table->GetBoundsRect()));
+    forget(table);
+    forgetAlias(table, table->GetAlias());
+    unindexFields(table);
+    std::erase(m_creation, table);
+    m_creationNumber.remove(table);
+    m_joinsOfTable.remove(table);
+    auto dying = std::move(m_tables[std::size_t(index)]);
+    m_tables.erase(m_tables.begin() + index);
+    bury(std::move(dying));
+    updateScrollRange();
 }
 
 // Drops every reference to an object that is about to go.
@@ -384,13 +414,15 @@ void TorvQDWorkArea::ClearContents() {
     m_creation.clear();
     m_creationNumber.clear();
     m_byAlias.clear();
+    m_byLooseAlias.clear();
     m_byField.clear();
     m_joinByPair.clear();
-    m_linksOfJoin.clear();
+    m_joinNumbers.clear();
+    m_linkNumbers.clear();
     m_joinsOfTable.clear();
-    for (auto& link : m_links) bury(std::move(link));
+    for (auto& [number, link] : m_links) bury(std::move(link));
     m_links.clear();
-    for (auto& join : m_joins) m_dyingJoins.push_back(std::move(join));
+    for (auto& [number, held] : m_joins) m_dyingJoins.push_back(std::move(held.join));
     m_joins.clear();
     for (auto& table : m_tables) bury(std::move(table));
     m_tables.clear();

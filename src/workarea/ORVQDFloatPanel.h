@@ -14,7 +14,9 @@
 #include <QPointer>
 
 #include <functional>
+#include <map>
 #include <memory>
+#include <set>
 #include <vector>
 
 class QScrollBar;
@@ -78,7 +80,8 @@ public:
     void restack(const std::vector<TorvQDTable*>& frontToBack);
 
     /// Adds a link between two rows, in the join of their boxes, which is made when there is none;
-    /// a second, identical link is not refused. None when the host does not allow it.
+    /// a second, identical link is not refused. None when the host does not allow it, and for boxes
+    /// that are not on the diagram or on their way out.
     TorvQDLink* AddLink(TorvQDTable* Table1, TorvQDTable* Table2, TorvQDListItem* Item1,
                         TorvQDListItem* Item2);
     /// The join of two boxes, whichever is its first; none without one.
@@ -94,9 +97,9 @@ public:
     /// Tells whoever wants to know that the link between two rows was selected or deselected.
     void SelectLink(TorvQDListItem* Item1, TorvQDListItem* Item2, bool State);
     /// Joins and links in the order of their creation.
-    [[nodiscard]] const std::vector<std::unique_ptr<TorvQDJoin>>& Joins() const { return m_joins; }
-    [[nodiscard]] const std::vector<std::unique_ptr<TorvQDLink>>& Links() const { return m_links; }
-    [[nodiscard]] const std::vector<TorvQDLink*>& linksOf(const TorvQDJoin* join) const;
+    [[nodiscard]] std::vector<TorvQDJoin*> Joins() const;
+    [[nodiscard]] std::vector<TorvQDLink*> Links() const;
+    [[nodiscard]] std::vector<TorvQDLink*> linksOf(const TorvQDJoin* join) const;
 
     /// The box of that effective alias (case counts), front-most first. An empty name stands for
     /// the only box there is.
@@ -114,8 +117,9 @@ public:
     /// Removes everything at once; tells and asks nobody.
     void ClearContents();
 
-    /// How each join comes out in the FROM clause, in the order of Joins().
-    [[nodiscard]] std::vector<orv::JoinPlace> joinPlaces() const;
+    /// The joins that close a circle of which the FROM clause does not ask what the diagram shows:
+    /// with meaning kept, those that are not of inner joins alone; else all.
+    [[nodiscard]] std::vector<TorvQDJoin*> brokenCircles() const;
     /// The body of the FROM clause, without the keyword; lines end with CR LF.
     [[nodiscard]] QString GetSQLStatment() const;
     /// Rebuilds the diagram from a FROM node. Raises orv::Error when the node is another, the host
@@ -187,23 +191,33 @@ private:
 
     enum class Gesture { Idle, Pressed, MovingBox };
 
+    struct HeldJoin {
+        std::unique_ptr<TorvQDJoin> join;
+        std::map<int, TorvQDLink*> links;
+    };
+
     TorvQDTable* addTable(const QString& name, const TDataSet* dataSet, const QString& writtenName,
                           const QString& finalAlias);
     TorvQDTable* adopt(std::unique_ptr<TorvQDTable> box);
-    void adopt(std::unique_ptr<TorvQDJoin> join);
     TorvQDLink* adopt(std::unique_ptr<TorvQDLink> link);
     [[nodiscard]] QString freeAlias(const QString& processedName) const;
     void placeTable(TorvQDTable& table) const;
     void reroute(const TorvQDTable* table);
-    void dropJoin(TorvQDJoin* join);
+    [[nodiscard]] bool takesLinks(const TorvQDTable* table) const;
+    TorvQDJoin* holdJoin(std::unique_ptr<TorvQDJoin> join);
+    void removeLink(int number, bool invalidates);
+    void dropUnusedJoin(const TorvQDJoin* join);
     [[nodiscard]] bool createdBefore(const TorvQDTable* first, const TorvQDTable* second) const;
     [[nodiscard]] orv::FromDiagram fromDiagram() const;
-    [[nodiscard]] QString writeFrom(std::vector<orv::JoinPlace>* places) const;
+    [[nodiscard]] const std::vector<TorvQDTable*>* tablesByField(const QString& name) const;
+    [[nodiscard]] QString writeFrom(orv::FromPlaces* places) const;
+    void removeBox(TorvQDTable* table);
     void forget(TorvQDFloatObject* object);
     void bury(std::unique_ptr<QObject> object);
     void indexFields(TorvQDTable* table);
     void unindexFields(TorvQDTable* table);
     void rememberAlias(TorvQDTable* table);
+    void addAlias(TorvQDTable* table);
     void forgetAlias(TorvQDTable* table, const QString& alias);
     [[nodiscard]] int indexOf(const QObject* table) const;
     [[nodiscard]] TorvQDTable* tableAt(const QPoint& viewPoint) const;
@@ -215,18 +229,22 @@ private:
 
     IWorkAreaOwner* m_owner;
     std::vector<std::unique_ptr<TorvQDTable>> m_tables;
-    std::vector<std::unique_ptr<TorvQDJoin>> m_joins;
-    std::vector<std::unique_ptr<TorvQDLink>> m_links;
+    // Joins and links by number, in the order of their creation: a number is never used again.
+    std::map<int, HeldJoin> m_joins;
+    std::map<int, std::unique_ptr<TorvQDLink>> m_links;
+    int m_nextNumber = 0;
     std::vector<std::unique_ptr<QObject>> m_dying;
     std::vector<std::unique_ptr<TorvQDJoin>> m_dyingJoins;  // links that die refer to them
     QHash<std::pair<const TorvQDTable*, const TorvQDTable*>, TorvQDJoin*> m_joinByPair;
-    QHash<const TorvQDJoin*, std::vector<TorvQDLink*>> m_linksOfJoin;
-    QHash<const TorvQDTable*, std::vector<TorvQDJoin*>> m_joinsOfTable;
+    QHash<const TorvQDJoin*, int> m_joinNumbers;
+    QHash<const TorvQDLink*, int> m_linkNumbers;
+    QHash<const TorvQDTable*, std::set<int>> m_joinsOfTable;
     QHash<const TorvQDTable*, int> m_creationNumber;
     int m_created = 0;
     std::vector<TorvQDTable*> m_creation;
     QHash<QString, std::vector<TorvQDTable*>> m_byAlias;
-    QHash<QString, std::vector<TorvQDTable*>> m_byField;  // upper-case names without quotes
+    QHash<QString, std::vector<TorvQDTable*>> m_byLooseAlias;  // upper case, without quotes
+    QHash<QString, std::vector<TorvQDTable*>> m_byField;       // upper-case names without quotes
     QPointer<TorvQDFloatObject> m_selected;
     QPointer<TorvQDTable> m_renamed;
     orv::ExitEdit* m_aliasEdit;

@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
 // The joins and links of the work area, and the FROM clause that is written from them.
+#include "contract/ChangeScope.h"
 #include "core/Error.h"
 #include "parser/ORVQDParser.h"
 #include "workarea/ORVQDFloatPanel.h"
 #include "workarea/ORVQDFromLoader.h"
 
+#include <QScopeGuard>
+
 #include <algorithm>
+#include <exception>
 
 namespace {
 
@@ -23,10 +27,26 @@ TorvQDJoin* TorvQDWorkArea::FindJoin(const TorvQDTable* Table1, const TorvQDTabl
     return join;
 }
 
-const std::vector<TorvQDLink*>& TorvQDWorkArea::linksOf(const TorvQDJoin* join) const {
-    static const std::vector<TorvQDLink*> none;
-    const auto found = m_linksOfJoin.constFind(join);
-    return found == m_linksOfJoin.constEnd() ? none : *found;
+std::vector<TorvQDJoin*> TorvQDWorkArea::Joins() const {
+    std::vector<TorvQDJoin*> joins;
+    joins.reserve(m_joins.size());
+    for (const auto& [number, held] : m_joins) joins.push_back(held.join.get());
+    return joins;
+}
+
+std::vector<TorvQDLink*> TorvQDWorkArea::Links() const {
+    std::vector<TorvQDLink*> links;
+    links.reserve(m_links.size());
+    for (const auto& [number, link] : m_links) links.push_back(link.get());
+    return links;
+}
+
+std::vector<TorvQDLink*> TorvQDWorkArea::linksOf(const TorvQDJoin* join) const {
+    std::vector<TorvQDLink*> links;
+    const auto found = m_joins.find(m_joinNumbers.value(join, -1));
+    if (found == m_joins.end()) return links;
+    for (const auto& [number, link] : found->second.links) links.push_back(link);
+    return links;
 }
 
 bool TorvQDWorkArea::FindLink(const TorvQDTable* Table1, const TorvQDTable* Table2,
@@ -34,47 +54,71 @@ bool TorvQDWorkArea::FindLink(const TorvQDTable* Table1, const TorvQDTable* Tabl
     bool reversed = false;
     const TorvQDJoin* join = FindJoin(Table1, Table2, reversed);
     if (reversed) std::swap(Item1, Item2);
-    const std::vector<TorvQDLink*>& links = linksOf(join);
+    const std::vector<TorvQDLink*> links = linksOf(join);
     return std::any_of(links.begin(), links.end(), [&](const TorvQDLink* link) {
         return link->Item1 == Item1 && link->Item2 == Item2;
     });
 }
 
+// --- adding ---
+
+bool TorvQDWorkArea::takesLinks(const TorvQDTable* table) const {
+    return m_creationNumber.contains(table) && !table->closing;
+}
+
+TorvQDJoin* TorvQDWorkArea::holdJoin(std::unique_ptr<TorvQDJoin> join) {
+    const int number = m_nextNumber++;
+    TorvQDJoin* held = join.get();
+    m_joinByPair.insert(pairOf(held->Table1, held->Table2), held);
+    m_joinNumbers.insert(held, number);
+    m_joinsOfTable[held->Table1].insert(number);
+    m_joinsOfTable[held->Table2].insert(number);
+    m_joins[number].join = std::move(join);
+    return held;
+}
+
 TorvQDLink* TorvQDWorkArea::AddLink(TorvQDTable* Table1, TorvQDTable* Table2, TorvQDListItem* Item1,
                                     TorvQDListItem* Item2) {
-    if (indexOf(Table1) < 0 || indexOf(Table2) < 0) return nullptr;
+    if (!takesLinks(Table1) || !takesLinks(Table2) || !Item1 || !Item2) return nullptr;
     bool reversed = false;
     TorvQDJoin* join = FindJoin(Table1, Table2, reversed);
+    if (reversed) {
+        std::swap(Table1, Table2);
+        std::swap(Item1, Item2);
+    }
     std::unique_ptr<TorvQDJoin> made;
     if (!join) {
         made = std::make_unique<TorvQDJoin>(this, Table1, Table2);
         join = made.get();
     }
-    if (reversed) std::swap(Item1, Item2);
     auto link = std::make_unique<TorvQDLink>(this, join, Item1, Item2);
     const QPointer<TorvQDWorkArea> self(this);
-    const QPointer<TorvQDTable> first(Table1);
-    const QPointer<TorvQDTable> second(Table2);
-    if (!m_owner->DoAddRemoveLink(link.get(), araAdd) || !self || !first || !second) return nullptr;
-    beginChange();
-    if (made) adopt(std::move(made));
+    if (!m_owner->DoAddRemoveLink(link.get(), araAdd) || !self) return nullptr;
+    // The host may have closed a box meanwhile, or made or removed the join.
+    if (!takesLinks(Table1) || !takesLinks(Table2)) return nullptr;
+    ChangeScope change(m_owner, this);
+    join = FindJoin(Table1, Table2, reversed);
+    if (!join) {
+        if (!made) made = std::make_unique<TorvQDJoin>(this, Table1, Table2);
+        join = holdJoin(std::move(made));
+    }
+    link->Join = join;
+    if (reversed) std::swap(link->Item1, link->Item2);
+    link->SetBoundaryRect();
+    const int number = m_nextNumber;
     TorvQDLink* added = adopt(std::move(link));
-    if (self) endChange();
-    return self ? added : nullptr;
-}
-
-void TorvQDWorkArea::adopt(std::unique_ptr<TorvQDJoin> join) {
-    m_joinByPair.insert(pairOf(join->Table1, join->Table2), join.get());
-    m_joinsOfTable[join->Table1].push_back(join.get());
-    if (join->Table1 != join->Table2) m_joinsOfTable[join->Table2].push_back(join.get());
-    m_joins.push_back(std::move(join));
+    const bool isThere = self && m_links.count(number) > 0;
+    change.finish();
+    return isThere && self && m_links.count(number) > 0 ? added : nullptr;
 }
 
 // From here on the link is one of the diagram; those who want to know are told.
 TorvQDLink* TorvQDWorkArea::adopt(std::unique_ptr<TorvQDLink> link) {
+    const int number = m_nextNumber++;
     TorvQDLink* added = link.get();
-    m_linksOfJoin[added->Join].push_back(added);
-    m_links.push_back(std::move(link));
+    m_joins[m_joinNumbers.value(added->Join)].links[number] = added;
+    m_linkNumbers.insert(added, number);
+    m_links[number] = std::move(link);
     invalidate(TRect::fromQRect(added->GetClipRgn(0).boundingRect()));
     m_owner->statementChanged();
     if (const TAddEvent handler = OnAddLink) handler(this, added);
@@ -82,8 +126,7 @@ TorvQDLink* TorvQDWorkArea::adopt(std::unique_ptr<TorvQDLink> link) {
 }
 
 TorvQDJoin* TorvQDWorkArea::restoreJoin(TorvQDTable* table1, TorvQDTable* table2) {
-    adopt(std::make_unique<TorvQDJoin>(this, table1, table2));
-    return m_joins.back().get();
+    return holdJoin(std::make_unique<TorvQDJoin>(this, table1, table2));
 }
 
 TorvQDLink* TorvQDWorkArea::restoreLink(TorvQDJoin* join, TorvQDListItem* item1,
@@ -91,62 +134,91 @@ TorvQDLink* TorvQDWorkArea::restoreLink(TorvQDJoin* join, TorvQDListItem* item1,
     return adopt(std::make_unique<TorvQDLink>(this, join, item1, item2));
 }
 
+// --- removing ---
+
 void TorvQDWorkArea::RemoveLink(TorvQDLink* Link, bool Invalidate) {
-    const auto found = std::find_if(m_links.begin(), m_links.end(),
-                                    [&](const auto& link) { return link.get() == Link; });
-    if (found == m_links.end()) return;
-    beginChange();
-    if (m_selected == Link) {
-        Link->SetSelect(false);
-        m_selected.clear();
-    }
-    if (Invalidate) invalidate(TRect::fromQRect(Link->GetClipRgn(0).boundingRect()));
-    TorvQDJoin* join = Link->Join;
-    std::unique_ptr<TorvQDLink> removed = std::move(*found);
-    m_links.erase(found);
-    std::erase(m_linksOfJoin[join], Link);
-    m_owner->statementChanged();
-    if (const TRemoveEvent handler = OnRemoveLink) handler(this, Link);
-    if (linksOf(join).empty()) dropJoin(join);
-    bury(std::move(removed));
-    endChange();
+    removeLink(m_linkNumbers.value(Link, -1), Invalidate);
 }
 
-void TorvQDWorkArea::dropJoin(TorvQDJoin* join) {
-    m_linksOfJoin.remove(join);
+void TorvQDWorkArea::removeLink(int number, bool invalidates) {
+    const auto found = m_links.find(number);
+    if (found == m_links.end()) return;
+    const QPointer<TorvQDWorkArea> self(this);
+    ChangeScope change(m_owner, this);
+    TorvQDLink* link = found->second.get();
+    if (m_selected == link) {
+        link->SetSelect(false);
+        if (!self || m_links.count(number) == 0) return;  // a handler was faster
+        m_selected.clear();
+    }
+    if (invalidates) invalidate(TRect::fromQRect(link->GetClipRgn(0).boundingRect()));
+    const TorvQDJoin* join = link->Join;
+    std::unique_ptr<TorvQDLink> removed = std::move(m_links[number]);
+    m_links.erase(number);
+    m_linkNumbers.remove(link);
+    m_joins[m_joinNumbers.value(join)].links.erase(number);
+    m_owner->statementChanged();
+    {
+        // Also when the handler raises; it may have used the join for another link.
+        const auto settle = qScopeGuard([&] {
+            if (!self) return;
+            dropUnusedJoin(join);
+            bury(std::move(removed));
+        });
+        if (const TRemoveEvent handler = OnRemoveLink) handler(this, link);
+    }
+    change.finish();
+}
+
+void TorvQDWorkArea::dropUnusedJoin(const TorvQDJoin* join) {
+    const auto found = m_joins.find(m_joinNumbers.value(join, -1));
+    if (found == m_joins.end() || !found->second.links.empty()) return;
+    m_joinNumbers.remove(join);
     m_joinByPair.remove(pairOf(join->Table1, join->Table2));
-    std::erase(m_joinsOfTable[join->Table1], join);
-    std::erase(m_joinsOfTable[join->Table2], join);
-    const auto found = std::find_if(m_joins.begin(), m_joins.end(),
-                                    [&](const auto& owned) { return owned.get() == join; });
-    m_dyingJoins.push_back(std::move(*found));
+    for (const TorvQDTable* table : {join->Table1, join->Table2}) {
+        const auto joins = m_joinsOfTable.find(table);
+        if (joins == m_joinsOfTable.end()) continue;
+        joins->erase(found->first);
+        if (joins->empty()) m_joinsOfTable.erase(joins);
+    }
+    m_dyingJoins.push_back(std::move(found->second.join));
     m_joins.erase(found);
 }
 
 void TorvQDWorkArea::deleteLink(TorvQDLink* link) {
-    if (!link) return;
+    const int number = m_linkNumbers.value(link, -1);
+    if (number < 0) return;
     const QPointer<TorvQDWorkArea> self(this);
-    const QPointer<TorvQDLink> asked(link);
-    if (m_owner->DoAddRemoveLink(link, araRemove) && self && asked) RemoveLink(link, true);
+    if (m_owner->DoAddRemoveLink(link, araRemove) && self) removeLink(number, true);
 }
 
+// In the order of creation. What a handler raises is passed on once all links are gone.
 void TorvQDWorkArea::unlinkTable(TorvQDTable* table) {
-    beginChange();
-    const std::vector<TorvQDJoin*> joins = m_joinsOfTable.value(table);
-    for (const TorvQDJoin* join : joins) {
-        const std::vector<TorvQDLink*> links = linksOf(join);
-        for (TorvQDLink* link : links) RemoveLink(link, true);
+    std::vector<int> numbers;
+    for (const int join : m_joinsOfTable.value(table)) {
+        for (const auto& [number, link] : m_joins[join].links) numbers.push_back(number);
     }
-    m_joinsOfTable.remove(table);
-    endChange();
+    std::sort(numbers.begin(), numbers.end());
+    const QPointer<TorvQDWorkArea> self(this);
+    ChangeScope change(m_owner, this);
+    std::exception_ptr error;
+    for (const int number : numbers) {
+        try {
+            if (self) removeLink(number, true);
+        } catch (...) {
+            if (!error) error = std::current_exception();
+        }
+    }
+    if (error) std::rethrow_exception(error);
+    change.finish();
 }
 
 // The lines of a box that moved, changed its shape or scrolled its rows.
 void TorvQDWorkArea::reroute(const TorvQDTable* table) {
     const auto joins = m_joinsOfTable.constFind(table);
     if (joins == m_joinsOfTable.constEnd()) return;
-    for (const TorvQDJoin* join : *joins) {
-        for (TorvQDLink* link : linksOf(join)) {
+    for (const int join : *joins) {
+        for (const auto& [number, link] : m_joins[join].links) {
             invalidate(TRect::fromQRect(link->GetClipRgn(0).boundingRect()));
             link->SetBoundaryRect();
             invalidate(TRect::fromQRect(link->GetClipRgn(0).boundingRect()));
@@ -181,13 +253,11 @@ orv::FromDiagram TorvQDWorkArea::fromDiagram() const {
     } else {
         for (const auto& table : m_tables) add(table.get());
     }
-    for (const auto& join : m_joins) {
-        orv::FromJoin from{numbers.value(join->Table1),
-                           numbers.value(join->Table2),
-                           join->KindOfJoin,
-                           {},
-                           join->Text};
-        for (const TorvQDLink* link : linksOf(join.get())) {
+    for (const auto& [joinNumber, held] : m_joins) {
+        const TorvQDJoin& join = *held.join;
+        orv::FromJoin from{
+            numbers.value(join.Table1), numbers.value(join.Table2), join.KindOfJoin, {}, join.Text};
+        for (const auto& [number, link] : held.links) {
             from.links.push_back({link->Item1->Name, link->operatorText(), link->Item2->Name});
         }
         diagram.joins.push_back(std::move(from));
@@ -195,16 +265,25 @@ orv::FromDiagram TorvQDWorkArea::fromDiagram() const {
     return diagram;
 }
 
-QString TorvQDWorkArea::writeFrom(std::vector<orv::JoinPlace>* places) const {
+std::vector<TorvQDJoin*> TorvQDWorkArea::brokenCircles() const {
+    orv::FromPlaces places;
+    (void)writeFrom(&places);
+    const std::vector<TorvQDJoin*> joins = Joins();
+    std::vector<TorvQDJoin*> broken;
+    for (std::size_t index = 0; index < joins.size(); ++index) {
+        const orv::JoinPlace& place = places.joins[index];
+        if (!place.closesCycle) continue;
+        const bool isInner = place.line >= 0 && joins[index]->KindOfJoin == klInnerJoin &&
+                             joins[std::size_t(place.line)]->KindOfJoin == klInnerJoin;
+        if (!m_owner->KeepMeaning() || !isInner) broken.push_back(joins[index]);
+    }
+    return broken;
+}
+
+QString TorvQDWorkArea::writeFrom(orv::FromPlaces* places) const {
     const orv::FromDiagram diagram = fromDiagram();
     return m_owner->KeepMeaning() ? orv::fromTextKeepingMeaning(diagram, places)
                                   : orv::fromText(diagram, places);
-}
-
-std::vector<orv::JoinPlace> TorvQDWorkArea::joinPlaces() const {
-    std::vector<orv::JoinPlace> places;
-    (void)writeFrom(&places);
-    return places;
 }
 
 QString TorvQDWorkArea::GetSQLStatment() const {
@@ -221,15 +300,10 @@ void TorvQDWorkArea::LoadSQL(const TorvQDParser& Node) {
             "information about fields of tables"));
     }
     ClearContents();
-    beginChange();
     const QPointer<TorvQDWorkArea> self(this);
-    try {
-        FromLoader(*this, Node).load();
-    } catch (...) {
-        if (self) endChange();
-        throw;
-    }
+    ChangeScope change(m_owner, this);
+    FromLoader(*this, Node).load();
     if (!self) return;
     viewport()->update();
-    endChange();
+    change.finish();
 }

@@ -77,21 +77,23 @@ void TorvQDWorkArea::paintEvent(QPaintEvent* event) {
             const QRect bounds = table.toView(table.GetBoundsRect()).toQRect();
             if (event->region().intersects(bounds)) table.Paint(painter);
         }
-        for (const auto& link : m_links) link->Paint(painter);
+        for (const auto& [number, link] : m_links) {
+            if (event->region().intersects(link->GetClipRgn(0))) link->Paint(painter);
+        }
     });
 }
 
 QRect TorvQDWorkArea::diagramBounds() const {
     QRect bounds;
     for (const auto& table : m_tables) bounds |= table->GetBoundsRect().toQRect();
-    for (const auto& link : m_links) bounds |= link->GetBounds().toQRect();
+    for (const auto& [number, link] : m_links) bounds |= link->GetBounds().toQRect();
     return bounds;
 }
 
 void TorvQDWorkArea::paintDiagram(QPainter& painter) const {
     m_paintsAll = true;
     for (std::size_t index = m_tables.size(); index-- > 0;) m_tables[index]->Paint(painter);
-    for (const auto& link : m_links) link->Paint(painter);
+    for (const auto& [number, link] : m_links) link->Paint(painter);
     m_paintsAll = false;
 }
 

@@ -38,6 +38,45 @@ TKindOfJoin kindOf(const QString& text) {
     return klInnerJoin;
 }
 
+bool isOuter(TKindOfJoin kind) {
+    return kind != klInnerJoin;
+}
+
+// Signs of arithmetic and of other expressions: what has one of them compares nothing.
+bool compares(QStringView operation) {
+    return std::none_of(operation.begin(), operation.end(), [](QChar character) {
+        return QStringView(u"+-*/%|&").contains(character);
+    });
+}
+
+// Words that end a condition or bind weaker than AND do: the parts around them are none.
+bool isOneCondition(const orv::TokenRun& part) {
+    if (part.isEmpty()) return false;
+    for (int index = 0; index < part.size(); ++index) {
+        const bool isWord = part[index].kind == orv::SqlToken::Word;
+        if (part[index].depth != part[0].depth || !isWord) continue;
+        if (part.is(index, u"ON") || part.is(index, u"XOR")) return false;
+    }
+    return true;
+}
+
+// A bracket that is the whole run; a second one around it says no more.
+orv::TokenRun withoutDoubledBracket(orv::TokenRun run) {
+    const auto isBracket = [](const orv::TokenRun& candidate) {
+        return candidate.size() > 2 && candidate[0].kind == orv::SqlToken::Open &&
+               candidate.behindBracket(0) == candidate.size();
+    };
+    while (isBracket(run) && isBracket(run.mid(1, run.size() - 2)))
+        run = run.mid(1, run.size() - 2);
+    return run;
+}
+
+// More than one full stop: the schema in front of the table.
+bool namesSchema(const orv::TokenRun& run, int index) {
+    return run[index].kind == orv::SqlToken::Word &&
+           splitAtFullStops(run.textOf(index).toString()).size() > 2;
+}
+
 const TorvQDParser* onOf(const TorvQDParser& join) {
     for (const TorvQDParser::Node& child : join.Children()) {
         if (child->Location() == inWhere && child->Kind() == otCompound) return child.get();
@@ -69,6 +108,7 @@ void FromLoader::loadItems() {
         if (child.Kind() == otTable) {
             TorvQDTable* table = loadTable(child);
             ++m_item;
+            m_isCrossItem = isBehindCross(child);
             if (table) m_itemOf.insert(table, m_item);
             if (table) m_unlinked.push_back(table);
         } else if (child.Kind() == otJoin) {
@@ -121,7 +161,9 @@ TorvQDTable* FromLoader::addBox(const NamedTable& table, const TDataSet& dataSet
         report(table.start, table.end,
                QStringLiteral("The program did not allow this table: it is not loaded."));
     } else if (aliasTaken) {
-        report(table.start, table.end, QStringLiteral("Another table has this alias, too: a statement with both is not valid."));
+        report(table.start, table.end,
+               QStringLiteral("Another table has this alias, too: a statement with both is "
+                              "not valid."));
     } else if (m_ledger) {
         m_ledger->place(table.start, table.end);
     }
@@ -196,117 +238,139 @@ void FromLoader::loseDerivedTable(const TorvQDParser& node) {
            QStringLiteral("A bracket in FROM cannot be shown as a table: it is not loaded."));
 }
 
-// --- joins
-// ----------------------------------------------------------------------------------------
+// --- joins ---
+
+bool FromLoader::isBehindCross(const TorvQDParser& table) const {
+    if (!m_ledger) return false;
+    const orv::TokenRun before = m_ledger->tokensIn(m_node.Start(), table.Start());
+    const int last = before.size() - 1;
+    return last > 0 && before.is(last, u"JOIN") && before.is(last - 1, u"CROSS");
+}
 
 void FromLoader::loadJoin(const TorvQDParser& node, int start) {
     if (node.Count() == 0 || node.Child(0)->Kind() != otTable) {
         throw orv::Error(QStringLiteral("There is no Table for join"));
     }
-    LoadedJoin join{&node, kindOf(node.Text()), start, node.Child(0)->Start()};
+    LoadedJoin join{&node, kindOf(node.Text()), start, node.Child(0)->Start(), m_isCrossItem};
     join.table = loadTable(*node.Child(0));
     if (!m_guard) return;
     const TorvQDParser* on = onOf(node);
     if (!join.table) {
         report(start, node.End(),
-               QStringLiteral("The table of this join is not loaded, and so is "
-                              "the join."));
+               QStringLiteral("The table of this join is not loaded, and neither is the join."));
         return;
     }
     if (start < node.Start() || !on) {
         report(start, node.End(),
-               QStringLiteral("This join has no ON condition: its table is loaded "
-                              "without it."));
+               QStringLiteral("This join has no ON condition: its table is loaded without it."));
         m_unlinked.push_back(join.table);
         return;
     }
     if (m_ledger) m_ledger->place(start, join.keywordsEnd);
     m_itemOf.insert(join.table, m_item);
     loadOn(join, *on);
-    join.reachesAcross = std::any_of(
-        join.partners.begin(), join.partners.end(),
-        [this](const TorvQDTable* partner) { return m_itemOf.value(partner) != m_item; });
-    if (m_guard) m_joins.push_back(join);
+    if (!m_guard) return;
+    if (join.partners.empty()) m_unlinked.push_back(join.table);
+    m_joins.push_back(std::move(join));
 }
 
 void FromLoader::loadOn(LoadedJoin& join, const TorvQDParser& on) {
-    std::vector<orv::TokenRun> parts;
-    bool isConjunction = false;
-    if (m_ledger) {
-        const orv::TokenRun run = m_ledger->tokensIn(on.Start(), on.End());
-        isConjunction = orv::splitConjunction(run.mid(1), parts);
-        m_ledger->place(run);
-    }
-    if (m_keepsMeaning) {
-        if (isConjunction) {
-            loadOnKeepingMeaning(join, on, parts);
-        } else {
-            report(on.Start(), on.End(),
-                   QStringLiteral("An ON with OR or NOT cannot be drawn: the "
-                                  "table is loaded without its join."));
-        }
+    if (!m_ledger) {
+        loadOnAsWritten(join, on, nullptr);
         return;
     }
-    loadOnAsWritten(join, on);
-    if (!m_guard || !m_ledger) return;
+    const orv::TokenRun run = m_ledger->tokensIn(on.Start(), on.End());
+    std::vector<orv::TokenRun> parts;
+    const bool isConjunction = orv::splitConjunction(run.mid(1), parts) &&
+                               std::all_of(parts.begin(), parts.end(), isOneCondition);
+    m_ledger->place(run);
+    for (int index = 1; index < run.size(); ++index) {
+        const TorvQDTable* table = tableNamedBy(run, index);
+        if (table && isOfAnotherItem(table)) join.reachesAcross = true;
+    }
     if (!isConjunction) {
         report(on.Start(), on.End(),
-               QStringLiteral("Only comparisons joined by AND are held in an "
-                              "ON: this condition changes."));
+               m_keepsMeaning
+                   ? QStringLiteral("An ON with OR or NOT cannot be drawn: the table is loaded "
+                                    "without its join.")
+                   : QStringLiteral("Only comparisons joined by AND are held in an ON: this "
+                                    "condition changes."));
+    }
+    if (!m_keepsMeaning) {
+        loadOnAsWritten(join, on, isConjunction ? &parts : nullptr);
+    } else if (isConjunction) {
+        loadOnKeepingMeaning(join, on, parts);
+    }
+}
+
+// Comparisons with the table of the join become links; all else stays with the join as text,
+// provided that there is a link.
+void FromLoader::loadOnKeepingMeaning(LoadedJoin& join, const TorvQDParser& on,
+                                      const std::vector<orv::TokenRun>& parts) {
+    std::vector<Comparison> comparisons;
+    for (const orv::TokenRun& part : parts) {
+        const std::optional<Comparison> comparison = comparisonOf(part);
+        const bool isLink =
+            comparison && comparison->first.table != comparison->second.table &&
+            (comparison->first.table == join.table || comparison->second.table == join.table);
+        // The earlier table will stand on the left.
+        const bool swaps =
+            isLink && m_area.createdBefore(comparison->second.table, comparison->first.table);
+        if (isLink && (!swaps || orv::isMirrorableOperator(comparison->operation))) {
+            comparisons.push_back(*comparison);
+        } else {
+            join.texts.push_back(withoutDoubledBracket(part));
+        }
+    }
+    if (comparisons.empty()) {
+        report(on.Start(), on.End(),
+               QStringLiteral("This ON compares its table with no other one: it is not held."));
         return;
     }
-    for (const orv::TokenRun& part : parts) {
-        if (!isComparison(part)) {
+    for (const Comparison& comparison : comparisons) {
+        const bool added = addLink(join, comparison);
+        if (!m_guard) return;
+        if (!added) {
+            report(comparison.start, comparison.end,
+                   QStringLiteral("The program did not allow this link: it is not loaded."));
+        }
+    }
+    if (join.texts.empty()) return;
+    if (!join.holder) {
+        report(on.Start(), on.End(),
+               QStringLiteral("The program did not allow the links of this ON: it is not held."));
+        return;
+    }
+    QStringList texts;
+    if (!join.holder->Text.isEmpty()) texts << join.holder->Text;
+    for (const orv::TokenRun& text : join.texts) texts << text.sourceText();
+    join.holder->Text = texts.join(QStringLiteral(" AND "));
+}
+
+// The nodes of the condition in their order: a field, an operator, a field make a link. Brackets
+// are read the same way; what names no table or field is told to the user and left out. Of `parts`,
+// when they are known, each is loaded as a whole or not at all.
+void FromLoader::loadOnAsWritten(LoadedJoin& join, const TorvQDParser& on,
+                                 const std::vector<orv::TokenRun>* parts) {
+    QHash<int, int> comparisons;  // start to end
+    for (const orv::TokenRun& part : parts ? *parts : std::vector<orv::TokenRun>()) {
+        if (comparisonOf(part)) {
+            comparisons.insert(part.start(), part.endPosition());
+        } else {
             m_ledger->report(part, QStringLiteral("This is no comparison of two fields: it is not "
                                                   "loaded."));
         }
     }
-}
-
-// Comparisons become links; all else stays with the join as text, provided that there is a link.
-void FromLoader::loadOnKeepingMeaning(LoadedJoin& join, const TorvQDParser& on,
-                                      const std::vector<orv::TokenRun>& parts) {
-    QStringList texts;
-    std::size_t linksBefore = m_area.m_links.size();
-    for (const orv::TokenRun& part : parts) {
-        std::optional<Side> first;
-        std::optional<Side> second;
-        if (part.size() == 3 && part[1].kind == orv::SqlToken::Sign) {
-            first = findSide(part.mid(0, 1).sourceText(), false);
-            second = findSide(part.mid(2, 1).sourceText(), false);
-        }
-        if (first && second && first->table != second->table) {
-            addLink(join, *first, *second, part.textOf(1).toString());
-            if (!m_guard) return;
-        } else {
-            texts << part.sourceText();
-        }
-    }
-    const bool hasLink = m_area.m_links.size() > linksBefore && !join.partners.empty();
-    if (!hasLink) {
-        report(on.Start(), on.End(),
-               QStringLiteral("This ON compares its table with no other one: "
-                              "it is not held."));
-    } else if (!texts.isEmpty()) {
-        bool reversed = false;
-        TorvQDJoin* held = m_area.FindJoin(join.table, join.partners.front(), reversed);
-        if (held) held->Text = texts.join(QStringLiteral(" AND "));
-    }
-}
-
-// The nodes of the condition in their order: a field, an operator, a field make a link. Brackets
-// are read the same way; what names no table or field is told to the user and left out.
-void FromLoader::loadOnAsWritten(LoadedJoin& join, const TorvQDParser& on) {
     struct Level {
         const TorvQDParser* node;
         int next = 0;
         int position = 0;
-        Side first;
         Side last;
+        int lastStart = 0;
         QString operation;
     };
     std::vector<Level> levels;
-    levels.push_back({&on, 0, 0, {}, {}, {}});
+    levels.push_back({&on, 0, 0, {}, 0, {}});
     while (!levels.empty() && m_guard) {
         Level& level = levels.back();
         if (level.next == level.node->Count()) {
@@ -315,61 +379,75 @@ void FromLoader::loadOnAsWritten(LoadedJoin& join, const TorvQDParser& on) {
         }
         const TorvQDParser& child = *level.node->Child(level.next++);
         if (child.Kind() == otField || child.Kind() == otConst) {
-            if (level.position == 2) level.first = level.last;
-            const std::optional<Side> side = findSide(orv::orvTrim(child.Text()), true);
+            const std::optional<Side> side = findSideOrComplain(orv::orvTrim(child.Text()));
             if (!m_guard) return;
             if (!side) {
                 level.position = 0;
                 continue;
             }
-            level.last = *side;
             if (level.position == 2) {
-                addLink(join, level.first, level.last, level.operation);
+                const Comparison comparison{level.last, *side, level.operation, level.lastStart,
+                                            child.End()};
+                const bool isWhole =
+                    !parts || comparisons.value(comparison.start, -1) == comparison.end;
+                if (isWhole && !addLink(join, comparison)) {
+                    report(comparison.start, comparison.end,
+                           QStringLiteral("The program did not allow this link: it is not "
+                                          "loaded."));
+                }
                 level.operation.clear();
                 level.position = -1;
             }
+            level.last = *side;
+            level.lastStart = child.Start();
             ++level.position;
         } else if (child.Kind() == otOperator) {
             if (level.position == 1) level.operation = child.Text();
             ++level.position;
         } else {
             level.position = 0;
-            levels.push_back({&child, 0, 0, {}, {}, {}});
+            levels.push_back({&child, 0, 0, {}, 0, {}});
         }
     }
 }
 
-bool FromLoader::isComparison(const orv::TokenRun& part) const {
-    if (part.size() != 3 || part[1].kind != orv::SqlToken::Sign) return false;
-    const auto isField = [&](int index) {
-        const orv::QualifiedName name = orv::splitQualifiedName(part.mid(index, 1).sourceText());
-        const TorvQDTable* table = m_area.findTable(name.alias);
-        return table && table->findItem(name.field);
-    };
-    return isField(0) && isField(2);
+// --- names in ON ---
+
+std::optional<FromLoader::Comparison> FromLoader::comparisonOf(const orv::TokenRun& part) const {
+    if (part.size() != 3 || part[1].kind != orv::SqlToken::Sign) return std::nullopt;
+    if (!orv::namesField(part, 0) || !orv::namesField(part, 2)) return std::nullopt;
+    if (!compares(part.textOf(1))) return std::nullopt;
+    const std::optional<Side> first = findSide(part.mid(0, 1).sourceText());
+    const std::optional<Side> second = findSide(part.mid(2, 1).sourceText());
+    if (!first || !second) return std::nullopt;
+    return Comparison{*first, *second, part.textOf(1).toString(), part.start(), part.endPosition()};
 }
 
-// "ALIAS.FIELD", or a bare name that one box alone has.
-std::optional<FromLoader::Side> FromLoader::findSide(const QString& text, bool complains) {
+TorvQDTable* FromLoader::onlyTableWith(const QString& field) const {
+    const std::vector<TorvQDTable*>* tables = m_area.tablesByField(field);
+    return tables && tables->size() == 1 ? tables->front() : nullptr;
+}
+
+// "ALIAS.FIELD", or a bare name: with the meaning kept, of the one box that has such a field; else
+// of the only box.
+std::optional<FromLoader::Side> FromLoader::findSide(const QString& text) const {
     const orv::QualifiedName name = orv::splitQualifiedName(text);
     TorvQDTable* table = m_area.findTable(name.alias);
-    if (!table && !complains && name.alias.isEmpty()) {
-        Side found;
-        for (TorvQDTable* box : m_area.m_creation) {
-            TorvQDListItem* item = box->findItem(name.field);
-            if (!item) continue;
-            if (found.item) return std::nullopt;
-            found = {box, item};
-        }
-        return found.item ? std::optional(found) : std::nullopt;
-    }
+    if (!table && m_keepsMeaning && name.alias.isEmpty()) table = onlyTableWith(name.field);
     TorvQDListItem* item = table ? table->findItem(name.field) : nullptr;
-    if (item) return Side{table, item};
-    if (complains && !table) complain(QStringLiteral("Could not find table: ") + name.alias);
-    if (complains && table) {
-        complain(QStringLiteral("Could not find field: ") + name.field + QStringLiteral(" in ") +
-                 name.alias);
+    return item ? std::optional(Side{table, item}) : std::nullopt;
+}
+
+std::optional<FromLoader::Side> FromLoader::findSideOrComplain(const QString& text) {
+    const orv::QualifiedName name = orv::splitQualifiedName(text);
+    TorvQDTable* table = m_area.findTable(name.alias);
+    if (!table) {
+        complain(QStringLiteral("Could not find table: ") + name.alias);
+        return std::nullopt;
     }
+    if (TorvQDListItem* item = table->findItem(name.field)) return Side{table, item};
+    complain(QStringLiteral("Could not find field: ") + name.field + QStringLiteral(" in ") +
+             name.alias);
     return std::nullopt;
 }
 
@@ -378,46 +456,48 @@ void FromLoader::complain(const QString& text) {
                       orv::MessageButtons::Ok});
 }
 
+// The box that a word of a condition means, as far as can be seen.
+TorvQDTable* FromLoader::tableNamedBy(const orv::TokenRun& run, int index) const {
+    if (!orv::namesField(run, index)) return nullptr;
+    const orv::QualifiedName name = orv::splitQualifiedName(run.mid(index, 1).sourceText());
+    return name.alias.isEmpty() ? onlyTableWith(name.field) : m_area.findTable(name.alias);
+}
+
+bool FromLoader::isOfAnotherItem(const TorvQDTable* table) const {
+    return m_itemOf.value(table, m_item) != m_item;
+}
+
+// --- links ---
+
 // The kind is about the table that the JOIN brings in: where that is the first table of the join
-// the kind is stored mirrored, so that the same rows are preserved.
-void FromLoader::addLink(LoadedJoin& join, const Side& first, const Side& second,
-                         const QString& operation) {
-    Side left = first;
-    Side right = second;
-    QString text = operation;
+// the kind is stored mirrored, so that the same rows are preserved. The operator is stored as it
+// stands, unless the meaning is kept: then the earlier table comes first, whoever stands left.
+bool FromLoader::addLink(LoadedJoin& join, const Comparison& comparison) {
+    Side left = comparison.first;
+    Side right = comparison.second;
+    QString operation = comparison.operation;
     if (m_keepsMeaning && m_area.createdBefore(right.table, left.table)) {
         std::swap(left, right);
-        text = orv::mirroredOperator(text);
+        operation = orv::mirroredOperator(operation);
     }
     TorvQDLink* link = m_area.AddLink(left.table, right.table, left.item, right.item);
-    if (!m_guard) return;
-    if (!link) {
-        report(join.start, join.node->End(),
-               QStringLiteral("The program did not allow this link: it is not loaded."));
-        return;
-    }
-    const bool swapped = link->Join->Table1 != left.table;
-    link->setOperatorText(swapped ? orv::mirroredOperator(text) : text);
+    if (!link) return !m_guard;
+    link->setOperatorText(operation);
     link->Join->KindOfJoin =
         link->Join->Table1 == join.table ? orv::mirrored(join.kind) : join.kind;
-    const bool touches = left.table == join.table || right.table == join.table;
-    if (touches) {
+    m_links.push_back({link, left.table, comparison.start, comparison.end});
+    if (!m_madeBy.contains(link->Join)) m_madeBy.insert(link->Join, m_joins.size());
+    if (!join.holder) join.holder = link->Join;
+    if (!orv::isMirrorableOperator(operation)) join.takesNulls = true;
+    if (left.table == join.table || right.table == join.table) {
         join.partners.push_back(left.table == join.table ? right.table : left.table);
     } else {
         join.reachesAround = true;
     }
+    return true;
 }
 
-// --- what the text makes of it
-// --------------------------------------------------------------------
-
-namespace {
-
-bool isOuter(TKindOfJoin kind) {
-    return kind != klInnerJoin;
-}
-
-}  // namespace
+// --- what the text makes of it ---
 
 // Where outer joins are written in another order than they were loaded, other rows may come.
 void FromLoader::reportOrder() {
@@ -426,76 +506,121 @@ void FromLoader::reportOrder() {
     if (!m_ledger || !anyOuter) return;
     const bool turnsRound = !m_keepsMeaning && orderMatters();
     for (const LoadedJoin& join : m_joins) {
-        const bool behindComma = !m_keepsMeaning && m_unlinked.size() > 1 &&
-                                 (join.kind == klROuterJoin || join.kind == klFOuterJoin);
+        const bool preservesItself = join.kind == klROuterJoin || join.kind == klFOuterJoin;
         if (join.reachesAcross) {
             report(join.start, join.keywordsEnd,
                    QStringLiteral("This ON reaches across a comma beside an outer join, which can "
                                   "change the rows."));
-        } else if (behindComma || (turnsRound && isOuter(join.kind))) {
+        } else if (turnsRound && isOuter(join.kind)) {
             report(join.start, join.keywordsEnd,
                    QStringLiteral("The joins are written in another order, which can change the "
                                   "rows."));
+        } else if (join.behindCross && preservesItself) {
+            report(join.start, join.keywordsEnd,
+                   QStringLiteral("CROSS JOIN is written as a comma, which binds weaker: this join "
+                                  "can get other rows."));
         }
     }
 }
 
 // Turning a chain of joins round keeps its rows only while each ON compares two tables, no table
-// that may stay empty is used by another join but as its preserved side, and full joins stand
-// alone.
+// that may stay empty is used by another join but as its preserved side, full joins stand alone,
+// and all tables are linked.
 bool FromLoader::orderMatters() const {
     const auto isFull = [](const LoadedJoin& join) { return join.kind == klFOuterJoin; };
     const bool anyFull = std::any_of(m_joins.begin(), m_joins.end(), isFull);
-    if (anyFull && m_joins.size() > 1 && !std::all_of(m_joins.begin(), m_joins.end(), isFull)) {
-        return true;
-    }
+    const bool allFull = std::all_of(m_joins.begin(), m_joins.end(), isFull);
+    if (m_unlinked.size() > 1 || (anyFull && !allFull)) return true;
+    QHash<const TorvQDTable*, int> notPreserved;  // in how many joins
     for (const LoadedJoin& join : m_joins) {
-        if (join.partners.empty() || join.reachesAround) return true;
+        if (join.partners.empty() || join.reachesAround || join.takesNulls) return true;
         const TorvQDTable* partner = join.partners.front();
-        for (const TorvQDTable* other : join.partners) {
-            if (other != partner) return true;
-        }
-        const TorvQDTable* mayBeEmpty = join.kind == klLOuterJoin   ? join.table
-                                        : join.kind == klROuterJoin ? partner
-                                                                    : nullptr;
-        for (const LoadedJoin& second : m_joins) {
-            if (&second == &join || !mayBeEmpty || second.partners.empty()) continue;
-            const TorvQDTable* preserved = second.kind == klLOuterJoin   ? second.partners.front()
-                                           : second.kind == klROuterJoin ? second.table
-                                                                         : nullptr;
-            const bool takesPart =
-                second.table == mayBeEmpty || second.partners.front() == mayBeEmpty;
-            if (takesPart && preserved != mayBeEmpty) return true;
-        }
+        const bool hasOnePartner =
+            std::all_of(join.partners.begin(), join.partners.end(),
+                        [&](const TorvQDTable* other) { return other == partner; });
+        if (!hasOnePartner) return true;
+        if (join.kind != klROuterJoin) ++notPreserved[join.table];
+        if (join.kind != klLOuterJoin) ++notPreserved[partner];
     }
-    return m_unlinked.size() > 1;
+    return std::any_of(m_joins.begin(), m_joins.end(), [&](const LoadedJoin& join) {
+        if (join.kind == klLOuterJoin) return notPreserved[join.table] > 1;
+        return join.kind == klROuterJoin && notPreserved[join.partners.front()] > 1;
+    });
 }
 
 // In the order of stacking a cycle names a table twice, and operators are not mirrored; with the
-// meaning kept the conditions of a cycle move to another line.
+// meaning kept the conditions of a cycle are written on one line, which suits inner joins only.
 void FromLoader::reportPlaces() {
     if (!m_ledger) return;
-    const std::vector<orv::JoinPlace> places = m_area.joinPlaces();
-    for (std::size_t index = 0; index < places.size(); ++index) {
-        const TorvQDJoin& held = *m_area.m_joins[index];
-        const auto loaded =
-            std::find_if(m_joins.begin(), m_joins.end(), [&](const LoadedJoin& join) {
-                return join.table == held.Table1 || join.table == held.Table2;
-            });
-        if (loaded == m_joins.end()) continue;
-        const bool inner = held.KindOfJoin == klInnerJoin && loaded->kind == klInnerJoin;
-        if (places[index].closesCycle && (!m_keepsMeaning || !inner)) {
-            report(loaded->start, loaded->keywordsEnd,
-                   QStringLiteral("This join closes a circle, which is written differently."));
-        }
-        for (const TorvQDLink* link : m_area.linksOf(&held)) {
-            const QString text = link->operatorText();
-            if (m_keepsMeaning || !places[index].swapped || orv::mirroredOperator(text) == text) {
-                continue;
+    orv::FromPlaces places;
+    (void)m_area.writeFrom(&places);
+    const std::vector<TorvQDJoin*> held = m_area.Joins();
+    QHash<const TorvQDJoin*, int> indexOf;
+    for (std::size_t index = 0; index < held.size(); ++index)
+        indexOf.insert(held[index], int(index));
+    for (const TorvQDJoin* join : m_area.brokenCircles()) {
+        const auto maker = m_madeBy.constFind(join);
+        if (maker == m_madeBy.constEnd()) continue;
+        const LoadedJoin& loaded = m_joins[*maker];
+        report(loaded.start, loaded.keywordsEnd,
+               m_keepsMeaning
+                   ? QStringLiteral("An outer join that is compared with several tables closes a "
+                                    "circle, which can change the rows.")
+                   : QStringLiteral("This join closes a circle, which names a table a second "
+                                    "time."));
+    }
+    reportOperators(places, indexOf);
+    if (m_keepsMeaning) reportTexts(places, indexOf);
+}
+
+void FromLoader::reportOperators(const orv::FromPlaces& places,
+                                 const QHash<const TorvQDJoin*, int>& indexOf) {
+    for (const LoadedLink& loaded : m_links) {
+        if (!m_area.m_linkNumbers.contains(loaded.link)) continue;  // a handler removed it
+        const TorvQDJoin& join = *loaded.link->Join;
+        const bool swapped = places.joins[std::size_t(indexOf.value(&join))].swapped;
+        const TorvQDTable* left = swapped ? join.Table2 : join.Table1;
+        const QString operation = loaded.link->operatorText();
+        const bool keepsMeaning = m_keepsMeaning ? orv::isMirrorableOperator(operation)
+                                                 : orv::isSymmetricOperator(operation);
+        if (left == loaded.left || keepsMeaning) continue;
+        report(loaded.start, loaded.end,
+               QStringLiteral("The sides of this comparison change places, its operator does "
+                              "not."));
+    }
+}
+
+// The text of a join must not stand in front of a table that it names, nor lose sight of one.
+void FromLoader::reportTexts(const orv::FromPlaces& places,
+                             const QHash<const TorvQDJoin*, int>& indexOf) {
+    QHash<const TorvQDTable*, int> placeOf;
+    for (std::size_t index = 0; index < m_area.m_creation.size(); ++index) {
+        placeOf.insert(m_area.m_creation[index], places.tables[index]);
+    }
+    const std::vector<TorvQDJoin*> held = m_area.Joins();
+    for (const LoadedJoin& join : m_joins) {
+        const int line =
+            join.holder ? places.joins[std::size_t(indexOf.value(join.holder))].line : -1;
+        if (line < 0) continue;
+        const TorvQDJoin& lineJoin = *held[std::size_t(line)];
+        const int last = std::max(placeOf.value(lineJoin.Table1), placeOf.value(lineJoin.Table2));
+        for (const orv::TokenRun& text : join.texts) {
+            bool isEarly = false;
+            bool isHidden = false;
+            for (int index = 0; index < text.size(); ++index) {
+                const TorvQDTable* table = tableNamedBy(text, index);
+                isEarly = isEarly || (table && placeOf.value(table) > last);
+                isHidden = isHidden || namesSchema(text, index) ||
+                           (table && join.behindCross &&
+                            m_itemOf.value(table) != m_itemOf.value(join.table));
             }
-            report(loaded->start, loaded->node->End(),
-                   QStringLiteral("The sides of this comparison change places, its operator does "
-                                  "not."));
+            if (isEarly) {
+                m_ledger->report(text, QStringLiteral("This condition is written in front of one "
+                                                      "of its tables."));
+            } else if (isHidden) {
+                m_ledger->report(text, QStringLiteral("This condition names a table that it cannot "
+                                                      "see where it is written."));
+            }
         }
     }
 }

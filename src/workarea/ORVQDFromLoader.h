@@ -7,6 +7,7 @@
 #include "parser/ORVQDParser.h"
 #include "workarea/ORVQDFloatPanel.h"
 
+#include <QHash>
 #include <QPointer>
 
 #include <optional>
@@ -38,19 +39,41 @@ private:
         TorvQDListItem* item = nullptr;
     };
 
+    /// A comparison of two fields, as the text has it.
+    struct Comparison {
+        Side first;
+        Side second;
+        QString operation;
+        int start;
+        int end;
+    };
+
     /// A join of the text and what it links.
     struct LoadedJoin {
         const TorvQDParser* node;
         TKindOfJoin kind;
         int start;  // of its keywords, NATURAL included
         int keywordsEnd;
+        bool behindCross = false;                 // in an item that CROSS JOIN begins
         TorvQDTable* table = nullptr;             // the one that it brings in
         std::vector<TorvQDTable*> partners = {};  // those that its links compare it with
         bool reachesAround = false;               // a link that does not touch its own table
-        bool reachesAcross = false;  // its ON names a table of another item of the comma list
+        bool reachesAcross = false;    // its ON names a table of another item of the comma list
+        bool takesNulls = false;       // a comparison that may hold for NULLs, as far as is known
+        TorvQDJoin* holder = nullptr;  // of its text
+        std::vector<orv::TokenRun> texts = {};  // the parts of that text
+    };
+
+    /// A link and the comparison that it was made from.
+    struct LoadedLink {
+        const TorvQDLink* link;
+        const TorvQDTable* left;  // that stands on the left in the text
+        int start;
+        int end;
     };
 
     void loadItems();
+    [[nodiscard]] bool isBehindCross(const TorvQDParser& table) const;
     void loadJoin(const TorvQDParser& join, int start);
     TorvQDTable* loadTable(const TorvQDParser& node);
     TorvQDTable* addBox(const NamedTable& table, const TDataSet& dataSet);
@@ -62,17 +85,25 @@ private:
     void loseDerivedTable(const TorvQDParser& node);
 
     void loadOn(LoadedJoin& join, const TorvQDParser& on);
-    void loadOnAsWritten(LoadedJoin& join, const TorvQDParser& on);
+    void loadOnAsWritten(LoadedJoin& join, const TorvQDParser& on,
+                         const std::vector<orv::TokenRun>* parts);
     void loadOnKeepingMeaning(LoadedJoin& join, const TorvQDParser& on,
                               const std::vector<orv::TokenRun>& parts);
-    [[nodiscard]] std::optional<Side> findSide(const QString& text, bool complains);
+    [[nodiscard]] std::optional<Side> findSide(const QString& text) const;
+    [[nodiscard]] std::optional<Side> findSideOrComplain(const QString& text);
     void complain(const QString& text);
-    [[nodiscard]] bool isComparison(const orv::TokenRun& part) const;
-    void addLink(LoadedJoin& join, const Side& first, const Side& second, const QString& operation);
+    [[nodiscard]] TorvQDTable* onlyTableWith(const QString& field) const;
+    [[nodiscard]] std::optional<Comparison> comparisonOf(const orv::TokenRun& part) const;
+    [[nodiscard]] TorvQDTable* tableNamedBy(const orv::TokenRun& run, int index) const;
+    [[nodiscard]] bool isOfAnotherItem(const TorvQDTable* table) const;
+    bool addLink(LoadedJoin& join, const Comparison& comparison);
 
     void reportOrder();
     [[nodiscard]] bool orderMatters() const;
     void reportPlaces();
+    void reportOperators(const orv::FromPlaces& places,
+                         const QHash<const TorvQDJoin*, int>& indexOf);
+    void reportTexts(const orv::FromPlaces& places, const QHash<const TorvQDJoin*, int>& indexOf);
     void placeClauseWords();
     void report(int start, int end, const QString& what);
 
@@ -83,7 +114,10 @@ private:
     const bool m_keepsMeaning;
     int m_readUpTo = 0;  // nodes in front of it are part of what was loaded
     std::vector<LoadedJoin> m_joins;
-    QHash<const TorvQDTable*, int> m_itemOf;  // item of the comma list
+    std::vector<LoadedLink> m_links;
+    QHash<const TorvQDJoin*, std::size_t> m_madeBy;  // the join of the text that made it
+    QHash<const TorvQDTable*, int> m_itemOf;         // item of the comma list
     int m_item = 0;
+    bool m_isCrossItem = false;            // CROSS JOIN stands in front of the item
     std::vector<TorvQDTable*> m_unlinked;  // tables that no JOIN brought in
 };

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "workarea/ORVQDFromText.h"
 
-#include <QHash>
 #include <QStringList>
 #include <queue>
 
 #include <functional>
+#include <utility>
 
 namespace orv {
 
@@ -50,6 +50,11 @@ QStringList conditions(const FromDiagram& diagram, const FromJoin& join, bool fr
     return texts;
 }
 
+FromPlaces placesOf(const FromDiagram& diagram) {
+    return {std::vector<int>(diagram.tables.size(), -1),
+            std::vector<JoinPlace>(diagram.joins.size())};
+}
+
 // --- in the order of stacking
 // ---------------------------------------------------------------------
 
@@ -58,17 +63,16 @@ public:
     explicit StackingWriter(const FromDiagram& diagram)
         : m_diagram(diagram),
           m_joins(joinsByTable(diagram)),
-          m_tableUsed(diagram.tables.size(), false),
           m_joinUsed(diagram.joins.size(), false),
-          m_joinPlaces(diagram.joins.size()) {}
+          m_places(placesOf(diagram)) {}
 
-    [[nodiscard]] const std::vector<JoinPlace>& places() const { return m_joinPlaces; }
+    [[nodiscard]] FromPlaces takePlaces() { return std::move(m_places); }
 
     QString text() {
         QStringList items;
         for (int table = 0; table < int(m_diagram.tables.size()); ++table) {
-            if (m_tableUsed[std::size_t(table)]) continue;
-            m_tableUsed[std::size_t(table)] = true;
+            if (isWritten(table)) continue;
+            take(table);
             m_item = withAlias(m_diagram.tables[std::size_t(table)]);
             follow(table);
             items << m_item;
@@ -81,6 +85,11 @@ private:
         int table;
         std::size_t next;  // of its joins
     };
+
+    [[nodiscard]] bool isWritten(int table) const {
+        return m_places.tables[std::size_t(table)] >= 0;
+    }
+    void take(int table) { m_places.tables[std::size_t(table)] = m_written++; }
 
     // Depth first: the joins of a table that was reached come before the next one of its origin.
     void follow(int first) {
@@ -103,22 +112,24 @@ private:
         const FromJoin& join = m_diagram.joins[std::size_t(index)];
         const bool fromFirst = join.table1 == from;
         const int to = fromFirst ? join.table2 : join.table1;
-        const bool again = m_tableUsed[std::size_t(to)];
-        m_tableUsed[std::size_t(to)] = true;
-        m_joinPlaces[std::size_t(index)] = {!fromFirst, again, !again};
+        const bool again = isWritten(to);
+        if (!again) take(to);
+        m_places.joins[std::size_t(index)] = {!fromFirst, again, index};
         const FromTable& table = m_diagram.tables[std::size_t(to)];
         const TKindOfJoin kind = fromFirst ? join.kind : mirrored(join.kind);
+        QStringList parts = conditions(m_diagram, join, fromFirst, false);
+        if (!join.text.isEmpty()) parts << u'(' + join.text + u')';
         m_item += crLf + joinIndent + joinWords(kind) + u' ' +
                   (again ? table.name : withAlias(table)) + QStringLiteral(" ON ") +
-                  conditions(m_diagram, join, fromFirst, false).join(conjunction);
+                  parts.join(conjunction);
         return to;
     }
 
     const FromDiagram& m_diagram;
     std::vector<std::vector<int>> m_joins;
-    std::vector<bool> m_tableUsed;
     std::vector<bool> m_joinUsed;
-    std::vector<JoinPlace> m_joinPlaces;
+    FromPlaces m_places;
+    int m_written = 0;  // tables
     QString m_item;
 };
 
@@ -130,16 +141,16 @@ public:
     explicit MeaningWriter(const FromDiagram& diagram)
         : m_diagram(diagram),
           m_joins(joinsByTable(diagram)),
-          m_place(diagram.tables.size(), -1),
           m_joinUsed(diagram.joins.size(), false),
-          m_joinPlaces(diagram.joins.size()) {}
+          m_lineOf(diagram.tables.size(), -1),
+          m_places(placesOf(diagram)) {}
 
-    [[nodiscard]] const std::vector<JoinPlace>& places() const { return m_joinPlaces; }
+    [[nodiscard]] FromPlaces takePlaces() { return std::move(m_places); }
 
     QString text() {
         QStringList items;
         for (int table = 0; table < int(m_diagram.tables.size()); ++table) {
-            if (m_place[std::size_t(table)] >= 0) continue;
+            if (m_places.tables[std::size_t(table)] >= 0) continue;
             m_lines.clear();
             bringIn(table);
             while (!m_open.empty()) {
@@ -154,14 +165,15 @@ public:
 
 private:
     struct Line {
-        TKindOfJoin kind;
+        int join;
         QString head;
         QStringList conditions;
+        QStringList texts;
     };
 
     void bringIn(int table) {
-        m_place[std::size_t(table)] = m_places++;
-        m_lineOf[table] = int(m_lines.size()) - 1;
+        m_places.tables[std::size_t(table)] = m_written++;
+        m_lineOf[std::size_t(table)] = int(m_lines.size()) - 1;
         for (const int join : m_joins[std::size_t(table)]) {
             if (!m_joinUsed[std::size_t(join)]) m_open.push(join);
         }
@@ -171,64 +183,62 @@ private:
         if (m_joinUsed[std::size_t(index)]) return;
         m_joinUsed[std::size_t(index)] = true;
         const FromJoin& join = m_diagram.joins[std::size_t(index)];
-        const int place1 = m_place[std::size_t(join.table1)];
-        const int place2 = m_place[std::size_t(join.table2)];
+        const int place1 = m_places.tables[std::size_t(join.table1)];
+        const int place2 = m_places.tables[std::size_t(join.table2)];
         const bool closesCycle = place1 >= 0 && place2 >= 0;
         const bool fromFirst = place2 < 0 || (closesCycle && place1 <= place2);
         const int to = fromFirst ? join.table2 : join.table1;
         if (!closesCycle) {
             const TKindOfJoin kind = fromFirst ? join.kind : mirrored(join.kind);
+            const FromTable& table = m_diagram.tables[std::size_t(to)];
             m_lines.push_back(
-                {kind,
-                 joinIndent + joinWords(kind) + u' ' + withAlias(m_diagram.tables[std::size_t(to)]),
-                 {}});
+                {index, joinIndent + joinWords(kind) + u' ' + withAlias(table), {}, {}});
+            bringIn(to);
         }
-        const int line = closesCycle ? m_lineOf[to] : int(m_lines.size()) - 1;
-        const bool inner =
-            line >= 0 && join.kind == klInnerJoin && m_lines[std::size_t(line)].kind == klInnerJoin;
-        m_joinPlaces[std::size_t(index)] = {!fromFirst, closesCycle, !closesCycle || inner};
-        if (line >= 0) addConditions(m_lines[std::size_t(line)], join, fromFirst);
-        if (!closesCycle) bringIn(to);
-    }
-
-    void addConditions(Line& line, const FromJoin& join, bool fromFirst) const {
+        JoinPlace& place = m_places.joins[std::size_t(index)];
+        place = {!fromFirst, closesCycle, -1};
+        const int number = m_lineOf[std::size_t(to)];
+        if (number < 0) return;  // a table that is compared with itself and nothing else
+        Line& line = m_lines[std::size_t(number)];
+        place.line = line.join;
         line.conditions << conditions(m_diagram, join, fromFirst, true);
-        if (!join.text.isEmpty()) line.conditions << u'(' + join.text + u')';
+        if (!join.text.isEmpty()) line.texts << join.text;
     }
 
     [[nodiscard]] QString itemText(const FromTable& first) const {
         QString text = withAlias(first);
         for (const Line& line : m_lines) {
-            text += crLf + line.head + QStringLiteral(" ON ") + line.conditions.join(conjunction);
+            QStringList parts = line.conditions;
+            if (!line.texts.isEmpty()) parts << u'(' + line.texts.join(conjunction) + u')';
+            text += crLf + line.head + QStringLiteral(" ON ") + parts.join(conjunction);
         }
         return text;
     }
 
     const FromDiagram& m_diagram;
     std::vector<std::vector<int>> m_joins;
-    std::vector<int> m_place;  // when the table was written; -1 before
     std::vector<bool> m_joinUsed;
-    std::vector<JoinPlace> m_joinPlaces;
-    std::vector<Line> m_lines;
-    QHash<int, int> m_lineOf;  // the line that brought the table in; -1 for a first one
+    std::vector<Line> m_lines;  // of the item that is being written
+    std::vector<int> m_lineOf;  // the line that brought the table in; -1 for a first one
     // Joins that touch a written table, the earliest on top.
     std::priority_queue<int, std::vector<int>, std::greater<>> m_open;
-    int m_places = 0;
+    FromPlaces m_places;
+    int m_written = 0;  // tables
 };
 
 }  // namespace
 
-QString fromText(const FromDiagram& diagram, std::vector<JoinPlace>* places) {
+QString fromText(const FromDiagram& diagram, FromPlaces* places) {
     StackingWriter writer(diagram);
     const QString text = writer.text();
-    if (places) *places = writer.places();
+    if (places) *places = writer.takePlaces();
     return text;
 }
 
-QString fromTextKeepingMeaning(const FromDiagram& diagram, std::vector<JoinPlace>* places) {
+QString fromTextKeepingMeaning(const FromDiagram& diagram, FromPlaces* places) {
     MeaningWriter writer(diagram);
     const QString text = writer.text();
-    if (places) *places = writer.places();
+    if (places) *places = writer.takePlaces();
     return text;
 }
 

@@ -44,20 +44,26 @@ struct FromDiagram {
 struct JoinPlace {
     bool swapped = false;      ///< its second table stands on the left
     bool closesCycle = false;  ///< both tables were written before
-    bool keepsMeaning = true;  ///< false for a circle that is not of inner joins alone
+    int line = -1;  ///< the join that begins the line of its conditions; -1 when there is no line
+};
+
+/// How the tables and joins of a diagram came out in the text, by their indices.
+struct FromPlaces {
+    std::vector<int> tables;  ///< the how manieth table of the text it is, from 0 on
+    std::vector<JoinPlace> joins;
 };
 
 /// The body of the clause: each table that no earlier one reaches begins an item of the comma list,
 /// and what it reaches through joins follows on lines of its own. Joins are followed depth first; a
 /// join between two tables that are both written names the second again. Linear in tables, joins
 /// and links, and not recursive.
-[[nodiscard]] ORV_EXPORT QString fromText(const FromDiagram& diagram,
-                                          std::vector<JoinPlace>* places = nullptr);
+[[nodiscard]] ORV_EXPORT QString fromText(const FromDiagram& diagram, FromPlaces* places = nullptr);
 
 /// The same with the meaning kept: of the joins that touch a written table the earliest is written
 /// next, its kind and operators mirrored where its sides change places. A join between two tables
-/// that are both written adds its conditions to the line of the later one.
+/// that are both written adds its conditions to the line of the later one. The texts of joins stand
+/// behind all comparisons of their line.
 [[nodiscard]] ORV_EXPORT QString fromTextKeepingMeaning(const FromDiagram& diagram,
-                                                        std::vector<JoinPlace>* places = nullptr);
+                                                        FromPlaces* places = nullptr);
 
 }  // namespace orv

@@ -109,7 +109,7 @@ private Q_SLOTS:
         TorvQDWorkArea& area = *on.builder.WorkArea;
         area.AddLink(on.table("T"), on.table("U"), on.table("T")->GetFieldItem("B"),
                      on.table("U")->GetFieldItem("X"));
-        area.RemoveLink(area.Links().front().get(), false);
+        area.RemoveLink(area.Links().front(), false);
         const QByteArray state = on.builder.SaveState();
         QCOMPARE(restored(state, false), state);
     }
