@@ -4,7 +4,9 @@
 #include "SqlCaseFile.h"
 #include "core/Error.h"
 #include "core/Text.h"
+#include "criteria/ORVQDWherePanel.h"
 #include "diagram/ORVQDFloatTable.h"
+#include "diagram/ORVQDLinks.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
 #include "workarea/ORVQDFloatPanel.h"
@@ -15,6 +17,29 @@
 namespace {
 
 const QString crLf = QStringLiteral("\r\n");
+
+const QString cellBorder = QStringLiteral(" | ");
+
+// A cell with the function in front of it: "SUM: O.PRICE".
+QString cell(const QString& function, const QString& text) {
+    const QString name = function.trimmed();
+    return name.isEmpty() ? text.trimmed() : name + QStringLiteral(": ") + text.trimmed();
+}
+
+QString conditionLine(const TorvQDWhereRow& row) {
+    if (row.isExpression()) return QStringLiteral("text: ") + row.FieldName;
+    QStringList cells = {cell(row.FieldFunc, row.FieldName),
+                         row.Operator ? row.Operator->Name : QString()};
+    for (const QString& argument : row.Arguments) cells << cell(row.ArgFunc, argument);
+    return cells.join(cellBorder);
+}
+
+// A group by its name and what it holds below it, two blanks further right.
+void appendConditions(const TorvQDWhereRow& row, const QString& indent, QStringList& lines) {
+    lines << indent + (row.isGroup() ? row.GroupOper : conditionLine(row));
+    for (int index = 0; index < row.SubRows->GetCount(); ++index)
+        appendConditions(*row.SubRows->Row(index), indent + QStringLiteral("  "), lines);
+}
 
 /// A builder over the tables of a case file.
 class CaseBuilder {
@@ -55,11 +80,49 @@ public:
         return names;
     }
 
+    // "O klInnerJoin C", and behind a line what its ON says beside the links.
+    [[nodiscard]] QStringList joins() const {
+        QStringList lines;
+        for (const auto& join : builder.WorkArea->Joins()) {
+            const QString line = join->Table1->GetAlias() + u' ' +
+                                 orv::joinKindIdentifier(join->KindOfJoin) + u' ' +
+                                 join->Table2->GetAlias();
+            lines << (join->Text.isEmpty() ? line : line + cellBorder + join->Text);
+        }
+        return lines;
+    }
+
+    // "O.CUSTNO = C.CUSTNO"
+    [[nodiscard]] QStringList links() const {
+        QStringList lines;
+        for (const auto& link : builder.WorkArea->Links()) {
+            const auto side = [](const TorvQDTable* table, const TorvQDListItem* item) {
+                return table->GetAlias() + u'.' + item->Name;
+            };
+            lines << side(link->Join->Table1, link->Item1) + u' ' + link->operatorText() + u' ' +
+                         side(link->Join->Table2, link->Item2);
+        }
+        return lines;
+    }
+
+    [[nodiscard]] static QStringList conditions(const TorvQDWherePanel& panel) {
+        QStringList lines;
+        appendConditions(*panel.rootRow(), QString(), lines);
+        return lines;
+    }
+
+    [[nodiscard]] QStringList order() const {
+        QStringList lines;
+        for (const orv::SortList::Line& line : builder.OrderPanel->sortList().lines())
+            lines << line.name + cellBorder + line.direction;
+        return lines;
+    }
+
     [[nodiscard]] QStringList columns() const {
         QStringList lines;
         for (const orv::OutputColumn& column : builder.SelectPanel->grid()->columns()) {
             const QStringList cells = {column.name, column.aggregate, column.source};
-            lines << cells.join(QStringLiteral(" | "));
+            lines << cells.join(cellBorder);
         }
         return lines;
     }
@@ -76,6 +139,12 @@ public:
     TorvQueryBuilder builder;
     QString error;
 };
+
+// The lines of a section that may say "none".
+QStringList linesOrNone(const SqlCase& sqlCase, const QString& section) {
+    const QStringList lines = sqlCase.lines(section);
+    return lines == QStringList{QStringLiteral("none")} ? QStringList() : lines;
+}
 
 }  // namespace
 
@@ -129,6 +198,15 @@ void tst_SqlCases::holds() {
     if (sqlCase.has("tables")) {
         QCOMPARE(loaded.tables(), sqlCase.line("tables").split(QStringLiteral(", ")));
     }
+    if (sqlCase.has("joins")) QCOMPARE(loaded.joins(), linesOrNone(sqlCase, "joins"));
+    if (sqlCase.has("links")) QCOMPARE(loaded.links(), linesOrNone(sqlCase, "links"));
+    if (sqlCase.has("where")) {
+        QCOMPARE(CaseBuilder::conditions(*loaded.builder.WherePanel), sqlCase.lines("where"));
+    }
+    if (sqlCase.has("having")) {
+        QCOMPARE(CaseBuilder::conditions(*loaded.builder.HavingPanel), sqlCase.lines("having"));
+    }
+    if (sqlCase.has("order")) QCOMPARE(loaded.order(), linesOrNone(sqlCase, "order"));
     if (sqlCase.has("columns")) QCOMPARE(loaded.columns(), sqlCase.lines("columns"));
     QCOMPARE(loaded.builder.TailText(), sqlCase.lines("tail").join(u'\n'));
     QCOMPARE(loaded.builder.SelectPanel->GetDistinct() != 0, sqlCase.line("distinct") == u"yes");
