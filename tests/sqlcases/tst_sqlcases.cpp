@@ -9,6 +9,7 @@
 #include "diagram/ORVQDLinks.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
+#include "support/TestTools.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <QDir>
@@ -188,11 +189,13 @@ void tst_SqlCases::holds() {
     const SqlCaseFile& cases = m_files[file];
     const SqlCase& sqlCase = cases.cases[std::size_t(index)];
     const bool keepMeaning = sqlCase.line("mode") != u"classic";
+    orvtest::RecordedServices services;
     CaseBuilder loaded(cases, keepMeaning);
     loaded.load(sqlCase.lines("sql").join(u'\n'));
 
     QCOMPARE(loaded.error, sqlCase.line("error"));
     if (!loaded.error.isEmpty()) return;
+    QCOMPARE(services.messages, sqlCase.lines("messages"));
     QCOMPARE(loaded.findings(), sqlCase.lines("findings"));
     QCOMPARE(loaded.text(), sqlCase.lines("text").join(crLf));
     if (sqlCase.has("tables")) {
