@@ -221,7 +221,17 @@ void tst_SqlCases::holds() {
     second.load(loaded.text());
     QCOMPARE(second.error, QString());
     QCOMPARE(second.findings(), QStringList());
-    QCOMPARE(second.text().toUpper(), loaded.text().toUpper());
+    if (sqlCase.line("reload") != u"simpler") {
+        QCOMPARE(second.text().toUpper(), loaded.text().toUpper());
+        return;
+    }
+
+    // A group of one row and a double negation are written shorter, once and for all.
+    QVERIFY(second.text().size() < loaded.text().size());
+    CaseBuilder third(cases, keepMeaning);
+    third.load(second.text());
+    QCOMPARE(third.findings(), QStringList());
+    QCOMPARE(third.text(), second.text());
 }
 
 QTEST_MAIN(tst_SqlCases)
