@@ -6,8 +6,9 @@
 namespace {
 
 const QStringList& sectionNames() {
-    static const QStringList names = {"mode", "sql",      "text",     "tables", "columns",
-                                      "tail", "distinct", "findings", "error",  "reload"};
+    static const QStringList names = {
+        "mode",    "sql",   "text", "tables",   "joins",    "links",    "where", "having",
+        "columns", "order", "tail", "distinct", "findings", "messages", "error", "reload"};
     return names;
 }
 

@@ -4,9 +4,12 @@
 #include "SqlCaseFile.h"
 #include "core/Error.h"
 #include "core/Text.h"
+#include "criteria/ORVQDWherePanel.h"
 #include "diagram/ORVQDFloatTable.h"
+#include "diagram/ORVQDLinks.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
+#include "support/TestTools.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <QDir>
@@ -15,6 +18,29 @@
 namespace {
 
 const QString crLf = QStringLiteral("\r\n");
+
+const QString cellBorder = QStringLiteral(" | ");
+
+// A cell with the function in front of it: "SUM: O.PRICE".
+QString cell(const QString& function, const QString& text) {
+    const QString name = function.trimmed();
+    return name.isEmpty() ? text.trimmed() : name + QStringLiteral(": ") + text.trimmed();
+}
+
+QString conditionLine(const TorvQDWhereRow& row) {
+    if (row.isExpression()) return QStringLiteral("text: ") + row.FieldName;
+    QStringList cells = {cell(row.FieldFunc, row.FieldName),
+                         row.Operator ? row.Operator->Name : QString()};
+    for (const QString& argument : row.Arguments) cells << cell(row.ArgFunc, argument);
+    return cells.join(cellBorder);
+}
+
+// A group by its name and what it holds below it, two blanks further right.
+void appendConditions(const TorvQDWhereRow& row, const QString& indent, QStringList& lines) {
+    lines << indent + (row.isGroup() ? row.GroupOper : conditionLine(row));
+    for (int index = 0; index < row.SubRows->GetCount(); ++index)
+        appendConditions(*row.SubRows->Row(index), indent + QStringLiteral("  "), lines);
+}
 
 /// A builder over the tables of a case file.
 class CaseBuilder {
@@ -55,11 +81,49 @@ public:
         return names;
     }
 
+    // "O klInnerJoin C", and behind a line what its ON says beside the links.
+    [[nodiscard]] QStringList joins() const {
+        QStringList lines;
+        for (const auto& join : builder.WorkArea->Joins()) {
+            const QString line = join->Table1->GetAlias() + u' ' +
+                                 orv::joinKindIdentifier(join->KindOfJoin) + u' ' +
+                                 join->Table2->GetAlias();
+            lines << (join->Text.isEmpty() ? line : line + cellBorder + join->Text);
+        }
+        return lines;
+    }
+
+    // "O.CUSTNO = C.CUSTNO"
+    [[nodiscard]] QStringList links() const {
+        QStringList lines;
+        for (const auto& link : builder.WorkArea->Links()) {
+            const auto side = [](const TorvQDTable* table, const TorvQDListItem* item) {
+                return table->GetAlias() + u'.' + item->Name;
+            };
+            lines << side(link->Join->Table1, link->Item1) + u' ' + link->operatorText() + u' ' +
+                         side(link->Join->Table2, link->Item2);
+        }
+        return lines;
+    }
+
+    [[nodiscard]] static QStringList conditions(const TorvQDWherePanel& panel) {
+        QStringList lines;
+        appendConditions(*panel.rootRow(), QString(), lines);
+        return lines;
+    }
+
+    [[nodiscard]] QStringList order() const {
+        QStringList lines;
+        for (const orv::SortList::Line& line : builder.OrderPanel->sortList().lines())
+            lines << line.name + cellBorder + line.direction;
+        return lines;
+    }
+
     [[nodiscard]] QStringList columns() const {
         QStringList lines;
         for (const orv::OutputColumn& column : builder.SelectPanel->grid()->columns()) {
             const QStringList cells = {column.name, column.aggregate, column.source};
-            lines << cells.join(QStringLiteral(" | "));
+            lines << cells.join(cellBorder);
         }
         return lines;
     }
@@ -76,6 +140,12 @@ public:
     TorvQueryBuilder builder;
     QString error;
 };
+
+// The lines of a section that may say "none".
+QStringList linesOrNone(const SqlCase& sqlCase, const QString& section) {
+    const QStringList lines = sqlCase.lines(section);
+    return lines == QStringList{QStringLiteral("none")} ? QStringList() : lines;
+}
 
 }  // namespace
 
@@ -119,16 +189,27 @@ void tst_SqlCases::holds() {
     const SqlCaseFile& cases = m_files[file];
     const SqlCase& sqlCase = cases.cases[std::size_t(index)];
     const bool keepMeaning = sqlCase.line("mode") != u"classic";
+    orvtest::RecordedServices services;
     CaseBuilder loaded(cases, keepMeaning);
     loaded.load(sqlCase.lines("sql").join(u'\n'));
 
     QCOMPARE(loaded.error, sqlCase.line("error"));
     if (!loaded.error.isEmpty()) return;
+    QCOMPARE(services.messages, sqlCase.lines("messages"));
     QCOMPARE(loaded.findings(), sqlCase.lines("findings"));
     QCOMPARE(loaded.text(), sqlCase.lines("text").join(crLf));
     if (sqlCase.has("tables")) {
         QCOMPARE(loaded.tables(), sqlCase.line("tables").split(QStringLiteral(", ")));
     }
+    if (sqlCase.has("joins")) QCOMPARE(loaded.joins(), linesOrNone(sqlCase, "joins"));
+    if (sqlCase.has("links")) QCOMPARE(loaded.links(), linesOrNone(sqlCase, "links"));
+    if (sqlCase.has("where")) {
+        QCOMPARE(CaseBuilder::conditions(*loaded.builder.WherePanel), sqlCase.lines("where"));
+    }
+    if (sqlCase.has("having")) {
+        QCOMPARE(CaseBuilder::conditions(*loaded.builder.HavingPanel), sqlCase.lines("having"));
+    }
+    if (sqlCase.has("order")) QCOMPARE(loaded.order(), linesOrNone(sqlCase, "order"));
     if (sqlCase.has("columns")) QCOMPARE(loaded.columns(), sqlCase.lines("columns"));
     QCOMPARE(loaded.builder.TailText(), sqlCase.lines("tail").join(u'\n'));
     QCOMPARE(loaded.builder.SelectPanel->GetDistinct() != 0, sqlCase.line("distinct") == u"yes");
@@ -140,7 +221,17 @@ void tst_SqlCases::holds() {
     second.load(loaded.text());
     QCOMPARE(second.error, QString());
     QCOMPARE(second.findings(), QStringList());
-    QCOMPARE(second.text().toUpper(), loaded.text().toUpper());
+    if (sqlCase.line("reload") != u"simpler") {
+        QCOMPARE(second.text().toUpper(), loaded.text().toUpper());
+        return;
+    }
+
+    // A group of one row and a double negation are written shorter, once and for all.
+    QVERIFY(second.text().size() < loaded.text().size());
+    CaseBuilder third(cases, keepMeaning);
+    third.load(second.text());
+    QCOMPARE(third.findings(), QStringList());
+    QCOMPARE(third.text(), second.text());
 }
 
 QTEST_MAIN(tst_SqlCases)
