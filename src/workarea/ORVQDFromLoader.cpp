@@ -478,11 +478,12 @@ void FromLoader::reportPlaces() {
     const std::vector<orv::JoinPlace> places = m_area.joinPlaces();
     for (std::size_t index = 0; index < places.size(); ++index) {
         const TorvQDJoin& held = *m_area.m_joins[index];
+        // The line that brought in the later of the two tables.
         const auto loaded =
-            std::find_if(m_joins.begin(), m_joins.end(), [&](const LoadedJoin& join) {
+            std::find_if(m_joins.rbegin(), m_joins.rend(), [&](const LoadedJoin& join) {
                 return join.table == held.Table1 || join.table == held.Table2;
             });
-        if (loaded == m_joins.end()) continue;
+        if (loaded == m_joins.rend()) continue;
         const bool inner = held.KindOfJoin == klInnerJoin && loaded->kind == klInnerJoin;
         if (places[index].closesCycle && (!m_keepsMeaning || !inner)) {
             report(loaded->start, loaded->keywordsEnd,
