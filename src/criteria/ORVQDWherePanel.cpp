@@ -149,7 +149,7 @@ void TorvQDWherePanel::LoadSQL(const TorvQDParser& Node) {
     }
     const auto elements = orv::readConditions(condition, readingRules(keepsMeaning));
     account(elements, *ledger, keepsMeaning);
-    orv::buildRows(elements, rootRow(), false);
+    orv::buildRows(elements, rootRow(), false, keepsMeaning);
     const QString written = rootRow()->GetSQLCondition(false);
     if (ledger->hasFinding(Node.Start(), Node.End())) return;
     const orv::TokenCounts counts = withoutPairsOfNot(orv::countTokens(written));
