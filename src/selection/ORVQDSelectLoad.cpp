@@ -249,6 +249,12 @@ private:
         return run.size() % 2 == 1;
     }
 
+    // SUM_OF_"my field": what aggregates of quoted fields are called as long as nobody quotes it.
+    static bool isPartlyQuoted(const QString& name) {
+        const bool hasQuote = name.contains(u'"') || name.contains(u'\'');
+        return hasQuote && !orv::isQuotedName(name) && !name.startsWith(u'\'');
+    }
+
     // Keeps the column when what will be written says what the text says; else all of it is lost.
     void take(const orv::AliasedRun& parts, orv::OutputColumn column) {
         const bool named = !parts.alias.isEmpty();
@@ -263,8 +269,10 @@ private:
         }
         if (named) column.name = loadedName(parts.alias);
         if (!named && column.name.isEmpty()) column.name = freshName();
-        const bool invalidName = !named && !column.aggregate.isEmpty() && !m_rules.keepMeaning &&
-                                 !orv::isPlainIdentifier(column.name);
+        const bool invalidName =
+            !m_rules.keepMeaning &&
+            (named ? isPartlyQuoted(column.name)
+                   : !column.aggregate.isEmpty() && !orv::isPlainIdentifier(column.name));
         const bool losesName =
             named && orv::columnText(column, m_rules) == orv::columnText(unnamed, m_rules) &&
             (!orv::isBlank(column.aggregate) || parts.expression.size() > 1 ||
