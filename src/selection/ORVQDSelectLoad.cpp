@@ -232,8 +232,8 @@ private:
             for (int index = 0; index < parts.expression.size(); ++index) {
                 source += orv::upperOutsideQuotes(parts.expression.textOf(index));
             }
-            name = orv::createFieldName(QString(),
-                                        orv::upperOutsideQuotes(parts.expression.textOf(0)));
+            name = withoutOwnQuotes(orv::createFieldName(
+                QString(), orv::upperOutsideQuotes(parts.expression.textOf(0))));
             if (m_names.contains(name)) name.clear();  // a name of its own instead
         }
         take(parts, {name, QString(), source});
@@ -290,9 +290,12 @@ private:
         }
     }
 
-    // Quotes that writing puts back are not part of the name.
     [[nodiscard]] QString loadedName(const TokenRun& alias) const {
-        const QString text = alias.sourceText();
+        return withoutOwnQuotes(alias.sourceText());
+    }
+
+    // Quotes that writing puts back are not part of the name.
+    [[nodiscard]] QString withoutOwnQuotes(const QString& text) const {
         const QString bare = orv::unquotedName(text);
         const bool putBack = m_rules.keepMeaning && bare != text && !orv::isPlainIdentifier(bare) &&
                              !orv::isQuotedName(bare) && !orv::isBlank(bare) &&
