@@ -16,7 +16,8 @@ namespace orvtest {
 
 namespace {
 
-// --- the host -------------------------------------------------------------------------------------
+// --- the host
+// -------------------------------------------------------------------------------------
 
 // Names that SQL takes as they are, and names in need of quotes. The last one is a qualified name,
 // which a host hands over in quotes and which then needs an alias.
@@ -24,8 +25,9 @@ const QStringList plainTables = {"T", "U", "EMPLOYEE", "DEPT", "ORDERS"};
 const QStringList quotedTables = {"my table", "S.T", "lower", "q\"q", "\"S\".\"T\""};
 const QString qualifiedTable = quotedTables.back();
 
-// What a user types over a caption: plain, in need of quotes, in quotes, with a full stop, keywords.
-const QStringList typedAliases = {"X1", "Y2",      "my z",      "W$",    "e", "\u00c4", "x.y",
+// What a user types over a caption: plain, in need of quotes, in quotes, with a full stop,
+// keywords.
+const QStringList typedAliases = {"X1", "Y2",      "my z",      "W$",    "e",  "\u00c4",  "x.y",
                                   "T1", "union",   "a\"b",      "U9",    "ON", "\"q r\"", "1ST",
                                   "O",  "LIMIT",   "O'CLOCK",   "DEPT2", "_N", "q(r",     "a, b",
                                   "AB", "\"u v\"", "Employee7", "EE"};
@@ -65,7 +67,8 @@ const OperatorTexts ownOperators[] = {
     {"OUTSIDE", "", " AND ", "", 2},
 };
 
-// --- texts of operands ----------------------------------------------------------------------------
+// --- texts of operands
+// ----------------------------------------------------------------------------
 
 const QString caseText = "CASE WHEN {1,0} = 1 AND B > 2 OR C IN (1, 2) THEN 'x, y' ELSE 'z' END";
 
@@ -161,10 +164,9 @@ const QStringList rightSides = {"5",
                                 "NOT_A",
                                 "$1"};
 const QStringList rightOfSigns = {"ALL (SELECT B FROM T)", "ANY (SELECT B FROM T WHERE A = 1)",
-                                  "{1,0} = {0,1}",         "{1,0} IS NULL",
-                                  "SOME (SELECT 1 FROM U)"};
-const QStringList likeTexts = {"'x%' ESCAPE '!'", "'%''%'", ":p", "'a%'", "{1,0} || '%'",
-                               "'%(%'", "UPPER('x%')"};
+                                  "{1,0} = {0,1}", "{1,0} IS NULL", "SOME (SELECT 1 FROM U)"};
+const QStringList likeTexts = {"'x%' ESCAPE '!'", "'%''%'", ":p",         "'a%'",
+                               "{1,0} || '%'",    "'%(%'",  "UPPER('x%')"};
 const QStringList lists = {"1, 2",
                            "1,2",
                            "'a)', 'b('",
@@ -191,11 +193,12 @@ const QStringList wholeTexts = {"EXISTS (SELECT A FROM U WHERE X = 1 AND Y = {0,
                                 "{0,0} BETWEEN 5",
                                 "{0,0} IS OF (INTEGER)",
                                 "EXISTS (select a from u where \"x\" = 'y')"};
-const QStringList wholeTextsOfDefaults = {"{0,0} CONTAINING 'x'", "{0,0} STARTING WITH 'x'",
+const QStringList wholeTextsOfDefaults = {"{0,0} CONTAINING 'x'",         "{0,0} STARTING WITH 'x'",
                                           "({0,0} = 1 OR B = 2) IS TRUE", "{0,0} ~ 'a|b'",
-                                          "A IS DISTINCT FROM B", "{0,0} OVERLAPS (1, 2)"};
+                                          "A IS DISTINCT FROM B",         "{0,0} OVERLAPS (1, 2)"};
 
-// --- columns --------------------------------------------------------------------------------------
+// --- columns
+// --------------------------------------------------------------------------------------
 
 const QStringList expressions = {"LOWER({0,0})",
                                  "{0,0} + 1",
@@ -216,15 +219,10 @@ const QStringList expressions = {"LOWER({0,0})",
                                  ":p",
                                  "LEFT({0,0}, 1)"};
 const QStringList numbers = {"-5", "1", "1.5"};
-const QStringList aggregates = {"SUM({0,0})",
-                                "COUNT(*)",
-                                "COUNT( DISTINCT {0,0} )",
-                                "MIN({0,0} * 2)",
-                                "AVG({0,0} + {1,1})",
-                                "SUM({0,0}) + 1",
-                                "MAX(UPPER({0,0}))",
-                                "MAX('it''s')",
-                                "SUM(CASE WHEN {0,0} = 1 THEN 1 ELSE 0 END)"};
+const QStringList aggregates = {
+    "SUM({0,0})",        "COUNT(*)",           "COUNT( DISTINCT {0,0} )",
+    "MIN({0,0} * 2)",    "AVG({0,0} + {1,1})", "SUM({0,0}) + 1",
+    "MAX(UPPER({0,0}))", "MAX('it''s')",       "SUM(CASE WHEN {0,0} = 1 THEN 1 ELSE 0 END)"};
 const QStringList tails = {"LIMIT 10",
                            "FOR UPDATE",
                            "UNION ALL SELECT 'a' FROM U",
@@ -269,7 +267,8 @@ void prepareForRandomStates(HostedBuilder& on, StateSetting setting) {
     }
 }
 
-// --- making ---------------------------------------------------------------------------------------
+// --- making
+// ---------------------------------------------------------------------------------------
 
 RandomState::RandomState(unsigned seed, StateSetting setting) : m_setting(setting), m_random(seed) {
     makeTables();
@@ -303,18 +302,27 @@ void RandomState::makeLinks() {
     for (int table = 1; table < count; ++table) {
         if (!oneIn(4)) addLink(below(table), table);
     }
-    if (count > 2 && oneIn(m_setting.keepMeaning ? 3 : 12)) addLink(below(count), below(count));
-    std::shuffle(m_links.begin(), m_links.end(), m_random);
+    // A circle that a text of a join belongs to is closed by its last link: no load gives a text to
+    // a join that others make superfluous.
+    const bool hasText = std::any_of(m_links.begin(), m_links.end(),
+                                     [](const Link& link) { return !link.text.isEmpty(); });
+    if (hasText) std::shuffle(m_links.begin(), m_links.end(), m_random);
+    if (count > 2 && oneIn(m_setting.keepMeaning ? 3 : 12)) {
+        const int table1 = below(count);
+        addLink(table1, (table1 + 1 + below(count - 1)) % count);
+        m_links.back().text.clear();
+    }
+    if (!hasText) std::shuffle(m_links.begin(), m_links.end(), m_random);
     const int more = m_links.empty() ? 0 : below(3);
     for (int index = 0; index < more; ++index) {
         const Link first = m_links[std::size_t(below(int(m_links.size())))];
         addLink(first.table1, first.table2);
         m_links.back().kind = first.kind;
+        m_links.back().text = first.text;
     }
 }
 
 void RandomState::addLink(int table1, int table2) {
-    if (table1 == table2) return;
     if (oneIn(2)) std::swap(table1, table2);
     Link link{newPiece(), table1, below(10), table2, below(10), {}, klInnerJoin, {}};
     const bool asymmetric = oneIn(m_setting.keepMeaning ? 2 : 8);
@@ -481,7 +489,8 @@ void RandomState::makeRest() {
     m_frontTable = below(int(m_tables.size()));
 }
 
-// --- building -------------------------------------------------------------------------------------
+// --- building
+// -------------------------------------------------------------------------------------
 
 class RandomState::Target {
 public:
@@ -503,7 +512,8 @@ public:
         while (matches.hasNext()) {
             const QRegularExpressionMatch match = matches.next();
             // Patterns name a first and a second table; a state may have one only.
-            const TorvQDListItem* found = item(match.captured(1).toInt(), match.captured(2).toInt());
+            const TorvQDListItem* found =
+                item(match.captured(1).toInt(), match.captured(2).toInt());
             if (!found) return std::nullopt;
             result += QStringView(pattern).mid(copied, match.capturedStart() - copied);
             result += found->Table->GetAlias() + u'.' + found->Name;
@@ -535,20 +545,25 @@ void RandomState::build(HostedBuilder& on) const {
     if (m_front >= 0 && has(m_front)) on.builder.WorkArea->TableToFront(target.box(m_frontTable));
 }
 
-// An alias that is another box's but for quotes or case would make no valid statement.
+// An alias that is another box's but for quotes or case would make no valid statement. By design a
+// rename also takes names of boxes whose alias only begins with the old one: it is not done then.
+bool RandomState::mayRename(const Target& target, const TorvQDTable& box, const QString& alias) {
+    const std::vector<TorvQDTable*>& boxes = target.builder.WorkArea->tablesByCreation();
+    return std::none_of(boxes.begin(), boxes.end(), [&](const TorvQDTable* other) {
+        return other != &box && (nameKey(other->GetAlias()) == nameKey(alias) ||
+                                 other->GetAlias().startsWith(box.GetAlias()));
+    });
+}
+
 void RandomState::buildTables(Target& target) const {
     for (const Table& table : m_tables) {
         TorvQDTable* box = nullptr;
         if (has(table.piece)) box = target.hosted.addTable(table.name);
         target.boxes.push_back(box);
         if (!box || table.alias.isEmpty()) continue;
-        const std::vector<TorvQDTable*>& boxes = target.builder.WorkArea->tablesByCreation();
         QString alias = table.alias;
         alias.remove(u'.');
-        const bool isTaken = std::any_of(boxes.begin(), boxes.end(), [&](const TorvQDTable* other) {
-            return other != box && nameKey(other->GetAlias()) == nameKey(alias);
-        });
-        if (!isTaken) target.builder.WorkArea->renameTable(box, table.alias);
+        if (mayRename(target, *box, alias)) target.builder.WorkArea->renameTable(box, table.alias);
     }
 }
 

@@ -26,9 +26,9 @@ struct StateSetting {
 void prepareForRandomStates(HostedBuilder& on, StateSetting setting);
 
 /// A state of the control, made from a seed and built through the public operations. It consists of
-/// numbered pieces (a table, a link, a condition row, a column ...) that can be left out one by one,
-/// so that a failing state can be made smaller. A piece that needs a table that was left out is left
-/// out, too. Texts name fields as {table,field}, both numbers.
+/// numbered pieces (a table, a link, a condition row, a column ...) that can be left out one by
+/// one, so that a failing state can be made smaller. A piece that needs a table that was left out
+/// is left out, too. Texts name fields as {table,field}, both numbers.
 class RandomState {
 public:
     RandomState(unsigned seed, StateSetting setting);
@@ -107,6 +107,7 @@ private:
 
     // --- building ---
     [[nodiscard]] bool has(int piece) const { return !m_leftOut.contains(piece); }
+    static bool mayRename(const Target& target, const TorvQDTable& box, const QString& alias);
     void buildTables(Target& target) const;
     void buildLinks(Target& target) const;
     void buildColumns(Target& target) const;

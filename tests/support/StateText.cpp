@@ -20,7 +20,8 @@ namespace orvtest {
 
 namespace {
 
-// --- texts ----------------------------------------------------------------------------------------
+// --- texts
+// ----------------------------------------------------------------------------------------
 
 bool isNameCharacter(QChar character) {
     return character.isLetterOrNumber() || character == u'_' || character == u'$';
@@ -50,7 +51,8 @@ QString upperPiece(const QString& piece) {
     for (qsizetype at = 0; at < piece.size(); ++at) {
         const QChar character = piece[at];
         const bool cast = character == u':' && (piece.mid(at, 2) == "::" || result.endsWith(u':'));
-        if (!isNameCharacter(character)) parameter = !cast && (character == u':' || character == u'@');
+        if (!isNameCharacter(character))
+            parameter = !cast && (character == u':' || character == u'@');
         result += parameter ? QString(character) : QString(character).toUpper();
     }
     return result;
@@ -66,7 +68,8 @@ QString squeezed(const QString& text) {
     QString result;
     QChar open;
     for (const QChar character : upper(text)) {
-        if (open.isNull() && character == u' ' && !result.isEmpty() && bars.contains(result.back())) {
+        if (open.isNull() && character == u' ' && !result.isEmpty() &&
+            bars.contains(result.back())) {
             continue;
         }
         if (open.isNull() && bars.contains(character)) {
@@ -111,13 +114,14 @@ QString filled(const QString& text) {
     return orv::isBlank(text) ? QString() : text;
 }
 
-// --- the order in which a diagram is written ------------------------------------------------------
+// --- the order in which a diagram is written
+// ------------------------------------------------------
 
 /// How the joins of a work area come out in its FROM text.
 struct Writing {
-    std::vector<const TorvQDTable*> tables;  // in the order of the text, each once
-    QSet<const TorvQDJoin*> swapped;         // their second table is written first
-    QSet<const TorvQDJoin*> circles;         // both tables were written before
+    std::vector<const TorvQDTable*> tables;                  // in the order of the text, each once
+    QSet<const TorvQDJoin*> swapped;                         // their second table is written first
+    QSet<const TorvQDJoin*> circles;                         // both tables were written before
     QHash<const TorvQDTable*, const TorvQDJoin*> broughtBy;  // the join of the table's line
 };
 
@@ -190,7 +194,8 @@ Writing writingOf(TorvQueryBuilder& builder) {
                                  : writingByStacking(*builder.WorkArea);
 }
 
-// --- tables and joins -----------------------------------------------------------------------------
+// --- tables and joins
+// -----------------------------------------------------------------------------
 
 QStringList tableLines(TorvQueryBuilder& builder) {
     QStringList lines;
@@ -235,7 +240,8 @@ QStringList joinLines(TorvQueryBuilder& builder, StateView view) {
     return lines;
 }
 
-// --- conditions -----------------------------------------------------------------------------------
+// --- conditions
+// -----------------------------------------------------------------------------------
 
 /// A condition as a tree: a leaf with its text, or a group with its caption and parts.
 struct Condition {
@@ -321,7 +327,8 @@ Negatable counted(const Condition& condition) {
         return only;
     }
     const bool conjunction = condition.group == "All" || condition.group == "None";
-    Negatable result{negates, {{}, conjunction ? QStringLiteral("All") : QStringLiteral("Any"), {}}};
+    Negatable result{negates,
+                     {{}, conjunction ? QStringLiteral("All") : QStringLiteral("Any"), {}}};
     for (const Condition& part : condition.parts) {
         result.condition.parts.push_back(withGroup(counted(part)));
     }
@@ -357,23 +364,35 @@ QStringList panelLines(const QString& name, const TorvQDWherePanel& panel, State
     return lines;
 }
 
-// --- columns and the rest -------------------------------------------------------------------------
+// --- columns and the rest
+// -------------------------------------------------------------------------
 
-QStringList pageLines(TorvQueryBuilder& builder) {
+// Allowance 8: ORDER BY names a field, not one of several columns of it.
+int sortedRow(TorvQueryBuilder& builder, int row, StateForm form) {
+    const orv::OutputColumns& columns = builder.SelectPanel->grid()->columns();
+    const QString source = columns[std::size_t(row - 1)].source;
+    const bool byField = builder.SelectPanel->grid()->GetFieldName(row) == source;
+    if (form == StateForm::Exact || !byField) return row;
+    const auto first = std::find_if(columns.begin(), columns.end(), [&](const auto& column) {
+        return column.source == source && orv::isBlank(column.aggregate);
+    });
+    return int(first - columns.begin()) + 1;
+}
+
+QStringList pageLines(TorvQueryBuilder& builder, StateForm form) {
     QStringList lines;
-    for (const orv::OutputColumn& column : builder.SelectPanel->grid()->columns()) {
-        lines << QStringLiteral("column %1 | %2 | %3")
-                     .arg(column.name, filled(column.aggregate), upper(column.source));
-    }
     QStringList names;
     for (const orv::OutputColumn& column : builder.SelectPanel->grid()->columns()) {
         names << column.name;
+        lines << QStringLiteral("column %1 | %2 | %3")
+                     .arg(column.name, filled(column.aggregate), upper(column.source));
     }
     const orv::SortList& list = builder.OrderPanel->sortList();
     for (const orv::SortList::Line& line : list.lines()) {
+        const int row = sortedRow(builder, list.rowOf(line, names), form);
         lines << QStringLiteral("sorted by %1 %2 row %3")
-                     .arg(line.name, line.direction)
-                     .arg(list.rowOf(line, names));
+                     .arg(names.value(row - 1), line.direction)
+                     .arg(row);
     }
     if (builder.SelectPanel->GetDistinct() != 0) lines << QStringLiteral("distinct");
     if (!builder.TailText().isEmpty()) lines << "tail " + builder.TailText();
@@ -391,7 +410,7 @@ QStringList stateLines(TorvQueryBuilder& builder, StateForm form, StateView view
     lines << panelLines(QStringLiteral("where"), *builder.WherePanel, form);
     const bool lost = view == StateView::Reloaded && !writesHaving(builder);
     if (!lost) lines << panelLines(QStringLiteral("having"), *builder.HavingPanel, form);
-    return lines + pageLines(builder);
+    return lines + pageLines(builder, form);
 }
 
 namespace {
@@ -429,7 +448,8 @@ bool isPlainState(TorvQueryBuilder& builder) {
            });
 }
 
-// --- promises -------------------------------------------------------------------------------------
+// --- promises
+// -------------------------------------------------------------------------------------
 
 namespace {
 
@@ -464,23 +484,29 @@ bool hasInvalidOutputName(TorvQueryBuilder& builder) {
 }
 
 bool hasOuterJoinInCompany(const TorvQDWorkArea& area) {
-    const bool any = std::any_of(area.Joins().begin(), area.Joins().end(), [](const auto& join) {
-        return join->KindOfJoin != klInnerJoin;
-    });
+    const bool any = std::any_of(area.Joins().begin(), area.Joins().end(),
+                                 [](const auto& join) { return join->KindOfJoin != klInnerJoin; });
     return any && area.TablesCount() > 2;
 }
 
-QString outerCircle(const TorvQDWorkArea& area, const Writing& writing) {
+/// A join that closes a circle, with the join of the line that its conditions go to.
+struct Circle {
+    bool hasOuter = false;  // one of the two is an outer join
+    bool isOuterLine = false;
+};
+
+Circle outerCircle(const Writing& writing) {
     const std::vector<const TorvQDTable*>& order = writing.tables;
+    Circle found;
     for (const TorvQDJoin* join : writing.circles) {
         const auto place1 = std::find(order.begin(), order.end(), join->Table1);
         const auto place2 = std::find(order.begin(), order.end(), join->Table2);
         const TorvQDJoin* line = writing.broughtBy.value(place1 < place2 ? *place2 : *place1);
-        const bool inner = join->KindOfJoin == klInnerJoin && line->KindOfJoin == klInnerJoin;
-        if (!inner) return QStringLiteral("an outer join closes a circle or is closed by one");
+        const bool outerLine = line->KindOfJoin != klInnerJoin;
+        found.isOuterLine = found.isOuterLine || outerLine;
+        found.hasOuter = found.hasOuter || outerLine || join->KindOfJoin != klInnerJoin;
     }
-    Q_UNUSED(area)
-    return {};
+    return found;
 }
 
 }  // namespace
@@ -489,7 +515,9 @@ Promise promiseOf(TorvQueryBuilder& builder) {
     const Writing writing = writingOf(builder);
     Promise promise;
     if (builder.KeepMeaning()) {
-        promise.lost = outerCircle(*builder.WorkArea, writing);
+        const Circle circle = outerCircle(writing);
+        if (circle.hasOuter) promise.lost = QStringLiteral("an outer join is part of a circle");
+        promise.mayReport = circle.hasOuter && !circle.isOuterLine;
     } else if (!writing.circles.isEmpty()) {
         promise.lost = QStringLiteral("a circle names a table twice");
     } else if (isTakenForAnother(writing)) {
@@ -497,8 +525,8 @@ Promise promiseOf(TorvQueryBuilder& builder) {
     } else if (hasInvalidOutputName(builder)) {
         promise.lost = QStringLiteral("an output name is no name in SQL");
     }
-    promise.reported = promise.lost;
-    promise.mayReport = !builder.KeepMeaning() && hasOuterJoinInCompany(*builder.WorkArea);
+    if (!promise.mayReport) promise.reported = promise.lost;
+    if (!builder.KeepMeaning()) promise.mayReport = hasOuterJoinInCompany(*builder.WorkArea);
     return promise;
 }
 
