@@ -117,21 +117,31 @@ private:
                 if (!isAnd || ownAnds == 0) return index;
                 --ownAnds;
             }
-            if (cases == 0 && index > first) ownAnds += andsBetweenOperands(run, index);
+            const KnownOperator* known =
+                cases == 0 && index > first ? operatorNamed(run, index) : nullptr;
+            if (known) {
+                ownAnds += andsBetweenOperands(*known);
+                index += int(known->name.size());
+                continue;
+            }
+            if (cases == 0 && isWord(run, index, u"BETWEEN")) ++ownAnds;
             ++index;
         }
         return index;
     }
 
+    // The longest operator of the list whose name stands here.
+    [[nodiscard]] const KnownOperator* operatorNamed(const TokenRun& run, int index) const {
+        const auto found = std::find_if(m_known.begin(), m_known.end(), [&](const auto& known) {
+            return matches(run, index, known.name);
+        });
+        return found == m_known.end() ? nullptr : &*found;
+    }
+
     // Operators that have AND between their operands keep that many of them.
-    [[nodiscard]] int andsBetweenOperands(const TokenRun& run, int index) const {
-        if (run[index].kind == SqlToken::Word && run.is(index, u"BETWEEN")) return 1;
-        for (const KnownOperator& known : m_known) {
-            const bool hasAnd = known.relate.size() == 1 && known.relate.front() == u"AND";
-            if (!hasAnd || known.name.contains(QStringLiteral("BETWEEN"))) continue;
-            if (matches(run, index, known.name)) return operandCount(known.entry) - 1;
-        }
-        return 0;
+    static int andsBetweenOperands(const KnownOperator& known) {
+        const bool hasAnd = known.relate.size() == 1 && known.relate.front() == u"AND";
+        return hasAnd ? std::max(operandCount(known.entry) - 1, 0) : 0;
     }
 
     // --- one condition
@@ -210,9 +220,8 @@ private:
     }
 
     [[nodiscard]] std::optional<FoundOperator> operatorAt(const TokenRun& run, int index) const {
-        for (const KnownOperator& known : m_known) {
-            if (!matches(run, index, known.name)) continue;
-            return FoundOperator{&known, index, index + int(known.name.size()), 0};
+        if (const KnownOperator* known = operatorNamed(run, index)) {
+            return FoundOperator{known, index, index + int(known->name.size()), 0};
         }
         if (isSign(run, index)) return splitSigns(run, index);
         return std::nullopt;

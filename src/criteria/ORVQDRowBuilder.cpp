@@ -35,7 +35,8 @@ void moveRows(TorvQDWhereRows& from, TorvQDWhereRows& to) {
 /// The reading of one level; see buildRows.
 class RowBuilder {
 public:
-    RowBuilder(TorvQDWhereRow* group, bool negate) : m_group(group), m_negate(negate) {
+    RowBuilder(TorvQDWhereRow* group, bool negate, bool joinsNots)
+        : m_group(group), m_negate(negate), m_joinsNots(joinsNots) {
         m_current = m_group->SubRows->AddRow();
     }
 
@@ -84,7 +85,7 @@ private:
     void replaceAllBy(const std::vector<ConditionElement>& elements) {
         m_group->SubRows->Clear();
         m_current = nullptr;
-        buildRows(elements, m_group, false);
+        buildRows(elements, m_group, false, m_joinsNots);
     }
 
     void readConnective(ConditionElement::Kind kind) {
@@ -126,15 +127,15 @@ private:
         m_negation = m_current;
         m_negation->SetGroupOper(none);
         m_current = m_negation->SubRows->AddRow();
-        m_pendingNot = m_connective != 0;
+        m_pendingNot = m_connective != 0 || m_joinsNots;
     }
 
     void readBracket(const ConditionElement& element) {
         if (m_pendingNot) {
             m_negation->SubRows->Clear();
-            buildRows(element.children, m_negation, true);
+            buildRows(element.children, m_negation, true, m_joinsNots);
         } else {
-            buildRows(element.children, m_current, false);
+            buildRows(element.children, m_current, false, m_joinsNots);
         }
         m_pendingNot = false;
         m_filled = true;
@@ -173,6 +174,7 @@ private:
 
     TorvQDWhereRow* m_group;
     bool m_negate;
+    bool m_joinsNots;
     TorvQDWhereRow* m_current = nullptr;
     TorvQDWhereRow* m_negation = nullptr;
     int m_connective = 0;  // 0 none yet, 1 AND, 2 OR
@@ -182,8 +184,9 @@ private:
 
 }  // namespace
 
-void buildRows(const std::vector<ConditionElement>& elements, TorvQDWhereRow* group, bool negate) {
-    RowBuilder(group, negate).read(elements);
+void buildRows(const std::vector<ConditionElement>& elements, TorvQDWhereRow* group, bool negate,
+               bool joinsNots) {
+    RowBuilder(group, negate, joinsNots).read(elements);
 }
 
 }  // namespace orv

@@ -46,6 +46,13 @@ bool goTogether(TFieldType type, TFieldType other) {
     return type == other;
 }
 
+// NOTs that cancel out are not written again: there may be fewer by an even number.
+orv::TokenCounts withoutPairsOfNot(orv::TokenCounts counts) {
+    const int nots = counts.take(QStringLiteral("NOT"));
+    if (nots % 2 != 0) counts.insert(QStringLiteral("NOT"), 1);
+    return counts;
+}
+
 template <typename Visit>
 void visitConditions(TorvQDWhereRow& row, const Visit& visit) {
     for (int index = 0; index < row.SubRows->GetCount(); ++index) {
@@ -142,10 +149,11 @@ void TorvQDWherePanel::LoadSQL(const TorvQDParser& Node) {
     }
     const auto elements = orv::readConditions(condition, readingRules(keepsMeaning));
     account(elements, *ledger, keepsMeaning);
-    orv::buildRows(elements, rootRow(), false);
+    orv::buildRows(elements, rootRow(), false, keepsMeaning);
     const QString written = rootRow()->GetSQLCondition(false);
     if (ledger->hasFinding(Node.Start(), Node.End())) return;
-    if (orv::countTokens(written) == orv::countTokens(condition)) return;
+    const orv::TokenCounts counts = withoutPairsOfNot(orv::countTokens(written));
+    if (counts == withoutPairsOfNot(orv::countTokens(condition))) return;
     ledger->report(run, QStringLiteral("This clause is written differently."));
 }
 

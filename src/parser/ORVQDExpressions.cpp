@@ -236,7 +236,10 @@ bool splitConjunction(const TokenRun& run, std::vector<TokenRun>& parts) {
         TokenRun part = open.back();
         open.pop_back();
         TokenRun inside = part;
-        while (isBracketOfConditions(inside)) inside = inside.mid(1, inside.size() - 2);
+        while (isBracketOfConditions(inside)) {
+            part = inside;  // of brackets around brackets one is enough
+            inside = inside.mid(1, inside.size() - 2);
+        }
         const std::vector<TokenRun> level = partsOfLevel(inside);
         if (level.empty() && outermost) return false;
         outermost = false;

@@ -139,6 +139,8 @@ void TorvQueryBuilder::_ChangeAlias(QObject* Table, const QString& OldAlias) {
     const QString alias = table->GetAlias();
     const auto renamed = [&](const QString& name) {
         if (!name.startsWith(OldAlias) || orv::firstFullStop(name) < 0) return name;
+        // An old alias that is a qualified name has full stops of its own.
+        if (name.startsWith(OldAlias + u'.')) return alias + name.mid(OldAlias.size());
         return alias + u'.' + orv::splitQualifiedName(name).field;
     };
     flushRemovals();

@@ -241,8 +241,8 @@ private:
             for (int index = 0; index < parts.expression.size(); ++index) {
                 source += orv::upperOutsideQuotes(parts.expression.textOf(index));
             }
-            name = orv::createFieldName(QString(),
-                                        orv::upperOutsideQuotes(parts.expression.textOf(0)));
+            name = withoutOwnQuotes(orv::createFieldName(
+                QString(), orv::upperOutsideQuotes(parts.expression.textOf(0))));
             if (m_names.contains(name)) name.clear();  // a name of its own instead
         }
         take(parts, {name, QString(), source});
@@ -256,6 +256,12 @@ private:
             if (!fits) return false;
         }
         return run.size() % 2 == 1;
+    }
+
+    // SUM_OF_"my field": what aggregates of quoted fields are called as long as nobody quotes it.
+    static bool isPartlyQuoted(const QString& name) {
+        const bool hasQuote = name.contains(u'"') || name.contains(u'\'');
+        return hasQuote && !orv::isQuotedName(name) && !name.startsWith(u'\'');
     }
 
     // Keeps the column when what will be written says what the text says; else all of it is lost.
@@ -272,8 +278,10 @@ private:
         }
         if (named) column.name = loadedName(parts.alias);
         if (!named && column.name.isEmpty()) column.name = freshName();
-        const bool invalidName = !named && !column.aggregate.isEmpty() && !m_rules.keepMeaning &&
-                                 !orv::isPlainIdentifier(column.name);
+        const bool invalidName =
+            !m_rules.keepMeaning &&
+            (named ? isPartlyQuoted(column.name)
+                   : !column.aggregate.isEmpty() && !orv::isPlainIdentifier(column.name));
         const bool losesName =
             named && orv::columnText(column, m_rules) == orv::columnText(unnamed, m_rules) &&
             (!orv::isBlank(column.aggregate) || parts.expression.size() > 1 ||
@@ -291,9 +299,12 @@ private:
         }
     }
 
-    // Quotes that writing puts back are not part of the name.
     [[nodiscard]] QString loadedName(const TokenRun& alias) const {
-        const QString text = alias.sourceText();
+        return withoutOwnQuotes(alias.sourceText());
+    }
+
+    // Quotes that writing puts back are not part of the name.
+    [[nodiscard]] QString withoutOwnQuotes(const QString& text) const {
         const QString bare = orv::unquotedName(text);
         const bool putBack = m_rules.keepMeaning && bare != text && !orv::isPlainIdentifier(bare) &&
                              !orv::isQuotedName(bare) && !orv::isBlank(bare) &&

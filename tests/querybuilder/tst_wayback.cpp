@@ -1,0 +1,199 @@
+// SPDX-License-Identifier: MIT
+// Whatever can be built comes back from its own text: random states are written, loaded into a
+// second control and compared, and what that one writes is loaded into a third, which changes
+// nothing more.
+#include "core/Error.h"
+#include "support/RandomState.h"
+#include "support/StateText.h"
+#include "support/TestTools.h"
+
+#include <QElapsedTimer>
+
+using orvtest::HostedBuilder;
+using orvtest::RandomState;
+using orvtest::StateForm;
+using orvtest::StateSetting;
+using orvtest::StateView;
+
+namespace {
+
+constexpr int shrinkingRounds = 3;
+
+/// What was seen of the states of one test.
+struct Tally {
+    int compared = 0;  // that came back
+    int plain = 0;     // byte for byte
+    int joined = 0;
+    int conditions = 0;
+    int having = 0;
+    QHash<QString, int> notPromised;
+};
+
+/// Three controls in one mode with one catalogue.
+class WayBack {
+public:
+    explicit WayBack(StateSetting setting) : m_setting(setting) {
+        for (HostedBuilder* on : {&m_first, &m_second, &m_third}) {
+            orvtest::prepareForRandomStates(*on, setting);
+        }
+    }
+
+    /// What is wrong with the way back of a state; empty when nothing is.
+    QString fault(const RandomState& state, Tally* tally = nullptr) {
+        m_services.messages.clear();
+        m_statement.clear();
+        // Loading the text that is shown already would do nothing.
+        m_second.builder.Clear();
+        m_third.builder.Clear();
+        try {
+            state.build(m_first);
+            const bool selects = !m_first.columns().isEmpty();
+            if (!selects || m_first.builder.ListOfTables->TablesCount() == 0) return {};
+            m_statement = m_first.builder.GetSQLStatment();
+            return faultOfStatement(tally);
+        } catch (const orv::Error& error) {
+            return "raised: " + error.Message();
+        }
+    }
+
+    /// The same with the statement, for the smallest part of the state that still has a fault.
+    QString smallestFault(unsigned seed) {
+        RandomState state(seed, m_setting);
+        const QString kind = fault(state).section(u'\n', 0, 0);
+        for (int round = 0; round < shrinkingRounds; ++round) {
+            for (int piece = 0; piece < state.pieceCount(); ++piece) {
+                const QSet<int> before = state.leftOut();
+                if (before.contains(piece)) continue;
+                state.setLeftOut(before + QSet<int>{piece});
+                if (fault(state).section(u'\n', 0, 0) != kind) state.setLeftOut(before);
+            }
+        }
+        const QString found = fault(state);
+        return QStringLiteral("\nsmallest statement:\n%1\n%2").arg(m_statement, found);
+    }
+
+    [[nodiscard]] QString statement() const { return m_statement; }
+
+private:
+    QString faultOfStatement(Tally* tally) {
+        const orvtest::Promise promise = orvtest::promiseOf(m_first.builder);
+        const bool plain = orvtest::isPlainState(m_first.builder);
+        const QString from = m_first.builder.WorkArea->GetSQLStatment();
+        QString found = faultOfLoading(m_first, m_second, StateForm::Normal);
+        if (!found.isEmpty()) return "own text, loaded:\n" + found;
+        if (!promise.lost.isEmpty()) {
+            if (tally) ++tally->notPromised[promise.lost];
+            return {};
+        }
+        const QString text = m_second.builder.GetSQLStatment();
+        if (m_setting.keepMeaning) {
+            const QString again = m_second.builder.WorkArea->GetSQLStatment();
+            const bool upperCase = orv::upperOutsideQuotes(from) == from;
+            if (again != (upperCase ? from : orv::upperOutsideQuotes(from))) {
+                return "another FROM text:\n" + again;
+            }
+            if (plain && text != m_statement) return "another text:\n" + text;
+        }
+        // A NOT in front of the first of several brackets keeps a group of its own as specified, so
+        // that there one group of one row may still come or go.
+        const StateForm form = m_setting.keepMeaning ? StateForm::Exact : StateForm::Normal;
+        found = faultOfLoading(m_second, m_third, form);
+        if (!found.isEmpty()) return "the loaded one's text\n" + text + "\nloaded:\n" + found;
+        if (m_setting.keepMeaning && m_third.builder.GetSQLStatment() != text) {
+            return "loading what was loaded changes\n" + text + "\nto\n" +
+                   m_third.builder.GetSQLStatment();
+        }
+        if (tally) count(*tally, plain);
+        return {};
+    }
+
+    // Loads the text of one control into another.
+    QString faultOfLoading(HostedBuilder& written, HostedBuilder& loaded, StateForm form) {
+        const orvtest::Promise promise = orvtest::promiseOf(written.builder);
+        loaded.builder.LoadSQL(written.builder.GetSQLStatment());
+        const QStringList report = loaded.findings();
+        QString reason = promise.reported;
+        if (reason.isEmpty()) reason = orvtest::changedByWriting(loaded.builder);
+        if (!reason.isEmpty() && report.isEmpty()) return "nothing is reported, but " + reason;
+        if (!promise.lost.isEmpty()) return {};
+        const QString broken = orvtest::brokenRule(loaded.builder);
+        if (!broken.isEmpty()) return broken;
+        if (!m_services.messages.isEmpty()) return "told: " + m_services.messages.join(u'\n');
+        const QString states =
+            orvtest::difference(stateLines(written.builder, form, StateView::Reloaded),
+                                stateLines(loaded.builder, form, StateView::Present));
+        if (!states.isEmpty()) return states + "\nreport: " + report.join(u'\n');
+        if (reason.isEmpty() && !promise.mayReport && !report.isEmpty()) {
+            QStringList texts;
+            for (const orv::Finding& finding : loaded.builder.LoadReport()) {
+                texts << finding.text + ": " + finding.what;
+            }
+            return "reported: " + texts.join(u'\n');
+        }
+        return {};
+    }
+
+    void count(Tally& tally, bool plain) {
+        ++tally.compared;
+        if (plain) ++tally.plain;
+        if (!m_first.builder.WorkArea->Joins().empty()) ++tally.joined;
+        if (m_statement.contains("\r\nWHERE ")) ++tally.conditions;
+        if (m_statement.contains("\r\nHAVING ")) ++tally.having;
+    }
+
+    const StateSetting m_setting;
+    orvtest::RecordedServices m_services;
+    HostedBuilder m_first;
+    HostedBuilder m_second;
+    HostedBuilder m_third;
+    QString m_statement;
+};
+
+}  // namespace
+
+class WayBackTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { orvtest::failOnAnyWarning(); }
+
+    void ownTextComesBack_data() {
+        QTest::addColumn<bool>("keepMeaning");
+        QTest::addColumn<bool>("ownOperators");
+        QTest::addColumn<int>("states");
+        QTest::newRow("meaning kept") << true << false << 6000;
+        QTest::newRow("meaning kept, operators of the host") << true << true << 6000;
+        QTest::newRow("as specified") << false << false << 7000;
+        QTest::newRow("as specified, operators of the host") << false << true << 7000;
+    }
+    void ownTextComesBack() {
+        QFETCH(bool, keepMeaning);
+        QFETCH(bool, ownOperators);
+        QFETCH(int, states);
+        const StateSetting setting{keepMeaning, ownOperators};
+        WayBack wayBack(setting);
+        Tally tally;
+        const unsigned first = keepMeaning ? 0 : 1000000;
+        for (int index = 0; index < states; ++index) {
+            const unsigned seed = first + unsigned(index);
+            const QString fault = wayBack.fault(RandomState(seed, setting), &tally);
+            if (fault.isEmpty()) continue;
+            const QString text =
+                QStringLiteral("seed %1\n%2\n%3").arg(seed).arg(wayBack.statement());
+            static int faults = 0;
+            qInfo().noquote() << "#### seed" << seed << wayBack.smallestFault(seed) << "\n####";
+            if (++faults >= qEnvironmentVariableIntValue("FAULTS")) break;
+        }
+        const int wanted = states * 5 / 6;
+        QVERIFY2(tally.compared >= wanted, qPrintable(QString::number(tally.compared)));
+        QVERIFY(tally.joined > states / 4);
+        QVERIFY(tally.conditions > states / 2);
+        QVERIFY(tally.having > states / 20);
+        QVERIFY(!keepMeaning || tally.plain > states / 10);
+        qInfo() << tally.compared << tally.plain << tally.joined << tally.conditions << tally.having
+                << tally.notPromised;
+    }
+};
+
+QTEST_MAIN(WayBackTest)
+#include "tst_wayback.moc"
