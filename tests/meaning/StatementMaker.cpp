@@ -8,44 +8,68 @@
 namespace orvtest {
 
 RandomStatement StatementMaker::make() {
+    m_subject = Subject(m_dice.below(5));
     m_expressions.bareNames = m_dice.pick({"0", "0", "50", "100"}).toInt();
-    m_joins = Joins(m_dice.below(3));
-    m_isGrouped = m_dice.chance(30);
+    m_joins = Joins(m_dice.below(isAbout(Subject::Joins) ? 3 : 2));
+    m_linksOnly = m_dice.chance(50) || !isAbout(Subject::Joins);
+    m_isGrouped =
+        m_subject == Subject::Groups || (m_subject == Subject::Everything && m_dice.chance(30));
     mentionTables();
-    const QString from = m_dice.chance(4) ? oddFrom() : fromText();
+    const bool isOdd = m_subject == Subject::Everything && m_dice.chance(10);
+    const QString from = isOdd ? oddFrom() : fromText();
     m_isDistinct = !m_isGrouped && m_dice.chance(12);
     if (m_isGrouped) {
         makeGroupedColumns();
     } else {
         makeColumns();
     }
-    QString text = words({"SELECT",
-                          m_isDistinct       ? "DISTINCT"
-                          : m_dice.chance(2) ? "ALL"
-                                             : "",
+    const bool saysAll = !m_isDistinct && m_dice.chance(2);
+    QString text = words({"SELECT", m_isDistinct ? "DISTINCT" : "", saysAll ? "ALL" : "",
                           m_selected.join(QStringLiteral(" , ")), "FROM", from});
-    if (m_dice.chance(60)) text = words({text, "WHERE", m_expressions.condition(m_dice.below(3))});
+    text = words({text, whereText()});
     if (m_isGrouped) text = words({text, groupByText()});
     text = words({text, m_dice.chance(12) ? tailText() : orderText()});
     m_statement.text = text;
     return m_statement;
 }
 
+QString StatementMaker::whereText() {
+    const bool isSimple = !isAbout(Subject::Conditions);
+    if (m_dice.chance(isSimple ? 75 : 20)) return {};
+    if (!isSimple) return words({"WHERE", m_expressions.condition(m_dice.below(3))});
+    return words({"WHERE", m_expressions.text(m_expressions.anyColumn()), "IS NOT NULL"});
+}
+
 // --- FROM
 
+const RandomTable& StatementMaker::newTable() {
+    const auto& tables = m_data.tables();
+    const auto any = [&]() -> const RandomTable& {
+        return tables[std::size_t(m_dice.below(int(tables.size())))];
+    };
+    if (m_dice.chance(25)) return any();
+    const RandomTable* table = &any();
+    for (int tries = 0; tries < 5 && isMentioned(*table); ++tries) table = &any();
+    return *table;
+}
+
+bool StatementMaker::isMentioned(const RandomTable& table) const {
+    const auto& mentions = m_expressions.mentions;
+    return std::any_of(mentions.begin(), mentions.end(),
+                       [&](const Mention& mention) { return mention.table == &table; });
+}
+
 void StatementMaker::mentionTables() {
-    static const int counts[] = {1, 1, 2, 2, 2, 3, 3, 3, 4};
-    const int count = counts[m_dice.below(int(std::size(counts)))];
+    static const int many[] = {2, 3, 3, 3, 4, 4, 5};
+    static const int few[] = {1, 1, 1, 2, 2, 3};
+    const int count = isAbout(Subject::Joins) ? many[m_dice.below(int(std::size(many)))]
+                                              : few[m_dice.below(int(std::size(few)))];
+    const int commas = m_dice.pick({"0", "0", "20", "30"}).toInt();
     int item = 0;
     for (int index = 0; index < count; ++index) {
-        const auto& tables = m_data.tables();
-        const RandomTable& table = tables[std::size_t(m_dice.below(int(tables.size())))];
-        const bool isUsed =
-            std::any_of(m_expressions.mentions.begin(), m_expressions.mentions.end(),
-                        [&](const Mention& mention) { return mention.table == &table; });
-        const QString qualifier = newQualifier(table, isUsed);
-        const bool startsItem = index > 0 && m_dice.chance(20);
-        if (startsItem) ++item;
+        const RandomTable& table = newTable();
+        const QString qualifier = newQualifier(table, isMentioned(table));
+        if (index > 0 && m_dice.chance(commas)) ++item;
         m_expressions.mentions.push_back({&table, qualifier, item});
     }
 }
@@ -130,9 +154,11 @@ QString StatementMaker::link(int first, int second) {
 QString StatementMaker::onText(int mention) {
     const int partner = partnerOf(mention);
     QStringList parts = {m_dice.chance(50) ? link(partner, mention) : link(mention, partner)};
-    while (m_dice.chance(25)) parts << onPart(mention, partner);
+    while (m_dice.chance(m_joins == Joins::Inner ? 30 : 20)) parts << onPart(mention, partner);
     if (m_dice.chance(10)) std::swap(parts.front(), parts.back());
-    if (m_dice.chance(2)) return words({m_dice.chance(50) ? "NOT" : "", parts.join(" OR ")});
+    if (!m_linksOnly && m_dice.chance(3)) {
+        return words({m_dice.chance(50) ? "NOT" : "", parts.join(QStringLiteral(" OR "))});
+    }
     if (m_dice.chance(15)) {
         for (QString& part : parts) part = m_expressions.inBrackets(part);
     }
@@ -143,13 +169,15 @@ QString StatementMaker::onText(int mention) {
 // What else stands in an ON: another comparison, another table, a filter.
 QString StatementMaker::onPart(int mention, int partner) {
     const int other = m_dice.below(mention);
-    switch (m_dice.below(12)) {
+    switch (m_dice.below(m_linksOnly ? 6 : 16)) {
     case 0:
     case 1:
     case 2: return link(mention, partner);
     case 3: return link(mention, partnerOf(mention));
     case 4: return link(partner, partnerOf(mention));
-    case 5:
+    case 5: return link(other, mention);
+    case 12:
+    case 13:
         return words({m_expressions.text(m_expressions.columnOf(mention, false)),
                       m_expressions.comparisonSign(), m_expressions.numberConstant()});
     case 6:
@@ -164,7 +192,10 @@ QString StatementMaker::onPart(int mention, int partner) {
     case 9:
         return m_expressions.inBrackets(
             words({link(mention, partner), "OR", link(mention, other)}));
-    case 10: return link(mention, mention);
+    case 10:
+        return words({m_expressions.numberOf(other), "=",
+                      m_expressions.text(m_expressions.columnOf(mention, false))});
+    case 11: return link(mention, mention);
     default: break;
     }
     return words({"NOT", m_expressions.text(m_expressions.columnOf(mention, false)), "= 2"});
@@ -207,7 +238,9 @@ QString StatementMaker::oddFrom() {
 void StatementMaker::addOutput(const QString& text, bool isColumn) {
     const QString name = m_dice.chance(45) ? outputName() : QString();
     m_outputs.push_back({text, name, isColumn});
-    m_selected << words({text, !name.isEmpty() && m_dice.chance(65) ? "AS" : "", name});
+    const bool needsAs = name.startsWith(u'\'') || name.startsWith(u'[');
+    const bool hasAs = !name.isEmpty() && (m_dice.chance(65) || needsAs);
+    m_selected << words({text, hasAs ? "AS" : "", name});
 }
 
 // Without two alike; in grouped statements unlike all columns, which GROUP BY would find first.
@@ -240,7 +273,7 @@ void StatementMaker::addStar(int mention) {
 }
 
 void StatementMaker::makeColumns() {
-    if (m_dice.chance(12)) {
+    if (m_dice.chance(m_subject == Subject::Joins ? 50 : 12)) {
         addStar(-1);
         if (m_dice.chance(80)) return;
     }
@@ -248,7 +281,8 @@ void StatementMaker::makeColumns() {
 }
 
 void StatementMaker::addColumn() {
-    switch (m_dice.below(24)) {
+    const bool isSimple = !isAbout(Subject::Columns);
+    switch (isSimple ? 23 : m_dice.below(24)) {
     case 0: addStar(m_dice.below(int(m_expressions.mentions.size()))); return;
     case 1: addOutput(m_expressions.numberConstant(), false); return;
     case 2: addOutput(m_expressions.textConstant(), false); return;
@@ -393,7 +427,8 @@ QString StatementMaker::sortItem() {
 }
 
 QString StatementMaker::orderText() {
-    if (!m_dice.chance(40)) return m_dice.chance(4) ? QStringLiteral("LIMIT 100000") : QString();
+    if (!m_dice.chance(m_subject == Subject::Joins ? 10 : 40))
+        return m_dice.chance(4) ? QStringLiteral("LIMIT 100000") : QString();
     QStringList items;
     for (int count = m_dice.between(1, 3); count > 0; --count) {
         items << words({sortItem(), m_dice.pick({"", "", "", "", "ASC", "DESC", "DESC", "DESC"}),

@@ -29,9 +29,17 @@ private:
         bool isColumn = false;
     };
     enum class Joins : quint8 { Inner, InnerAndLeft, All };
+    /// What the statement is about; all else is kept simple, so that it seldom hides what comes.
+    enum class Subject : quint8 { Joins, Conditions, Columns, Groups, Everything };
 
     // FROM
+    [[nodiscard]] bool isAbout(Subject subject) const {
+        return m_subject == subject || m_subject == Subject::Everything;
+    }
     void mentionTables();
+    [[nodiscard]] const RandomTable& newTable();
+    [[nodiscard]] bool isMentioned(const RandomTable& table) const;
+    [[nodiscard]] QString whereText();
     [[nodiscard]] QString newQualifier(const RandomTable& table, bool isNeeded);
     [[nodiscard]] bool isTaken(const QString& qualifier) const;
     [[nodiscard]] QString fromText();
@@ -72,7 +80,9 @@ private:
     std::vector<int> m_keys;  // outputs that are grouped by
     QStringList m_unselectedKeys;
     std::vector<QString> m_tableTexts;
+    Subject m_subject = Subject::Everything;
     Joins m_joins = Joins::Inner;
+    bool m_linksOnly = false;  // no filters in ON
     bool m_isGrouped = false;
     bool m_isDistinct = false;
 };

@@ -155,7 +155,7 @@ public:
 struct Kind {
     int statements = 0;
     int sameRows = 0;
-    QStringList examples;  // of statements with the same rows and no other kind of finding
+    QStringList examples;  // with no other kind of finding
 };
 
 /// What came of all statements in one mode.
@@ -267,8 +267,7 @@ private:
         for (const QString& name : kinds) {
             Kind& kind = m_tally.kinds[name];
             ++kind.statements;
-            if (!sameRows) continue;
-            ++kind.sameRows;
+            if (sameRows) ++kind.sameRows;
             if (kinds.size() == 1) {
                 kind.examples << QStringLiteral("[%1] %2\n  %3: %4\n%5")
                                      .arg(m_seed)
