@@ -69,6 +69,7 @@ void FromLoader::loadItems() {
         if (child.Kind() == otTable) {
             TorvQDTable* table = loadTable(child);
             ++m_item;
+            m_itemIsCross = isBehindCrossJoin(child);
             if (table) m_itemOf.insert(table, m_item);
             if (table) m_unlinked.push_back(table);
         } else if (child.Kind() == otJoin) {
@@ -79,6 +80,13 @@ void FromLoader::loadItems() {
             loseDerivedTable(child);
         }
     }
+}
+
+// CROSS JOIN is read as a comma.
+bool FromLoader::isBehindCrossJoin(const TorvQDParser& table) const {
+    if (!m_ledger) return false;
+    const orv::TokenRun before = m_ledger->tokensIn(m_node.Start(), table.Start());
+    return before.size() > 1 && before.is(before.size() - 2, u"CROSS");
 }
 
 // --- tables
@@ -121,7 +129,9 @@ TorvQDTable* FromLoader::addBox(const NamedTable& table, const TDataSet& dataSet
         report(table.start, table.end,
                QStringLiteral("The program did not allow this table: it is not loaded."));
     } else if (aliasTaken) {
-        report(table.start, table.end, QStringLiteral("Another table has this alias, too: a statement with both is not valid."));
+        report(table.start, table.end,
+               QStringLiteral(
+                   "Another table has this alias, too: a statement with both is not valid."));
     } else if (m_ledger) {
         m_ledger->place(table.start, table.end);
     }
@@ -222,10 +232,8 @@ void FromLoader::loadJoin(const TorvQDParser& node, int start) {
     }
     if (m_ledger) m_ledger->place(start, join.keywordsEnd);
     m_itemOf.insert(join.table, m_item);
+    join.followsCross = m_itemIsCross;
     loadOn(join, *on);
-    join.reachesAcross = std::any_of(
-        join.partners.begin(), join.partners.end(),
-        [this](const TorvQDTable* partner) { return m_itemOf.value(partner) != m_item; });
     if (m_guard) m_joins.push_back(join);
 }
 
@@ -398,9 +406,16 @@ void FromLoader::addLink(LoadedJoin& join, const Side& first, const Side& second
     }
     const bool swapped = link->Join->Table1 != left.table;
     link->setOperatorText(swapped ? orv::mirroredOperator(text) : text);
-    link->Join->KindOfJoin =
-        link->Join->Table1 == join.table ? orv::mirrored(join.kind) : join.kind;
     const bool touches = left.table == join.table || right.table == join.table;
+    const bool isNew = m_area.linksOf(link->Join).size() == 1;
+    if (touches || isNew) {  // the kind of a join between two other tables is told by its own line
+        link->Join->KindOfJoin =
+            link->Join->Table1 == join.table ? orv::mirrored(join.kind) : join.kind;
+    }
+    join.drawn.push_back(link->Join);
+    for (const TorvQDTable* table : {left.table, right.table}) {
+        if (m_itemOf.value(table) != m_item) join.reachesAcross = true;
+    }
     if (touches) {
         join.partners.push_back(left.table == join.table ? right.table : left.table);
     } else {
@@ -426,8 +441,8 @@ void FromLoader::reportOrder() {
     if (!m_ledger || !anyOuter) return;
     const bool turnsRound = !m_keepsMeaning && orderMatters();
     for (const LoadedJoin& join : m_joins) {
-        const bool behindComma = !m_keepsMeaning && m_unlinked.size() > 1 &&
-                                 (join.kind == klROuterJoin || join.kind == klFOuterJoin);
+        const bool preservesNew = join.kind == klROuterJoin || join.kind == klFOuterJoin;
+        const bool behindComma = !m_keepsMeaning && m_unlinked.size() > 1 && preservesNew;
         if (join.reachesAcross) {
             report(join.start, join.keywordsEnd,
                    QStringLiteral("This ON reaches across a comma beside an outer join, which can "
@@ -436,6 +451,10 @@ void FromLoader::reportOrder() {
             report(join.start, join.keywordsEnd,
                    QStringLiteral("The joins are written in another order, which can change the "
                                   "rows."));
+        } else if (join.followsCross && preservesNew) {
+            report(join.start, join.keywordsEnd,
+                   QStringLiteral("CROSS JOIN is written as a comma, behind which this join can "
+                                  "give other rows."));
         }
     }
 }
@@ -475,29 +494,73 @@ bool FromLoader::orderMatters() const {
 // meaning kept the conditions of a cycle move to another line.
 void FromLoader::reportPlaces() {
     if (!m_ledger) return;
-    const std::vector<orv::JoinPlace> places = m_area.joinPlaces();
-    for (std::size_t index = 0; index < places.size(); ++index) {
-        const TorvQDJoin& held = *m_area.m_joins[index];
-        const auto loaded =
-            std::find_if(m_joins.begin(), m_joins.end(), [&](const LoadedJoin& join) {
-                return join.table == held.Table1 || join.table == held.Table2;
-            });
-        if (loaded == m_joins.end()) continue;
-        const bool inner = held.KindOfJoin == klInnerJoin && loaded->kind == klInnerJoin;
-        if (places[index].closesCycle && (!m_keepsMeaning || !inner)) {
-            report(loaded->start, loaded->keywordsEnd,
-                   QStringLiteral("This join closes a circle, which is written differently."));
-        }
-        for (const TorvQDLink* link : m_area.linksOf(&held)) {
-            const QString text = link->operatorText();
-            if (m_keepsMeaning || !places[index].swapped || orv::mirroredOperator(text) == text) {
-                continue;
-            }
-            report(loaded->start, loaded->node->End(),
-                   QStringLiteral("The sides of this comparison change places, its operator does "
-                                  "not."));
-        }
+    if (m_keepsMeaning) {
+        reportMovedConditions();
+        return;
     }
+    const std::vector<orv::JoinPlace> places = m_area.joinPlaces();
+    QHash<const TorvQDJoin*, orv::JoinPlace> placeOf;
+    for (std::size_t index = 0; index < places.size(); ++index) {
+        placeOf.insert(m_area.m_joins[index].get(), places[index]);
+    }
+    for (const LoadedJoin& loaded : m_joins) {
+        const bool closes =
+            std::any_of(loaded.drawn.begin(), loaded.drawn.end(),
+                        [&](const TorvQDJoin* drawn) { return placeOf.value(drawn).closesCycle; });
+        if (closes) reportCircle(loaded);
+        const bool turns =
+            std::any_of(loaded.drawn.begin(), loaded.drawn.end(), [&](const TorvQDJoin* drawn) {
+                return placeOf.value(drawn).swapped && hasDirectedLink(drawn);
+            });
+        if (!turns) continue;
+        report(loaded.start, loaded.node->End(),
+               QStringLiteral("The sides of this comparison change places, its operator does "
+                              "not."));
+    }
+}
+
+// An operator that means something else when its sides change places.
+bool FromLoader::hasDirectedLink(const TorvQDJoin* join) const {
+    const std::vector<TorvQDLink*>& links = m_area.linksOf(join);
+    return std::any_of(links.begin(), links.end(), [](const TorvQDLink* link) {
+        return orv::mirroredOperator(link->operatorText()) != link->operatorText();
+    });
+}
+
+void FromLoader::reportCircle(const LoadedJoin& join) {
+    report(join.start, join.keywordsEnd,
+           QStringLiteral("This join closes a circle, which is written differently."));
+}
+
+// A comparison with more than one earlier table, or of earlier tables only, may be written in the
+// line of another join.
+void FromLoader::reportMovedConditions() {
+    const bool anyOuter = std::any_of(m_joins.begin(), m_joins.end(),
+                                      [](const LoadedJoin& join) { return isOuter(join.kind); });
+    if (!anyOuter) return;
+    for (std::size_t index = 0; index < m_joins.size(); ++index) {
+        const LoadedJoin& loaded = m_joins[index];
+        const TorvQDJoin* own = nullptr;  // the one that brings its table in
+        bool keeps = true;
+        for (const TorvQDJoin* held : loaded.drawn) {
+            const bool isSecondLater = m_area.createdBefore(held->Table1, held->Table2);
+            const TorvQDTable* later = isSecondLater ? held->Table2 : held->Table1;
+            if (!own && later == loaded.table) own = held;
+            if (held != own) keeps = keeps && keepsRowsOnLineOf(later, index);
+        }
+        if (!keeps) reportCircle(loaded);
+    }
+}
+
+// Whether a condition of an ON may as well stand in the line that brings in an earlier table, or
+// the same one by another join: both inner, and nothing preserves rows in between.
+bool FromLoader::keepsRowsOnLineOf(const TorvQDTable* table, std::size_t from) const {
+    for (std::size_t index = from + 1; index-- > 0;) {
+        const LoadedJoin& join = m_joins[index];
+        if (join.table == table) return !isOuter(join.kind) && !isOuter(m_joins[from].kind);
+        if (join.kind != klInnerJoin && join.kind != klLOuterJoin) return false;
+    }
+    return false;
 }
 
 // Commas and CROSS JOIN are written again as commas.

@@ -44,13 +44,16 @@ private:
         TKindOfJoin kind;
         int start;  // of its keywords, NATURAL included
         int keywordsEnd;
-        TorvQDTable* table = nullptr;             // the one that it brings in
-        std::vector<TorvQDTable*> partners = {};  // those that its links compare it with
-        bool reachesAround = false;               // a link that does not touch its own table
+        TorvQDTable* table = nullptr;               // the one that it brings in
+        std::vector<TorvQDTable*> partners = {};    // those that its links compare it with
+        std::vector<const TorvQDJoin*> drawn = {};  // joins of the diagram that hold its links
+        bool reachesAround = false;                 // a link that does not touch its own table
         bool reachesAcross = false;  // its ON names a table of another item of the comma list
+        bool followsCross = false;   // CROSS JOIN began its item of the comma list
     };
 
     void loadItems();
+    [[nodiscard]] bool isBehindCrossJoin(const TorvQDParser& table) const;
     void loadJoin(const TorvQDParser& join, int start);
     TorvQDTable* loadTable(const TorvQDParser& node);
     TorvQDTable* addBox(const NamedTable& table, const TDataSet& dataSet);
@@ -73,6 +76,10 @@ private:
     void reportOrder();
     [[nodiscard]] bool orderMatters() const;
     void reportPlaces();
+    [[nodiscard]] bool hasDirectedLink(const TorvQDJoin* join) const;
+    void reportCircle(const LoadedJoin& join);
+    void reportMovedConditions();
+    [[nodiscard]] bool keepsRowsOnLineOf(const TorvQDTable* table, std::size_t from) const;
     void placeClauseWords();
     void report(int start, int end, const QString& what);
 
@@ -85,5 +92,6 @@ private:
     std::vector<LoadedJoin> m_joins;
     QHash<const TorvQDTable*, int> m_itemOf;  // item of the comma list
     int m_item = 0;
+    bool m_itemIsCross = false;            // CROSS JOIN began it
     std::vector<TorvQDTable*> m_unlinked;  // tables that no JOIN brought in
 };
