@@ -22,13 +22,13 @@
 namespace {
 
 // Names of a FROM clause, each once: an alias that is the table's own name is not written again,
-// and CROSS JOIN is written as a comma.
+// CROSS JOIN is written as a comma, and the comparisons of one ON may come in several.
 QSet<QString> wordsOf(const orv::TokenCounts& counts) {
     QSet<QString> words(counts.keyBegin(), counts.keyEnd());
-    return words - QSet<QString>{QStringLiteral("CROSS"), QStringLiteral("JOIN"),
-                                 QStringLiteral("<"),     QStringLiteral(">"),
-                                 QStringLiteral("<="),    QStringLiteral(">="),
-                                 QStringLiteral("LEFT"),  QStringLiteral("RIGHT")};
+    return words -
+           QSet<QString>{QStringLiteral("CROSS"), QStringLiteral("JOIN"), QStringLiteral("AND"),
+                         QStringLiteral("<"),     QStringLiteral(">"),    QStringLiteral("<="),
+                         QStringLiteral(">="),    QStringLiteral("LEFT"), QStringLiteral("RIGHT")};
 }
 
 // A FROM that is there may stand behind a bracket or quote that nothing closes.
