@@ -4,6 +4,7 @@
 #include "contract/IPagesHost.h"
 #include "core/Error.h"
 #include "core/Text.h"
+#include "criteria/ORVQDConditionMeaning.h"
 #include "criteria/ORVQDRowBuilder.h"
 #include "parser/ORVQDExpressions.h"
 #include "parser/ORVQDLedger.h"
@@ -44,13 +45,6 @@ bool goTogether(TFieldType type, TFieldType other) {
         if (set->contains(type)) return set->contains(other);
     }
     return type == other;
-}
-
-// NOTs that cancel out are not written again: there may be fewer by an even number.
-orv::TokenCounts withoutPairsOfNot(orv::TokenCounts counts) {
-    const int nots = counts.take(QStringLiteral("NOT"));
-    if (nots % 2 != 0) counts.insert(QStringLiteral("NOT"), 1);
-    return counts;
 }
 
 template <typename Visit>
@@ -150,11 +144,22 @@ void TorvQDWherePanel::LoadSQL(const TorvQDParser& Node) {
     const auto elements = orv::readConditions(condition, readingRules(keepsMeaning));
     account(elements, *ledger, keepsMeaning);
     orv::buildRows(elements, rootRow(), false, keepsMeaning);
-    const QString written = rootRow()->GetSQLCondition(false);
-    if (ledger->hasFinding(Node.Start(), Node.End())) return;
-    const orv::TokenCounts counts = withoutPairsOfNot(orv::countTokens(written));
-    if (counts == withoutPairsOfNot(orv::countTokens(condition))) return;
+    if (ledger->hasFinding(Node.Start(), Node.End()) || writesMeaning(orv::meaningOf(elements))) {
+        return;
+    }
     ledger->report(run, QStringLiteral("This clause is written differently."));
+}
+
+// A safety net: what the rows write is read again.
+bool TorvQDWherePanel::writesMeaning(const QString& meaning) const {
+    const QString written = rootRow()->GetSQLCondition(false);
+    const orv::SqlTokens tokens = orv::tokenise(written);
+    const orv::TokenRun run(written, tokens.data(), tokens.data() + tokens.size());
+    try {
+        return orv::meaningOf(orv::readConditions(run, readingRules(true))) == meaning;
+    } catch (const orv::Error&) {
+        return false;  // its groups nest deeper than the text did
+    }
 }
 
 // A whole word in front of a full stop, outside quotes: "PO.X" is not renamed with "O".

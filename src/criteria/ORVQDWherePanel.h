@@ -57,6 +57,7 @@ public:
 
 private:
     [[nodiscard]] IPagesHost* host() const;
+    [[nodiscard]] bool writesMeaning(const QString& meaning) const;
     [[nodiscard]] bool fitsType(const QString& text, TFieldType type) const;
 
     orv::ConditionCatalogues m_catalogues;

@@ -257,9 +257,15 @@ int TorvQDOrderPanel::loadedRow(const QString& text, bool isNumber) const {
     }
     const bool qualified = orv::firstFullStop(text) >= 0;
     const QString word = orv::unquotedName(text).toUpper();
+    int ownName = 0;  // a field that is called so by itself
     for (int row = 1; !qualified && row <= count; ++row) {
-        if (orv::unquotedName(columns[std::size_t(row - 1)].name).toUpper() == word) return row;
+        const orv::OutputColumn& column = columns[std::size_t(row - 1)];
+        if (orv::unquotedName(column.name).toUpper() != word) continue;
+        const bool isGiven = column.name != orv::createFieldName(QString(), column.source);
+        if (isGiven) return row;  // comes before a field of that name
+        if (ownName == 0) ownName = row;
     }
+    if (ownName > 0) return ownName;
     const std::optional<PageField> field = host()->resolveField(text);
     const QString key = orv::tokenKey(text);
     for (int row = 1; row <= count; ++row) {

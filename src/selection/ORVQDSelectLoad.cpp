@@ -390,7 +390,7 @@ private:
                                                            const Index& byName) const {
         if (item.isEmpty()) return std::nullopt;
         const QString text = item.sourceText();
-        if (item.size() == 1 && item[0].kind == SqlToken::Number) {
+        if (item.size() == 1 && item[0].kind == SqlToken::Number && orv::isWholeNumber(text)) {
             const std::size_t position = text.toUInt();
             const bool known = !m_hasStar && position >= 1 && position <= m_loaded.size();
             if (!known || !isPlain(m_loaded[position - 1].column)) return std::nullopt;

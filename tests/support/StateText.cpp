@@ -133,15 +133,15 @@ Writing writingByStacking(const TorvQDWorkArea& area) {
     const std::function<void(const TorvQDTable*)> follow = [&](const TorvQDTable* from) {
         for (const auto& join : area.Joins()) {
             const bool touches = join->Table1 == from || join->Table2 == from;
-            if (!touches || used.contains(join.get())) continue;
-            used.insert(join.get());
+            if (!touches || used.contains(join)) continue;
+            used.insert(join);
             const TorvQDTable* to = join->Table1 == from ? join->Table2 : join->Table1;
-            if (join->Table1 != from) writing.swapped.insert(join.get());
+            if (join->Table1 != from) writing.swapped.insert(join);
             if (written.contains(to)) {
-                writing.circles.insert(join.get());
+                writing.circles.insert(join);
             } else {
                 writing.tables.push_back(to);
-                writing.broughtBy.insert(to, join.get());
+                writing.broughtBy.insert(to, join);
             }
             written.insert(to);
             follow(to);
@@ -174,17 +174,17 @@ Writing writingByCreation(const TorvQDWorkArea& area) {
             for (const auto& join : area.Joins()) {
                 if (written.contains(join->Table1) == written.contains(join->Table2)) continue;
                 const bool swapped = written.contains(join->Table2);
-                if (swapped) writing.swapped.insert(join.get());
-                add(swapped ? join->Table1 : join->Table2, join.get());
+                if (swapped) writing.swapped.insert(join);
+                add(swapped ? join->Table1 : join->Table2, join);
                 found = true;
                 break;
             }
         }
     }
     for (const auto& join : area.Joins()) {
-        const bool bringsIn = writing.broughtBy.value(join->Table1) == join.get() ||
-                              writing.broughtBy.value(join->Table2) == join.get();
-        if (!bringsIn) writing.circles.insert(join.get());
+        const bool bringsIn = writing.broughtBy.value(join->Table1) == join ||
+                              writing.broughtBy.value(join->Table2) == join;
+        if (!bringsIn) writing.circles.insert(join);
     }
     return writing;
 }
@@ -223,9 +223,9 @@ QStringList joinLines(TorvQueryBuilder& builder, StateView view) {
         const bool turned = alias2 < alias1;
         const TKindOfJoin kind = turned ? orv::mirrored(join->KindOfJoin) : join->KindOfJoin;
         QStringList links;
-        for (const TorvQDLink* link : builder.WorkArea->linksOf(join.get())) {
+        for (const TorvQDLink* link : builder.WorkArea->linksOf(join)) {
             QString operation = link->operatorText();
-            if (writing.swapped.contains(join.get())) operation = orv::mirroredOperator(operation);
+            if (writing.swapped.contains(join)) operation = orv::mirroredOperator(operation);
             if (turned) operation = orv::mirroredOperator(operation);
             const TorvQDListItem* left = turned ? link->Item2 : link->Item1;
             const TorvQDListItem* right = turned ? link->Item1 : link->Item2;

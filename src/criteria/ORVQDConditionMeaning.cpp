@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#include "criteria/ORVQDConditionMeaning.h"
+
+#include "core/Text.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace orv {
+
+namespace {
+
+using Elements = std::vector<ConditionElement>::const_iterator;
+
+constexpr QChar none = u' ';
+constexpr QChar all = u'&';
+constexpr QChar any = u'|';
+
+// Signs are compared one by one: ">-5" is "> -5".
+QString signText(const QString& signs) {
+    QString text;
+    QString known = signs;
+    known.replace(QStringLiteral("!="), QStringLiteral("<>"));
+    for (const QChar sign : std::as_const(known)) {
+        text += sign;
+        text += u' ';
+    }
+    return text;
+}
+
+QString conditionText(const TokenRun& run) {
+    QString text;
+    for (int index = 0; index < run.size(); ++index) {
+        const QString word = run.textOf(index).toString();
+        text +=
+            run[index].kind == SqlToken::Sign ? signText(word) : upperOutsideQuotes(word) + u' ';
+    }
+    return text;
+}
+
+class MeaningWriter {
+public:
+    // Brackets inside brackets with the same connective vanish, and so does what is negated twice.
+    void write(Elements first, Elements last, QChar around, bool negated) {
+        const bool isAny = has(first, last, ConditionElement::Or);
+        const bool isAll = !isAny && has(first, last, ConditionElement::And);
+        if (!isAny && !isAll) {
+            writeOne(first, last, around, negated);
+            return;
+        }
+        const QChar connective = isAny ? any : all;
+        const bool isOwn = negated || connective != around;
+        if (negated) text += u'!';
+        if (isOwn) text += connective;
+        if (isOwn) text += u'(';
+        const ConditionElement::Kind kind = isAny ? ConditionElement::Or : ConditionElement::And;
+        for (Elements part = first; part <= last;) {
+            const Elements end = std::find_if(
+                part, last, [&](const ConditionElement& element) { return element.kind == kind; });
+            write(part, end, connective, false);
+            text += u';';
+            if (end == last) break;
+            part = end + 1;
+        }
+        if (isOwn) text += u')';
+    }
+
+    QString text;
+
+private:
+    static bool has(Elements first, Elements last, ConditionElement::Kind kind) {
+        return std::any_of(first, last,
+                           [&](const ConditionElement& element) { return element.kind == kind; });
+    }
+
+    void writeOne(Elements first, Elements last, QChar around, bool negated) {
+        for (Elements element = first; element != last; ++element) {
+            switch (element->kind) {
+            case ConditionElement::Not: negated = !negated; break;
+            case ConditionElement::Bracket:
+                write(element->children.begin(), element->children.end(), around, negated);
+                break;
+            case ConditionElement::Condition:
+                if (negated) text += u'!';
+                text += conditionText(element->run);
+                break;
+            case ConditionElement::And:
+            case ConditionElement::Or: break;
+            }
+        }
+    }
+};
+
+}  // namespace
+
+QString meaningOf(const std::vector<ConditionElement>& level) {
+    MeaningWriter writer;
+    writer.write(level.begin(), level.end(), none, false);
+    return writer.text;
+}
+
+}  // namespace orv
