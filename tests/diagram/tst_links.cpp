@@ -542,13 +542,13 @@ private Q_SLOTS:
         QPainter painter(&image);
         on.link->Paint(painter);
         painter.end();
-        // The far edge of a triangle is higher than that side of the circle.
+        // The far edge of a triangle is higher than the circle is there.
         const auto isPainted = [&](int x, int y) { return image.pixel(x, y) != 0xffffffffU; };
         QVERIFY(isPainted(200, firstRowPx));
         QVERIFY(!isPainted(200, firstRowPx + 3));
-        for (const int dy : {-2, 2}) {
-            QCOMPARE(isPainted(106, firstRowPx + dy), startIsTriangle);
-            QCOMPARE(isPainted(294, firstRowPx + dy), endIsTriangle);
+        for (const int side : {-1, 1}) {
+            QCOMPARE(isPainted(106, firstRowPx + 2 * side), startIsTriangle);
+            QCOMPARE(isPainted(294, firstRowPx + 3 * side), endIsTriangle);
         }
     }
 };
