@@ -484,8 +484,9 @@ bool hasInvalidOutputName(TorvQueryBuilder& builder) {
 }
 
 bool hasOuterJoinInCompany(const TorvQDWorkArea& area) {
-    const bool any = std::any_of(area.Joins().begin(), area.Joins().end(),
-                                 [](const auto& join) { return join->KindOfJoin != klInnerJoin; });
+    const std::vector<TorvQDJoin*> joins = area.Joins();
+    const bool any = std::any_of(joins.begin(), joins.end(),
+                                 [](const TorvQDJoin* join) { return join->KindOfJoin != klInnerJoin; });
     return any && area.TablesCount() > 2;
 }
 
