@@ -60,6 +60,10 @@ struct KnownOperator {
           relate(tokenTexts(operation->Relate)),
           prefix(tokenTexts(operation->Prefix)),
           postfix(tokenTexts(operation->Postfix)) {
+        // Behind an opening bracket they do not stand at the level of the condition.
+        const QString open = QStringLiteral("(");
+        const QString close = QStringLiteral(")");
+        if (prefix.count(open) > prefix.count(close)) return;
         for (const QStringList& texts : {prefix, postfix}) count(texts, 1);
         count(relate, std::max(0, operandCount(entry) - 1));
     }
