@@ -524,8 +524,11 @@ private:
                                                           const TokenRun& rest) {
         if (rest.size() != 1 || operandCount(read.operation) != 1) return std::nullopt;
         const QString text = rest.sourceText();
-        const QString prefix = orvTrim(read.operation->Prefix);
-        const QString postfix = orvTrim(read.operation->Postfix);
+        // Blanks at their inner ends belong to the quoted text, if it has them.
+        QString prefix = orvTrim(QString(read.operation->Prefix + u'|')).chopped(1);
+        QString postfix = orvTrim(QString(u'|' + read.operation->Postfix)).mid(1);
+        if (!text.startsWith(prefix, Qt::CaseInsensitive)) prefix = orvTrim(prefix);
+        if (!text.endsWith(postfix, Qt::CaseInsensitive)) postfix = orvTrim(postfix);
         const qsizetype inside = text.size() - prefix.size() - postfix.size();
         if (inside <= 0 || !text.startsWith(prefix, Qt::CaseInsensitive) ||
             !text.endsWith(postfix, Qt::CaseInsensitive)) {

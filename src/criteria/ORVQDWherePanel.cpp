@@ -91,6 +91,25 @@ void account(const std::vector<orv::ConditionElement>& level, orv::LoadLedger& l
     }
 }
 
+// Signs may be written apart that stood together, and "!=" may be written as "<>".
+orv::TokenCounts signsApart(const orv::TokenCounts& counts) {
+    const QString signs = QStringLiteral("=<>!+-*/|%&^~");
+    orv::TokenCounts result;
+    for (auto entry = counts.cbegin(); entry != counts.cend(); ++entry) {
+        const bool isSign = std::all_of(entry.key().begin(), entry.key().end(),
+                                        [&](QChar character) { return signs.contains(character); });
+        if (!isSign) {
+            result[entry.key()] += entry.value();
+            continue;
+        }
+        QString key = entry.key();
+        for (const QChar sign : key.replace(QStringLiteral("!="), QStringLiteral("<>"))) {
+            result[sign] += entry.value();
+        }
+    }
+    return result;
+}
+
 // Whether the parser stopped inside the last condition: in front of a word that opens something
 // else at other places, as the FROM of IS DISTINCT FROM does.
 bool isCutOff(const orv::TokenRun& condition, const orv::LoadLedger& ledger) {
@@ -235,7 +254,7 @@ void TorvQDWherePanel::checkLoadable(const TorvQDParser& node, const orv::LoadLe
 void TorvQDWherePanel::compareWritten(const orv::TokenRun& run, orv::LoadLedger& ledger) const {
     if (ledger.hasFinding(run.start(), run.endPosition())) return;
     const QString written = rootRow()->GetSQLCondition(false);
-    if (orv::countTokens(written) == orv::countTokens(run.mid(1))) return;
+    if (signsApart(orv::countTokens(written)) == signsApart(orv::countTokens(run.mid(1)))) return;
     ledger.report(run, QStringLiteral("This clause is written differently."));
 }
 
