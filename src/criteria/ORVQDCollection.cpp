@@ -71,24 +71,39 @@ TCollectionItemEx* TCollectionEx::FindItemID(int ID) const {
     return found == m_items.end() ? nullptr : found->get();
 }
 
+// Items remember where they were found: asking all of them in turn stays linear.
 int TCollectionEx::indexOf(const TCollectionItemEx* item) const {
-    const auto found = std::find_if(m_items.begin(), m_items.end(),
-                                    [&](const auto& owned) { return owned.get() == item; });
-    return found == m_items.end() ? -1 : int(found - m_items.begin());
+    if (!item || item->m_collection != this) return -1;
+    if (GetItem(item->m_index) != item) renumber();
+    return item->m_index;
+}
+
+void TCollectionEx::renumber() const {
+    for (std::size_t index = 0; index < m_items.size(); ++index) {
+        m_items[index]->m_index = int(index);
+    }
+}
+
+QString TCollectionEx::GetNamePath() const {
+    return QStringLiteral("TCollectionEx");
+}
+
+QString TCollectionEx::GetItemAttr(int, int ItemIndex) const {
+    const TCollectionItemEx* item = GetItem(ItemIndex);
+    return item ? item->GetDisplayName() : QString();
 }
 
 void TCollectionEx::InsertItem(std::unique_ptr<TCollectionItemEx> Item) {
     Item->m_collection = this;
     Item->m_id = m_nextId++;
+    Item->m_index = GetCount();
     SetItemName(Item.get());
     m_items.push_back(std::move(Item));
     Changed();
 }
 
 std::unique_ptr<TCollectionItemEx> TCollectionEx::RemoveItem(TCollectionItemEx* Item) {
-    // The last item goes most often: rows are moved from the end.
-    const int index =
-        !m_items.empty() && m_items.back().get() == Item ? GetCount() - 1 : indexOf(Item);
+    const int index = indexOf(Item);
     if (index < 0) return nullptr;
     std::unique_ptr<TCollectionItemEx> item = std::move(m_items[std::size_t(index)]);
     m_items.erase(m_items.begin() + index);
@@ -117,6 +132,11 @@ void TCollectionItemEx::SetDisplayName(const QString&) {}
 
 int TCollectionItemEx::GetIndex() const {
     return m_collection ? m_collection->indexOf(this) : -1;
+}
+
+QString TCollectionItemEx::GetNamePath() const {
+    if (!m_collection) return {};
+    return QStringLiteral("%1[%2]").arg(m_collection->GetNamePath()).arg(GetIndex());
 }
 
 void TCollectionItemEx::SetIndex(int Index) {

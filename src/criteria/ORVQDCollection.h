@@ -41,7 +41,17 @@ public:
     /// Copies the item's content into the one at the index.
     void SetItem(int Index, const TCollectionItemEx& Item);
     [[nodiscard]] TCollectionItemEx* FindItemID(int ID) const;
+    /// Position of an item of this collection; -1 for any other.
     [[nodiscard]] int indexOf(const TCollectionItemEx* item) const;
+
+    /// The name of the class; items add their index to it.
+    [[nodiscard]] QString GetNamePath() const;
+    /// The property that holds the collection: none, because no form stores one.
+    [[nodiscard]] QString GetPropName() const { return {}; }
+    /// Items have no attributes besides their display name.
+    [[nodiscard]] int GetAttrCount() const { return 0; }
+    [[nodiscard]] QString GetAttr(int) const { return {}; }
+    [[nodiscard]] QString GetItemAttr(int AttrIndex, int ItemIndex) const;
 
     /// Takes the item in at the end and gives it the next id.
     void InsertItem(std::unique_ptr<TCollectionItemEx> Item);
@@ -60,6 +70,9 @@ protected:
     std::vector<std::unique_ptr<TCollectionItemEx>> m_items;
     int m_updateCount = 0;
     int m_nextId = 0;
+
+private:
+    void renumber() const;
 };
 
 /// One item of a TCollectionEx, which owns it.
@@ -77,6 +90,9 @@ public:
     virtual void SetDisplayName(const QString& Name);
 
     [[nodiscard]] int GetIndex() const;
+    /// The collection's name with the item's index: "TCollectionEx[2]".
+    [[nodiscard]] QString GetNamePath() const;
+    [[nodiscard]] TCollectionEx* GetOwner() const { return m_collection; }
     [[nodiscard]] int id() const { return m_id; }
     [[nodiscard]] TCollectionEx* collection() const { return m_collection; }
     /// Moves the item to the end of another collection.
@@ -88,4 +104,5 @@ private:
 
     TCollectionEx* m_collection = nullptr;
     int m_id = 0;
+    mutable int m_index = 0;  // where the item was last found; a hint only
 };

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace orv {
 
@@ -17,24 +18,22 @@ namespace {
 constexpr int deepestFormedText = 20;  // brackets in brackets; deeper ones stay as they stood
 
 bool isWord(const TokenRun& run, int index, QStringView word) {
-    return index < run.size() && run[index].kind == SqlToken::Word && run.is(index, word);
+    return index >= 0 && index < run.size() && run[index].kind == SqlToken::Word &&
+           run.is(index, word);
 }
 
 bool isSign(const TokenRun& run, int index) {
     return index < run.size() && run[index].kind == SqlToken::Sign;
 }
 
-/// An operator of the list with its name and the text between its operands as tokens.
-struct KnownOperator {
-    TOperatorList::Entry entry;
-    QStringList name;
-    QStringList relate;
-};
+bool isConnective(const TokenRun& run, int index) {
+    return isWord(run, index, u"AND") || isWord(run, index, u"OR");
+}
 
 QStringList tokenTexts(const QString& text) {
     QStringList texts;
     for (const SqlToken& token : tokenise(text)) {
-        texts << text.mid(token.start, token.end - token.start).toUpper();
+        texts << upperOutsideQuotes(QStringView(text).mid(token.start, token.end - token.start));
     }
     return texts;
 }
@@ -42,10 +41,55 @@ QStringList tokenTexts(const QString& text) {
 bool matches(const TokenRun& run, int index, const QStringList& texts) {
     if (texts.isEmpty() || index + texts.size() > run.size()) return false;
     for (qsizetype word = 0; word < texts.size(); ++word) {
-        if (!run.is(index + int(word), texts[word])) return false;
+        const int at = index + int(word);
+        if (run.textOf(at).size() != texts[word].size() || !run.is(at, texts[word])) return false;
     }
     return true;
 }
+
+bool isNumberSign(QStringView signs) {
+    return std::all_of(signs.begin(), signs.end(),
+                       [](QChar sign) { return sign == u'+' || sign == u'-'; });
+}
+
+/// An operator of the list, its texts as tokens.
+struct KnownOperator {
+    explicit KnownOperator(const TOperatorList::Entry& operation)
+        : entry(operation),
+          name(tokenTexts(operation->Name)),
+          relate(tokenTexts(operation->Relate)),
+          prefix(tokenTexts(operation->Prefix)),
+          postfix(tokenTexts(operation->Postfix)) {
+        // Behind an opening bracket they do not stand at the level of the condition.
+        const QString open = QStringLiteral("(");
+        const QString close = QStringLiteral(")");
+        if (prefix.count(open) > prefix.count(close)) return;
+        for (const QStringList& texts : {prefix, postfix}) count(texts, 1);
+        count(relate, std::max(0, operandCount(entry) - 1));
+    }
+    [[nodiscard]] bool hasAffixes() const { return !prefix.isEmpty() || !postfix.isEmpty(); }
+    /// Whether a text has this operator's name as FindName takes it: in upper case.
+    [[nodiscard]] bool isUpperCase() const {
+        return entry->Name == upperOutsideQuotes(entry->Name);
+    }
+
+    TOperatorList::Entry entry;
+    QStringList name;
+    QStringList relate;
+    QStringList prefix;
+    QStringList postfix;
+    // What stands around and between the operands, counted.
+    int ands = 0;
+    int ors = 0;
+    int commas = 0;
+
+private:
+    void count(const QStringList& texts, int times) {
+        ands += times * int(texts.count(QStringLiteral("AND")));
+        ors += times * int(texts.count(QStringLiteral("OR")));
+        commas += times * int(texts.count(QStringLiteral(",")));
+    }
+};
 
 /// Where an operator stands in a condition and what follows it.
 struct FoundOperator {
@@ -55,30 +99,54 @@ struct FoundOperator {
     int signsLeft;  // characters of the token in front of `behind` that belong to the operand
 };
 
+/// Counts CASE and END while tokens go by: what stands between them is one operand.
+class CaseDepth {
+public:
+    void pass(const TokenRun& run, int index) {
+        if (isWord(run, index, u"CASE")) ++m_depth;
+        if (isWord(run, index, u"END") && m_depth > 0) --m_depth;
+    }
+    [[nodiscard]] bool isInside() const { return m_depth > 0; }
+
+private:
+    int m_depth = 0;
+};
+
+/// Calls `visit` with the index of each token of the run's own level, outside CASE, until it
+/// answers false.
+template <typename Visit>
+void visitLevel(const TokenRun& run, int first, const Visit& visit) {
+    CaseDepth cases;
+    for (int index = first; index < run.size();) {
+        if (run[index].kind == SqlToken::Open) {
+            index = run.behindBracket(index);
+            continue;
+        }
+        cases.pass(run, index);
+        if (!cases.isInside() && !visit(index)) return;
+        ++index;
+    }
+}
+
 class Reader {
 public:
-    explicit Reader(const ConditionRules& rules) : m_rules(rules) {
-        for (int index = 0; rules.operators && index < rules.operators->Count(); ++index) {
-            const TOperatorList::Entry entry = rules.operators->Items(index);
-            m_known.push_back({entry, tokenTexts(entry->Name), tokenTexts(entry->Relate)});
-        }
-        // Of several names that begin alike the longest is meant.
-        std::stable_sort(m_known.begin(), m_known.end(), [](const auto& a, const auto& b) {
-            return a.name.size() > b.name.size();
-        });
+    Reader(const ConditionRules& rules, const TokenRun& run) : m_rules(rules), m_base(run.begin()) {
+        readCatalogue();
+        lookIntoBrackets(run);
     }
 
-    std::vector<ConditionElement> level(TokenRun run, int depth) const {
-        if (depth > deepestCondition) {
-            throw Error(
-                QStringLiteral("Conditions nest deeper than %1 levels").arg(deepestCondition));
-        }
+    std::vector<ConditionElement> level(const TokenRun& run, int depth) const {
+        if (depth > deepestCondition) raiseTooDeep();
         std::vector<ConditionElement> elements;
+        if (mixesXorAndAnd(run)) {
+            elements.push_back({ConditionElement::Condition, run, wholeText(run), {}});
+            return elements;
+        }
         bool expectsOperand = true;
         for (int index = 0; index < run.size();) {
             ConditionElement element;
             int next = index + 1;
-            if (isWord(run, index, u"AND") || isWord(run, index, u"OR")) {
+            if (isConnective(run, index)) {
                 element.kind = run.is(index, u"AND") ? ConditionElement::And : ConditionElement::Or;
                 expectsOperand = true;
             } else if (isWord(run, index, u"NOT") && expectsOperand) {
@@ -97,55 +165,99 @@ public:
     }
 
 private:
-    // --- where a condition ends
-    // -------------------------------------------------------------------
+    /// What stands inside a bracket at its own level.
+    struct Bracket {
+        bool hasSelect = false;
+        bool hasComma = false;
+    };
 
-    // Up to the next AND or OR of this level that is no part of a BETWEEN or CASE.
+    void readCatalogue() {
+        for (int index = 0; m_rules.operators && index < m_rules.operators->Count(); ++index) {
+            const TOperatorList::Entry entry = m_rules.operators->Items(index);
+            if (entry) m_known.emplace_back(entry);
+        }
+        // Of several names that begin alike the longest is meant; of names that differ in case only
+        // the one in upper case, as words of a statement are.
+        std::stable_sort(m_known.begin(), m_known.end(), [](const auto& a, const auto& b) {
+            if (a.name.size() != b.name.size()) return a.name.size() > b.name.size();
+            return a.isUpperCase() && !b.isUpperCase();
+        });
+        for (const KnownOperator& known : m_known) {
+            if (known.ands > 0 || known.ors > 0) m_withConnectives.push_back(&known);
+            if (known.commas > 0) m_withCommas.push_back(&known);
+        }
+    }
+
+    // One walk for all brackets, so that nested ones are not searched again and again.
+    void lookIntoBrackets(const TokenRun& run) {
+        m_brackets.resize(std::size_t(run.size()));
+        std::vector<int> open;
+        for (int index = 0; index < run.size(); ++index) {
+            const SqlToken::Kind kind = run[index].kind;
+            if (kind == SqlToken::Open) {
+                open.push_back(index);
+            } else if (open.empty()) {
+                continue;
+            } else if (kind == SqlToken::Close) {
+                open.pop_back();
+            } else if (kind == SqlToken::Comma) {
+                m_brackets[std::size_t(open.back())].hasComma = true;
+            } else if (isWord(run, index, u"SELECT")) {
+                m_brackets[std::size_t(open.back())].hasSelect = true;
+            }
+        }
+    }
+
+    // Where XOR stands beside AND, databases disagree about which binds tighter: the text stays.
+    static bool mixesXorAndAnd(const TokenRun& run) {
+        bool hasXor = false;
+        bool hasAnd = false;
+        visitLevel(run, 0, [&](int index) {
+            hasXor = hasXor || (index > 0 && isWord(run, index, u"XOR"));
+            hasAnd = hasAnd || isWord(run, index, u"AND");
+            return true;
+        });
+        return hasXor && hasAnd;
+    }
+
+    // --- where a condition ends ---
+
+    // Up to the next AND or OR of this level that is no part of a CASE or between operands.
     [[nodiscard]] int endOfCondition(const TokenRun& run, int first) const {
         int ownAnds = 0;
-        int cases = 0;
-        int index = first;
-        while (index < run.size()) {
-            if (run[index].kind == SqlToken::Open) {
-                index = run.behindBracket(index);
-                continue;
+        int ownOrs = 0;
+        int end = run.size();
+        int counted = first;  // up to here operators were looked for
+        visitLevel(run, first, [&](int index) {
+            if (isConnective(run, index)) {
+                int& own = run.is(index, u"AND") ? ownAnds : ownOrs;
+                if (own == 0) {
+                    end = index;
+                    return false;
+                }
+                --own;
+            } else if (index > first && index >= counted) {
+                counted = index + countOwnConnectives(run, index, ownAnds, ownOrs);
             }
-            if (isWord(run, index, u"CASE")) ++cases;
-            if (isWord(run, index, u"END") && cases > 0) --cases;
-            const bool isAnd = isWord(run, index, u"AND");
-            if (cases == 0 && (isAnd || isWord(run, index, u"OR"))) {
-                if (!isAnd || ownAnds == 0) return index;
-                --ownAnds;
-            }
-            const KnownOperator* known =
-                cases == 0 && index > first ? operatorNamed(run, index) : nullptr;
-            if (known) {
-                ownAnds += andsBetweenOperands(*known);
-                index += int(known->name.size());
-                continue;
-            }
-            if (cases == 0 && isWord(run, index, u"BETWEEN")) ++ownAnds;
-            ++index;
-        }
-        return index;
-    }
-
-    // The longest operator of the list whose name stands here.
-    [[nodiscard]] const KnownOperator* operatorNamed(const TokenRun& run, int index) const {
-        const auto found = std::find_if(m_known.begin(), m_known.end(), [&](const auto& known) {
-            return matches(run, index, known.name);
+            return true;
         });
-        return found == m_known.end() ? nullptr : &*found;
+        return end;
     }
 
-    // Operators that have AND between their operands keep that many of them.
-    static int andsBetweenOperands(const KnownOperator& known) {
-        const bool hasAnd = known.relate.size() == 1 && known.relate.front() == u"AND";
-        return hasAnd ? std::max(operandCount(known.entry) - 1, 0) : 0;
+    // Operators that have AND or OR between their operands keep them; the number of tokens of the
+    // operator, or 1.
+    int countOwnConnectives(const TokenRun& run, int index, int& ands, int& ors) const {
+        for (const KnownOperator* known : m_withConnectives) {
+            if (!matches(run, index, known->name)) continue;
+            ands += known->ands;
+            ors += known->ors;
+            return int(known->name.size());
+        }
+        if (isWord(run, index, u"BETWEEN")) ++ands;
+        return 1;
     }
 
-    // --- one condition
-    // ----------------------------------------------------------------------------
+    // --- one condition ---
 
     [[nodiscard]] ConditionElement condition(TokenRun run, int depth) const {
         ConditionElement element;
@@ -163,15 +275,36 @@ private:
     }
 
     // A bracket that is the whole condition and holds one: no sub-select and no list.
-    static bool isSubCondition(const TokenRun& run) {
-        if (run.size() < 3 || run[0].kind != SqlToken::Open || run.behindBracket(0) != run.size() ||
-            run[run.size() - 1].kind != SqlToken::Close) {
+    [[nodiscard]] bool isSubCondition(const TokenRun& run) const {
+        if (run.size() < 3 || run[0].kind != SqlToken::Open ||
+            run[0].closeOffset != run.size() - 1) {
             return false;
         }
-        if (isWord(run, 1, u"SELECT")) return false;
-        return std::none_of(run.begin(), run.end(), [&](const SqlToken& token) {
-            return token.kind == SqlToken::Comma && token.depth == run[0].depth + 1;
+        const Bracket& bracket = m_brackets[std::size_t(run.begin() - m_base)];
+        if (bracket.hasSelect) return false;
+        return !bracket.hasComma || commasSeparateOperands(run.mid(1, run.size() - 2));
+    }
+
+    // Whether operators that have commas between their operands account for all commas.
+    [[nodiscard]] bool commasSeparateOperands(const TokenRun& run) const {
+        if (m_withCommas.empty()) return false;
+        int own = 0;
+        bool allOwn = true;
+        visitLevel(run, 1, [&](int index) {
+            if (run[index].kind == SqlToken::Comma) {
+                allOwn = --own >= 0;
+                return allOwn;
+            }
+            for (const KnownOperator* known : m_withCommas) {
+                if (matches(run, index, known->name)) own = known->commas;
+            }
+            return true;
         });
+        return allOwn;
+    }
+
+    static ReadCondition wholeText(const TokenRun& run) {
+        return {blankText(), run.sourceText(), expressionOperator(), blankText(), {}};
     }
 
     [[nodiscard]] ReadCondition comparison(const TokenRun& run) const {
@@ -180,7 +313,7 @@ private:
                 if (saysTheSame(*read, run)) return *read;
             }
         }
-        return {blankText(), run.sourceText(), expressionOperator(), blankText(), {}};
+        return wholeText(run);
     }
 
     // The row must write what the text says, word for word.
@@ -192,154 +325,236 @@ private:
         QString text =
             call(read.fieldFunc, read.field) + u' ' + operation.Name + u' ' + operation.Prefix;
         text += call(read.argFunc, read.arguments.join(operation.Relate)) + operation.Postfix;
-        QString source = run.sourceText();
-        QString written = tokenKey(text);
-        QString given = tokenKey(source);
-        if (written == given) return true;
-        // A run of signs was split, or "!=" is written as "<>".
-        return written.remove(u' ').replace(QStringLiteral("!="), QStringLiteral("<>")) ==
-               given.remove(u' ').replace(QStringLiteral("!="), QStringLiteral("<>"));
+        return signKey(text) == signKey(run.sourceText());
+    }
+
+    // As tokenKey, but runs of signs count as one however they are spaced, and "!=" is "<>".
+    static QString signKey(const QString& text) {
+        QString key;
+        bool behindSign = false;
+        for (const SqlToken& token : tokenise(text)) {
+            QString word =
+                upperOutsideQuotes(QStringView(text).mid(token.start, token.end - token.start));
+            const bool isSign = token.kind == SqlToken::Sign;
+            if (isSign) word.replace(QStringLiteral("!="), QStringLiteral("<>"));
+            if (!isSign || !behindSign) key += u' ';
+            key += word;
+            behindSign = isSign;
+        }
+        return key;
     }
 
     // The first operator of the list behind the beginning of the left side.
     [[nodiscard]] std::optional<FoundOperator> findOperator(const TokenRun& run) const {
-        int cases = 0;
-        for (int index = 0; index < run.size();) {
-            if (run[index].kind == SqlToken::Open) {
-                index = run.behindBracket(index);
-                continue;
-            }
-            if (isWord(run, index, u"CASE")) ++cases;
-            if (isWord(run, index, u"END") && cases > 0) --cases;
-            if (index > 0 && cases == 0) {
-                if (const auto found = operatorAt(run, index)) return found;
-            }
-            ++index;
-        }
-        return std::nullopt;
+        std::optional<FoundOperator> found;
+        const int behindFirst = run[0].kind == SqlToken::Open ? run.behindBracket(0) : 1;
+        const bool startsCase = isWord(run, 0, u"CASE");
+        visitLevel(run, startsCase ? 0 : behindFirst, [&](int index) {
+            if (index > 0) found = operatorAt(run, index);
+            return !found;
+        });
+        return found;
     }
 
     [[nodiscard]] std::optional<FoundOperator> operatorAt(const TokenRun& run, int index) const {
-        if (const KnownOperator* known = operatorNamed(run, index)) {
-            return FoundOperator{known, index, index + int(known->name.size()), 0};
+        if (isSign(run, index) && isGluedToMark(run, index)) return std::nullopt;
+        // "A NOT SIMILAR B" is no SIMILAR of "A NOT".
+        if (isWord(run, index - 1, u"NOT") || isWord(run, index - 1, u"IS")) return std::nullopt;
+        for (const KnownOperator& known : m_known) {
+            if (!matches(run, index, known.name)) continue;
+            return FoundOperator{&known, index, index + int(known.name.size()), 0};
         }
-        if (isSign(run, index)) return splitSigns(run, index);
-        return std::nullopt;
+        return splitSigns(run, index);
+    }
+
+    // "@>" and "<@" are signs of some databases, where "@" alone begins a name.
+    static bool isGluedToMark(const TokenRun& run, int index) {
+        const auto isMark = [&](int at) {
+            const QStringView text = run.textOf(at);
+            return std::all_of(text.begin(), text.end(),
+                               [](QChar mark) { return mark == u'@' || mark == u'#'; });
+        };
+        if (run[index - 1].end == run[index].start && isMark(index - 1)) return true;
+        return index + 1 < run.size() && run[index].end == run[index + 1].start &&
+               isMark(index + 1);
     }
 
     // Signs that are no operator as they stand: an operator and the sign of a number behind it.
     [[nodiscard]] std::optional<FoundOperator> splitSigns(const TokenRun& run, int index) const {
-        const QString signs = run.textOf(index).toString();
-        for (qsizetype length = signs.size(); length > 0; --length) {
-            const KnownOperator* known = operatorOfSigns(signs.left(length));
-            if (!known) continue;
-            const QString rest = signs.mid(length);
-            const bool isNumberSign = std::all_of(rest.begin(), rest.end(), [](QChar character) {
-                return character == u'+' || character == u'-';
-            });
-            if (!isNumberSign) return std::nullopt;
-            return FoundOperator{known, index, index + 1, int(rest.size())};
+        const KnownOperator* longest = nullptr;
+        for (const KnownOperator& known : m_known) {
+            if (!beginsWithSigns(run, index, known.name)) continue;
+            if (longest && (known.name.size() < longest->name.size() ||
+                            known.name.back().size() <= longest->name.back().size())) {
+                continue;
+            }
+            longest = &known;
         }
-        return std::nullopt;
+        // "!=" is another spelling of "<>".
+        const QString unequal = QStringLiteral("!=");
+        const KnownOperator* standard = named(QStringLiteral("<>"));
+        const bool isLonger =
+            !longest || (longest->name.size() == 1 && longest->name.back().size() < unequal.size());
+        if (standard && isLonger && beginsWithSigns(run, index, {unequal})) {
+            return splitBehind(run, index, *standard, unequal.size());
+        }
+        if (!longest) return std::nullopt;
+        return splitBehind(run, index, *longest, longest->name.back().size());
     }
 
-    [[nodiscard]] const KnownOperator* operatorOfSigns(const QString& signs) const {
-        const auto named = [this](const QString& name) -> const KnownOperator* {
-            const auto found = std::find_if(m_known.begin(), m_known.end(), [&](const auto& known) {
-                return known.name.size() == 1 && known.name.front() == name;
-            });
-            return found == m_known.end() ? nullptr : &*found;
-        };
-        if (const KnownOperator* known = named(signs)) return known;
-        return signs == u"!=" ? named(QStringLiteral("<>")) : nullptr;
+    [[nodiscard]] const KnownOperator* named(const QString& sign) const {
+        const auto found = std::find_if(m_known.begin(), m_known.end(), [&](const auto& known) {
+            return known.name.size() == 1 && known.name.front() == sign;
+        });
+        return found == m_known.end() ? nullptr : &*found;
     }
 
-    // --- operands
-    // ---------------------------------------------------------------------------------
+    // Whether the tokens are those of the name, the last one perhaps with more signs behind it.
+    static bool beginsWithSigns(const TokenRun& run, int index, const QStringList& name) {
+        const int last = index + int(name.size()) - 1;
+        if (name.isEmpty() || !isSign(run, last)) return false;
+        if (name.size() > 1 && !matches(run, index, name.first(name.size() - 1))) return false;
+        return run.textOf(last).startsWith(name.back());
+    }
+
+    static std::optional<FoundOperator> splitBehind(const TokenRun& run, int index,
+                                                    const KnownOperator& known, qsizetype length) {
+        const int last = index + int(known.name.size()) - 1;
+        const QStringView rest = run.textOf(last).mid(length);
+        if (!isNumberSign(rest)) return std::nullopt;
+        return FoundOperator{&known, index, last + 1, int(rest.size())};
+    }
+
+    // --- operands ---
 
     [[nodiscard]] std::optional<ReadCondition> operands(const TokenRun& run,
                                                         const FoundOperator& found) const {
-        const TOperatorList::Entry& entry = found.known->entry;
-        ReadCondition read{blankText(), {}, entry, blankText(), {}};
+        const KnownOperator& known = *found.known;
+        ReadCondition read{blankText(), {}, known.entry, blankText(), {}};
         takeSide(run.mid(0, found.index), read.fieldFunc, read.field);
-        const int count = operandCount(entry);
+        const int count = operandCount(known.entry);
         const TokenRun rest = run.mid(found.behind);
-        const QString sign = found.signsLeft > 0
-                                 ? run.textOf(found.index).toString().right(found.signsLeft)
-                                 : QString();
-        if (count == 0)
-            return rest.isEmpty() && sign.isEmpty() ? std::optional(read) : std::nullopt;
+        if (count == 0) {
+            const QStringList affixes = known.prefix + known.postfix;
+            const bool nothingElse =
+                rest.size() == affixes.size() && (affixes.isEmpty() || matches(rest, 0, affixes));
+            return nothingElse && found.signsLeft == 0 ? std::optional(read) : std::nullopt;
+        }
         if (rest.isEmpty()) return std::nullopt;
-        const std::optional<TokenRun> inside = withoutAffixes(rest, *entry);
-        if (!inside) return std::nullopt;
-        const std::vector<TokenRun> parts = splitOperands(*inside, *found.known, count);
-        if (int(parts.size()) != count) return std::nullopt;
+        if (known.hasAffixes()) {
+            if (found.signsLeft > 0) return std::nullopt;
+            const std::optional<TokenRun> inside = withoutAffixes(rest, known);
+            if (inside) return withArguments(read, known, *inside);
+            return withoutAffixTexts(read, rest);
+        }
+        if (found.signsLeft > 0) return withSignedArguments(read, run, found);
+        if (count == 1) {
+            read.arguments << QString();
+            takeSide(rest, read.argFunc, read.arguments.front());
+            return read;
+        }
+        return withArguments(read, known, rest);
+    }
+
+    static std::optional<ReadCondition> withArguments(ReadCondition read,
+                                                      const KnownOperator& known,
+                                                      const TokenRun& run) {
+        const std::vector<TokenRun> parts = splitOperands(run, known);
+        if (parts.empty()) return std::nullopt;
+        const bool isList = known.prefix == QStringList{QStringLiteral("(")} &&
+                            known.postfix == QStringList{QStringLiteral(")")};
         for (const TokenRun& part : parts) {
             if (part.isEmpty()) return std::nullopt;
-            read.arguments << operandText(part);
+            read.arguments << (isList ? listText(part) : operandText(part));
         }
-        const bool plain = orvTrim(entry->Prefix).isEmpty() && orvTrim(entry->Postfix).isEmpty();
-        if (count == 1 && plain && sign.isEmpty()) {
-            takeSide(parts.front(), read.argFunc, read.arguments.front());
-        }
-        read.arguments.front().prepend(sign);
         return read;
+    }
+
+    // The first operand begins with signs that stood together with the operator.
+    static std::optional<ReadCondition> withSignedArguments(ReadCondition read, const TokenRun& run,
+                                                            const FoundOperator& found) {
+        const TokenRun rest = run.mid(found.behind);
+        std::optional<ReadCondition> whole = withArguments(std::move(read), *found.known, rest);
+        if (!whole) return std::nullopt;
+        const int first = splitOperands(rest, *found.known).front().size();
+        const QString signedText = run.mid(found.behind - 1, first + 1).sourceText();
+        const qsizetype signs = run.textOf(found.behind - 1).size();
+        whole->arguments.front() = signedText.mid(signs - found.signsLeft);
+        return whole;
     }
 
     // A call of one of the panel's functions has a cell of its own.
     void takeSide(const TokenRun& run, QString& function, QString& text) const {
         const bool isCall = m_rules.functions && run.size() > 3 && run[0].kind == SqlToken::Word &&
-                            run[1].kind == SqlToken::Open && run.behindBracket(1) == run.size();
+                            run[1].kind == SqlToken::Open && run[1].closeOffset == run.size() - 2;
         const QString name = isCall ? run.textOf(0).toString().toUpper() : QString();
         if (isCall && m_rules.functions->contains(name)) {
             function = name;
-            const TokenRun inside = run.mid(2, run.size() - 3);
-            text = listText(inside);
+            text = listText(run.mid(2, run.size() - 3));
             return;
         }
         text = operandText(run);
     }
 
     // The operands between the operator's prefix and postfix; none where one is missing.
-    static std::optional<TokenRun> withoutAffixes(TokenRun rest, const TorvQDOperator& operation) {
-        const QStringList prefix = tokenTexts(operation.Prefix);
-        const QStringList postfix = tokenTexts(operation.Postfix);
-        const int affixes = int(prefix.size() + postfix.size());
-        if (affixes == 0) return rest;
-        if (rest.size() <= affixes) return std::nullopt;
-        if (!prefix.isEmpty() && !matches(rest, 0, prefix)) return std::nullopt;
-        const int end = rest.size() - int(postfix.size());
-        if (!postfix.isEmpty() && !matches(rest, end, postfix)) return std::nullopt;
-        const bool isBracket = prefix == QStringList{QStringLiteral("(")};
-        if (isBracket && rest.behindBracket(0) != rest.size()) return std::nullopt;
-        return rest.mid(int(prefix.size()), rest.size() - affixes);
+    static std::optional<TokenRun> withoutAffixes(const TokenRun& rest,
+                                                  const KnownOperator& known) {
+        const int prefix = int(known.prefix.size());
+        const int inside = rest.size() - prefix - int(known.postfix.size());
+        if (inside <= 0) return std::nullopt;
+        if (prefix > 0 && !matches(rest, 0, known.prefix)) return std::nullopt;
+        if (!known.postfix.isEmpty() && !matches(rest, prefix + inside, known.postfix)) {
+            return std::nullopt;
+        }
+        const TokenRun operands = rest.mid(prefix, inside);
+        return isBalanced(operands) ? std::optional(operands) : std::nullopt;
     }
 
-    static std::vector<TokenRun> splitOperands(const TokenRun& run, const KnownOperator& known,
-                                               int count) {
+    static bool isBalanced(const TokenRun& run) {
+        int open = 0;
+        for (const SqlToken& token : run) {
+            if (token.kind == SqlToken::Open) ++open;
+            if (token.kind == SqlToken::Close && --open < 0) return false;
+        }
+        return open == 0;
+    }
+
+    // Prefix and postfix may begin and end a quoted text: LIKE '%...%'.
+    static std::optional<ReadCondition> withoutAffixTexts(ReadCondition read,
+                                                          const TokenRun& rest) {
+        if (rest.size() != 1 || operandCount(read.operation) != 1) return std::nullopt;
+        const QString text = rest.sourceText();
+        // Blanks at their inner ends belong to the quoted text, if it has them.
+        QString prefix = orvTrim(QString(read.operation->Prefix + u'|')).chopped(1);
+        QString postfix = orvTrim(QString(u'|' + read.operation->Postfix)).mid(1);
+        if (!text.startsWith(prefix, Qt::CaseInsensitive)) prefix = orvTrim(prefix);
+        if (!text.endsWith(postfix, Qt::CaseInsensitive)) postfix = orvTrim(postfix);
+        const qsizetype inside = text.size() - prefix.size() - postfix.size();
+        if (inside <= 0 || !text.startsWith(prefix, Qt::CaseInsensitive) ||
+            !text.endsWith(postfix, Qt::CaseInsensitive)) {
+            return std::nullopt;
+        }
+        const QString argument = text.mid(prefix.size(), inside);
+        if (isBlank(argument)) return std::nullopt;
+        read.arguments << argument;
+        return read;
+    }
+
+    // As many runs as the operator has operands; none when they do not come out to its count.
+    static std::vector<TokenRun> splitOperands(const TokenRun& run, const KnownOperator& known) {
+        const std::size_t count = std::size_t(operandCount(known.entry));
         if (count == 1) return {run};
         std::vector<TokenRun> parts;
         if (known.relate.isEmpty()) return parts;
         int first = 0;
-        int cases = 0;
-        for (int index = 0; index < run.size();) {
-            if (run[index].kind == SqlToken::Open) {
-                index = run.behindBracket(index);
-                continue;
-            }
-            if (isWord(run, index, u"CASE")) ++cases;
-            if (isWord(run, index, u"END") && cases > 0) --cases;
-            const bool splits =
-                cases == 0 && int(parts.size()) + 1 < count && matches(run, index, known.relate);
-            if (splits) {
-                parts.push_back(run.mid(first, index - first));
-                index += int(known.relate.size());
-                first = index;
-            } else {
-                ++index;
-            }
-        }
+        visitLevel(run, 0, [&](int index) {
+            if (index < first || !matches(run, index, known.relate)) return true;
+            parts.push_back(run.mid(first, index - first));
+            first = index + int(known.relate.size());
+            return parts.size() + 1 < count;
+        });
         parts.push_back(run.mid(first));
+        if (parts.size() != count) parts.clear();
         return parts;
     }
 
@@ -383,8 +598,7 @@ private:
         return name + u'(' + items.join(QStringLiteral(", ")) + u')';
     }
 
-    // --- AND before OR
-    // ----------------------------------------------------------------------------
+    // --- AND before OR ---
 
     // In a level that also has OR, each run of conditions joined by AND gets a bracket.
     static void bindAnds(std::vector<ConditionElement>& elements) {
@@ -423,14 +637,66 @@ private:
     }
 
     const ConditionRules& m_rules;
+    const SqlToken* m_base;           // of the whole condition
+    std::vector<Bracket> m_brackets;  // by token
     std::vector<KnownOperator> m_known;
+    std::vector<const KnownOperator*> m_withConnectives;
+    std::vector<const KnownOperator*> m_withCommas;
 };
 
 }  // namespace
 
+void raiseTooDeep() {
+    throw Error(QStringLiteral("Conditions nest deeper than %1 levels").arg(deepestCondition));
+}
+
 std::vector<ConditionElement> readConditions(const TokenRun& run, const ConditionRules& rules) {
-    TokenRun inner = run;
-    return Reader(rules).level(inner, 1);
+    return Reader(rules, run).level(run, 0);
+}
+
+namespace {
+
+/// What a level of brackets may become: an upper bound.
+struct LevelBound {
+    int connective = 0;  // 0 none yet, 1 AND, 2 OR
+    int changes = 0;
+    int nots = 0;  // since the last connective
+    int mostNots = 0;
+    int below = 1;  // inside its brackets; a missing condition is a group, too
+
+    void connect(int kind) {
+        if (connective != 0 && connective != kind) ++changes;
+        connective = kind;
+        nots = 0;
+    }
+    void negate() { mostNots = std::max(mostNots, ++nots); }
+    [[nodiscard]] int groups() const { return changes + mostNots + below; }
+};
+
+}  // namespace
+
+int mostGroupsBelow(const TokenRun& run) {
+    std::vector<LevelBound> levels(1);
+    for (int index = 0; index < run.size(); ++index) {
+        const SqlToken::Kind kind = run[index].kind;
+        if (kind == SqlToken::Open) {
+            levels.emplace_back();
+        } else if (kind == SqlToken::Close && levels.size() > 1) {
+            const int groups = levels.back().groups() + 1;
+            levels.pop_back();
+            levels.back().below = std::max(levels.back().below, groups);
+        } else if (isConnective(run, index)) {
+            levels.back().connect(run.is(index, u"AND") ? 1 : 2);
+        } else if (isWord(run, index, u"NOT")) {
+            levels.back().negate();
+        }
+    }
+    int groups = 0;
+    for (auto level = levels.rbegin(); level != levels.rend(); ++level) {
+        level->below = std::max(level->below, groups);
+        groups = level->groups() + 1;
+    }
+    return groups;
 }
 
 const ConditionElement* andBehindOr(const std::vector<ConditionElement>& level) {

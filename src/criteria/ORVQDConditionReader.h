@@ -39,13 +39,21 @@ struct ConditionRules {
     bool andBindsTighter = false;              ///< AND before OR, as SQL has it
 };
 
-/// How deep sub-conditions may nest; brackets around brackets do not count.
+/// How many groups of conditions may stand one inside the other below the root, and how deep
+/// sub-conditions may nest in a text; brackets around brackets do not count.
 inline constexpr int deepestCondition = 2000;
+
+/// Raises the orv::Error that names this bound.
+[[noreturn]] ORV_EXPORT void raiseTooDeep();
 
 /// Reads the tokens of a WHERE or HAVING clause, without the keyword. Raises orv::Error when
 /// sub-conditions nest deeper than deepestCondition.
 [[nodiscard]] ORV_EXPORT std::vector<ConditionElement> readConditions(const TokenRun& run,
                                                                       const ConditionRules& rules);
+
+/// Upper bound of the groups that the condition becomes, one inside the other, in either reading of
+/// AND and OR. Looks at brackets and connectives alone.
+[[nodiscard]] ORV_EXPORT int mostGroupsBelow(const TokenRun& run);
 
 /// The first AND behind an OR of one level: where reading from left to right and reading AND first
 /// differ. None when they agree.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "criteria/ORVQDRowBuilder.h"
 
+#include <algorithm>
+
 namespace orv {
 
 namespace {
@@ -27,9 +29,15 @@ void fill(TorvQDWhereRow& row, const ReadCondition& condition) {
     }
 }
 
-void moveRows(TorvQDWhereRows& from, TorvQDWhereRows& to) {
-    TorvQDWhereRows* target = &to;
-    for (auto& item : from.takeAll()) target->InsertItem(std::move(item));
+// One bracket around everything.
+bool isWholeBracket(const std::vector<ConditionElement>& elements) {
+    return elements.size() == 1 && elements.front().kind == ConditionElement::Bracket;
+}
+
+// NOT in front of one bracket, and nothing else on the level.
+bool isNegatedBracket(const std::vector<ConditionElement>& elements) {
+    return elements.size() == 2 && elements.front().kind == ConditionElement::Not &&
+           elements.back().kind == ConditionElement::Bracket;
 }
 
 /// The reading of one level; see buildRows.
@@ -40,29 +48,23 @@ public:
         m_current = m_group->SubRows->AddRow();
     }
 
-    void read(const std::vector<ConditionElement>& elements) {
-        for (std::size_t index = 0; index < elements.size(); ++index) {
-            const ConditionElement& element = elements[index];
+    /// Reads the elements; the group that holds them in the end.
+    TorvQDWhereRow* read(const std::vector<ConditionElement>& elements) {
+        if (isWholeBracket(elements)) {
+            replaceAllBy(elements.front().children);
+            return m_group;
+        }
+        if (isNegatedBracket(elements)) {
+            m_negate = !m_negate;
+            replaceAllBy(elements.back().children);
+            return m_group;
+        }
+        for (const ConditionElement& element : elements) {
             switch (element.kind) {
             case ConditionElement::And:
             case ConditionElement::Or: readConnective(element.kind); break;
-            case ConditionElement::Not:
-                if (isNegatedBracket(elements, index)) {
-                    m_negate = !m_negate;
-                    replaceAllBy(elements.back().children);
-                    finish();
-                    return;
-                }
-                readNot();
-                break;
-            case ConditionElement::Bracket:
-                if (m_connective == 0 && elements.size() == 1) {
-                    replaceAllBy(element.children);
-                    finish();
-                    return;
-                }
-                readBracket(element);
-                break;
+            case ConditionElement::Not: readNot(); break;
+            case ConditionElement::Bracket: readBracket(element); break;
             case ConditionElement::Condition:
                 fill(*m_current, element.condition);
                 m_pendingNot = false;
@@ -70,26 +72,26 @@ public:
                 break;
             }
         }
-        if (!m_filled) m_current->GroupOper = all;
+        if (!m_filled) m_current->SetGroupOper(all);
         finish();
+        return m_group;
     }
 
 private:
-    // NOT in front of one bracket, and nothing else on the level.
-    [[nodiscard]] bool isNegatedBracket(const std::vector<ConditionElement>& elements,
-                                        std::size_t index) const {
-        return m_connective == 0 && index == 0 && elements.size() == 2 &&
-               elements.back().kind == ConditionElement::Bracket;
-    }
-
+    // The bracket's conditions become the group's own, and it is negated as a whole.
     void replaceAllBy(const std::vector<ConditionElement>& elements) {
         m_group->SubRows->Clear();
-        m_current = nullptr;
-        buildRows(elements, m_group, false, m_joinsNots);
+        m_group = buildRows(elements, m_group, false, m_joinsNots);
+        if (!m_negate) return;
+        if (m_group->isGroup()) {
+            m_group->SetGroupOper(opposite(m_group->GroupOper));
+        } else {
+            wrapInNone();
+        }
     }
 
     void readConnective(ConditionElement::Kind kind) {
-        if (!m_filled) m_current->GroupOper = all;  // nothing stands between two connectives
+        if (!m_filled) m_current->SetGroupOper(all);  // nothing stands between two connectives
         m_pendingNot = false;
         const int connective = kind == ConditionElement::And ? 1 : 2;
         if (m_connective != 0 && m_connective != connective) {
@@ -120,6 +122,7 @@ private:
         if (m_pendingNot) {  // NOT NOT: the row of the first one is the condition's own again
             m_negation->SubRows->Clear();
             m_negation->GroupOper.clear();
+            m_negation->SetExpanded(false);
             m_current = m_negation;
             m_pendingNot = false;
             return;
@@ -133,6 +136,7 @@ private:
     void readBracket(const ConditionElement& element) {
         if (m_pendingNot) {
             m_negation->SubRows->Clear();
+            m_negation->GroupOper.clear();
             buildRows(element.children, m_negation, true, m_joinsNots);
         } else {
             buildRows(element.children, m_current, false, m_joinsNots);
@@ -142,34 +146,25 @@ private:
     }
 
     void finish() {
-        TorvQDWhereRows& rows = *m_group->SubRows;
-        const bool isRoot = !m_group->parentRow();
-        if (!isRoot && rows.GetCount() == 0 && m_negate) {
-            wrapInNone();
-        } else if (!isRoot && rows.GetCount() == 1) {
-            if (m_negate) {
-                m_group->SetGroupOper(none);
-            } else {
-                takeOnlyRow();
-            }
-        } else if (m_negate) {
+        if (m_negate) {
             m_group->SetGroupOper(opposite(m_group->GroupOper));
+        } else if (m_group->parentRow() && m_group->SubRows->GetCount() == 1) {
+            takeOnlyRow();
         }
     }
 
     // The group is one condition by now: it moves down, and "None" stands around it.
     void wrapInNone() {
-        TorvQDWhereRow* inner = m_group->SubRows->AddRow();
-        inner->Assign(*m_group);
+        m_group->SubRows->AddRow()->Assign(*m_group);
         m_group->SetGroupOper(none);
     }
 
     // A group of one row is that row, its sub-rows included.
     void takeOnlyRow() {
-        auto items = m_group->SubRows->takeAll();
+        const auto items = m_group->SubRows->takeAll();
         auto& only = static_cast<TorvQDWhereRow&>(*items.front());
         m_group->Assign(only);
-        moveRows(*only.SubRows, *m_group->SubRows);
+        m_group->takeSubRows(only);
     }
 
     TorvQDWhereRow* m_group;
@@ -182,11 +177,87 @@ private:
     bool m_filled = false;  // the current row has its condition
 };
 
+// --- how deep the rows will be ---
+
+int groupsOf(const std::vector<ConditionElement>& elements, bool negate);
+
+/// The deepest of the rows that a level gives, counted as RowBuilder makes them.
+class DepthCounter {
+public:
+    void add(const ConditionElement& element) {
+        switch (element.kind) {
+        case ConditionElement::And:
+        case ConditionElement::Or:
+            addConnective(element.kind == ConditionElement::And ? 1 : 2);
+            break;
+        case ConditionElement::Not: ++m_nots; break;
+        case ConditionElement::Bracket: addBracket(element.children); break;
+        case ConditionElement::Condition: addRow(pendingGroups()); break;
+        }
+    }
+    void finish() {
+        if (!m_filled) addRow(pendingGroups() + 1);
+    }
+    [[nodiscard]] int deepest() const { return m_deepest; }
+    [[nodiscard]] bool hasConnective() const { return m_connective != 0; }
+
+private:
+    // Behind a connective two NOTs cancel out.
+    [[nodiscard]] int pendingGroups() const { return m_connective == 0 ? m_nots : m_nots % 2; }
+
+    void addRow(int groups) {
+        m_deepest = std::max(m_deepest, groups);
+        m_nots = 0;
+        m_filled = true;
+    }
+    void addBracket(const std::vector<ConditionElement>& elements) {
+        // A bracket behind a pending NOT becomes the group of that NOT.
+        if (m_connective != 0) {
+            addRow(groupsOf(elements, m_nots % 2 == 1));
+        } else {
+            addRow(m_nots + groupsOf(elements, false));
+        }
+    }
+    void addConnective(int connective) {
+        finish();
+        if (m_connective != 0 && m_connective != connective) ++m_deepest;
+        m_connective = connective;
+        m_filled = false;
+    }
+
+    int m_deepest = 0;
+    int m_connective = 0;
+    int m_nots = 0;
+    bool m_filled = false;
+};
+
+// The groups of the row into which the level is built, itself included; 0 for a simple row.
+int groupsOf(const std::vector<ConditionElement>& elements, bool negate) {
+    if (isWholeBracket(elements) || isNegatedBracket(elements)) {
+        const bool negates = negate != isNegatedBracket(elements);
+        return std::max(negates ? 1 : 0, groupsOf(elements.back().children, false));
+    }
+    DepthCounter counter;
+    for (const ConditionElement& element : elements) counter.add(element);
+    counter.finish();
+    return counter.deepest() + (negate || counter.hasConnective() ? 1 : 0);
+}
+
 }  // namespace
 
-void buildRows(const std::vector<ConditionElement>& elements, TorvQDWhereRow* group, bool negate,
-               bool joinsNots) {
-    RowBuilder(group, negate, joinsNots).read(elements);
+int groupsBelow(const std::vector<ConditionElement>& elements) {
+    if (isWholeBracket(elements) || isNegatedBracket(elements)) {
+        return groupsBelow(elements.back().children);
+    }
+    DepthCounter counter;
+    for (const ConditionElement& element : elements) counter.add(element);
+    counter.finish();
+    return counter.deepest();
+}
+
+TorvQDWhereRow* buildRows(const std::vector<ConditionElement>& elements, TorvQDWhereRow* group,
+                          bool negate, bool joinsNots) {
+    return RowBuilder(group, negate, joinsNots).read(elements);
 }
 
 }  // namespace orv

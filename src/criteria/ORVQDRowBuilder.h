@@ -8,10 +8,15 @@ namespace orv {
 
 /// Turns the elements of one level into sub-rows of `group`, which is a panel's root row or a row
 /// that becomes a group. AND and OR are combined from left to right: where the connective changes,
-/// what was read so far becomes one nested group. With `negate` the group says the opposite.
-/// With `joinsNots` a NOT in front of the first of several brackets becomes one with the bracket's
-/// group, as any later one does.
-ORV_EXPORT void buildRows(const std::vector<ConditionElement>& elements, TorvQDWhereRow* group,
-                          bool negate, bool joinsNots = false);
+/// what was read so far becomes one nested group. With `negate` the group says the opposite. The
+/// result is the row that holds all of it: `group`, or one that was put around it. With `joinsNots`
+/// a NOT in front of the first of several brackets becomes one with the bracket's group, as any
+/// later one does.
+ORV_EXPORT TorvQDWhereRow* buildRows(const std::vector<ConditionElement>& elements,
+                                     TorvQDWhereRow* group, bool negate, bool joinsNots = false);
+
+/// How many groups stand one inside the other below the group into which the elements are built, at
+/// the most.
+[[nodiscard]] ORV_EXPORT int groupsBelow(const std::vector<ConditionElement>& elements);
 
 }  // namespace orv

@@ -4,15 +4,19 @@
 #include "contract/IPagesHost.h"
 #include "core/Error.h"
 #include "core/Text.h"
+#include "criteria/ORVQDAliasRename.h"
 #include "criteria/ORVQDConditionMeaning.h"
+#include "criteria/ORVQDNodeText.h"
 #include "criteria/ORVQDRowBuilder.h"
 #include "parser/ORVQDExpressions.h"
 #include "parser/ORVQDLedger.h"
+#include "parser/ORVQDNormalise.h"
 #include "parser/ORVQDParser.h"
 
 #include <QLocale>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -20,23 +24,30 @@ bool isClauseOfConditions(TLocationKinds location) {
     return location == inWhere || location == inHaving;
 }
 
-// The decimal sign of SQL, or the one of the user's language; no group separators.
-bool isInteger(const QString& text) {
-    bool converts = false;
-    QLocale language;
-    language.setNumberOptions(QLocale::RejectGroupSeparator);
-    QLocale::c().toLongLong(text, &converts);
-    if (!converts) language.toLongLong(text, &converts);
-    return converts;
+// Numbers of SQL or of the user's language; no group separators.
+template <typename Convert>
+bool convertsInEither(const Convert& convert) {
+    for (QLocale language : {QLocale::c(), QLocale()}) {
+        language.setNumberOptions(QLocale::RejectGroupSeparator);
+        if (convert(language)) return true;
+    }
+    return false;
 }
 
+bool isInteger(const QString& text) {
+    return convertsInEither([&](const QLocale& language) {
+        bool converts = false;
+        (void)language.toLongLong(text, &converts);
+        return converts;
+    });
+}
+
+// "INF" and "NAN" are names in SQL.
 bool isFloat(const QString& text) {
-    bool converts = false;
-    QLocale language;
-    language.setNumberOptions(QLocale::RejectGroupSeparator);
-    QLocale::c().toDouble(text, &converts);
-    if (!converts) language.toDouble(text, &converts);
-    return converts;
+    return convertsInEither([&](const QLocale& language) {
+        bool converts = false;
+        return std::isfinite(language.toDouble(text, &converts)) && converts;
+    });
 }
 
 // Both sides in one of the sets of types that go together, or of the same type.
@@ -81,6 +92,31 @@ void account(const std::vector<orv::ConditionElement>& level, orv::LoadLedger& l
     }
 }
 
+// Whether the parser stopped inside the last condition: in front of a word that opens something
+// else at other places.
+bool isCutOff(const orv::TokenRun& condition, const orv::LoadLedger& ledger) {
+    if (condition.isEmpty()) return false;
+    const int last = condition.size() - 1;
+    if (orv::endsOperand(condition, last)) return false;
+    const orv::TokenRun behind =
+        ledger.tokensIn(condition.endPosition(), int(ledger.text().size()));
+    if (behind.isEmpty() || behind[0].kind != orv::SqlToken::Word) return false;
+    const QStringList followers = {QStringLiteral("GROUP"), QStringLiteral("HAVING"),
+                                   QStringLiteral("ORDER")};
+    return !followers.contains(behind.textOf(0).toString().toUpper());
+}
+
+// Where the last connective of the condition stands.
+int behindLastWholeCondition(const orv::TokenRun& condition, const orv::ConditionRules& rules) {
+    const auto elements = orv::readConditions(condition, rules);
+    for (auto element = elements.rbegin(); element != elements.rend(); ++element) {
+        const bool connects = element->kind == orv::ConditionElement::And ||
+                              element->kind == orv::ConditionElement::Or;
+        if (connects) return int(element->run.begin() - condition.begin());
+    }
+    return 0;
+}
+
 }  // namespace
 
 TorvQDWherePanel::TorvQDWherePanel(QWidget* Parent) : QWidget(Parent) {
@@ -115,6 +151,14 @@ QString TorvQDWherePanel::GetSQLStatment() const {
 void TorvQDWherePanel::ClearContents() {
     TorvQDWhereRow* root = rootRow();
     if (!root) return;
+    const bool hadRows = root->SubRows->GetCount() > 0;
+    clearRows();
+    IPagesHost* owner = host();
+    if (hadRows && owner) owner->statementChanged();
+}
+
+void TorvQDWherePanel::clearRows() {
+    TorvQDWhereRow* root = rootRow();
     CurrentElement = nullptr;
     root->SubRows->Clear();
     root->SetGroupOper(QStringLiteral("All"));
@@ -129,60 +173,89 @@ void TorvQDWherePanel::LoadSQL(const TorvQDParser& Node) {
     if (!isClauseOfConditions(Node.Location())) {
         throw orv::Error(QStringLiteral("There is not valid object for extract selection list"));
     }
-    ClearContents();
     IPagesHost* owner = host();
-    orv::LoadLedger* ledger = owner ? owner->ledger() : nullptr;
-    if (!ledger || !rootRow()) return;
-    const bool keepsMeaning = owner->KeepMeaning();
-    const orv::TokenRun run = ledger->tokensIn(Node.Start(), Node.End());
-    const orv::TokenRun condition = run.mid(1);
-    ledger->place(run);
-    if (condition.isEmpty()) {
-        ledger->report(run, QStringLiteral("This clause has no condition."));
+    const bool keepsMeaning = owner && owner->KeepMeaning();
+    if (orv::LoadLedger* ledger = owner ? owner->ledger() : nullptr) {
+        loadRun(ledger->tokensIn(Node.Start(), Node.End()), ledger, keepsMeaning);
         return;
+    }
+    // Outside the loading of a statement nobody keeps account, and the source is not at hand.
+    const QString text = Node.Text() + u' ' + orv::nodeText(Node);
+    const orv::SqlTokens tokens = orv::tokenise(text);
+    loadRun({text, tokens.data(), tokens.data() + tokens.size()}, nullptr, keepsMeaning);
+}
+
+// Takes the whole clause, with its keyword.
+void TorvQDWherePanel::loadRun(const orv::TokenRun& run, orv::LoadLedger* ledger,
+                               bool keepsMeaning) {
+    TorvQDWhereRow* root = rootRow();
+    if (!root) return;
+    orv::TokenRun condition = run.mid(std::min(1, run.size()));
+    checkDepth(condition, keepsMeaning);
+    orv::TokenRun rest = condition.mid(condition.size());
+    if (ledger && isCutOff(condition, *ledger)) {
+        const int kept = behindLastWholeCondition(condition, readingRules(false));
+        rest = condition.mid(kept);
+        condition = condition.mid(0, kept);
     }
     const auto elements = orv::readConditions(condition, readingRules(keepsMeaning));
-    account(elements, *ledger, keepsMeaning);
-    orv::buildRows(elements, rootRow(), false, keepsMeaning);
-    if (ledger->hasFinding(Node.Start(), Node.End()) || writesMeaning(orv::meaningOf(elements))) {
-        return;
+    IPagesHost* owner = host();
+    if (owner) owner->beginChange();
+    clearRows();
+    if (!elements.empty()) orv::buildRows(elements, root, false, keepsMeaning);
+    if (ledger) {
+        ledger->place(run);
+        if (!rest.isEmpty()) {
+            ledger->report(rest, QStringLiteral("The rest of this condition was not understood."));
+        }
+        if (elements.empty() && rest.isEmpty()) {
+            ledger->report(run, QStringLiteral("This clause has no condition."));
+        }
+        account(elements, *ledger, keepsMeaning);
+        compareWritten(elements, run, *ledger);
     }
-    ledger->report(run, QStringLiteral("This clause is written differently."));
+    if (!owner) return;
+    owner->statementChanged();
+    owner->endChange();
 }
 
-// A safety net: what the rows write is read again.
-bool TorvQDWherePanel::writesMeaning(const QString& meaning) const {
+// A pathological condition is read on trial: most are told from their brackets and connectives.
+void TorvQDWherePanel::checkDepth(const orv::TokenRun& condition, bool keepsMeaning) const {
+    if (orv::mostGroupsBelow(condition) <= orv::deepestCondition) return;
+    const auto elements = orv::readConditions(condition, readingRules(keepsMeaning));
+    if (orv::groupsBelow(elements) > orv::deepestCondition) orv::raiseTooDeep();
+}
+
+void TorvQDWherePanel::checkLoadable(const TorvQDParser& node, const orv::LoadLedger& ledger,
+                                     bool keepMeaning) const {
+    const orv::TokenRun run = ledger.tokensIn(node.Start(), node.End());
+    checkDepth(run.mid(std::min(1, run.size())), keepMeaning);
+}
+
+// A safety net: what the rows write is read again, and must say what was loaded.
+void TorvQDWherePanel::compareWritten(const std::vector<orv::ConditionElement>& loaded,
+                                      const orv::TokenRun& run, orv::LoadLedger& ledger) const {
+    if (loaded.empty() || ledger.hasFinding(run.start(), run.endPosition())) return;
     const QString written = rootRow()->GetSQLCondition(false);
     const orv::SqlTokens tokens = orv::tokenise(written);
-    const orv::TokenRun run(written, tokens.data(), tokens.data() + tokens.size());
+    const orv::TokenRun text(written, tokens.data(), tokens.data() + tokens.size());
     try {
-        return orv::meaningOf(orv::readConditions(run, readingRules(true))) == meaning;
+        const auto elements = orv::readConditions(text, readingRules(true));
+        if (orv::meaningOf(elements) == orv::meaningOf(loaded)) return;
     } catch (const orv::Error&) {
-        return false;  // its groups nest deeper than the text did
+        // Its groups nest deeper than those of the loaded text did.
     }
+    ledger.report(run, QStringLiteral("This clause is written differently."));
 }
 
-// A whole word in front of a full stop, outside quotes: "PO.X" is not renamed with "O".
+// "PO.X" is not renamed with "O".
 void TorvQDWherePanel::ChangeAlias(const QString& NewAlias, const QString& OldAlias) {
     if (NewAlias == OldAlias || !rootRow()) return;
-    const auto rename = [&](QString& text) {
-        QString result;
-        qsizetype copied = 0;
-        for (const orv::SqlToken& token : orv::tokenise(text)) {
-            const QStringView word = QStringView(text).mid(token.start, token.end - token.start);
-            if (token.kind != orv::SqlToken::Word || !word.startsWith(OldAlias) ||
-                word.size() == OldAlias.size() || word[OldAlias.size()] != u'.') {
-                continue;
-            }
-            result += QStringView(text).mid(copied, token.start - copied);
-            result += NewAlias;
-            copied = token.start + OldAlias.size();
-        }
-        if (copied > 0) text = result + text.mid(copied);
-    };
     visitConditions(*rootRow(), [&](TorvQDWhereRow& row) {
-        rename(row.FieldName);
-        for (QString& argument : row.Arguments) rename(argument);
+        row.FieldName = orv::renamedAlias(row.FieldName, NewAlias, OldAlias);
+        for (QString& argument : row.Arguments) {
+            argument = orv::renamedAlias(argument, NewAlias, OldAlias);
+        }
     });
 }
 

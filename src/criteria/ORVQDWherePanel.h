@@ -15,6 +15,10 @@
 class IPagesHost;
 class TorvQDParser;
 
+namespace orv {
+class LoadLedger;
+}
+
 /// One boolean condition of the query as a tree of rows: WHERE on one page, HAVING on another. The
 /// root row is a group and always there once the panel is active. Owned by its page.
 class ORV_EXPORT TorvQDWherePanel : public QWidget {
@@ -35,8 +39,14 @@ public:
     [[nodiscard]] TorvQDWhereRow* rootRow() const;
     /// The condition over several lines; nine blanks for an empty panel.
     [[nodiscard]] QString GetSQLStatment() const;
-    /// Rebuilds the rows from a WHERE or HAVING node. Raises orv::Error when the node is another.
+    /// Rebuilds the rows from a WHERE or HAVING node. Raises orv::Error when the node is another or
+    /// nests too deeply; the rows stay as they were then.
     void LoadSQL(const TorvQDParser& Node);
+    /// Raises orv::Error when the condition of a node nests deeper than orv::deepestCondition.
+    /// Groups count: where AND and OR are combined from left to right, each change of the
+    /// connective nests one more.
+    void checkLoadable(const TorvQDParser& node, const orv::LoadLedger& ledger,
+                       bool keepMeaning) const;
     void ClearContents();
     /// Replaces the alias in front of field names, as a whole word and outside quotes.
     void ChangeAlias(const QString& NewAlias, const QString& OldAlias);
@@ -57,8 +67,12 @@ public:
 
 private:
     [[nodiscard]] IPagesHost* host() const;
-    [[nodiscard]] bool writesMeaning(const QString& meaning) const;
     [[nodiscard]] bool fitsType(const QString& text, TFieldType type) const;
+    void clearRows();
+    void loadRun(const orv::TokenRun& run, orv::LoadLedger* ledger, bool keepsMeaning);
+    void checkDepth(const orv::TokenRun& condition, bool keepsMeaning) const;
+    void compareWritten(const std::vector<orv::ConditionElement>& loaded, const orv::TokenRun& run,
+                        orv::LoadLedger& ledger) const;
 
     orv::ConditionCatalogues m_catalogues;
     std::unique_ptr<TorvQDWhereRows> m_root;

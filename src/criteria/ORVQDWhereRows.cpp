@@ -11,7 +11,7 @@ namespace {
 constexpr int fixedElements = 5;
 constexpr int longestShownText = 30;
 constexpr int mostOperands = 1000;
-const QString indentUnit = QStringLiteral("   ");
+constexpr int indentUnitBlanks = 3;
 const QString crLf = QStringLiteral("\r\n");
 
 bool isSet(const QString& text) {
@@ -90,7 +90,23 @@ TorvQDWhereRow::TorvQDWhereRow(TorvQDWhereRows* collection)
     SetArgumentStrings();
 }
 
-TorvQDWhereRow::~TorvQDWhereRow() = default;
+// Groups may nest deeply: what is below goes row by row, not by recursion.
+TorvQDWhereRow::~TorvQDWhereRow() {
+    std::vector<std::unique_ptr<TCollectionItemEx>> going = SubRows->takeAll();
+    while (!going.empty()) {
+        const std::unique_ptr<TCollectionItemEx> item = std::move(going.back());
+        going.pop_back();
+        for (auto& below : static_cast<TorvQDWhereRow&>(*item).SubRows->takeAll()) {
+            going.push_back(std::move(below));
+        }
+    }
+}
+
+void TorvQDWhereRow::takeSubRows(TorvQDWhereRow& from) {
+    SubRows.swap(from.SubRows);
+    SubRows->m_ownerRow = this;
+    from.SubRows->m_ownerRow = &from;
+}
 
 void TorvQDWhereRow::SetArgumentStrings() {
     const int count = orv::operandCount(Operator);
@@ -203,7 +219,7 @@ struct TorvQDWhereRow::Writer {
     void newLine(int depth) {
         if (!multiLine) return;
         text += crLf;
-        for (int unit = 0; unit < depth; ++unit) text += indentUnit;
+        text.resize(text.size() + qsizetype(depth) * indentUnitBlanks, u' ');
     }
     // Blanks in front of a word are for one line only.
     void word(const QString& texts) { text += multiLine ? withoutLeadingBlanks(texts) : texts; }

@@ -65,6 +65,8 @@ public:
     [[nodiscard]] const orv::ConditionCatalogues& catalogues() const { return *m_catalogues; }
 
 private:
+    friend class TorvQDWhereRow;  // exchanges whole collections
+
     const orv::ConditionCatalogues* m_catalogues;
     TorvQDWhereRow* m_ownerRow;
 };
@@ -110,6 +112,9 @@ public:
     [[nodiscard]] TorvQDWhereRows* rows() const;
     /// 1 for the root row, one more for each group around a row.
     [[nodiscard]] int depth() const;
+
+    /// Takes the sub-rows of another row, which gets those of this one.
+    void takeSubRows(TorvQDWhereRow& from);
 
     /// Copies all but the sub-rows.
     void Assign(const TCollectionItemEx& Source) override;

@@ -109,23 +109,44 @@ void LoadLedger::reportChangedTexts(int end) {
     }
 }
 
+namespace {
+
+// Whether a quote that stands in the text is still open at its end.
+bool endsInQuote(QStringView text) {
+    QChar open;
+    for (const QChar character : text) {
+        if (open.isNull() && (character == u'"' || character == u'\'')) {
+            open = character;
+        } else if (character == open) {
+            open = QChar();
+        }
+    }
+    return !open.isNull();
+}
+
+}  // namespace
+
+// Where something is told already, this is why.
 void LoadLedger::reportUnclosed(int end) {
+    const auto tell = [this](const SqlToken& token, const QString& what) {
+        const bool isTold =
+            !m_taken[std::size_t(&token - m_tokens.data())] || hasFinding(token.start, token.end);
+        if (!isTold) report(token.start, token.end, what);
+    };
     int open = 0;
     for (const SqlToken& token : m_tokens) {
         if (token.start >= end) break;
-        const QStringView text =
-            QStringView(m_normalised.text).mid(token.start, token.end - token.start);
-        const bool isCut = text.count(u'\'') % 2 != 0 || text.count(u'"') % 2 != 0;
         if (token.kind == SqlToken::Open) {
             ++open;
             const SqlToken* close = &token + token.closeOffset;
             if (token.closeOffset > 0 && close->start < end) continue;
-            report(token.start, token.end, QStringLiteral("This bracket is not closed."));
+            tell(token, QStringLiteral("This bracket is not closed."));
         } else if (token.kind == SqlToken::Close && --open < 0) {
             open = 0;
-            report(token.start, token.end, QStringLiteral("Nothing opened this bracket."));
-        } else if (isCut && token.end == int(m_normalised.text.size())) {
-            report(token.start, token.end, QStringLiteral("This quote is not closed."));
+            tell(token, QStringLiteral("Nothing opened this bracket."));
+        } else if (token.end == int(m_normalised.text.size()) &&
+                   endsInQuote(QStringView(m_normalised.text).mid(token.start))) {
+            tell(token, QStringLiteral("This quote is not closed."));
         }
     }
 }

@@ -109,7 +109,7 @@ private:
     }
 
     static bool isSeparatorBefore(QChar character) {
-        return character != u')' && (isSeparator(character) || isOperatorCharacter(character));
+        return character != u')' && (isSeparator(character) || isSignCharacter(character));
     }
 
     // `name` or [name]: the closing sign doubled stands for itself.

@@ -2,6 +2,7 @@
 #include "parser/ORVQDTokens.h"
 
 #include "core/Text.h"
+#include "parser/ORVQDKeywords.h"
 #include "parser/ORVQDWordScan.h"
 
 #include <algorithm>
@@ -39,12 +40,6 @@ bool isNamePart(QChar character) {
     case u'.': return true;
     default: return false;
     }
-}
-
-// The parser's operator characters, and those that only other dialects have.
-bool isSignPart(QChar character) {
-    return isOperatorCharacter(character) || character == u'%' || character == u'&' ||
-           character == u'^' || character == u'~';
 }
 
 // "@" and "#" begin a name only where one follows; else they are part of a sign ("@>", "#>>").
@@ -90,7 +85,7 @@ private:
     }
 
     [[nodiscard]] bool isSignAt(qsizetype position) const {
-        return isSignPart(m_text[position]) || isLooseSign(m_text, position);
+        return isSignCharacter(m_text[position]) || isLooseSign(m_text, position);
     }
 
     void skipQuoted() {
@@ -100,22 +95,32 @@ private:
 
     void readWord() {
         const qsizetype start = m_position;
+        const QChar first = m_text[start];
+        const bool isNumber = isDigit(first) || (first == u'.' && start + 1 < m_text.size() &&
+                                                 isDigit(m_text[start + 1]));
         bool hasText = false;
         while (m_position < m_text.size()) {
             const QChar character = m_text[m_position];
             if (isQuote(character)) {
                 hasText = hasText || character == u'\'';
                 skipQuoted();
+                if (m_position < m_text.size() && m_text[m_position].isLetter()) break;
             } else if (isNamePart(character) && !isCastAt(m_position)) {
                 ++m_position;
             } else {
                 break;
             }
         }
-        const QChar first = m_text[start];
-        const bool isNumber = isDigit(first) || (first == u'.' && start + 1 < m_position &&
-                                                 isDigit(m_text[start + 1]));
+        if (isNumber && !hasText) m_position -= gluedKeyword(start);
         add(start, hasText ? SqlToken::Text : isNumber ? SqlToken::Number : SqlToken::Word);
+    }
+
+    // A keyword may follow a number without a blank ("1OR"): its length, 0 without one.
+    [[nodiscard]] qsizetype gluedKeyword(qsizetype start) const {
+        qsizetype word = m_position;
+        while (word > start && m_text[word - 1].isLetter()) --word;
+        const QString letters = m_text.mid(word, m_position - word).toString().toUpper();
+        return wordInfo(letters).traits != 0 ? letters.size() : 0;
     }
 
     void readSigns() {

@@ -25,6 +25,12 @@ namespace orv {
     }
 }
 
+/// The parser's operator characters, and those that only some dialects have.
+[[nodiscard]] inline bool isSignCharacter(QChar character) {
+    return isOperatorCharacter(character) || character == u'%' || character == u'&' ||
+           character == u'^' || character == u'~';
+}
+
 /// A blank, a comma or a bracket.
 [[nodiscard]] inline bool isSeparator(QChar character) {
     switch (character.unicode()) {

@@ -225,7 +225,7 @@ void readOrder(const Value& root, QueryState& state) {
         if (texts[1] != ascendingText() && texts[1] != descendingText()) {
             fail(line.path(), QStringLiteral("has an unknown direction: ") + texts[1]);
         }
-        state.order.push_back({texts[0], texts[1]});
+        state.order.push_back({texts[0], texts[1], 0, {}});
     }
     const Value rows = root.key("sortedRows");
     const std::vector<int> numbers = rows.numbers();

@@ -211,7 +211,7 @@ private:
     void refuseWhileBusy() const;
     [[nodiscard]] bool isShown(const QString& text);
     void loadText(const QString& text);
-    void checkLoadable(const TorvQDParser& root) const;
+    void checkLoadable(const TorvQDParser& root, const orv::LoadLedger& ledger) const;
     void clearAll();
     void loadParsed(const TorvQDParser& root);
     void loadTail(int tailStart, int tailEnd, int restStart);

@@ -208,7 +208,7 @@ void TorvQueryBuilder::loadText(const QString& text) {
     auto ledger = std::make_unique<orv::LoadLedger>(text, orv::NormaliseSQL(text, brackets));
     const orv::StatementParts parts = orv::splitStatement(ledger->text(), ledger->tokens());
     const TorvQDParser root(ledger->text().left(parts.bodyEnd));
-    checkLoadable(root);
+    checkLoadable(root, *ledger);
     const QPointer<TorvQueryBuilder> self(this);
     m_ledger = std::move(ledger);
     LoadScope scope(this, m_loading, m_ledger);
@@ -224,13 +224,21 @@ void TorvQueryBuilder::loadText(const QString& text) {
 }
 
 // What can be seen to fail fails before anything is cleared.
-void TorvQueryBuilder::checkLoadable(const TorvQDParser& root) const {
+void TorvQueryBuilder::checkLoadable(const TorvQDParser& root,
+                                     const orv::LoadLedger& ledger) const {
     const TorvQDParser* from = root.Clause(inFrom);
     if (!from) return;
     if (!canGetTableFields()) {
         throw orv::Error(QStringLiteral(
             "Event OnGetTableFields of TorvQueryBuilder class must be assigned for getting proper "
             "information about fields of tables"));
+    }
+    for (const TorvQDParser::Node& child : root.Children()) {
+        if (child->Location() == inWhere) {
+            WherePanel->checkLoadable(*child, ledger, m_keepMeaning);
+        } else if (child->Location() == inHaving) {
+            HavingPanel->checkLoadable(*child, ledger, m_keepMeaning);
+        }
     }
     for (const TorvQDParser::Node& child : from->Children()) {
         const bool hasTable = child->Count() > 0 && child->Child(0)->Kind() == otTable;

@@ -9,21 +9,33 @@
 #include "selection/ORVQDSelectOrder.h"
 #include "toolkit/Services.h"
 
+#include <QDropEvent>
+#include <QHeaderView>
 #include <QLabel>
 #include <QListWidget>
+#include <QPointer>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QSignalBlocker>
 #include <QTreeWidget>
+
+#include <algorithm>
 
 namespace {
 
 constexpr int labelHeightPx = 20;
+constexpr int buttonHeightPx = 30;
+constexpr int addTopPx = 30;
+constexpr int removeTopPx = 70;
 constexpr int gapPx = 2;
+constexpr int keywordTokens = 2;  // ORDER BY
 
-QPushButton* makeButton(QWidget* parent, const char* caption, int top, QSize size) {
+QPushButton* makeButton(QWidget* parent, const char* caption, int top, QSize size,
+                        const char* hint) {
     auto* button = new QPushButton(QString::fromLatin1(caption), parent);
     button->setGeometry(0, top, size.width(), size.height());
     button->setEnabled(false);
+    button->setToolTip(QString::fromLatin1(hint));
     return button;
 }
 
@@ -44,18 +56,35 @@ bool isAnyOf(const orv::TokenRun& run, int index, std::initializer_list<QStringV
 TorvQDOrderPanel::TorvQDOrderPanel(QWidget* AOwner) : QWidget(AOwner) {
     if (!AOwner) throw orv::Error(QStringLiteral("Invalide parent for OrderPanel"));
     m_outputLabel = new QLabel(QStringLiteral("Output fields"), this);
-    m_outputLabel->setGeometry(0, 0, 100, labelHeightPx);
     m_unsorted = new QListWidget(this);
+    m_unsorted->setAccessibleName(m_outputLabel->text());
     m_sorted = new QTreeWidget(this);
+    m_sorted->setAccessibleName(QStringLiteral("Sorted fields"));
     m_sorted->setRootIsDecorated(false);
     m_sorted->setAllColumnsShowFocus(true);
     m_sorted->setHeaderLabels({QStringLiteral("Sorted fields"), QStringLiteral("Sort order")});
-    m_add = makeButton(this, "Add", 30, {50, 30});
-    m_remove = makeButton(this, "Remove", 70, {50, 30});
-    m_order = makeButton(this, "A..Z", 0, {30, 20});
-    m_up = makeButton(this, "Up", 0, {35, 20});
-    m_down = makeButton(this, "Down", 0, {35, 20});
+    m_sorted->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    m_sorted->header()->setStretchLastSection(false);
+    m_add = makeButton(this, "Add", addTopPx, {50, 30}, "Sort by the selected output field");
+    m_remove =
+        makeButton(this, "Remove", removeTopPx, {50, 30}, "No longer sort by the selected field");
+    m_order = makeButton(this, "A..Z", 0, {30, 20}, "Change the direction of the selected field");
+    m_up = makeButton(this, "Up", 0, {35, 20}, "Move the selected field up");
+    m_down = makeButton(this, "Down", 0, {35, 20}, "Move the selected field down");
     setFocusPolicy(Qt::StrongFocus);
+    for (QAbstractItemView* list :
+         {static_cast<QAbstractItemView*>(m_unsorted), static_cast<QAbstractItemView*>(m_sorted)}) {
+        // The drop itself is handled here: the views would move their rows on their own.
+        list->setDragDropMode(QAbstractItemView::DragDrop);
+        list->setDefaultDropAction(Qt::CopyAction);
+        list->setDropIndicatorShown(false);
+        list->viewport()->installEventFilter(this);
+    }
+    connectParts();
+    placeParts();
+}
+
+void TorvQDOrderPanel::connectParts() {
     const auto on = [this](QPushButton* button, void (TorvQDOrderPanel::*handler)()) {
         connect(button, &QPushButton::clicked, this,
                 [this, handler] { orv::guarded([&] { (this->*handler)(); }); });
@@ -65,8 +94,11 @@ TorvQDOrderPanel::TorvQDOrderPanel(QWidget* AOwner) : QWidget(AOwner) {
     on(m_order, &TorvQDOrderPanel::_ChangeOrder);
     on(m_up, &TorvQDOrderPanel::_MoveUp);
     on(m_down, &TorvQDOrderPanel::_MoveDown);
-    connect(m_unsorted, &QListWidget::itemSelectionChanged, this, [this] { _SelectItem(); });
-    connect(m_sorted, &QTreeWidget::itemSelectionChanged, this, [this] { _SelectItem(); });
+    const auto select = [this] { _SelectItem(); };
+    connect(m_unsorted, &QListWidget::itemClicked, this, select);
+    connect(m_unsorted, &QListWidget::itemSelectionChanged, this, select);
+    connect(m_sorted, &QTreeWidget::itemClicked, this, select);
+    connect(m_sorted, &QTreeWidget::itemSelectionChanged, this, select);
 }
 
 IPagesHost* TorvQDOrderPanel::host() const {
@@ -76,25 +108,44 @@ IPagesHost* TorvQDOrderPanel::host() const {
     return nullptr;
 }
 
-QStringList TorvQDOrderPanel::outputNames() const {
-    QStringList names;
-    if (!grid) return names;
-    for (const orv::OutputColumn& column : grid->columns()) names << column.name;
-    return names;
+TorvQDOrderPanel::Outputs TorvQDOrderPanel::outputs() const {
+    Outputs outputs;
+    if (!grid) return outputs;
+    for (const orv::OutputColumn& column : grid->columns()) {
+        outputs.names << column.name;
+        outputs.sources << orv::orvTrim(column.aggregate) + u'|' + column.source;
+    }
+    return outputs;
 }
 
 void TorvQDOrderPanel::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
+    placeParts();
+}
+
+void TorvQDOrderPanel::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange && m_down) placeParts();
+}
+
+// The heights are those of usual fonts and grow with larger ones.
+void TorvQDOrderPanel::placeParts() {
+    const int textHeight = fontMetrics().height();
+    const int labelHeight = std::max(labelHeightPx, textHeight + gapPx);
+    const int buttonHeight = std::max(buttonHeightPx, textHeight + 2 * gapPx);
     const int labelWidth = (width() - m_add->width()) / 2;
-    const int listTop = labelHeightPx + gapPx;
+    const int listTop = labelHeight + gapPx;
     const int sortedLeft = labelWidth + m_add->width() + gapPx;
-    m_unsorted->setGeometry(0, listTop, labelWidth - gapPx, height() - labelHeightPx);
+    m_outputLabel->setGeometry(0, 0, labelWidth, labelHeight);
+    m_unsorted->setGeometry(0, listTop, labelWidth - gapPx, height() - labelHeight);
     m_sorted->setGeometry(sortedLeft, listTop, labelWidth - gapPx, height() - listTop);
-    m_add->move(labelWidth, m_add->y());
-    m_remove->move(labelWidth, m_remove->y());
-    m_up->move(sortedLeft, 0);
-    m_down->move(sortedLeft + m_up->width() + gapPx, 0);
-    m_order->move(width() - m_order->width() - gapPx, 0);
+    m_add->setGeometry(labelWidth, addTopPx, m_add->width(), buttonHeight);
+    m_remove->setGeometry(labelWidth, removeTopPx + buttonHeight - buttonHeightPx,
+                          m_remove->width(), buttonHeight);
+    m_up->setGeometry(sortedLeft, 0, m_up->width(), labelHeight);
+    m_down->setGeometry(sortedLeft + m_up->width() + gapPx, 0, m_down->width(), labelHeight);
+    m_order->setGeometry(width() - m_order->width() - gapPx, 0, m_order->width(), labelHeight);
+    update();
 }
 
 // --- the lists ---
@@ -104,33 +155,42 @@ int TorvQDOrderPanel::selectedLine() const {
     return items.isEmpty() ? -1 : m_sorted->indexOfTopLevelItem(items.front());
 }
 
-void TorvQDOrderPanel::selectLine(int line) {
-    m_sorted->setCurrentItem(m_sorted->topLevelItem(line));
-    _SelectItem();
-}
-
-void TorvQDOrderPanel::show() {
+// Shows the lists as they are, with a sorted line selected or none.
+void TorvQDOrderPanel::showLists(int line) {
     const QSignalBlocker silentSorted(m_sorted);
     const QSignalBlocker silentUnsorted(m_unsorted);
-    const int selected = m_unsorted->currentRow();
+    const int unsorted = m_unsorted->selectedItems().isEmpty() ? -1 : m_unsorted->currentRow();
     m_sorted->clear();
-    for (const orv::SortList::Line& line : m_list.lines()) {
-        m_sorted->addTopLevelItem(new QTreeWidgetItem({line.name, line.direction}));
+    QList<QTreeWidgetItem*> items;
+    for (const orv::SortList::Line& sorted : m_list.lines()) {
+        items << new QTreeWidgetItem({sorted.name, sorted.direction});
     }
+    m_sorted->addTopLevelItems(items);
+    if (line >= 0) m_sorted->setCurrentItem(m_sorted->topLevelItem(line));
     m_unsorted->clear();
     m_unsorted->addItems(m_list.unsorted());
-    if (selected >= 0 && selected < m_unsorted->count()) m_unsorted->setCurrentRow(selected);
+    if (unsorted >= 0 && unsorted < m_unsorted->count()) m_unsorted->setCurrentRow(unsorted);
 }
 
-void TorvQDOrderPanel::RefreshFields() {
-    m_list.refresh(outputNames());
-    show();
+void TorvQDOrderPanel::refreshLists() {
+    m_shownOutputs = outputs();
+    const int line = m_list.refresh(m_shownOutputs.names, m_shownOutputs.sources, selectedLine());
+    showLists(line);
     _SelectItem();
+}
+
+// A change of the order alone leaves lists and buttons as its command left them.
+void TorvQDOrderPanel::RefreshFields() {
+    if (m_editing && outputs() == m_shownOutputs) return;
+    refreshLists();
 }
 
 void TorvQDOrderPanel::ClearContents() {
+    const bool hadLines = !m_list.lines().empty();
     m_list.clear();
-    RefreshFields();
+    refreshLists();
+    IPagesHost* owner = host();
+    if (hadLines && owner) owner->statementChanged();
 }
 
 void TorvQDOrderPanel::setSortedLines(const std::vector<orv::SortList::Line>& lines) {
@@ -153,20 +213,26 @@ void TorvQDOrderPanel::_SelectItem() {
     m_down->setEnabled(line + 1 < lines);
 }
 
+// What the host does about the change may end in the destruction of all this.
 void TorvQDOrderPanel::edit(const std::function<void()>& change) {
-    IPagesHost* owner = host();
-    if (owner) owner->beginChange();
     change();
-    show();
+    IPagesHost* owner = host();
     if (!owner) return;
+    const QPointer<TorvQDOrderPanel> self(this);
+    const auto done = qScopeGuard([&] {
+        if (self) m_editing = false;
+    });
+    m_editing = true;
     owner->statementChanged();
-    owner->endChange();
 }
 
 void TorvQDOrderPanel::_AddClick() {
     if (m_unsorted->selectedItems().isEmpty()) return;
-    edit([this] { m_list.add(m_unsorted->currentRow()); });
-    _SelectItem();
+    edit([this] {
+        m_list.add(m_unsorted->currentRow());
+        showLists(selectedLine());
+        _SelectItem();
+    });
 }
 
 void TorvQDOrderPanel::_RemoveClick() {
@@ -174,42 +240,96 @@ void TorvQDOrderPanel::_RemoveClick() {
     if (line < 0) return;
     edit([&] {
         m_list.remove(line);
-        m_list.refresh(outputNames());
+        m_sorted->clearSelection();
+        refreshLists();
     });
-    _SelectItem();
 }
 
 // The button's own caption follows with the next selection.
 void TorvQDOrderPanel::_ChangeOrder() {
     const int line = selectedLine();
     if (line < 0) return;
-    edit([&] { m_list.changeOrder(line); });
-    const QSignalBlocker silent(m_sorted);
-    m_sorted->setCurrentItem(m_sorted->topLevelItem(line));
+    edit([&] {
+        m_list.changeOrder(line);
+        showLists(line);
+    });
 }
 
 void TorvQDOrderPanel::_MoveUp() {
     const int line = selectedLine();
     if (line < 1) return;
-    edit([&] { m_list.moveUp(line); });
-    selectLine(line - 1);
+    edit([&] {
+        m_list.moveUp(line);
+        showLists(line - 1);
+        _SelectItem();
+    });
 }
 
 void TorvQDOrderPanel::_MoveDown() {
     const int line = selectedLine();
     if (line < 0 || line + 1 >= int(m_list.lines().size())) return;
-    edit([&] { m_list.moveDown(line); });
-    selectLine(line + 1);
+    edit([&] {
+        m_list.moveDown(line);
+        showLists(line + 1);
+        _SelectItem();
+    });
+}
+
+// --- dragging between the lists ---
+
+void TorvQDOrderPanel::_DragOverOrder(const QObject* Source, bool& Accept) const {
+    Accept = Source == m_unsorted;
+}
+
+void TorvQDOrderPanel::_DragDropOrder() {
+    _AddClick();
+}
+
+void TorvQDOrderPanel::_DragOverUnOrder(const QObject* Source, bool& Accept) const {
+    Accept = Source == m_sorted;
+}
+
+void TorvQDOrderPanel::_DragDropUnOrder() {
+    _RemoveClick();
+}
+
+QObject* TorvQDOrderPanel::dragSource(const QDropEvent& event) const {
+    return event.source();
+}
+
+bool TorvQDOrderPanel::eventFilter(QObject* watched, QEvent* event) {
+    switch (event->type()) {
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop:
+        handleDrop(static_cast<QDropEvent*>(event), watched == m_sorted->viewport());
+        return true;
+    default: return QWidget::eventFilter(watched, event);
+    }
+}
+
+// The list that a drag came from changes only after the drag is over.
+void TorvQDOrderPanel::handleDrop(QDropEvent* event, bool onSorted) {
+    bool accepted = false;
+    const QObject* source = dragSource(*event);
+    onSorted ? _DragOverOrder(source, accepted) : _DragOverUnOrder(source, accepted);
+    event->setDropAction(Qt::CopyAction);
+    event->setAccepted(accepted);
+    if (!accepted || event->type() != QEvent::Drop) return;
+    const auto drop =
+        onSorted ? &TorvQDOrderPanel::_DragDropOrder : &TorvQDOrderPanel::_DragDropUnOrder;
+    QMetaObject::invokeMethod(
+        this, [this, drop] { orv::guarded([&] { (this->*drop)(); }); }, Qt::QueuedConnection);
 }
 
 // --- ORDER BY ---
 
 QString TorvQDOrderPanel::GetSQLStatment() const {
     if (!host()) raiseNoHost();
-    const QStringList names = outputNames();
+    const Outputs shown = outputs();
     QStringList items;
     for (const orv::SortList::Line& line : m_list.lines()) {
-        const int row = m_list.rowOf(line, names);
+        const int row = orv::SortList::rowOf(line, shown.names, shown.sources);
         if (row < 1) continue;
         const bool descends = line.direction == orv::descendingText();
         items << grid->GetFieldName(row) + (descends ? QStringLiteral(" DESC") : QString());
@@ -224,37 +344,71 @@ void TorvQDOrderPanel::LoadSQL(const TorvQDParser& Node) {
         throw orv::Error(QStringLiteral("There is not valid object for extract order list"));
     }
     m_list.clear();
-    orv::LoadLedger* ledger = owner->ledger();
-    if (!ledger) return;
-    const orv::TokenRun run = ledger->tokensIn(Node.Start(), Node.End());
-    ledger->place(run);
-    const QStringList names = outputNames();
-    for (const orv::TokenRun& item : run.mid(2).splitAtCommas()) {
-        if (item.isEmpty()) continue;
+    if (orv::LoadLedger* ledger = owner->ledger()) {
+        loadItems(ledger->tokensIn(Node.Start(), Node.End()), *ledger);
+    } else {
+        loadNode(Node);
+    }
+    refreshLists();
+    owner->statementChanged();
+}
+
+// Takes the whole clause, with its keyword.
+void TorvQDOrderPanel::loadItems(const orv::TokenRun& run, orv::LoadLedger& ledger) {
+    ledger.place(run);
+    const std::vector<orv::TokenRun> items =
+        run.mid(std::min(keywordTokens, run.size())).splitAtCommas();
+    if (items.empty()) ledger.report(run, QStringLiteral("This clause has no item."));
+    for (const orv::TokenRun& item : items) {
+        if (item.isEmpty()) {
+            ledger.report(run, QStringLiteral("An item is missing beside a comma."));
+            continue;
+        }
         const int last = item.size() - 1;
         const bool descends = isAnyOf(item, last, {u"DESC", u"DESCENDING"});
         const bool directed = descends || isAnyOf(item, last, {u"ASC", u"ASCENDING"});
         const orv::TokenRun expression = directed ? item.mid(0, last) : item;
         const bool isNumber = expression.size() == 1 && expression[0].kind == orv::SqlToken::Number;
         const int row = expression.isEmpty() ? 0 : loadedRow(expression.sourceText(), isNumber);
-        if (row < 1 || orv::isBlank(names.value(row - 1))) {
-            ledger->report(item, QStringLiteral("No output column stands for this: the rows are "
-                                                "not sorted by it."));
-            continue;
+        if (row >= 1) {
+            appendLine(row, descends);
+        } else {
+            ledger.report(item, QStringLiteral("No output column stands for this: the rows are "
+                                               "not sorted by it."));
         }
-        m_list.append(names[row - 1], descends ? orv::descendingText() : orv::ascendingText(), row);
     }
-    RefreshFields();
 }
 
-// The output row that an item of ORDER BY names: by number, output name, field or text.
+// Outside the loading of a statement nobody keeps account: what matches nothing is passed over.
+void TorvQDOrderPanel::loadNode(const TorvQDParser& node) {
+    for (const TorvQDParser::Node& child : node.Children()) {
+        const bool isNumber = child->Kind() == otConst;
+        if (!isNumber && child->Kind() != otField) continue;
+        const bool descends =
+            child->Count() > 0 && child->Child(0)->Text().contains(QStringLiteral("DESC"));
+        const int row = loadedRow(child->Text(), isNumber);
+        if (row >= 1) appendLine(row, descends);
+    }
+}
+
+void TorvQDOrderPanel::appendLine(int row, bool descends) {
+    const Outputs shown = outputs();
+    m_list.append(shown.names[row - 1], descends ? orv::descendingText() : orv::ascendingText(),
+                  row, shown.sources[row - 1]);
+}
+
+// The output row that an item of ORDER BY names: by number, output name, field or text. Columns
+// without a name cannot be sorted.
 int TorvQDOrderPanel::loadedRow(const QString& text, bool isNumber) const {
+    if (!grid) return 0;
+    const int row = isNumber ? text.toInt() : rowOfText(text);
+    if (row < 1 || row > int(grid->columns().size())) return 0;
+    return orv::isBlank(grid->columns()[std::size_t(row - 1)].name) ? 0 : row;
+}
+
+int TorvQDOrderPanel::rowOfText(const QString& text) const {
     const orv::OutputColumns& columns = grid->columns();
     const int count = int(columns.size());
-    if (isNumber) {
-        const int number = text.toInt();
-        return number >= 1 && number <= count ? number : 0;
-    }
     const bool qualified = orv::firstFullStop(text) >= 0;
     const QString word = orv::unquotedName(text).toUpper();
     int ownName = 0;  // a field that is called so by itself

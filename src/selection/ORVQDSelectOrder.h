@@ -15,12 +15,18 @@
 
 class IPagesHost;
 class QCheckBox;
+class QDropEvent;
 class QLabel;
 class QListWidget;
 class QPushButton;
 class QTreeWidget;
 class TorvQDParser;
 class TorvQDSelectGrid;
+
+namespace orv {
+class LoadLedger;
+class TokenRun;
+}  // namespace orv
 
 /// The grid of output columns on the "Selection" page. Rows are counted as the grid shows them: row
 /// 0 is the header, data rows follow, and the last row is always empty. Owned by the select panel.
@@ -139,20 +145,47 @@ public:
     void _ChangeOrder();
     void _MoveUp();
     void _MoveDown();
+    /// Each list takes what is dragged out of the other one, and nothing else.
+    void _DragOverOrder(const QObject* Source, bool& Accept) const;
+    void _DragDropOrder();
+    void _DragOverUnOrder(const QObject* Source, bool& Accept) const;
+    void _DragDropUnOrder();
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    /// The widget that a drag began in; none for a drag of another program.
+    [[nodiscard]] virtual QObject* dragSource(const QDropEvent& event) const;
 
 private:
+    /// The output columns, as far as sorting needs them.
+    struct Outputs {
+        QStringList names;
+        QStringList sources;
+
+        friend bool operator==(const Outputs&, const Outputs&) = default;
+    };
+
     [[nodiscard]] IPagesHost* host() const;
-    [[nodiscard]] QStringList outputNames() const;
+    [[nodiscard]] Outputs outputs() const;
     [[nodiscard]] int loadedRow(const QString& text, bool isNumber) const;
+    [[nodiscard]] int rowOfText(const QString& text) const;
+    void loadItems(const orv::TokenRun& run, orv::LoadLedger& ledger);
+    void loadNode(const TorvQDParser& node);
+    void appendLine(int row, bool descends);
+    void connectParts();
+    void placeParts();
     void edit(const std::function<void()>& change);
-    void show();
+    void refreshLists();
+    void showLists(int line);
     [[nodiscard]] int selectedLine() const;
-    void selectLine(int line);
+    void handleDrop(QDropEvent* event, bool onSorted);
 
     orv::SortList m_list;
+    Outputs m_shownOutputs;  // of the last refresh
+    bool m_editing = false;
     QLabel* m_outputLabel;
     QListWidget* m_unsorted;
     QTreeWidget* m_sorted;
@@ -160,5 +193,5 @@ private:
     QPushButton* m_remove;
     QPushButton* m_order;
     QPushButton* m_up;
-    QPushButton* m_down;
+    QPushButton* m_down = nullptr;
 };

@@ -17,13 +17,16 @@ QString descendingText() {
     return QStringLiteral("Descending");
 }
 
-void SortList::append(const QString& name, const QString& direction, int row) {
-    m_lines.push_back({name, direction, row});
+void SortList::append(const QString& name, const QString& direction, int row,
+                      const QString& source) {
+    m_lines.push_back({name, direction, row, source});
 }
 
 void SortList::add(int unsortedIndex) {
     if (unsortedIndex < 0 || unsortedIndex >= m_unsorted.size()) return;
-    append(m_unsorted.takeAt(unsortedIndex), ascendingText());
+    m_lines.push_back(m_unsortedLines[std::size_t(unsortedIndex)]);
+    m_unsorted.removeAt(unsortedIndex);
+    m_unsortedLines.erase(m_unsortedLines.begin() + unsortedIndex);
 }
 
 void SortList::remove(int line) {
@@ -49,22 +52,47 @@ void SortList::clear() {
     m_lines.clear();
 }
 
-void SortList::refresh(const QStringList& outputNames) {
+int SortList::refresh(const QStringList& outputNames, const QStringList& sources, int followed) {
     const QSet<QString> names(outputNames.begin(), outputNames.end());
-    std::erase_if(m_lines, [&](const Line& line) { return !names.contains(line.name); });
+    std::vector<Line> kept;
+    int position = -1;
     QSet<QString> sorted;
-    for (const Line& line : m_lines) sorted.insert(line.name);
-    m_unsorted.clear();
-    for (const QString& name : outputNames) {
-        if (!sorted.contains(name) && !orvTrim(QStringView(name)).isEmpty()) m_unsorted << name;
+    for (int index = 0; index < int(m_lines.size()); ++index) {
+        Line& line = m_lines[std::size_t(index)];
+        if (!names.contains(line.name)) continue;
+        if (index == followed) position = int(kept.size());
+        sorted.insert(line.name);
+        if (line.row > 0) {
+            line.row = rowOf(line, outputNames, sources);
+            line.source = sources.value(line.row - 1);
+        }
+        kept.push_back(std::move(line));
     }
+    m_lines = std::move(kept);
+    m_unsorted.clear();
+    m_unsortedLines.clear();
+    for (int row = 1; row <= int(outputNames.size()); ++row) {
+        const QString& name = outputNames[row - 1];
+        if (sorted.contains(name) || isBlank(name)) continue;
+        m_unsorted << name;
+        m_unsortedLines.push_back({name, ascendingText(), row, sources.value(row - 1)});
+    }
+    return position;
 }
 
-int SortList::rowOf(const Line& line, const QStringList& outputNames) const {
-    if (line.row >= 1 && line.row <= outputNames.size() && outputNames[line.row - 1] == line.name) {
-        return line.row;
+int SortList::rowOf(const Line& line, const QStringList& outputNames, const QStringList& sources) {
+    const auto isNamed = [&](int row) {
+        return row >= 1 && row <= outputNames.size() && outputNames[row - 1] == line.name;
+    };
+    const auto isSame = [&](int row) {
+        return isNamed(row) && sources.value(row - 1) == line.source;
+    };
+    if (!line.source.isEmpty() && !isSame(line.row)) {
+        for (int row = 1; row <= outputNames.size(); ++row) {
+            if (isSame(row)) return row;
+        }
     }
-    return int(outputNames.indexOf(line.name)) + 1;
+    return isNamed(line.row) ? line.row : int(outputNames.indexOf(line.name)) + 1;
 }
 
 }  // namespace orv

@@ -21,7 +21,8 @@ public:
     struct Line {
         QString name;
         QString direction;
-        int row = 0;  ///< the output row that it was loaded for; 0 when it was chosen by name
+        int row = 0;     ///< the output row that it came from; 0 when only its name is known
+        QString source;  ///< what that row puts out; empty when that is not known
 
         friend bool operator==(const Line&, const Line&) = default;
     };
@@ -29,7 +30,8 @@ public:
     [[nodiscard]] const std::vector<Line>& lines() const { return m_lines; }
     [[nodiscard]] const QStringList& unsorted() const { return m_unsorted; }
 
-    void append(const QString& name, const QString& direction, int row = 0);
+    void append(const QString& name, const QString& direction, int row = 0,
+                const QString& source = {});
     /// Sorts the unsorted name at an index, ascending.
     void add(int unsortedIndex);
     void remove(int line);
@@ -40,15 +42,19 @@ public:
     void clear();
 
     /// Drops lines whose name is no output name any more and lists the names that are not sorted.
-    void refresh(const QStringList& outputNames);
+    /// `sources` tell output columns of one name apart, when there are as many as names. The result
+    /// is the new position of the line `followed`; -1 when there is none any more.
+    int refresh(const QStringList& outputNames, const QStringList& sources = {}, int followed = -1);
 
-    /// The output row of a line: the one it was loaded for while that still has its name, else the
-    /// first of its name; 0 when there is none.
-    [[nodiscard]] int rowOf(const Line& line, const QStringList& outputNames) const;
+    /// The output row of a line: the one that it came from while that still has its name, wherever
+    /// it was moved; else the first of its name; 0 when there is none.
+    [[nodiscard]] static int rowOf(const Line& line, const QStringList& outputNames,
+                                   const QStringList& sources = {});
 
 private:
     std::vector<Line> m_lines;
     QStringList m_unsorted;
+    std::vector<Line> m_unsortedLines;  // as they will be when they are added
 };
 
 }  // namespace orv

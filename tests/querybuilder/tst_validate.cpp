@@ -134,7 +134,7 @@ private Q_SLOTS:
         HostedBuilder on;
         on.builder.LoadSQL("select t.a from t union select u.x from u");
         QCOMPARE(found(on), QStringList());
-        on.builder.OrderPanel->setSortedLines({{"A", orv::descendingText()}});
+        on.builder.OrderPanel->setSortedLines({{"A", orv::descendingText(), 0, {}}});
         QCOMPARE(found(on), QStringList("T.A DESC: Sorting cannot stand in front of UNION."));
         on.builder.setTailText("limit 5");
         QCOMPARE(found(on), QStringList());

@@ -1,0 +1,620 @@
+// SPDX-License-Identifier: MIT
+#include "criteria/ORVQDWherePanel.h"
+#include "criteria/RowTools.h"
+#include "parser/ORVQDLedger.h"
+#include "parser/ORVQDParser.h"
+#include "support/BuilderTools.h"
+
+#include <QLocale>
+
+using orvtest::HostedBuilder;
+
+namespace {
+
+const QString blanks(9, u' ');
+
+QString where(const HostedBuilder& on) {
+    return orvtest::rowText(*on.builder.WherePanel->rootRow());
+}
+QString having(const HostedBuilder& on) {
+    return orvtest::rowText(*on.builder.HavingPanel->rootRow());
+}
+
+TDataSet typedFields() {
+    return TDataSet(TFieldDefs{{"I", ftInteger},
+                               {"S", ftSmallint},
+                               {"F", ftFloat},
+                               {"C", ftString},
+                               {"M", ftFixedChar},
+                               {"D", ftDate},
+                               {"D2", ftDate},
+                               {"B", ftBoolean}});
+}
+
+}  // namespace
+
+class WherePanelTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { orvtest::failOnAnyWarning(); }
+
+    // --- the panel
+
+    void mustHaveAParent() {
+        QCOMPARE(orvtest::errorOf([] { TorvQDWherePanel panel(nullptr); }),
+                 "Invalide parent for conditions panel");
+    }
+
+    void emptyPanelWritesNineBlanks() {
+        const HostedBuilder on;
+        QCOMPARE(on.builder.WherePanel->GetSQLStatment(), blanks);
+        QCOMPARE(on.builder.HavingPanel->GetSQLStatment(), blanks);
+        QCOMPARE(where(on), "All()");
+    }
+
+    void panelThatIsNotActiveHasNoRoot() {
+        QWidget window;
+        TorvQDWherePanel panel(&window);
+        QCOMPARE(panel.rootRow(), nullptr);
+        QCOMPARE(panel.GetSQLStatment(), blanks);
+        panel.ClearContents();
+        panel.ChangeAlias("A", "B");
+    }
+
+    void activatingTwiceKeepsTheRows() {
+        HostedBuilder on;
+        TorvQDWherePanel* panel = on.builder.WherePanel;
+        TorvQDWhereRow* root = panel->rootRow();
+        root->SubRows->AddRow();
+        panel->Activate();
+        QCOMPARE(panel->rootRow(), root);
+        QCOMPARE(root->SubRows->GetCount(), 1);
+        QVERIFY(root->Expanded);
+    }
+
+    void clearingResetsTheRoot() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t where not (t.a = 1 or t.b = 2)");
+        TorvQDWherePanel* panel = on.builder.WherePanel;
+        QCOMPARE(where(on), "Not all(T.A =[1]; T.B =[2])");
+        panel->CurrentElement = panel->rootRow()->SubRows->Row(0)->Controls[2].get();
+        panel->ActiveElement = panel->CurrentElement;
+        panel->rootRow()->SetExpanded(false);
+        on.changes = 0;
+        panel->ClearContents();
+        QCOMPARE(where(on), "All()");
+        QVERIFY(panel->rootRow()->Expanded);
+        QCOMPARE(panel->CurrentElement, nullptr);
+        QCOMPARE(panel->ActiveElement, panel->rootRow()->Controls[1].get());
+        QCOMPARE(on.changes, 1);
+        panel->ClearContents();
+        QCOMPARE(on.changes, 1);
+    }
+
+    void groupOperatorsAreFoundIgnoringCase() {
+        const HostedBuilder on;
+        const TorvQDWherePanel* panel = on.builder.WherePanel;
+        QCOMPARE(panel->FindGroupFunc("nOT aLL")->Caption, "Not all");
+        QCOMPARE(panel->FindGroupFunc("None")->Prefix, "not");
+        QCOMPARE(panel->FindGroupFunc("Some"), nullptr);
+        QCOMPARE(panel->FindGroupFunc(""), nullptr);
+    }
+
+    // --- loading
+
+    void statementsLoadTheirConditions_data() {
+        QTest::addColumn<QString>("condition");
+        QTest::addColumn<QString>("rows");
+        const auto row = [](const char* condition, const char* rows) {
+            QTest::newRow(condition) << QString::fromLatin1(condition) << QString::fromLatin1(rows);
+        };
+        row("t.a > -5", "All(T.A >[-5])");
+        row("t.a>-5", "All(T.A >[-5])");
+        row("a + 1 > 5", "All(A + 1 >[5])");
+        row("(a + b) * 2 > 5 and c = 1", "All((A + B) * 2 >[5]; C =[1])");
+        row("lower(a) = 'x'", "All(LOWER(A) =['x'])");
+        row("'x' = lower(a)", "All('x' =[LOWER(A)])");
+        row("left(c, 1) = 'x' and b = 1", "All(LEFT(C, 1) =['x']; B =[1])");
+        row("a between -1 and b + 5 and c = 2", "All(A BETWEEN[-1][B + 5]; C =[2])");
+        row("a like 'x%' escape '!'", "All(A LIKE['x%' ESCAPE '!'])");
+        row("a in (1, 2)", "All(A IN[1, 2])");
+        row("a in ('a)', 'b(')", "All(A IN['a)', 'b('])");
+        row("a not in (select y from z where w = 1)", "All(A NOT IN[SELECT Y FROM Z WHERE W = 1])");
+        row("a = all (select b from c)", "All(A =[ALL (SELECT B FROM C)])");
+        row("a = b = c", "All(A =[B = C])");
+        row("not exists (select b from c where c.x = a.x) and d = 1",
+            "All(None(EXISTS (SELECT B FROM C WHERE C.X = A.X)); D =[1])");
+        row("d > date '1995-01-01' + interval '1' day",
+            "All(D >[DATE '1995-01-01' + INTERVAL '1' DAY])");
+        row("a containing 'x'", "All(A CONTAINING 'x')");
+        row("(a or b) is true", "All((A OR B) IS TRUE)");
+        row("a is null or t.b is not null", "Any(A IS NULL[]; T.B IS NOT NULL[])");
+        row("a != 5", "All(A <>[5])");
+        row("(a, b) = (1, 2)", "All((A, B) =[(1, 2)])");
+        row("extract(year from a) = 1995", "All(EXTRACT(YEAR FROM A) =[1995])");
+        row("(a is distinct from b)", "All(A IS DISTINCT FROM B)");
+        row("not (t.a = 1)", "None(T.A =[1])");
+        row("a = 1 and b = 2 or c = 3", "Any(All(A =[1]; B =[2]); C =[3])");
+        row("a = :p and b = 'it''s ) and'", "All(A =[:p]; B =['it''s ) and'])");
+        row("a = 'x'\r\n  and /* why */ b = 2 -- so", "All(A =['x']; B =[2])");
+    }
+    void statementsLoadTheirConditions() {
+        QFETCH(QString, condition);
+        QFETCH(QString, rows);
+        for (const bool keep : {false, true}) {
+            HostedBuilder on(keep);
+            on.builder.LoadSQL("select t.a from t where " + condition + " order by t.a");
+            QCOMPARE(where(on), rows);
+            QCOMPARE(on.findings(), QStringList());
+            const QString text = on.builder.GetSQLStatment();
+            HostedBuilder other(keep);
+            other.builder.LoadSQL(text);
+            QCOMPARE(where(other), rows);
+            QCOMPARE(other.findings(), QStringList());
+            QCOMPARE(other.builder.GetSQLStatment(), text);
+        }
+    }
+
+    void textOfTheClauseIsIndented() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t where t.a = 5 and t.b = 6");
+        QCOMPARE(on.builder.WherePanel->GetSQLStatment(),
+                 "\r\n   (\r\n      (T.A = 5)\r\n   and \r\n      (T.B = 6)\r\n   )");
+    }
+
+    void havingUsesTheAggregates_data() {
+        QTest::addColumn<QString>("condition");
+        QTest::addColumn<QString>("rows");
+        const auto row = [](const char* condition, const char* rows) {
+            QTest::newRow(condition) << QString::fromLatin1(condition) << QString::fromLatin1(rows);
+        };
+        row("sum(t.a) > avg(t.b)", "All(SUM:T.A >[AVG:T.B])");
+        row("count(*) > 5", "All(COUNT:* >[5])");
+        row("count(distinct t.a) > 1", "All(COUNT:DISTINCT T.A >[1])");
+        row("sum(t.a*t.b) > 1", "All(SUM:T.A*T.B >[1])");
+        row("not (count(*) > 5 or sum(t.a) + 1 < 3)", "Not all(COUNT:* >[5]; SUM(T.A) + 1 <[3])");
+        row("5 < count(*)", "All(5 <[COUNT:*])");
+        row("max(t.a) between 1 and 2", "All(MAX:T.A BETWEEN[1][2])");
+        row("lower(t.c) = 'x'", "All(LOWER(T.C) =['x'])");
+    }
+    void havingUsesTheAggregates() {
+        QFETCH(QString, condition);
+        QFETCH(QString, rows);
+        HostedBuilder on(true);
+        on.builder.LoadSQL("select t.c, count(t.b) n from t group by t.c having " + condition);
+        QCOMPARE(having(on), rows);
+        QCOMPARE(where(on), "All()");
+        QCOMPARE(on.findings(), QStringList());
+        const QString text = on.builder.GetSQLStatment();
+        HostedBuilder other(true);
+        other.builder.LoadSQL(text);
+        QCOMPARE(having(other), rows);
+        QCOMPARE(other.findings(), QStringList());
+    }
+
+    void aggregateInWhereStaysText() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t where t.a = (select max(b) from u) and sum(t.a) > 1");
+        QCOMPARE(where(on), "All(T.A =[(SELECT MAX(B) FROM U)]; SUM(T.A) >[1])");
+    }
+
+    void loadingReplacesTheRows() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t where not (t.a = 1)");
+        on.builder.LoadSQL("select t.a from t where t.b = 2");
+        QCOMPARE(where(on), "All(T.B =[2])");
+        TorvQDWherePanel* panel = on.builder.WherePanel;
+        QCOMPARE(panel->ActiveElement, panel->rootRow()->Controls[1].get());
+        QCOMPARE(panel->CurrentElement, nullptr);
+    }
+
+    void loadedGroupsAreExpanded() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t where (t.a = 1 or t.b = 2) and not t.c = 3");
+        const TorvQDWhereRow* root = on.builder.WherePanel->rootRow();
+        QVERIFY(root->SubRows->Row(0)->Expanded);
+        QVERIFY(root->SubRows->Row(1)->Expanded);
+        QVERIFY(!root->SubRows->Row(0)->SubRows->Row(0)->Expanded);
+    }
+
+    void nodeOfAnotherClauseLeavesTheRows() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t where t.a = 1");
+        const TorvQDParser root(QStringLiteral("SELECT A FROM T WHERE B = 2 ORDER BY A"));
+        for (const TLocationKinds location : {inFrom, inOrderBy}) {
+            QCOMPARE(
+                orvtest::errorOf([&] { on.builder.WherePanel->LoadSQL(*root.Clause(location)); }),
+                "There is not valid object for extract selection list");
+        }
+        QCOMPARE(where(on), "All(T.A =[1])");
+    }
+
+    // A node alone has no source: its text is put together from the tree.
+    void nodeIsLoadedOutsideAStatementToo_data() {
+        QTest::addColumn<QString>("condition");
+        QTest::addColumn<QString>("rows");
+        const auto row = [](const char* condition, const char* rows) {
+            QTest::newRow(condition) << QString::fromLatin1(condition) << QString::fromLatin1(rows);
+        };
+        row("B = 2 AND NOT (C > 3 OR D IS NULL)", "All(B =[2]; Not all(C >[3]; D IS NULL[]))");
+        row("B IN (1, 2) AND C BETWEEN 1 AND 5 AND D NOT LIKE 'x'",
+            "All(B IN[1, 2]; C BETWEEN[1][5]; D NOT LIKE['x'])");
+        row("LOWER(B) = 'x' AND MAX(C) > 5", "All(LOWER (B) =['x']; MAX(C) >[5])");
+        row("B > -5", "All(B >[- 5])");
+    }
+    void nodeIsLoadedOutsideAStatementToo() {
+        QFETCH(QString, condition);
+        QFETCH(QString, rows);
+        HostedBuilder on;
+        const TorvQDParser root("SELECT A FROM T WHERE " + condition);
+        on.changes = 0;
+        on.builder.WherePanel->LoadSQL(*root.Clause(inWhere));
+        QCOMPARE(where(on), rows);
+        QCOMPARE(on.changes, 1);
+        QWidget window;
+        TorvQDWherePanel alone(&window);
+        alone.Operators = on.builder.Operators.get();
+        alone.GroupOpers = &on.builder.GroupOpers;
+        alone.Activate();
+        alone.LoadSQL(*root.Clause(inWhere));
+        QCOMPARE(orvtest::rowText(*alone.rootRow()), rows);
+    }
+
+    void bothPanelsTakeBothClauses() {
+        HostedBuilder on;
+        const TorvQDParser root(QStringLiteral("SELECT A FROM T HAVING COUNT(B) = 2"));
+        on.builder.WherePanel->LoadSQL(*root.Clause(inHaving));
+        QCOMPARE(where(on), "All(COUNT(B) =[2])");
+    }
+
+    // --- findings
+
+    void changedGroupingIsAFindingUnlessMeaningIsKept() {
+        const QString text = "select t.a from t where t.a = 1 or t.b = 2 and t.c = 3";
+        HostedBuilder specified;
+        specified.builder.LoadSQL(text);
+        QCOMPARE(where(specified), "All(Any(T.A =[1]; T.B =[2]); T.C =[3])");
+        QCOMPARE(specified.findings(), QStringList("and"));
+        QCOMPARE(specified.builder.LoadReport().front().start, int(text.indexOf(" and ")) + 1);
+        HostedBuilder kept(true);
+        kept.builder.LoadSQL(text);
+        QCOMPARE(where(kept), "Any(T.A =[1]; All(T.B =[2]; T.C =[3]))");
+        QCOMPARE(kept.findings(), QStringList());
+    }
+
+    void eachLevelReportsItsChangedGrouping() {
+        HostedBuilder on;
+        on.builder.LoadSQL(
+            "select t.a from t where (a = 1 or b = 2 AND c = 3) and (d = 1 or e = 2 And a = 3)");
+        QCOMPARE(on.findings(), QStringList({"AND", "And"}));
+    }
+
+    void missingConditionIsAFinding_data() {
+        QTest::addColumn<QString>("condition");
+        QTest::addColumn<QString>("rows");
+        QTest::addColumn<QStringList>("findings");
+        QTest::newRow("between connectives")
+            << "a = 1 and or b = 2"
+            << "Any(All(A =[1]; All()); B =[2])" << QStringList("or");
+        QTest::newRow("at the start") << "and a = 1"
+                                      << "All(All(); A =[1])" << QStringList("and");
+        QTest::newRow("inside brackets")
+            << "a = 1 and (b = 2 or ) and c = 3"
+            << "All(A =[1]; Any(B =[2]; All()); C =[3])" << QStringList("or");
+        QTest::newRow("nothing at all") << ""
+                                        << "All()" << QStringList("where");
+    }
+    void missingConditionIsAFinding() {
+        QFETCH(QString, condition);
+        QFETCH(QString, rows);
+        QFETCH(QStringList, findings);
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t where " + condition);
+        QCOMPARE(where(on), rows);
+        QCOMPARE(on.findings(), findings);
+    }
+
+    // The parser takes the FROM for the clause: no part of such a condition is loaded.
+    void conditionThatIsCutOffIsAFindingAsAWhole() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t where t.a = 1 and t.b is distinct from t.c");
+        QCOMPARE(where(on), "All(T.A =[1])");
+        QCOMPARE(on.findings().join(u' '), "and t.b is distinct from t.c");
+        on.builder.LoadSQL("select t.a from t where t.b is not distinct from t.c");
+        QCOMPARE(where(on), "All()");
+        QCOMPARE(on.findings().join(u' '), "t.b is not distinct from t.c");
+    }
+
+    void clauseBehindTheConditionCutsNothingOff() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t where t.a = 1 from u");
+        QCOMPARE(where(on), "All(T.A =[1])");
+        QCOMPARE(on.findings(), QStringList("from u"));
+    }
+
+    // --- operators of a host
+
+    void hostOperatorsComeBack_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("relate");
+        QTest::addColumn<QString>("prefix");
+        QTest::addColumn<QString>("postfix");
+        QTest::addColumn<QStringList>("arguments");
+        const auto row = [](const char* name, const char* relate, const char* prefix,
+                            const char* postfix, const QStringList& arguments) {
+            QTest::addRow("%s %s %s %s", name, relate, prefix, postfix)
+                << QString::fromLatin1(name) << QString::fromLatin1(relate)
+                << QString::fromLatin1(prefix) << QString::fromLatin1(postfix) << arguments;
+        };
+        row("~*", "", "", "", {"'x'"});
+        row("[=]", "", "", "", {"5"});
+        row("IS SIMILAR TO", "", "", "", {"'x'"});
+        row("NEAR", " , ", "", "", {"1", "2"});
+        row("NEAR", ",", "(", ")", {"1", "B + 2"});
+        row("WITHIN", " TO ", "", "", {"1", "2", "3"});
+        row("WITHIN", " TO ", "<", ">", {"1", "2"});
+        row("AMONG", " and ", "", "", {"1", "2", "3"});
+        row("EITHER", " or ", "", "", {"1", "2"});
+        row("LIKE WORD", "", "'% ", " %'", {"x"});
+        row("IS", "", "MISSING", "", {});
+        row("EXCLUDES", "", "ANY (", ")", {"SELECT A FROM U"});
+    }
+    void hostOperatorsComeBack() {
+        QFETCH(QString, name);
+        QFETCH(QString, relate);
+        QFETCH(QString, prefix);
+        QFETCH(QString, postfix);
+        QFETCH(QStringList, arguments);
+        const TorvQDOperator entry{name, name, relate, postfix, prefix, int(arguments.size())};
+        for (const bool keep : {false, true}) {
+            HostedBuilder on(keep);
+            HostedBuilder other(keep);
+            on.builder.Operators->Add(entry);
+            other.builder.Operators->Add(entry);
+            on.builder.LoadSQL("select t.a from t where t.b = 1");
+            TorvQDWhereRow* row = on.builder.WherePanel->rootRow()->SubRows->AddRow();
+            row->FieldName = "T.C";
+            row->setOperator(on.builder.Operators->FindName(name));
+            row->Arguments = arguments;
+            const QString text = on.builder.GetSQLStatment();
+            other.builder.LoadSQL(text);
+            QCOMPARE(where(other), where(on));
+            QCOMPARE(other.findings(), QStringList());
+            QCOMPARE(other.builder.GetSQLStatment(), text);
+        }
+    }
+
+    // A name in square brackets is no name once an operator has one.
+    void squareBracketOfAnOperatorIsASign() {
+        HostedBuilder on;
+        TorvQDOperator entry;
+        entry.Name = "[=]";
+        on.builder.Operators->Add(entry);
+        on.builder.LoadSQL("select t.a from t where t.a [=] 5 and t.b[=]-5");
+        QCOMPARE(where(on), "All(T.A [=][5]; T.B [=][-5])");
+        QCOMPARE(on.findings(), QStringList());
+    }
+
+    // --- renaming
+
+    void renamingATableRenamesItInConditions() {
+        HostedBuilder on;
+        on.builder.LoadSQL(
+            "select t.c, count(t.a) n from t where t.a + t.b > pt.a and t.c between t.d and 't.e' "
+            "and lower(t.c) = (select t.x from t) group by t.c having max(t.a) > min(t.b)");
+        on.builder.WorkArea->renameTable(on.table("T"), "N");
+        QCOMPARE(where(on),
+                 "All(N.A + N.B >[PT.A]; N.C BETWEEN[N.D]['t.e']; "
+                 "LOWER(N.C) =[(SELECT T.X FROM T)])");
+        QCOMPARE(having(on), "All(MAX:N.A >[MIN:N.B])");
+    }
+
+    // --- types
+
+    void fieldTypes() {
+        HostedBuilder on;
+        on.builder.ListOfTables->AddTable("T", typedFields());
+        const TorvQDWherePanel* panel = on.builder.WherePanel;
+        TFieldType type = ftUnknown;
+        QVERIFY(panel->GetFieldType("T.F", type));
+        QCOMPARE(type, ftFloat);
+        QVERIFY(panel->GetFieldType(" t.c ", type));
+        QCOMPARE(type, ftString);
+        type = ftDate;
+        QVERIFY(!panel->GetFieldType("T.NONE", type));
+        QVERIFY(!panel->GetFieldType("X.F", type));
+        QVERIFY(!panel->GetFieldType("5", type));
+        QVERIFY(!panel->GetFieldType(blanks, type));
+        QCOMPARE(type, ftDate);
+    }
+
+    void panelOutsideABuilderKnowsNoTypes() {
+        QWidget window;
+        const TorvQDWherePanel panel(&window);
+        TFieldType type = ftUnknown;
+        QCOMPARE(orvtest::errorOf([&] { (void)panel.GetFieldType("T.A", type); }),
+                 "Fatal Error! Class TorvQueryBuilder not found");
+    }
+
+    void typesOfBothSides_data() {
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<bool>("fits");
+        const auto row = [](const char* field, const char* value, bool fits) {
+            QTest::addRow("%s and %s", field, value)
+                << QString::fromLatin1(field) << QString::fromLatin1(value) << fits;
+        };
+        row("T.I", "12", true);
+        row("T.I", "-12", true);
+        row("T.I", "12a", false);
+        row("T.I", "1.5", false);
+        row("T.I", "1,000", false);
+        row("T.I", "NULL", false);
+        row("T.I", "         ", true);
+        row("T.I", "select max(x) from u", true);
+        row("T.I", "  SELECT 1", true);
+        row("T.I", "(SELECT 1)", false);
+        row("T.I", "T.S", true);
+        row("T.I", "T.F", false);
+        row("T.I", "T.C", false);
+        row("T.F", "1.5", true);
+        row("T.F", "12", true);
+        row("T.F", "1e3", true);
+        row("T.F", "1,000.5", false);
+        row("T.F", "INF", false);
+        row("T.F", "NAN", false);
+        row("T.F", "x", false);
+        row("T.F", "T.I", false);
+        row("T.C", "anything 'at' all", true);
+        row("T.C", "5", true);
+        row("T.C", "T.M", true);
+        row("T.C", "T.I", false);
+        row("T.D", "'1995-01-01'", false);
+        row("T.D", "Select 1", true);
+        row("T.D", "T.D2", true);
+        row("T.D", "T.B", false);
+        row("T.B", "TRUE", false);
+        row("12a", "T.I", false);
+        row("12", "T.I", true);
+        row("5", "'x'", true);
+        row("X.NONE", "'x'", true);
+    }
+    void typesOfBothSides() {
+        QFETCH(QString, field);
+        QFETCH(QString, value);
+        QFETCH(bool, fits);
+        HostedBuilder on;
+        on.builder.ListOfTables->AddTable("T", typedFields());
+        TorvQDWherePanel* panel = on.builder.WherePanel;
+        TorvQDWhereRow* row = panel->rootRow()->SubRows->AddRow();
+        row->FieldName = field;
+        row->Arguments = QStringList(value);
+        QCOMPARE(panel->CheckTypeMisMatch("not looked at", *row->Controls[5]), fits);
+        QCOMPARE(panel->CheckTypeMisMatch({}, *row->Controls[2]), fits);
+        QVERIFY(row->Valid);
+    }
+
+    void everyArgumentIsChecked() {
+        HostedBuilder on;
+        on.builder.ListOfTables->AddTable("T", typedFields());
+        TorvQDWherePanel* panel = on.builder.WherePanel;
+        TorvQDWhereRow* row = panel->rootRow()->SubRows->AddRow();
+        row->setOperator(on.builder.Operators->FindName("BETWEEN"));
+        row->FieldName = "T.I";
+        row->Arguments = QStringList({"1", "x"});
+        QVERIFY(!panel->CheckTypeMisMatch({}, *row->Controls[2]));
+        row->Arguments = QStringList({"1", "2"});
+        QVERIFY(panel->CheckTypeMisMatch({}, *row->Controls[2]));
+        // The first argument that is a field gives the type.
+        row->FieldName = "5";
+        row->Arguments = QStringList({"T.I", "T.C"});
+        QVERIFY(!panel->CheckTypeMisMatch({}, *row->Controls[2]));
+    }
+
+    void numbersOfTheUsersLanguageFitToo() {
+        const QLocale before;
+        QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+        HostedBuilder on;
+        on.builder.ListOfTables->AddTable("T", typedFields());
+        TorvQDWherePanel* panel = on.builder.WherePanel;
+        TorvQDWhereRow* row = panel->rootRow()->SubRows->AddRow();
+        const auto fits = [&](const char* field, const char* value) {
+            row->FieldName = QString::fromLatin1(field);
+            row->Arguments = QStringList(QString::fromLatin1(value));
+            return panel->CheckTypeMisMatch({}, *row->Controls[2]);
+        };
+        const QList<bool> results = {fits("T.F", "1,5"), fits("T.F", "1.5"), fits("T.F", "1.000,5"),
+                                     fits("T.I", "1.000"), fits("T.I", "1000")};
+        QLocale::setDefault(before);
+        QCOMPARE(results, QList<bool>({true, true, false, false, true}));
+    }
+
+    // --- depth and size
+
+    void tooDeepConditionLeavesEverything() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t where t.a = 1");
+        const QByteArray before = orvtest::visibleState(on.builder);
+        const TorvQDParser root("SELECT A FROM T WHERE " + alternating(2 * orv::deepestCondition));
+        QCOMPARE(orvtest::errorOf([&] { on.builder.WherePanel->LoadSQL(*root.Clause(inWhere)); }),
+                 "Conditions nest deeper than 2000 levels");
+        QCOMPARE(orvtest::visibleState(on.builder), before);
+    }
+
+    void depthIsCheckedByTheMode_data() {
+        QTest::addColumn<QString>("condition");
+        QTest::addColumn<bool>("keep");
+        QTest::addColumn<bool>("loads");
+        const int bound = orv::deepestCondition;
+        QTest::newRow("plain") << "A = 1 AND B = 2" << false << true;
+        QTest::newRow("alternating, as many as the bound") << alternating(bound) << false << true;
+        QTest::newRow("alternating, one more") << alternating(bound + 1) << false << false;
+        QTest::newRow("alternating, meaning kept") << alternating(bound + 1) << true << true;
+        QTest::newRow("nested, as many as the bound") << nested(bound) << true << true;
+        QTest::newRow("nested, one more") << nested(bound + 1) << true << false;
+        QTest::newRow("brackets only")
+            << QString(50'000, u'(') + "A = 1" + QString(50'000, u')') << false << true;
+        QTest::newRow("sub-selects")
+            << "A IN (SELECT B FROM C WHERE " + QString("D IN (1 AND ").repeated(3000) + "1" +
+                   QString(")").repeated(3000) + ")"
+            << false << true;
+        QTest::newRow("many BETWEEN")
+            << "A = 1" + QString(" OR B BETWEEN 1 AND 2").repeated(3000) << false << true;
+    }
+    void depthIsCheckedByTheMode() {
+        QFETCH(QString, condition);
+        QFETCH(bool, keep);
+        QFETCH(bool, loads);
+        const HostedBuilder on;
+        const QString text = "SELECT A FROM T WHERE " + condition;
+        const orv::LoadLedger ledger(text, orv::NormaliseSQL(text));
+        const TorvQDParser root(text);
+        const QString error = orvtest::errorOf(
+            [&] { on.builder.WherePanel->checkLoadable(*root.Clause(inWhere), ledger, keep); });
+        QCOMPARE(error, loads ? "(no error)" : "Conditions nest deeper than 2000 levels");
+    }
+
+    void deepestConditionIsLoadedWrittenAndCleared() {
+        HostedBuilder on(true);
+        on.builder.LoadSQL("select t.a from t where " + nested(orv::deepestCondition));
+        QCOMPARE(on.findings(), QStringList());
+        const QString line = on.builder.WherePanel->rootRow()->GetSQLCondition(false);
+        QCOMPARE(line.count("(C = 3)"), orv::deepestCondition);
+        QVERIFY(on.builder.GetSQLStatment().contains("(A = 1)"));
+        on.builder.WorkArea->renameTable(on.table("T"), "N");
+        on.builder.Clear();
+        QCOMPARE(where(on), "All()");
+    }
+
+    void manyConditionsInOneGroup() {
+        HostedBuilder on;
+        constexpr int count = 10'000;
+        QString condition = "t.a = 0";
+        for (int index = 1; index < count; ++index) {
+            condition += " and t.a between 1 and " + QString::number(index);
+        }
+        on.builder.LoadSQL("select t.a from t where " + condition);
+        QCOMPARE(on.findings(), QStringList());
+        QCOMPARE(on.builder.WherePanel->rootRow()->SubRows->GetCount(), count);
+        const QString text = on.builder.GetSQLStatment();
+        on.builder.LoadSQL(text + " ");
+        QCOMPARE(on.builder.GetSQLStatment(), text);
+    }
+
+private:
+    // A OR B AND C OR ...: each change of the connective is a group more.
+    static QString alternating(int changes) {
+        QString text = "A = 1 OR B = 2";
+        for (int index = 0; index < changes; ++index)
+            text += index % 2 ? " OR D = 4" : " AND C = 3";
+        return text;
+    }
+    static QString nested(int depth) {
+        return QString("(").repeated(depth) + "A = 1" + " AND A = 1" +
+               QString(") AND C = 3").repeated(depth);
+    }
+};
+
+QTEST_MAIN(WherePanelTest)
+#include "tst_wherepanel.moc"
