@@ -552,7 +552,7 @@ private Q_SLOTS:
         const auto below = [&](int end) { return int(random() % unsigned(end)); };
         const QStringList names = {"A", "B", "C", "D"};
         const QStringList fields = {"X", "Y", "Z", "Q"};
-        for (int run = 0; run < 300; ++run) {
+        for (int run = 0; run < 120; ++run) {
             JoinBuilder on(true);
             TorvQDWorkArea& area = *on.builder.WorkArea;
             const int count = 2 + below(4);
