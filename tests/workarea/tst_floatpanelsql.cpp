@@ -175,18 +175,8 @@ private Q_SLOTS:
         row("derived table, wide blanks", "t, (select a from u)   as   d", {"T"},
             {"(select a from u)   as   d"});
         row("procedure", "p(1, 'x') q, t", {"T"}, {"p(1, 'x') q"});
-        row("inner join", "t join u on t.a = u.a", {"T", "U"}, {"join u on t.a = u.a"});
-        row("outer joins", "t left outer join u on t.a = u.a full join dept d on d.dept_no = u.x",
-            {"T", "U", "DEPT D"},
-            {"left outer join u on t.a = u.a", "full join dept d on d.dept_no = u.x"});
         row("natural join", "t natural join u", {"T", "U"}, {"natural join u"});
         row("using", "t join u using (a)", {"T", "U"}, {"join u using (a)"});
-        row("table behind a join", "t join u on t.a = u.a, dept", {"T", "U", "DEPT"},
-            {"join u on t.a = u.a"});
-        row("cross join behind a join", "t join u on t.a = u.a cross join dept", {"T", "U", "DEPT"},
-            {"join u on t.a = u.a"});
-        row("join behind a comma", "t, u join dept d on u.x = d.budget", {"T", "U", "DEPT D"},
-            {"join dept d on u.x = d.budget"});
         row("joins in brackets", "(t join u on t.a = u.a), dept", {"DEPT"},
             {"(t join u on t.a = u.a)"});
         row("same table without alias", "t, t", {"T"}, {"t"});
