@@ -570,6 +570,14 @@ private Q_SLOTS:
         QCOMPARE(on.findings(), findings);
     }
 
+    void columnWithoutANameIsNotSorted() {
+        HostedBuilder on(true);
+        on.builder.LoadSQL("select t.a, t.b as \" \" from t order by 2, 1");
+        QVERIFY(orv::isBlank(on.grid()->columns()[1].name));
+        QCOMPARE(orderBy(on), "T.A");
+        QVERIFY(on.findings().contains("2"));
+    }
+
     void missingItemsAreFindings() {
         HostedBuilder on;
         on.builder.LoadSQL("select t.a, t.b from t order by");
