@@ -562,7 +562,8 @@ private:
     static QString operandText(const TokenRun& run) {
         const QString text = run.sourceText();
         const QString formed = formedText(run, 0);
-        return !formed.isEmpty() && tokenKey(formed) == tokenKey(text) ? formed : text;
+        if (formed.isEmpty() || formed == text) return text;
+        return tokenKey(formed) == tokenKey(text) ? formed : text;
     }
 
     static QString listText(const TokenRun& run) {

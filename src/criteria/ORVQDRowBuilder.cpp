@@ -43,8 +43,8 @@ bool isNegatedBracket(const std::vector<ConditionElement>& elements) {
 /// The reading of one level; see buildRows.
 class RowBuilder {
 public:
-    RowBuilder(TorvQDWhereRow* group, bool negate, bool joinsNots)
-        : m_group(group), m_negate(negate), m_joinsNots(joinsNots) {
+    RowBuilder(TorvQDWhereRow* group, bool negate, Nots nots)
+        : m_group(group), m_negate(negate), m_nots(nots) {
         m_current = m_group->SubRows->AddRow();
     }
 
@@ -81,7 +81,7 @@ private:
     // The bracket's conditions become the group's own, and it is negated as a whole.
     void replaceAllBy(const std::vector<ConditionElement>& elements) {
         m_group->SubRows->Clear();
-        m_group = buildRows(elements, m_group, false, m_joinsNots);
+        m_group = buildRows(elements, m_group, false, m_nots);
         if (!m_negate) return;
         if (m_group->isGroup()) {
             m_group->SetGroupOper(opposite(m_group->GroupOper));
@@ -130,16 +130,16 @@ private:
         m_negation = m_current;
         m_negation->SetGroupOper(none);
         m_current = m_negation->SubRows->AddRow();
-        m_pendingNot = m_connective != 0 || m_joinsNots;
+        m_pendingNot = m_connective != 0 || m_nots == Nots::Merge;
     }
 
     void readBracket(const ConditionElement& element) {
         if (m_pendingNot) {
             m_negation->SubRows->Clear();
             m_negation->GroupOper.clear();
-            buildRows(element.children, m_negation, true, m_joinsNots);
+            buildRows(element.children, m_negation, true, m_nots);
         } else {
-            buildRows(element.children, m_current, false, m_joinsNots);
+            buildRows(element.children, m_current, false, m_nots);
         }
         m_pendingNot = false;
         m_filled = true;
@@ -169,7 +169,7 @@ private:
 
     TorvQDWhereRow* m_group;
     bool m_negate;
-    bool m_joinsNots;
+    const Nots m_nots;
     TorvQDWhereRow* m_current = nullptr;
     TorvQDWhereRow* m_negation = nullptr;
     int m_connective = 0;  // 0 none yet, 1 AND, 2 OR
@@ -179,11 +179,13 @@ private:
 
 // --- how deep the rows will be ---
 
-int groupsOf(const std::vector<ConditionElement>& elements, bool negate);
+int groupsOf(const std::vector<ConditionElement>& elements, bool negate, Nots nots);
 
 /// The deepest of the rows that a level gives, counted as RowBuilder makes them.
 class DepthCounter {
 public:
+    explicit DepthCounter(Nots nots) : m_rule(nots) {}
+
     void add(const ConditionElement& element) {
         switch (element.kind) {
         case ConditionElement::And:
@@ -202,8 +204,9 @@ public:
     [[nodiscard]] bool hasConnective() const { return m_connective != 0; }
 
 private:
-    // Behind a connective two NOTs cancel out.
-    [[nodiscard]] int pendingGroups() const { return m_connective == 0 ? m_nots : m_nots % 2; }
+    [[nodiscard]] bool mergesNots() const { return m_connective != 0 || m_rule == Nots::Merge; }
+    // Two NOTs that are merged cancel out.
+    [[nodiscard]] int pendingGroups() const { return mergesNots() ? m_nots % 2 : m_nots; }
 
     void addRow(int groups) {
         m_deepest = std::max(m_deepest, groups);
@@ -212,10 +215,10 @@ private:
     }
     void addBracket(const std::vector<ConditionElement>& elements) {
         // A bracket behind a pending NOT becomes the group of that NOT.
-        if (m_connective != 0) {
-            addRow(groupsOf(elements, m_nots % 2 == 1));
+        if (mergesNots()) {
+            addRow(groupsOf(elements, m_nots % 2 == 1, m_rule));
         } else {
-            addRow(m_nots + groupsOf(elements, false));
+            addRow(m_nots + groupsOf(elements, false, m_rule));
         }
     }
     void addConnective(int connective) {
@@ -225,6 +228,7 @@ private:
         m_filled = false;
     }
 
+    const Nots m_rule;
     int m_deepest = 0;
     int m_connective = 0;
     int m_nots = 0;
@@ -232,12 +236,12 @@ private:
 };
 
 // The groups of the row into which the level is built, itself included; 0 for a simple row.
-int groupsOf(const std::vector<ConditionElement>& elements, bool negate) {
+int groupsOf(const std::vector<ConditionElement>& elements, bool negate, Nots nots) {
     if (isWholeBracket(elements) || isNegatedBracket(elements)) {
         const bool negates = negate != isNegatedBracket(elements);
-        return std::max(negates ? 1 : 0, groupsOf(elements.back().children, false));
+        return std::max(negates ? 1 : 0, groupsOf(elements.back().children, false, nots));
     }
-    DepthCounter counter;
+    DepthCounter counter(nots);
     for (const ConditionElement& element : elements) counter.add(element);
     counter.finish();
     return counter.deepest() + (negate || counter.hasConnective() ? 1 : 0);
@@ -245,19 +249,19 @@ int groupsOf(const std::vector<ConditionElement>& elements, bool negate) {
 
 }  // namespace
 
-int groupsBelow(const std::vector<ConditionElement>& elements) {
+int groupsBelow(const std::vector<ConditionElement>& elements, Nots nots) {
     if (isWholeBracket(elements) || isNegatedBracket(elements)) {
-        return groupsBelow(elements.back().children);
+        return groupsBelow(elements.back().children, nots);
     }
-    DepthCounter counter;
+    DepthCounter counter(nots);
     for (const ConditionElement& element : elements) counter.add(element);
     counter.finish();
     return counter.deepest();
 }
 
 TorvQDWhereRow* buildRows(const std::vector<ConditionElement>& elements, TorvQDWhereRow* group,
-                          bool negate, bool joinsNots) {
-    return RowBuilder(group, negate, joinsNots).read(elements);
+                          bool negate, Nots nots) {
+    return RowBuilder(group, negate, nots).read(elements);
 }
 
 }  // namespace orv

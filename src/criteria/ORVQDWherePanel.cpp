@@ -92,6 +92,11 @@ void account(const std::vector<orv::ConditionElement>& level, orv::LoadLedger& l
     }
 }
 
+// Where texts must come back as they are, a NOT must not put a group around its bracket.
+orv::Nots notsOf(bool keepsMeaning) {
+    return keepsMeaning ? orv::Nots::Merge : orv::Nots::Nest;
+}
+
 // Whether the parser stopped inside the last condition: in front of a word that opens something
 // else at other places.
 bool isCutOff(const orv::TokenRun& condition, const orv::LoadLedger& ledger) {
@@ -202,7 +207,7 @@ void TorvQDWherePanel::loadRun(const orv::TokenRun& run, orv::LoadLedger* ledger
     IPagesHost* owner = host();
     if (owner) owner->beginChange();
     clearRows();
-    if (!elements.empty()) orv::buildRows(elements, root, false, keepsMeaning);
+    if (!elements.empty()) orv::buildRows(elements, root, false, notsOf(keepsMeaning));
     if (ledger) {
         ledger->place(run);
         if (!rest.isEmpty()) {
@@ -223,7 +228,8 @@ void TorvQDWherePanel::loadRun(const orv::TokenRun& run, orv::LoadLedger* ledger
 void TorvQDWherePanel::checkDepth(const orv::TokenRun& condition, bool keepsMeaning) const {
     if (orv::mostGroupsBelow(condition) <= orv::deepestCondition) return;
     const auto elements = orv::readConditions(condition, readingRules(keepsMeaning));
-    if (orv::groupsBelow(elements) > orv::deepestCondition) orv::raiseTooDeep();
+    if (orv::groupsBelow(elements, notsOf(keepsMeaning)) > orv::deepestCondition)
+        orv::raiseTooDeep();
 }
 
 void TorvQDWherePanel::checkLoadable(const TorvQDParser& node, const orv::LoadLedger& ledger,

@@ -79,7 +79,10 @@ QString reasonWithoutFrom(const QString& text) {
 
 bool containsSquareBracket(const TOperatorList& operators) {
     for (int index = 0; index < operators.Count(); ++index) {
-        if (operators.Items(index)->Name.contains(u'[')) return true;
+        const TorvQDOperator& entry = *operators.Items(index);
+        for (const QString& text : {entry.Name, entry.Prefix, entry.Relate, entry.Postfix}) {
+            if (text.contains(u'[')) return true;
+        }
     }
     return false;
 }

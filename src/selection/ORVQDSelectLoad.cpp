@@ -8,6 +8,7 @@
 #include "parser/ORVQDLedger.h"
 #include "parser/ORVQDParser.h"
 #include "selection/ORVQDSelectOrder.h"
+#include "toolkit/Services.h"
 
 #include <QHash>
 #include <QSet>
@@ -489,6 +490,15 @@ void TorvQDSelectGrid::LoadSQL(const TorvQDParser& Node) {
     if (Node.Location() != inSelect) {
         throw orv::Error(QStringLiteral("There is not valid object for extract selection list"));
     }
-    ClearContents();
-    SelectLoader(*this, Node).load();
+    // One change: in between the sorting page would lose the lines of columns that come back.
+    IPagesHost* owner = host();
+    if (owner) owner->beginChange();
+    try {
+        ClearContents();
+        SelectLoader(*this, Node).load();
+    } catch (...) {
+        if (owner) orv::guarded([&] { owner->endChange(); });
+        throw;
+    }
+    if (owner) owner->endChange();
 }

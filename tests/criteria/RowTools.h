@@ -35,4 +35,17 @@ inline QString rowText(const TorvQDWhereRow& row) {
            u'[' + arguments.join("][") + u']';
 }
 
+/// What a row says when its conditions are about A, B, ... and hold by the bits of `values`.
+inline bool holds(const TorvQDWhereRow& row, int values) {
+    if (!row.isGroup()) return (values >> (row.FieldName.back().unicode() - u'A') & 1) != 0;
+    const bool isAnd = row.GroupOper == "All" || row.GroupOper == "None";
+    const bool negates = row.GroupOper == "None" || row.GroupOper == "Not all";
+    bool result = isAnd;
+    for (int index = 0; index < row.SubRows->GetCount(); ++index) {
+        const bool next = holds(*row.SubRows->Row(index), values);
+        result = isAnd ? result && next : result || next;
+    }
+    return result != negates;
+}
+
 }  // namespace orvtest

@@ -7,6 +7,8 @@
 
 #include <QLocale>
 
+#include <random>
+
 using orvtest::HostedBuilder;
 
 namespace {
@@ -18,6 +20,23 @@ QString where(const HostedBuilder& on) {
 }
 QString having(const HostedBuilder& on) {
     return orvtest::rowText(*on.builder.HavingPanel->rootRow());
+}
+
+/// Fills a group with rows and groups as a user does; no group has less than two rows, because a
+/// group of one comes back as that one.
+void fillGroup(TorvQDWhereRow* group, int depth, std::mt19937& random) {
+    const QStringList names = {"All", "Any", "None", "Not all"};
+    const int count = 2 + int(random() % 3);
+    for (int index = 0; index < count; ++index) {
+        TorvQDWhereRow* row = group->SubRows->AddRow();
+        if (depth > 0 && random() % 2 == 0) {
+            row->SetGroupOper(names[int(random() % 4)]);
+            fillGroup(row, depth - 1, random);
+        } else {
+            row->FieldName = "T." + QString(QChar(u'A' + int(random() % 5)));
+            row->Arguments = QStringList("'x'");
+        }
+    }
 }
 
 TDataSet typedFields() {
@@ -382,6 +401,33 @@ private Q_SLOTS:
             QCOMPARE(where(other), where(on));
             QCOMPARE(other.findings(), QStringList());
             QCOMPARE(other.builder.GetSQLStatment(), text);
+        }
+    }
+
+    void conditionsOfAUserComeBack_data() {
+        QTest::addColumn<bool>("keep");
+        QTest::newRow("as specified") << false;
+        QTest::newRow("meaning kept") << true;
+    }
+    void conditionsOfAUserComeBack() {
+        QFETCH(bool, keep);
+        HostedBuilder on(keep);
+        on.builder.LoadSQL("select t.a from t");
+        HostedBuilder other(keep);
+        TorvQDWhereRow* root = on.builder.WherePanel->rootRow();
+        for (unsigned seed = 0; seed < 120; ++seed) {
+            std::mt19937 random(seed);
+            on.builder.WherePanel->ClearContents();
+            root->SetGroupOper(QStringList({"All", "Any", "None", "Not all"})[int(seed % 4)]);
+            fillGroup(root, 3, random);
+            const QString text = on.builder.GetSQLStatment();
+            other.builder.LoadSQL(text);
+            QCOMPARE(other.findings(), QStringList());
+            const TorvQDWhereRow* loaded = other.builder.WherePanel->rootRow();
+            for (int values = 0; values < 32; ++values) {
+                QCOMPARE(orvtest::holds(*loaded, values), orvtest::holds(*root, values));
+            }
+            if (keep) QCOMPARE(other.builder.GetSQLStatment(), text);
         }
     }
 

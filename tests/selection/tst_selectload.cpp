@@ -367,8 +367,7 @@ private Q_SLOTS:
             {"t.a", "rollup(t.a)"});
         row("expression that is not grouped", "select t.a + 1 x, count(t.b) n from t",
             {"t.a + 1 x"});
-        row("having", "select t.a, count(t.b) n from t group by t.a having count(t.b) > 1",
-            {"having count(t.b) > 1"});
+        row("having without a group", "select t.a from t having t.a > 1", {"having t.a > 1"});
     }
     void groupByThatComesOutDifferentIsAFinding() {
         QFETCH(QString, statement);
@@ -376,6 +375,15 @@ private Q_SLOTS:
         HostedBuilder on;
         on.builder.LoadSQL(statement);
         QCOMPARE(on.findings(), findings);
+    }
+
+    void havingBehindAGroupIsHeld() {
+        HostedBuilder on;
+        const QString text = "select t.a, count(t.b) n from t group by t.a having count(t.b) > 1";
+        on.builder.LoadSQL(text);
+        QCOMPARE(on.findings(), QStringList());
+        QVERIFY(on.builder.GetSQLStatment().contains("\r\nHAVING "));
+        QVERIFY(on.builder.GetSQLStatment().contains("(COUNT(T.B) > 1)"));
     }
 
     // An output name counts only where no field has the name.
