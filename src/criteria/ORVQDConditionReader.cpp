@@ -136,7 +136,7 @@ public:
     }
 
     std::vector<ConditionElement> level(const TokenRun& run, int depth) const {
-        if (depth > deepestCondition) raiseTooDeep();
+        if (depth > deepestCondition + 1) raiseTooDeep();  // the root group has brackets, too
         std::vector<ConditionElement> elements;
         if (mixesXorAndAnd(run)) {
             elements.push_back({ConditionElement::Condition, run, wholeText(run), {}});

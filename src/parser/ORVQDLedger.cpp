@@ -126,13 +126,7 @@ bool endsInQuote(QStringView text) {
 
 }  // namespace
 
-// Where something is told already, this is why.
 void LoadLedger::reportUnclosed(int end) {
-    const auto tell = [this](const SqlToken& token, const QString& what) {
-        const bool isTold =
-            !m_taken[std::size_t(&token - m_tokens.data())] || hasFinding(token.start, token.end);
-        if (!isTold) report(token.start, token.end, what);
-    };
     int open = 0;
     for (const SqlToken& token : m_tokens) {
         if (token.start >= end) break;
@@ -140,13 +134,13 @@ void LoadLedger::reportUnclosed(int end) {
             ++open;
             const SqlToken* close = &token + token.closeOffset;
             if (token.closeOffset > 0 && close->start < end) continue;
-            tell(token, QStringLiteral("This bracket is not closed."));
+            report(token.start, token.end, QStringLiteral("This bracket is not closed."));
         } else if (token.kind == SqlToken::Close && --open < 0) {
             open = 0;
-            tell(token, QStringLiteral("Nothing opened this bracket."));
+            report(token.start, token.end, QStringLiteral("Nothing opened this bracket."));
         } else if (token.end == int(m_normalised.text.size()) &&
                    endsInQuote(QStringView(m_normalised.text).mid(token.start))) {
-            tell(token, QStringLiteral("This quote is not closed."));
+            report(token.start, token.end, QStringLiteral("This quote is not closed."));
         }
     }
 }

@@ -216,10 +216,10 @@ void TorvQueryBuilder::loadText(const QString& text) {
     m_ledger = std::move(ledger);
     LoadScope scope(this, m_loading, m_ledger);
     clearAll();
+    m_ledger->reportUnclosed(parts.bodyEnd);
     loadParsed(root);
     if (!self) return;
     m_ledger->reportChangedTexts(parts.bodyEnd);
-    m_ledger->reportUnclosed(parts.bodyEnd);
     loadTail(parts.tailStart, parts.tailEnd, parts.restStart);
     compareClauses(root);
     m_report = m_ledger->findings();

@@ -233,9 +233,18 @@ void FromLoader::readDetachedAlias(NamedTable& table) const {
 void FromLoader::loseDerivedTable(const TorvQDParser& node) {
     NamedTable bracket{{}, {}, {}, false, node.Start(), node.End()};
     readDetachedAlias(bracket);
+    if (bracket.hasOwnAlias) readColumnNames(bracket);
     m_readUpTo = bracket.end;
     report(bracket.start, bracket.end,
            QStringLiteral("A bracket in FROM cannot be shown as a table: it is not loaded."));
+}
+
+// Behind the alias of a derived table names for its columns may stand in brackets.
+void FromLoader::readColumnNames(NamedTable& table) const {
+    if (!m_ledger) return;
+    const orv::TokenRun behind = m_ledger->tokensIn(table.end, m_node.End());
+    if (behind.isEmpty() || behind[0].kind != orv::SqlToken::Open) return;
+    table.end = behind[behind.behindBracket(0) - 1].end;
 }
 
 // --- joins ---

@@ -82,6 +82,7 @@ private:
     static bool hasAlias(const TorvQDParser& node);
     static void useAlias(NamedTable& table, const QString& text, int end);
     void readDetachedAlias(NamedTable& table) const;
+    void readColumnNames(NamedTable& table) const;
     void loseDerivedTable(const TorvQDParser& node);
 
     void loadOn(LoadedJoin& join, const TorvQDParser& on);

