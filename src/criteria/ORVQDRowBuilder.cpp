@@ -40,7 +40,8 @@ public:
         m_current = m_group->SubRows->AddRow();
     }
 
-    void read(const std::vector<ConditionElement>& elements) {
+    /// Reads the elements; the group that holds them in the end.
+    TorvQDWhereRow* read(const std::vector<ConditionElement>& elements) {
         for (std::size_t index = 0; index < elements.size(); ++index) {
             const ConditionElement& element = elements[index];
             switch (element.kind) {
@@ -50,16 +51,14 @@ public:
                 if (isNegatedBracket(elements, index)) {
                     m_negate = !m_negate;
                     replaceAllBy(elements.back().children);
-                    finish();
-                    return;
+                    return m_group;
                 }
                 readNot();
                 break;
             case ConditionElement::Bracket:
                 if (m_connective == 0 && elements.size() == 1) {
                     replaceAllBy(element.children);
-                    finish();
-                    return;
+                    return m_group;
                 }
                 readBracket(element);
                 break;
@@ -72,6 +71,7 @@ public:
         }
         if (!m_filled) m_current->GroupOper = all;
         finish();
+        return m_group;
     }
 
 private:
@@ -82,10 +82,23 @@ private:
                elements.back().kind == ConditionElement::Bracket;
     }
 
+    // The bracket's conditions become the group's own, and it is negated as a whole.
     void replaceAllBy(const std::vector<ConditionElement>& elements) {
         m_group->SubRows->Clear();
         m_current = nullptr;
-        buildRows(elements, m_group, false, m_joinsNots);
+        m_group = buildRows(elements, m_group, false, m_joinsNots);
+        if (!m_negate) return;
+        if (!m_group->isGroup()) {
+            wrapInNone();
+            return;
+        }
+        m_group->SetGroupOper(opposite(m_group->GroupOper));
+        // Two negations of one condition leave the condition.
+        if (m_group->GroupOper == all && holdsOneRow()) takeOnlyRow();
+    }
+
+    [[nodiscard]] bool holdsOneRow() const {
+        return m_group->parentRow() && m_group->SubRows->GetCount() == 1;
     }
 
     void readConnective(ConditionElement::Kind kind) {
@@ -133,6 +146,7 @@ private:
     void readBracket(const ConditionElement& element) {
         if (m_pendingNot) {
             m_negation->SubRows->Clear();
+            m_negation->GroupOper.clear();
             buildRows(element.children, m_negation, true, m_joinsNots);
         } else {
             buildRows(element.children, m_current, false, m_joinsNots);
@@ -142,18 +156,10 @@ private:
     }
 
     void finish() {
-        TorvQDWhereRows& rows = *m_group->SubRows;
-        const bool isRoot = !m_group->parentRow();
-        if (!isRoot && rows.GetCount() == 0 && m_negate) {
-            wrapInNone();
-        } else if (!isRoot && rows.GetCount() == 1) {
-            if (m_negate) {
-                m_group->SetGroupOper(none);
-            } else {
-                takeOnlyRow();
-            }
-        } else if (m_negate) {
+        if (m_negate) {
             m_group->SetGroupOper(opposite(m_group->GroupOper));
+        } else if (holdsOneRow()) {
+            takeOnlyRow();
         }
     }
 
@@ -184,9 +190,9 @@ private:
 
 }  // namespace
 
-void buildRows(const std::vector<ConditionElement>& elements, TorvQDWhereRow* group, bool negate,
-               bool joinsNots) {
-    RowBuilder(group, negate, joinsNots).read(elements);
+TorvQDWhereRow* buildRows(const std::vector<ConditionElement>& elements, TorvQDWhereRow* group,
+                          bool negate, bool joinsNots) {
+    return RowBuilder(group, negate, joinsNots).read(elements);
 }
 
 }  // namespace orv
