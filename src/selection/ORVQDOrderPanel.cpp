@@ -252,7 +252,6 @@ int TorvQDOrderPanel::loadedRow(const QString& text, bool isNumber) const {
     for (int row = 1; !qualified && row <= count; ++row) {
         if (orv::unquotedName(columns[std::size_t(row - 1)].name).toUpper() == word) return row;
     }
-    const std::optional<PageField> field = host()->resolveField(text);
     const QString key = orv::tokenKey(text);
     for (int row = 1; row <= count; ++row) {
         const orv::OutputColumn& column = columns[std::size_t(row - 1)];
@@ -260,7 +259,11 @@ int TorvQDOrderPanel::loadedRow(const QString& text, bool isNumber) const {
         const QString source =
             plain ? column.source : column.aggregate + u'(' + column.source + u')';
         if (orv::tokenKey(source) == key) return row;
-        if (!field || !plain) continue;
+    }
+    const std::optional<PageField> field = host()->resolveField(text);
+    for (int row = 1; field && row <= count; ++row) {
+        const orv::OutputColumn& column = columns[std::size_t(row - 1)];
+        if (!orv::isBlank(column.aggregate)) continue;
         const std::optional<PageField> other = host()->resolveField(column.source);
         if (other && other->qualifiedName() == field->qualifiedName()) return row;
     }
