@@ -4,6 +4,7 @@
 #include "catalogue/ORVQDOperators.h"
 #include "core/Error.h"
 #include "criteria/ORVQDWherePanel.h"
+#include "data/ProcessName.h"
 #include "parser/ORVQDParser.h"
 
 #include <QListWidget>
@@ -19,10 +20,14 @@ namespace {
 // --- the host
 // -------------------------------------------------------------------------------------
 
+// Words that the host wants quoted; names of a table and of fields are among them.
+const QStringList reservedWords = {"ORDER", "GROUP", "SELECT"};
+
 // Names that SQL takes as they are, and names in need of quotes. The last one is a qualified name,
 // which a host hands over in quotes and which then needs an alias.
 const QStringList plainTables = {"T", "U", "EMPLOYEE", "DEPT", "ORDERS"};
-const QStringList quotedTables = {"my table", "S.T", "lower", "q\"q", "\"S\".\"T\""};
+const QStringList quotedTables = {"my table", "S.T",    "lower", "q\"q",
+                                  "a'b",      "x; (z)", "ORDER", "\"S\".\"T\""};
 const QString qualifiedTable = quotedTables.back();
 
 // What a user types over a caption: plain, in need of quotes, in quotes, with a full stop,
@@ -65,6 +70,13 @@ const OperatorTexts ownOperators[] = {
     {"BETWEEN ALL", "", " and ", "", 3},
     {"WITHIN", "ANY ", " OF ", " ROWS", 3},
     {"OUTSIDE", "", " AND ", "", 2},
+    {"[=]", "", "", "", 1},
+    {"->>", "", "", "", 1},
+    {"DURING", "PERIOD (", ", ", ")", 2},
+    {"SIMILAR", "TO ", " ESCAPE ", "", 2},
+    {"RANGE", "", " .. ", "", 2},
+    {"IS BETWEEN", "", " and ", " INCLUSIVE", 2},
+    {"EXCLUDES", "", " ; ", "", 2},
 };
 
 // --- texts of operands
@@ -100,7 +112,24 @@ const QStringList leftSides = {"{0,0} + 1",
                                "{0,0} << 2",
                                "SUM({0,0})",
                                "COUNT(*)",
-                               "A"};
+                               "A",
+                               "EXTRACT(DAY FROM {0,0})",
+                               "TRIM(BOTH ' ' FROM {0,0})",
+                               "POSITION('a' IN {0,0})",
+                               "SUBSTRING({0,0} FROM 1 FOR 2)",
+                               "CASE {0,0} WHEN 1 THEN 'END' ELSE CASE WHEN B THEN 1 END END",
+                               "''",
+                               "'\u00dcn\u00efc\u00f6de \U0001F600'",
+                               "(SELECT A FROM U UNION SELECT B FROM T LIMIT 1)",
+                               "{0,0} MOD 2",
+                               "(({0,0}))",
+                               "(('x') || {0,0})",
+                               "LOWER (  {0,0} )",
+                               "\"f(x)\"(1, 2)",
+                               "SUM({0,0}) OVER (PARTITION BY {1,1} ORDER BY {0,0} DESC)",
+                               "COUNT(DISTINCT {0,0})",
+                               "ROW({0,0}, 1)",
+                               "TIMESTAMP '2000-01-01 00:00:00'"};
 
 // What may stand on the right of an operator with one operand. The first ones say the same to any
 // operator; the last ones begin with words that some operator of a catalogue ends with.
@@ -162,11 +191,61 @@ const QStringList rightSides = {"5",
                                 "'x' COLLATE NOCASE",
                                 "{1,0}::TEXT",
                                 "NOT_A",
-                                "$1"};
-const QStringList rightOfSigns = {"ALL (SELECT B FROM T)", "ANY (SELECT B FROM T WHERE A = 1)",
-                                  "{1,0} = {0,1}", "{1,0} IS NULL", "SOME (SELECT 1 FROM U)"};
-const QStringList likeTexts = {"'x%' ESCAPE '!'", "'%''%'", ":p",         "'a%'",
-                               "{1,0} || '%'",    "'%(%'",  "UPPER('x%')"};
+                                "$1",
+                                "''",
+                                "''''",
+                                "' '",
+                                "'\u00dcn\u00efc\u00f6de \U0001F600'",
+                                "'a' 'b'",
+                                "DATE'1995-01-01'",
+                                "EXTRACT(DAY FROM {1,0})",
+                                "TRIM(BOTH ' ' FROM {1,0})",
+                                "SUBSTRING({1,0} FROM 1 FOR 2)",
+                                "CAST({1,0} AS NUMERIC(10, 2))",
+                                "ARRAY[1]",
+                                "{1,0}[1]",
+                                "CASE {1,0} WHEN 1 THEN 'END' ELSE CASE WHEN B THEN 1 END END",
+                                "(SELECT A FROM U UNION SELECT B FROM T LIMIT 1)",
+                                "(WITH X AS (SELECT 1) SELECT * FROM X WHERE A = 1 OR B = 2)",
+                                "5 % 3",
+                                "A ^ 2",
+                                "A & 1",
+                                "A | 1",
+                                "1e5",
+                                "1E+5",
+                                ".5",
+                                "0x1F",
+                                "*",
+                                "U.*",
+                                "ROW(1, 2)",
+                                "(1, 2)",
+                                "((1, 2), (3))",
+                                "F()",
+                                "F(G(H(')')), \"(\")",
+                                "UPPER(LOWER( {1,0} ), 'x,y')",
+                                "MAX(DISTINCT {1,0})",
+                                "{1,0} AT TIME ZONE 'UTC'",
+                                "TRUE",
+                                "UNKNOWN",
+                                ":a.b",
+                                "#TEMP",
+                                "\"\"\"\"",
+                                "LEFT",
+                                "UPPER"};
+const QStringList rightOfSigns = {"ALL (SELECT B FROM T)",
+                                  "ANY (SELECT B FROM T WHERE A = 1)",
+                                  "{1,0} = {0,1}",
+                                  "{1,0} IS NULL",
+                                  "SOME (SELECT 1 FROM U)",
+                                  "NOT {1,0}",
+                                  "{1,0} IN (1, 2)",
+                                  "EXISTS (SELECT 1 FROM U)",
+                                  "{1,0} >= 5",
+                                  "{1,0} LIKE 'x'",
+                                  "{1,0} -> 'x'"};
+const QStringList likeTexts = {
+    "'x%' ESCAPE '!'", "'%''%'", ":p",          "'a%'",
+    "{1,0} || '%'",    "'%(%'",  "UPPER('x%')", "'x' COLLATE NOCASE ESCAPE '\\'"};
 const QStringList lists = {"1, 2",
                            "1,2",
                            "'a)', 'b('",
@@ -180,7 +259,19 @@ const QStringList lists = {"1, 2",
                            "UPPER('a'), 'B'",
                            "(5)",
                            "{1,0} + 1, LOWER('x')",
-                           "(SELECT MAX(A) FROM U)"};
+                           "(SELECT MAX(A) FROM U)",
+                           "''",
+                           "NULL",
+                           "SELECT 1",
+                           "SELECT A FROM U UNION ALL SELECT (B) FROM T",
+                           "VALUES (1), (2)",
+                           "WITH X AS (SELECT 1) SELECT * FROM X",
+                           "(1), (2)",
+                           "((1))",
+                           "'x' , 'y'",
+                           "CASE WHEN A = 1 AND B = 2 THEN 1 ELSE 2 END, 3",
+                           "CAST({1,0} AS NUMERIC(10, 2)), 1",
+                           "A = 1"};
 
 // Conditions in which no operator of the default catalogue fits.
 const QStringList wholeTexts = {"EXISTS (SELECT A FROM U WHERE X = 1 AND Y = {0,0})",
@@ -218,11 +309,66 @@ const QStringList expressions = {"LOWER({0,0})",
                                  "DATE '1995-01-01'",
                                  ":p",
                                  "LEFT({0,0}, 1)"};
-const QStringList numbers = {"-5", "1", "1.5"};
-const QStringList aggregates = {
-    "SUM({0,0})",        "COUNT(*)",           "COUNT( DISTINCT {0,0} )",
-    "MIN({0,0} * 2)",    "AVG({0,0} + {1,1})", "SUM({0,0}) + 1",
-    "MAX(UPPER({0,0}))", "MAX('it''s')",       "SUM(CASE WHEN {0,0} = 1 THEN 1 ELSE 0 END)"};
+const QStringList moreExpressions = {"SALARY",
+                                     "BUDGET",
+                                     "X",
+                                     "PLAIN",
+                                     "COUNT(*) OVER ()",
+                                     "SUM({0,0}) OVER (PARTITION BY {1,1} ORDER BY {0,0} DESC)",
+                                     "ROW_NUMBER() OVER (ORDER BY {0,0})",
+                                     "EXTRACT(YEAR FROM {0,0})",
+                                     "TRIM(BOTH ' ' FROM {0,0})",
+                                     "{0,0} IN (1, 2)",
+                                     "{0,0} BETWEEN 1 AND 2",
+                                     "{0,0} = 1 AND {1,1} = 2",
+                                     "EXISTS (SELECT 1 FROM U)",
+                                     "NOT {0,0}",
+                                     "{0,0} / {1,1} - {0,0}",
+                                     "{0,0}::TEXT",
+                                     "({0,0})",
+                                     "(({0,0}))",
+                                     "('x')",
+                                     "''",
+                                     "NULL",
+                                     "CURRENT_DATE",
+                                     "INTERVAL '1' DAY",
+                                     "CASE {0,0} WHEN 1 THEN 'END' END",
+                                     "F(G(')'), \"(\")",
+                                     "UPPER( LOWER({0,0}) )",
+                                     "CAST( {0,0} AS NUMERIC(10,2) )",
+                                     "GEN_ID(G, 1)",
+                                     "{0,0} COLLATE NOCASE",
+                                     "{0,0} AT TIME ZONE 'UTC'",
+                                     "{0,0} % 2",
+                                     "1 + 1",
+                                     "(SELECT COUNT(*) FROM U)",
+                                     "COALESCE((SELECT MAX(A) FROM U), 0)",
+                                     "'a' || {0,0} || ', b'",
+                                     "{0,0} IS NOT NULL",
+                                     "~ {0,0}",
+                                     "LOWER ({0,0})"};
+const QStringList numbers = {"-5", "1", "1.5", "+1", "1e5", "0"};
+const QStringList aggregates = {"SUM({0,0})",
+                                "COUNT(*)",
+                                "COUNT( DISTINCT {0,0} )",
+                                "MIN({0,0} * 2)",
+                                "AVG({0,0} + {1,1})",
+                                "SUM({0,0}) + 1",
+                                "MAX(UPPER({0,0}))",
+                                "MAX('it''s')",
+                                "SUM({0,0}) FILTER (WHERE {1,1} = 1)",
+                                "SUM( {0,0} ) / COUNT( * )",
+                                "COUNT({0,0}, {1,1})",
+                                "MAX(COALESCE({0,0}, 0))",
+                                "MIN((SELECT 1 FROM U))",
+                                "COALESCE(SUM({0,0}), 0)",
+                                "CASE WHEN MAX({0,0}) = 1 THEN 1 END",
+                                "MAX(({0,0}))",
+                                "AVG(ALL {0,0})",
+                                "SUM(-{0,0})",
+                                "COUNT(1)",
+                                "MAX({0,0}::TEXT)",
+                                "SUM(CASE WHEN {0,0} = 1 THEN 1 ELSE 0 END)"};
 const QStringList tails = {"LIMIT 10",
                            "FOR UPDATE",
                            "UNION ALL SELECT 'a' FROM U",
@@ -232,7 +378,14 @@ const QStringList tails = {"LIMIT 10",
                            "EXCEPT SELECT 'x;y' FROM T WHERE A IN (1, 2)",
                            "WINDOW W AS (PARTITION BY A)",
                            "INTERSECT ALL SELECT A FROM U ORDER BY 1",
-                           "LIMIT 10\r\nOFFSET 5"};
+                           "LIMIT 10\r\nOFFSET 5",
+                           "OFFSET 5 ROWS FETCH NEXT 5 ROWS ONLY",
+                           "FOR UPDATE OF T NOWAIT",
+                           "UNION ALL\r\nSELECT 'a--b;' FROM U WHERE X = ')'",
+                           "UNION DISTINCT SELECT \"LIMIT\" FROM U",
+                           "for share",
+                           "LIMIT (5 + 5)",
+                           "LIMIT ALL"};
 const QStringList joinTexts = {"{0,2} > 5",
                                "{0,2} IS NULL AND {1,2} <> 'it''s'",
                                "{1,2} BETWEEN 1 AND 5",
@@ -252,7 +405,11 @@ QString nameKey(const QString& name) {
 void prepareForRandomStates(HostedBuilder& on, StateSetting setting) {
     on.host.add("lower", {"a", "B", "c d"});
     on.host.add("q\"q", {"x\"y", "Z"});
+    on.host.add("a'b", {"it's", "[x]", "--"});
+    on.host.add("x; (z)", {"a, b", "1", "\u00e4 \u20ac"});
+    on.host.add("ORDER", {"GROUP", "SELECT", "NO"});
     on.host.add(qualifiedTable, {"A", "Z"});
+    lReservedWords() = reservedWords;
     on.builder.setKeepMeaning(setting.keepMeaning);
     if (!setting.ownOperators) return;
     for (const OperatorTexts& texts : ownOperators) {
@@ -281,7 +438,7 @@ RandomState::RandomState(unsigned seed, StateSetting setting) : m_setting(settin
 void RandomState::makeTables() {
     const int count = 1 + below(oneIn(3) ? 6 : 3);
     for (int index = 0; index < count; ++index) {
-        Table table{newPiece(), oneOf(oneIn(4) ? quotedTables : plainTables), {}};
+        Table table{newPiece(), oneOf(oneIn(4) ? quotedTables : plainTables), {}, oneIn(12), {}};
         const bool isTwice = std::any_of(m_tables.begin(), m_tables.end(), [&](const auto& other) {
             return other.name == table.name;
         });
@@ -292,6 +449,7 @@ void RandomState::makeTables() {
         const bool needsAlias = table.name == qualifiedTable;
         if (needsAlias || oneIn(3)) table.alias = oneOf(typedAliases);
         if (needsAlias) table.alias = QStringLiteral("Q%1").arg(index);
+        if (oneIn(6)) table.newAlias = oneOf(typedAliases);
         m_tables.push_back(table);
     }
 }
@@ -324,7 +482,7 @@ void RandomState::makeLinks() {
 
 void RandomState::addLink(int table1, int table2) {
     if (oneIn(2)) std::swap(table1, table2);
-    Link link{newPiece(), table1, below(10), table2, below(10), {}, klInnerJoin, {}};
+    Link link{newPiece(), table1, below(10), table2, below(10), {}, klInnerJoin, {}, oneIn(6)};
     const bool asymmetric = oneIn(m_setting.keepMeaning ? 2 : 8);
     link.operation = asymmetric ? oneOf({"<", ">", "<=", ">="}) : oneOf({"=", "=", "<>"});
     if (oneIn(3)) link.kind = TKindOfJoin(below(4));
@@ -351,9 +509,12 @@ QString RandomState::withFields(QString text) {
 QString RandomState::aliasOfColumn() {
     switch (below(8)) {
     case 0: return QStringLiteral("N%1").arg(below(3));
-    case 1: return QStringLiteral("\"full name %1\"").arg(below(3));
+    case 1:
+        return oneOf({"\"full name\"", "\"a\"\"b\"", "\"it's\"", "\"x, y\"", "\"FROM\"", "\"1ST\"",
+                      "\"a.b\"", "\"(\"", "\"plain\"", "\"PLAIN\"", "\" \"", "\"N1\"", "\"--\"",
+                      "\"\u00e4\"", "'in text'", "\"\"\"\""});
     case 2: return QStringLiteral("Total%1").arg(m_pieces);
-    case 3: return {};
+    case 3: return oneOf({"", "A", "X", "SALARY", "PRICE"});
     default: return QStringLiteral("N%1").arg(m_pieces);
     }
 }
@@ -371,7 +532,7 @@ RandomState::Column RandomState::makeColumn(bool aggregates) {
         }
         return column;
     }
-    if (oneIn(3)) column.expression = withFields(oneOf(expressions));
+    if (oneIn(3)) column.expression = withFields(oneOf(oneIn(2) ? expressions : moreExpressions));
     if (oneIn(12)) {
         column.expression = oneOf(numbers);
         column.isNumber = true;
@@ -540,9 +701,11 @@ void RandomState::build(HostedBuilder& on) const {
     for (const Row& root : m_having) buildPanel(target, *on.builder.HavingPanel, root);
     on.builder.endChange();
     buildOrder(target);
+    renameLate(target);
     on.builder.SelectPanel->SetDistinct(m_distinct >= 0 && has(m_distinct) ? -1 : 0);
     if (m_tail >= 0 && has(m_tail)) on.builder.setTailText(m_tailText);
-    if (m_front >= 0 && has(m_front)) on.builder.WorkArea->TableToFront(target.box(m_frontTable));
+    if (m_front < 0 || !has(m_front) || !target.box(m_frontTable)) return;
+    on.builder.WorkArea->TableToFront(target.box(m_frontTable));
 }
 
 // An alias that is another box's but for quotes or case would make no valid statement. By design a
@@ -567,19 +730,40 @@ void RandomState::buildTables(Target& target) const {
     }
 }
 
+TorvQDLink* RandomState::drawLink(Target& target, const Link& link) {
+    TorvQDWorkArea& area = *target.builder.WorkArea;
+    TorvQDTable* table1 = target.box(link.table1);
+    TorvQDTable* table2 = target.box(link.table2);
+    if (!table1 || !table2) return nullptr;
+    TorvQDListItem* item1 = target.item(link.table1, link.field1);
+    TorvQDListItem* item2 = target.item(link.table2, link.field2);
+    if (area.FindLink(table1, table2, item1, item2)) return nullptr;
+    TorvQDLink* added = area.AddLink(table1, table2, item1, item2);
+    added->setOperatorText(link.operation);
+    added->Join->KindOfJoin = link.kind;
+    if (!link.text.isEmpty()) added->Join->Text = *target.text(link.text);
+    return added;
+}
+
 void RandomState::buildLinks(Target& target) const {
     TorvQDWorkArea& area = *target.builder.WorkArea;
+    std::vector<std::pair<const Link*, TorvQDLink*>> drawn;
     for (const Link& link : m_links) {
-        TorvQDTable* table1 = target.box(link.table1);
-        TorvQDTable* table2 = target.box(link.table2);
-        if (!has(link.piece) || !table1 || !table2) continue;
-        TorvQDListItem* item1 = target.item(link.table1, link.field1);
-        TorvQDListItem* item2 = target.item(link.table2, link.field2);
-        if (area.FindLink(table1, table2, item1, item2)) continue;
-        TorvQDLink* added = area.AddLink(table1, table2, item1, item2);
-        added->setOperatorText(link.operation);
-        added->Join->KindOfJoin = link.kind;
-        if (!link.text.isEmpty()) added->Join->Text = *target.text(link.text);
+        if (!has(link.piece)) continue;
+        if (TorvQDLink* added = drawLink(target, link)) drawn.emplace_back(&link, added);
+    }
+    for (const auto& [link, added] : drawn) {
+        if (!link->goes) continue;
+        area.RemoveLink(added, true);
+        Link again = *link;
+        again.text.clear();  // it goes with its join
+        (void)drawLink(target, again);
+    }
+    for (std::size_t table = 0; table < m_tables.size(); ++table) {
+        if (!m_tables[table].closes || !target.boxes[table]) continue;
+        if (target.builder.ListOfTables->TablesCount() == 1) continue;
+        target.builder.ListOfTables->DeleteTable(target.boxes[table]);
+        target.boxes[table] = nullptr;
     }
 }
 
@@ -637,6 +821,21 @@ bool RandomState::buildRow(Target& target, TorvQDWhereRow& row, const Row& from)
         row.Arguments[index] = *argument;
     }
     return true;
+}
+
+// Columns follow by plain text: an alias that others end with is not renamed.
+void RandomState::renameLate(Target& target) const {
+    for (std::size_t table = 0; table < m_tables.size(); ++table) {
+        TorvQDTable* box = target.boxes[table];
+        QString alias = m_tables[table].newAlias;
+        alias.remove(u'.');
+        if (!box || alias.isEmpty() || !mayRename(target, *box, alias)) continue;
+        const std::vector<TorvQDTable*>& boxes = target.builder.WorkArea->tablesByCreation();
+        const bool endsAnother = std::any_of(boxes.begin(), boxes.end(), [&](const auto* other) {
+            return other != box && other->GetAlias().endsWith(box->GetAlias());
+        });
+        if (!endsAnother) target.builder.WorkArea->renameTable(box, m_tables[table].newAlias);
+    }
 }
 
 // As the user does it: on the lists and buttons of the page.

@@ -5,11 +5,13 @@
 #include "criteria/ORVQDWherePanel.h"
 #include "data/ProcessName.h"
 #include "diagram/ORVQDLinks.h"
+#include "parser/ORVQDTokens.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <QHash>
+#include <QRegularExpression>
 #include <QSet>
 
 #include <algorithm>
@@ -108,6 +110,18 @@ bool hasLoadedSpacing(const QString& text) {
         return piece;
     });
     return plain && !text.contains(QStringLiteral(",'")) && !text.contains(QStringLiteral("( '"));
+}
+
+// Fields with operators between them, and nothing else, without blanks.
+QString withoutChainBlanks(const QString& text) {
+    static const QString quoted = QStringLiteral("(?:\"[^\"]*\")+");
+    static const QString field =
+        QStringLiteral("(?:[A-Z_][\\w$]*|%1)(?:\\.(?:[\\w$]+|%1))*").arg(quoted);
+    static const QString operation = QStringLiteral(" *[-+*/|<>=!]+ *");
+    static const QRegularExpression chain(QStringLiteral("^%1(?:%2%1)+$").arg(field, operation));
+    return chain.match(text).hasMatch()
+               ? outsideQuotes(text, [](QString piece) { return piece.remove(u' '); })
+               : text;
 }
 
 QString filled(const QString& text) {
@@ -385,7 +399,9 @@ QStringList pageLines(TorvQueryBuilder& builder, StateForm form) {
     for (const orv::OutputColumn& column : builder.SelectPanel->grid()->columns()) {
         names << column.name;
         lines << QStringLiteral("column %1 | %2 | %3")
-                     .arg(column.name, filled(column.aggregate), upper(column.source));
+                     .arg(column.name, filled(column.aggregate),
+                          form == StateForm::Exact ? upper(column.source)
+                                                   : withoutChainBlanks(upper(column.source)));
     }
     const orv::SortList& list = builder.OrderPanel->sortList();
     for (const orv::SortList::Line& line : list.lines()) {
@@ -444,7 +460,7 @@ bool isPlainState(TorvQueryBuilder& builder) {
     const std::vector<orv::OutputColumn>& columns = builder.SelectPanel->grid()->columns();
     return upper(from) == from &&
            std::all_of(columns.begin(), columns.end(), [](const orv::OutputColumn& column) {
-               return upper(column.source) == column.source;
+               return withoutChainBlanks(upper(column.source)) == column.source;
            });
 }
 
@@ -474,12 +490,24 @@ bool isTakenForAnother(const Writing& writing) {
     return false;
 }
 
-bool hasInvalidOutputName(TorvQueryBuilder& builder) {
-    const std::vector<orv::OutputColumn>& columns = builder.SelectPanel->grid()->columns();
-    return std::any_of(columns.begin(), columns.end(), [](const orv::OutputColumn& column) {
+QStringList invalidOutputNames(TorvQueryBuilder& builder) {
+    QStringList names;
+    for (const orv::OutputColumn& column : builder.SelectPanel->grid()->columns()) {
         const bool written = column.name != orv::createFieldName(QString(), column.source);
-        return written && !orv::isBlank(column.name) && !orv::isPlainIdentifier(column.name) &&
-               !orv::isQuotedName(column.name);
+        if (written && !orv::isBlank(column.name) && !orv::isPlainIdentifier(column.name) &&
+            !orv::isQuotedName(column.name) && !column.name.startsWith(u'\'')) {
+            names << column.name;
+        }
+    }
+    return names;
+}
+
+bool hasUnwrittenName(TorvQueryBuilder& builder) {
+    const orv::OutputColumns& columns = builder.SelectPanel->grid()->columns();
+    return std::any_of(columns.begin(), columns.end(), [](const orv::OutputColumn& column) {
+        const bool computed =
+            !orv::isBlank(column.aggregate) || orv::tokenise(column.source).size() > 1;
+        return computed && column.name == orv::createFieldName(QString(), column.source);
     });
 }
 
@@ -522,11 +550,18 @@ Promise promiseOf(TorvQueryBuilder& builder) {
         promise.lost = QStringLiteral("a circle names a table twice");
     } else if (isTakenForAnother(writing)) {
         promise.lost = QStringLiteral("a table is taken for one with its name as alias");
-    } else if (hasInvalidOutputName(builder)) {
+    } else if (const QStringList names = invalidOutputNames(builder); !names.isEmpty()) {
         promise.lost = QStringLiteral("an output name is no name in SQL");
+        // What stands behind a comma is read as a column.
+        promise.mayReport = names.join(QString()).contains(u',');
+    } else if (hasUnwrittenName(builder)) {
+        promise.lost =
+            QStringLiteral("a computed column has its field's name, which is not written");
+        promise.mayReport = true;
     }
     if (!promise.mayReport) promise.reported = promise.lost;
-    if (!builder.KeepMeaning()) promise.mayReport = hasOuterJoinInCompany(*builder.WorkArea);
+    if (!builder.KeepMeaning() && hasOuterJoinInCompany(*builder.WorkArea))
+        promise.mayReport = true;
     return promise;
 }
 
