@@ -178,7 +178,7 @@ Writing writingByCreation(const TorvQDWorkArea& area) {
     const auto add = [&](const TorvQDTable* table, const TorvQDJoin* join) {
         written.insert(table);
         writing.tables.push_back(table);
-        writing.broughtBy.insert(table, join);
+        if (join) writing.broughtBy.insert(table, join);
     };
     for (const TorvQDTable* first : area.tablesByCreation()) {
         if (written.contains(first)) continue;
@@ -511,10 +511,42 @@ bool hasUnwrittenName(TorvQueryBuilder& builder) {
     });
 }
 
-bool hasOuterJoinInCompany(const TorvQDWorkArea& area) {
-    const bool any = std::any_of(area.Joins().begin(), area.Joins().end(),
-                                 [](const auto& join) { return join->KindOfJoin != klInnerJoin; });
-    return any && area.TablesCount() > 2;
+/// What the order of outer joins does to the report.
+enum class OrderReport { None, Some, Open };
+
+// The table whose rows a left or right join fills up with nothing; none for the other kinds.
+const TorvQDTable* filledUp(const TorvQDJoin& join) {
+    if (join.KindOfJoin == klLOuterJoin) return join.Table2;
+    return join.KindOfJoin == klROuterJoin ? join.Table1 : nullptr;
+}
+
+bool touches(const TorvQDJoin& join, const TorvQDTable* table) {
+    return join.Table1 == table || join.Table2 == table;
+}
+
+// Outer joins may be turned round when no table that they fill up takes part in another join but as
+// the side that this one preserves, and when full joins stand alone or among their like.
+OrderReport orderOfOuterJoins(const TorvQDWorkArea& area, const Writing& writing) {
+    const auto count = [&](const auto& is) {
+        return std::count_if(area.Joins().begin(), area.Joins().end(),
+                             [&](const auto& join) { return is(*join); });
+    };
+    const auto isOuter = [](const TorvQDJoin& join) { return join.KindOfJoin != klInnerJoin; };
+    const auto isFull = [](const TorvQDJoin& join) { return join.KindOfJoin == klFOuterJoin; };
+    if (count(isOuter) == 0) return OrderReport::None;
+    // Behind a comma a right or full join is told of; what a comma beside others does is open.
+    if (writing.broughtBy.size() + 1 < area.TablesCount()) return OrderReport::Open;
+    const auto joins = std::ptrdiff_t(area.Joins().size());
+    if (count(isFull) > 0 && joins > 1 && count(isFull) < joins) return OrderReport::Some;
+    for (const auto& join : area.Joins()) {
+        const TorvQDTable* empty = filledUp(*join);
+        const auto disturbs = [&](const TorvQDJoin& other) {
+            const bool preserves = filledUp(other) && filledUp(other) != empty;
+            return &other != join.get() && empty && touches(other, empty) && !preserves;
+        };
+        if (count(disturbs) > 0) return OrderReport::Some;
+    }
+    return OrderReport::None;
 }
 
 /// A join that closes a circle, with the join of the line that its conditions go to.
@@ -560,8 +592,14 @@ Promise promiseOf(TorvQueryBuilder& builder) {
         promise.mayReport = true;
     }
     if (!promise.mayReport) promise.reported = promise.lost;
-    if (!builder.KeepMeaning() && hasOuterJoinInCompany(*builder.WorkArea))
-        promise.mayReport = true;
+    if (builder.KeepMeaning() || !promise.lost.isEmpty()) return promise;
+    switch (orderOfOuterJoins(*builder.WorkArea, writing)) {
+    case OrderReport::None: break;
+    case OrderReport::Some:
+        promise.reported = QStringLiteral("the order of outer joins matters");
+        break;
+    case OrderReport::Open: promise.mayReport = true; break;
+    }
     return promise;
 }
 

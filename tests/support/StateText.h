@@ -62,9 +62,8 @@ struct Promise {
 ///     which is then taken for that box; an output name that SQL does not take for one; the name of
 ///     a computed column that is its field's own, which is not written.
 /// Each of those that the text shows must be reported. Without the meaning kept, loading also
-/// reports an operator that would be turned round by writing the loaded state, and may report outer
-/// joins that are loaded with other joins or tables beside them, because they are written in
-/// another order.
+/// reports an operator that would be turned round by writing the loaded state, and outer joins that
+/// give other rows in another order; it may report outer joins beside a comma.
 [[nodiscard]] Promise promiseOf(TorvQueryBuilder& builder);
 
 /// Without the meaning kept: why the loaded state would be written with another meaning, which its
