@@ -6,6 +6,7 @@
 #include "criteria/ORVQDWherePanel.h"
 #include "data/ProcessName.h"
 #include "parser/ORVQDParser.h"
+#include "support/RandomTexts.h"
 
 #include <QListWidget>
 #include <QRegularExpression>
@@ -16,384 +17,6 @@
 namespace orvtest {
 
 namespace {
-
-// --- the host
-// -------------------------------------------------------------------------------------
-
-// Words that the host wants quoted; names of a table and of fields are among them.
-const QStringList reservedWords = {"ORDER", "GROUP", "SELECT"};
-
-// Names that SQL takes as they are, and names in need of quotes. The last one is a qualified name,
-// which a host hands over in quotes and which then needs an alias.
-const QStringList plainTables = {"T", "U", "EMPLOYEE", "DEPT", "ORDERS"};
-const QStringList quotedTables = {"my table", "S.T",    "lower", "q\"q",
-                                  "a'b",      "x; (z)", "ORDER", "\"S\".\"T\""};
-const QString qualifiedTable = quotedTables.back();
-
-// What a user types over a caption: plain, in need of quotes, in quotes, with a full stop,
-// keywords.
-const QStringList typedAliases = {"X1", "Y2",      "my z",      "W$",    "e",  "\u00c4",  "x.y",
-                                  "T1", "union",   "a\"b",      "U9",    "ON", "\"q r\"", "1ST",
-                                  "O",  "LIMIT",   "O'CLOCK",   "DEPT2", "_N", "q(r",     "a, b",
-                                  "AB", "\"u v\"", "Employee7", "EE"};
-
-struct OperatorTexts {
-    const char* name;
-    const char* prefix;
-    const char* relate;
-    const char* postfix;
-    int count;
-};
-
-const OperatorTexts ownOperators[] = {
-    {"CONTAINING", "", "", "", 1},
-    {"STARTING WITH", "", "", "", 1},
-    {"NOT STARTING WITH", "", "", "", 1},
-    {"IS DISTINCT FROM", "", "", "", 1},
-    {"SOUNDS LIKE", "", "", "", 1},
-    {"IS TRUE", "", "", "", 0},
-    {"IS NOT EMPTY", "", "", "", 0},
-    {"~", "", "", "", 1},
-    {"!~*", "", "", "", 1},
-    {"==", "", "", "", 1},
-    {"@>", "", "", "", 1},
-    {"!=", "", "", "", 1},
-    {"<=>", "", "", "", 1},
-    {"MATCHES", "", "", " ESCAPE '!'", 1},
-    {"IN LIST", "LIST (", "", ")", 1},
-    {"IN SET", "{", "", "}", 1},
-    {"HAS ANY", "(SELECT ", "", ")", 1},
-    {"OVERLAPS", "(", ", ", ")", 2},
-    {"NEAR", "", " to ", "", 2},
-    {"BETWEEN SYMMETRIC", "", " and ", "", 2},
-    {"NOT BETWEEN SYMMETRIC", "", " and ", "", 2},
-    {"BETWEEN ALL", "", " and ", "", 3},
-    {"WITHIN", "ANY ", " OF ", " ROWS", 3},
-    {"OUTSIDE", "", " AND ", "", 2},
-    {"[=]", "", "", "", 1},
-    {"->>", "", "", "", 1},
-    {"DURING", "PERIOD (", ", ", ")", 2},
-    {"SIMILAR", "TO ", " ESCAPE ", "", 2},
-    {"RANGE", "", " .. ", "", 2},
-    {"IS BETWEEN", "", " and ", " INCLUSIVE", 2},
-    {"EXCLUDES", "", " ; ", "", 2},
-};
-
-// --- texts of operands
-// ----------------------------------------------------------------------------
-
-const QString caseText = "CASE WHEN {1,0} = 1 AND B > 2 OR C IN (1, 2) THEN 'x, y' ELSE 'z' END";
-
-// What may stand on the left: no operator of a catalogue at its own level.
-const QStringList leftSides = {"{0,0} + 1",
-                               "({0,0} + {1,1}) * 2",
-                               "LOWER({0,1})",
-                               "LEFT({0,0}, 1)",
-                               "UPPER({0,0})",
-                               "UPPER( {0,0} )",
-                               "COALESCE({0,0}, {1,1}, -1)",
-                               "CAST({0,0} AS VARCHAR(10))",
-                               "EXTRACT(YEAR FROM {0,0})",
-                               caseText,
-                               "'x'",
-                               "'it''s (not) [x], ok'",
-                               "5",
-                               "-5",
-                               "- {0,0}",
-                               "(SELECT MAX(A) FROM U WHERE X = 1 AND Y = 2)",
-                               "{0,0} || ', '",
-                               "DATE '1995-01-01'",
-                               "({0,0}, {1,1})",
-                               "({0,0})",
-                               "{0,0} COLLATE NOCASE",
-                               "{0,0} AT TIME ZONE 'UTC'",
-                               "{0,0}::TEXT",
-                               ":p1",
-                               "{0,0} << 2",
-                               "SUM({0,0})",
-                               "COUNT(*)",
-                               "A",
-                               "EXTRACT(DAY FROM {0,0})",
-                               "TRIM(BOTH ' ' FROM {0,0})",
-                               "POSITION('a' IN {0,0})",
-                               "SUBSTRING({0,0} FROM 1 FOR 2)",
-                               "CASE {0,0} WHEN 1 THEN 'END' ELSE CASE WHEN B THEN 1 END END",
-                               "''",
-                               "'\u00dcn\u00efc\u00f6de \U0001F600'",
-                               "(SELECT A FROM U UNION SELECT B FROM T LIMIT 1)",
-                               "{0,0} MOD 2",
-                               "(({0,0}))",
-                               "(('x') || {0,0})",
-                               "LOWER (  {0,0} )",
-                               "\"f(x)\"(1, 2)",
-                               "SUM({0,0}) OVER (PARTITION BY {1,1} ORDER BY {0,0} DESC)",
-                               "COUNT(DISTINCT {0,0})",
-                               "ROW({0,0}, 1)",
-                               "TIMESTAMP '2000-01-01 00:00:00'"};
-
-// What may stand on the right of an operator with one operand. The first ones say the same to any
-// operator; the last ones begin with words that some operator of a catalogue ends with.
-const QStringList rightSides = {"5",
-                                "-5",
-                                "+5",
-                                "1.5",
-                                "-0.5E-3",
-                                "NULL",
-                                "'x'",
-                                "'it''s'",
-                                "'a)'",
-                                "'(b'",
-                                "'a, b'",
-                                "' AND '",
-                                "' or '",
-                                "'--'",
-                                "'/* */'",
-                                "'[x]'",
-                                "'`'",
-                                "'\"'",
-                                "';'",
-                                "' UNION SELECT '",
-                                "'a' || 'b'",
-                                "N'x'",
-                                "X'FF'",
-                                "\"q(\"",
-                                "\"a, b\".\"it's\"",
-                                "DATE '1995-01-01' + INTERVAL '1' DAY",
-                                "{1,0} + 1",
-                                "({1,0} + 1) * 2",
-                                "- ({1,0} + 1)",
-                                "-{1,0}",
-                                "(5)",
-                                "((5))",
-                                "(-5)",
-                                "('x')",
-                                "({1,0})",
-                                "(SELECT MAX(A) FROM U WHERE X = 1 AND Y = 2)",
-                                "(select max(a) from u where x = 'lower')",
-                                "UPPER({1,0})",
-                                "UPPER( {1,0} )",
-                                "LOWER('x')",
-                                "COALESCE({1,0}, 0, -1)",
-                                "COALESCE({1,0},0)",
-                                "CAST({1,0} AS INTEGER)",
-                                "MAX({1,0})",
-                                "GEN_ID(G, 1)",
-                                caseText,
-                                ":p1",
-                                "@P",
-                                "?",
-                                "lower_case",
-                                "LEFT({1,0}, 1)",
-                                "RIGHT({1,0}, 1) || 'x'",
-                                "{1,0} || ' '",
-                                "CURRENT_DATE",
-                                "A.B.C",
-                                "'x' COLLATE NOCASE",
-                                "{1,0}::TEXT",
-                                "NOT_A",
-                                "$1",
-                                "''",
-                                "''''",
-                                "' '",
-                                "'\u00dcn\u00efc\u00f6de \U0001F600'",
-                                "'a' 'b'",
-                                "DATE'1995-01-01'",
-                                "EXTRACT(DAY FROM {1,0})",
-                                "TRIM(BOTH ' ' FROM {1,0})",
-                                "SUBSTRING({1,0} FROM 1 FOR 2)",
-                                "CAST({1,0} AS NUMERIC(10, 2))",
-                                "ARRAY[1]",
-                                "{1,0}[1]",
-                                "CASE {1,0} WHEN 1 THEN 'END' ELSE CASE WHEN B THEN 1 END END",
-                                "(SELECT A FROM U UNION SELECT B FROM T LIMIT 1)",
-                                "(WITH X AS (SELECT 1) SELECT * FROM X WHERE A = 1 OR B = 2)",
-                                "5 % 3",
-                                "A ^ 2",
-                                "A & 1",
-                                "A | 1",
-                                "1e5",
-                                "1E+5",
-                                ".5",
-                                "0x1F",
-                                "*",
-                                "U.*",
-                                "ROW(1, 2)",
-                                "(1, 2)",
-                                "((1, 2), (3))",
-                                "F()",
-                                "F(G(H(')')), \"(\")",
-                                "UPPER(LOWER( {1,0} ), 'x,y')",
-                                "MAX(DISTINCT {1,0})",
-                                "{1,0} AT TIME ZONE 'UTC'",
-                                "TRUE",
-                                "UNKNOWN",
-                                ":a.b",
-                                "#TEMP",
-                                "\"\"\"\"",
-                                "LEFT",
-                                "UPPER"};
-const QStringList rightOfSigns = {"ALL (SELECT B FROM T)",
-                                  "ANY (SELECT B FROM T WHERE A = 1)",
-                                  "{1,0} = {0,1}",
-                                  "{1,0} IS NULL",
-                                  "SOME (SELECT 1 FROM U)",
-                                  "NOT {1,0}",
-                                  "{1,0} IN (1, 2)",
-                                  "EXISTS (SELECT 1 FROM U)",
-                                  "{1,0} >= 5",
-                                  "{1,0} LIKE 'x'",
-                                  "{1,0} -> 'x'"};
-const QStringList likeTexts = {
-    "'x%' ESCAPE '!'", "'%''%'", ":p",          "'a%'",
-    "{1,0} || '%'",    "'%(%'",  "UPPER('x%')", "'x' COLLATE NOCASE ESCAPE '\\'"};
-const QStringList lists = {"1, 2",
-                           "1,2",
-                           "'a)', 'b('",
-                           "'it''s, ok', 'x'",
-                           "-1, +2",
-                           "SELECT Y FROM U WHERE W = 1",
-                           "SELECT Y FROM U WHERE A = 1 AND B = 2 OR C IN (1, 2) ORDER BY 1",
-                           "(1, 2), (3, 4)",
-                           "{1,0}",
-                           ":P",
-                           "UPPER('a'), 'B'",
-                           "(5)",
-                           "{1,0} + 1, LOWER('x')",
-                           "(SELECT MAX(A) FROM U)",
-                           "''",
-                           "NULL",
-                           "SELECT 1",
-                           "SELECT A FROM U UNION ALL SELECT (B) FROM T",
-                           "VALUES (1), (2)",
-                           "WITH X AS (SELECT 1) SELECT * FROM X",
-                           "(1), (2)",
-                           "((1))",
-                           "'x' , 'y'",
-                           "CASE WHEN A = 1 AND B = 2 THEN 1 ELSE 2 END, 3",
-                           "CAST({1,0} AS NUMERIC(10, 2)), 1",
-                           "A = 1"};
-
-// Conditions in which no operator of the default catalogue fits.
-const QStringList wholeTexts = {"EXISTS (SELECT A FROM U WHERE X = 1 AND Y = {0,0})",
-                                "{0,0}",
-                                "UNIQUE (SELECT A FROM U)",
-                                "{0,0} SIMILAR TO 'a(b|c)'",
-                                "TRUE",
-                                "CONTAINS({0,0}, 'x, y')",
-                                "{0,0} IN X",
-                                "{0,0} BETWEEN 5",
-                                "{0,0} IS OF (INTEGER)",
-                                "EXISTS (select a from u where \"x\" = 'y')"};
-const QStringList wholeTextsOfDefaults = {"{0,0} CONTAINING 'x'",         "{0,0} STARTING WITH 'x'",
-                                          "({0,0} = 1 OR B = 2) IS TRUE", "{0,0} ~ 'a|b'",
-                                          "A IS DISTINCT FROM B",         "{0,0} OVERLAPS (1, 2)"};
-
-// --- columns
-// --------------------------------------------------------------------------------------
-
-const QStringList expressions = {"LOWER({0,0})",
-                                 "{0,0} + 1",
-                                 "{0,0} * 2 + 1",
-                                 "{0,0} + {1,1}",
-                                 "({0,0} + 1) * 2",
-                                 caseText,
-                                 "{0,0} || ' '",
-                                 "'text'",
-                                 "'it''s, ok'",
-                                 "(SELECT MAX(A) FROM U WHERE X = 1 AND Y = 2)",
-                                 "UPPER({0,0})",
-                                 "CAST({0,0} AS INTEGER)",
-                                 "COALESCE({0,0}, -1)",
-                                 "- {0,0}",
-                                 "{0,0} IS NULL",
-                                 "DATE '1995-01-01'",
-                                 ":p",
-                                 "LEFT({0,0}, 1)"};
-const QStringList moreExpressions = {"SALARY",
-                                     "BUDGET",
-                                     "X",
-                                     "PLAIN",
-                                     "COUNT(*) OVER ()",
-                                     "SUM({0,0}) OVER (PARTITION BY {1,1} ORDER BY {0,0} DESC)",
-                                     "ROW_NUMBER() OVER (ORDER BY {0,0})",
-                                     "EXTRACT(YEAR FROM {0,0})",
-                                     "TRIM(BOTH ' ' FROM {0,0})",
-                                     "{0,0} IN (1, 2)",
-                                     "{0,0} BETWEEN 1 AND 2",
-                                     "{0,0} = 1 AND {1,1} = 2",
-                                     "EXISTS (SELECT 1 FROM U)",
-                                     "NOT {0,0}",
-                                     "{0,0} / {1,1} - {0,0}",
-                                     "{0,0}::TEXT",
-                                     "({0,0})",
-                                     "(({0,0}))",
-                                     "('x')",
-                                     "''",
-                                     "NULL",
-                                     "CURRENT_DATE",
-                                     "INTERVAL '1' DAY",
-                                     "CASE {0,0} WHEN 1 THEN 'END' END",
-                                     "F(G(')'), \"(\")",
-                                     "UPPER( LOWER({0,0}) )",
-                                     "CAST( {0,0} AS NUMERIC(10,2) )",
-                                     "GEN_ID(G, 1)",
-                                     "{0,0} COLLATE NOCASE",
-                                     "{0,0} AT TIME ZONE 'UTC'",
-                                     "{0,0} % 2",
-                                     "1 + 1",
-                                     "(SELECT COUNT(*) FROM U)",
-                                     "COALESCE((SELECT MAX(A) FROM U), 0)",
-                                     "'a' || {0,0} || ', b'",
-                                     "{0,0} IS NOT NULL",
-                                     "~ {0,0}",
-                                     "LOWER ({0,0})"};
-const QStringList numbers = {"-5", "1", "1.5", "+1", "1e5", "0"};
-const QStringList aggregates = {"SUM({0,0})",
-                                "COUNT(*)",
-                                "COUNT( DISTINCT {0,0} )",
-                                "MIN({0,0} * 2)",
-                                "AVG({0,0} + {1,1})",
-                                "SUM({0,0}) + 1",
-                                "MAX(UPPER({0,0}))",
-                                "MAX('it''s')",
-                                "SUM({0,0}) FILTER (WHERE {1,1} = 1)",
-                                "SUM( {0,0} ) / COUNT( * )",
-                                "COUNT({0,0}, {1,1})",
-                                "MAX(COALESCE({0,0}, 0))",
-                                "MIN((SELECT 1 FROM U))",
-                                "COALESCE(SUM({0,0}), 0)",
-                                "CASE WHEN MAX({0,0}) = 1 THEN 1 END",
-                                "MAX(({0,0}))",
-                                "AVG(ALL {0,0})",
-                                "SUM(-{0,0})",
-                                "COUNT(1)",
-                                "MAX({0,0}::TEXT)",
-                                "SUM(CASE WHEN {0,0} = 1 THEN 1 ELSE 0 END)"};
-const QStringList tails = {"LIMIT 10",
-                           "FOR UPDATE",
-                           "UNION ALL SELECT 'a' FROM U",
-                           "limit 5 offset 2",
-                           "UNION (SELECT A FROM U)",
-                           "FETCH FIRST 5 ROWS ONLY",
-                           "EXCEPT SELECT 'x;y' FROM T WHERE A IN (1, 2)",
-                           "WINDOW W AS (PARTITION BY A)",
-                           "INTERSECT ALL SELECT A FROM U ORDER BY 1",
-                           "LIMIT 10\r\nOFFSET 5",
-                           "OFFSET 5 ROWS FETCH NEXT 5 ROWS ONLY",
-                           "FOR UPDATE OF T NOWAIT",
-                           "UNION ALL\r\nSELECT 'a--b;' FROM U WHERE X = ')'",
-                           "UNION DISTINCT SELECT \"LIMIT\" FROM U",
-                           "for share",
-                           "LIMIT (5 + 5)",
-                           "LIMIT ALL"};
-const QStringList joinTexts = {"{0,2} > 5",
-                               "{0,2} IS NULL AND {1,2} <> 'it''s'",
-                               "{1,2} BETWEEN 1 AND 5",
-                               "({0,2} = 1 OR {1,2} = 2)",
-                               "{0,2} = 5 AND ({0,2} = 1 OR {1,2} = 2)",
-                               "EXISTS (SELECT A FROM U WHERE X = {1,2})"};
-
-const QStringList aggregateNames = {"SUM", "MIN", "MAX", "AVG", "COUNT"};
 
 // The same name for SQL, whatever its quotes and its case.
 QString nameKey(const QString& name) {
@@ -408,20 +31,12 @@ void prepareForRandomStates(HostedBuilder& on, StateSetting setting) {
     on.host.add("a'b", {"it's", "[x]", "--"});
     on.host.add("x; (z)", {"a, b", "1", "\u00e4 \u20ac"});
     on.host.add("ORDER", {"GROUP", "SELECT", "NO"});
-    on.host.add(qualifiedTable, {"A", "Z"});
-    lReservedWords() = reservedWords;
+    on.host.add(texts::qualifiedTable, {"A", "Z"});
+    lReservedWords() = texts::reservedWords;
     on.builder.setKeepMeaning(setting.keepMeaning);
     if (!setting.ownOperators) return;
-    for (const OperatorTexts& texts : ownOperators) {
-        TorvQDOperator entry;
-        entry.Name = QString::fromLatin1(texts.name);
-        entry.Caption = entry.Name.toLower();
-        entry.Prefix = QString::fromLatin1(texts.prefix);
-        entry.Relate = QString::fromLatin1(texts.relate);
-        entry.Postfix = QString::fromLatin1(texts.postfix);
-        entry.Count = texts.count;
-        on.builder.Operators->Add(entry);
-    }
+    for (const TorvQDOperator& operation : texts::ownOperators())
+        on.builder.Operators->Add(operation);
 }
 
 // --- making
@@ -438,18 +53,22 @@ RandomState::RandomState(unsigned seed, StateSetting setting) : m_setting(settin
 void RandomState::makeTables() {
     const int count = 1 + below(oneIn(3) ? 6 : 3);
     for (int index = 0; index < count; ++index) {
-        Table table{newPiece(), oneOf(oneIn(4) ? quotedTables : plainTables), {}, oneIn(12), {}};
+        Table table{newPiece(),
+                    oneOf(oneIn(4) ? texts::quotedTables : texts::plainTables),
+                    {},
+                    oneIn(12),
+                    {}};
         const bool isTwice = std::any_of(m_tables.begin(), m_tables.end(), [&](const auto& other) {
             return other.name == table.name;
         });
         // As specified, a second box of a table may be taken for the first: seldom made then.
         if (isTwice && !m_setting.keepMeaning && !oneIn(6)) {
-            table.name = plainTables[index % int(plainTables.size())];
+            table.name = texts::plainTables[index % int(texts::plainTables.size())];
         }
-        const bool needsAlias = table.name == qualifiedTable;
-        if (needsAlias || oneIn(3)) table.alias = oneOf(typedAliases);
+        const bool needsAlias = table.name == texts::qualifiedTable;
+        if (needsAlias || oneIn(3)) table.alias = oneOf(texts::typedAliases);
         if (needsAlias) table.alias = QStringLiteral("Q%1").arg(index);
-        if (oneIn(6)) table.newAlias = oneOf(typedAliases);
+        if (oneIn(6)) table.newAlias = oneOf(texts::typedAliases);
         m_tables.push_back(table);
     }
 }
@@ -487,7 +106,7 @@ void RandomState::addLink(int table1, int table2) {
     link.operation = asymmetric ? oneOf({"<", ">", "<=", ">="}) : oneOf({"=", "=", "<>"});
     if (oneIn(3)) link.kind = TKindOfJoin(below(4));
     if (m_setting.keepMeaning && oneIn(8)) {
-        link.text = oneOf(joinTexts);
+        link.text = oneOf(texts::joinTexts);
         link.text.replace("{0,", QStringLiteral("{%1,").arg(table1));
         link.text.replace("{1,", QStringLiteral("{%1,").arg(table2));
     }
@@ -522,7 +141,7 @@ QString RandomState::aliasOfColumn() {
 RandomState::Column RandomState::makeColumn(bool aggregates) {
     Column column{newPiece(), anyField(), {}, false, false};
     if (aggregates) {
-        column.expression = withFields(oneOf(orvtest::aggregates));
+        column.expression = withFields(oneOf(texts::aggregates));
         column.aggregates = true;
         // As specified, the name that is made from a quoted field or "*" is none in SQL.
         const bool named = m_setting.keepMeaning ? oneIn(2) : !oneIn(10);
@@ -532,9 +151,11 @@ RandomState::Column RandomState::makeColumn(bool aggregates) {
         }
         return column;
     }
-    if (oneIn(3)) column.expression = withFields(oneOf(oneIn(2) ? expressions : moreExpressions));
+    if (oneIn(3))
+        column.expression =
+            withFields(oneOf(oneIn(2) ? texts::expressions : texts::moreExpressions));
     if (oneIn(12)) {
-        column.expression = oneOf(numbers);
+        column.expression = oneOf(texts::numbers);
         column.isNumber = true;
     }
     if (oneIn(2)) column.alias = aliasOfColumn();
@@ -580,7 +201,7 @@ RandomState::Row RandomState::makeExpression(bool having) {
     Row row;
     row.piece = newPiece();
     const bool ofDefaults = !m_setting.ownOperators && oneIn(3);
-    row.field = withFields(oneOf(ofDefaults ? wholeTextsOfDefaults : wholeTexts));
+    row.field = withFields(oneOf(ofDefaults ? texts::wholeTextsOfDefaults : texts::wholeTexts));
     if (having && oneIn(2)) row.field = QStringLiteral("SUM(%1) IS OF (INTEGER)").arg(anyField());
     return row;
 }
@@ -589,49 +210,43 @@ RandomState::Row RandomState::makeCondition(bool having) {
     if (oneIn(8)) return makeExpression(having);
     Row row;
     row.piece = newPiece();
-    row.field = oneIn(2) ? anyField() : withFields(oneOf(leftSides));
+    row.field = oneIn(2) ? anyField() : withFields(oneOf(texts::leftSides));
     if (having && oneIn(2)) {
-        row.fieldFunc = oneOf(aggregateNames);
+        row.fieldFunc = oneOf(texts::aggregateNames);
         row.field = oneOf({anyField(), anyField() + " * 2", "DISTINCT " + anyField(), "*"});
     }
-    TOperatorList defaults;
-    orv::fillOperators(defaults);
-    const int own = m_setting.ownOperators ? int(std::size(ownOperators)) : 0;
-    const int index = below(defaults.Count() + own);
-    row.operation = index < defaults.Count()
-                        ? defaults.Items(index)->Name
-                        : QString::fromLatin1(ownOperators[index - defaults.Count()].name);
-    fillOperands(row, having);
+    const TorvQDOperator operation = anyOperator();
+    row.operation = operation.Name;
+    fillOperands(row, operation, having);
     return row;
 }
 
-void RandomState::fillOperands(Row& row, bool having) {
-    TorvQDOperator operation;
-    TOperatorList defaults;
-    orv::fillOperators(defaults);
-    if (const TOperatorList::Entry entry = defaults.FindName(row.operation)) operation = *entry;
-    for (const OperatorTexts& texts : ownOperators) {
-        if (row.operation != QString::fromLatin1(texts.name)) continue;
-        operation.Prefix = QString::fromLatin1(texts.prefix);
-        operation.Count = texts.count;
-        operation.Postfix = QString::fromLatin1(texts.postfix);
+TorvQDOperator RandomState::anyOperator() {
+    TOperatorList list;
+    orv::fillOperators(list);
+    if (m_setting.ownOperators) {
+        for (const TorvQDOperator& operation : texts::ownOperators()) list.Add(operation);
     }
+    return *list.Items(below(list.Count()));
+}
+
+void RandomState::fillOperands(Row& row, const TorvQDOperator& operation, bool having) {
     const bool isBare = operation.Prefix.isEmpty() && operation.Postfix.isEmpty();
     for (int index = 0; index < operation.Count; ++index) {
-        row.arguments << withFields(oneOf(rightSides));
+        row.arguments << withFields(oneOf(texts::rightSides));
     }
     if (operation.Count != 1) return;
     if (row.operation == "HAS ANY") {
         row.arguments = {QStringLiteral("A FROM U WHERE X = 1 AND Y IN (1, 2)")};
     } else if (operation.Postfix == ")") {
-        row.arguments = {withFields(oneOf(lists))};
+        row.arguments = {withFields(oneOf(texts::lists))};
     } else if (row.operation.endsWith("LIKE") && oneIn(2)) {
-        row.arguments = {withFields(oneOf(likeTexts))};
+        row.arguments = {withFields(oneOf(texts::likeTexts))};
     } else if (row.operation == "=" && oneIn(4)) {
-        row.arguments = {withFields(oneOf(rightOfSigns))};
+        row.arguments = {withFields(oneOf(texts::rightOfSigns))};
     } else if (having && isBare && oneIn(4)) {
         // With a prefix and a postfix the written brackets do not match.
-        row.argFunc = oneOf(aggregateNames);
+        row.argFunc = oneOf(texts::aggregateNames);
         row.arguments = {oneOf({anyField(), anyField() + " + 1", "*"})};
     }
 }
@@ -644,7 +259,7 @@ void RandomState::makeRest() {
     if (oneIn(4)) m_distinct = newPiece();
     if (oneIn(4)) {
         m_tail = newPiece();
-        m_tailText = oneOf(tails);
+        m_tailText = oneOf(texts::tails);
     }
     if (oneIn(2)) m_front = newPiece();
     m_frontTable = below(int(m_tables.size()));

@@ -103,7 +103,8 @@ private:
     Row makeGroup(int depth, bool having);
     Row makeCondition(bool having);
     Row makeExpression(bool having);
-    void fillOperands(Row& row, bool having);
+    TorvQDOperator anyOperator();
+    void fillOperands(Row& row, const TorvQDOperator& operation, bool having);
     void makeRest();
     QString withFields(QString text);
     [[nodiscard]] QString anyField();
