@@ -83,11 +83,17 @@ private:
         m_group->SubRows->Clear();
         m_group = buildRows(elements, m_group, false, m_nots);
         if (!m_negate) return;
-        if (m_group->isGroup()) {
-            m_group->SetGroupOper(opposite(m_group->GroupOper));
-        } else {
+        if (!m_group->isGroup()) {
             wrapInNone();
+            return;
         }
+        m_group->SetGroupOper(opposite(m_group->GroupOper));
+        // Two negations of one condition leave the condition.
+        if (m_group->GroupOper == all && holdsOneRow()) takeOnlyRow();
+    }
+
+    [[nodiscard]] bool holdsOneRow() const {
+        return m_group->parentRow() && m_group->SubRows->GetCount() == 1;
     }
 
     void readConnective(ConditionElement::Kind kind) {
@@ -148,7 +154,7 @@ private:
     void finish() {
         if (m_negate) {
             m_group->SetGroupOper(opposite(m_group->GroupOper));
-        } else if (m_group->parentRow() && m_group->SubRows->GetCount() == 1) {
+        } else if (holdsOneRow()) {
             takeOnlyRow();
         }
     }

@@ -43,6 +43,14 @@ QPushButton* makeButton(QWidget* parent, const char* caption, int top, QSize siz
     throw orv::Error(QStringLiteral("Fatal error! Could not find parent for sorting page!"));
 }
 
+// Databases disagree about which of several output columns of one name is meant.
+constexpr int ambiguousRow = -1;
+
+bool areAlike(const orv::OutputColumn& one, const orv::OutputColumn& other) {
+    return orv::tokenKey(one.source) == orv::tokenKey(other.source) &&
+           orv::orvTrim(one.aggregate) == orv::orvTrim(other.aggregate);
+}
+
 bool isAnyOf(const orv::TokenRun& run, int index, std::initializer_list<QStringView> words) {
     if (index < 0 || index >= run.size()) return false;
     for (const QStringView word : words) {
@@ -372,6 +380,9 @@ void TorvQDOrderPanel::loadItems(const orv::TokenRun& run, orv::LoadLedger& ledg
         const int row = expression.isEmpty() ? 0 : loadedRow(expression.sourceText(), isNumber);
         if (row >= 1) {
             appendLine(row, descends);
+        } else if (row == ambiguousRow) {
+            ledger.report(item, QStringLiteral("Several output columns have this name: the rows "
+                                               "are not sorted by it."));
         } else {
             ledger.report(item, QStringLiteral("No output column stands for this: the rows are "
                                                "not sorted by it."));
@@ -402,6 +413,7 @@ void TorvQDOrderPanel::appendLine(int row, bool descends) {
 int TorvQDOrderPanel::loadedRow(const QString& text, bool isNumber) const {
     if (!grid) return 0;
     const int row = isNumber ? text.toInt() : rowOfText(text);
+    if (!isNumber && row == ambiguousRow) return row;
     if (row < 1 || row > int(grid->columns().size())) return 0;
     return orv::isBlank(grid->columns()[std::size_t(row - 1)].name) ? 0 : row;
 }
@@ -411,16 +423,16 @@ int TorvQDOrderPanel::rowOfText(const QString& text) const {
     const int count = int(columns.size());
     const bool qualified = orv::firstFullStop(text) >= 0;
     const QString word = orv::unquotedName(text).toUpper();
-    int ownName = 0;  // a field that is called so by itself
+    int named = 0;
     for (int row = 1; !qualified && row <= count; ++row) {
-        const orv::OutputColumn& column = columns[std::size_t(row - 1)];
-        if (orv::unquotedName(column.name).toUpper() != word) continue;
-        const bool isGiven = column.name != orv::createFieldName(QString(), column.source);
-        if (isGiven) return row;  // comes before a field of that name
-        if (ownName == 0) ownName = row;
+        if (orv::unquotedName(columns[std::size_t(row - 1)].name).toUpper() != word) continue;
+        if (named == 0) {
+            named = row;
+        } else if (!areAlike(columns[std::size_t(named - 1)], columns[std::size_t(row - 1)])) {
+            return ambiguousRow;
+        }
     }
-    if (ownName > 0) return ownName;
-    const std::optional<PageField> field = host()->resolveField(text);
+    if (named > 0) return named;
     const QString key = orv::tokenKey(text);
     for (int row = 1; row <= count; ++row) {
         const orv::OutputColumn& column = columns[std::size_t(row - 1)];
@@ -428,7 +440,11 @@ int TorvQDOrderPanel::rowOfText(const QString& text) const {
         const QString source =
             plain ? column.source : column.aggregate + u'(' + column.source + u')';
         if (orv::tokenKey(source) == key) return row;
-        if (!field || !plain) continue;
+    }
+    const std::optional<PageField> field = host()->resolveField(text);
+    for (int row = 1; field && row <= count; ++row) {
+        const orv::OutputColumn& column = columns[std::size_t(row - 1)];
+        if (!orv::isBlank(column.aggregate)) continue;
         const std::optional<PageField> other = host()->resolveField(column.source);
         if (other && other->qualifiedName() == field->qualifiedName()) return row;
     }

@@ -4,7 +4,9 @@
 #include "catalogue/ORVQDOperators.h"
 #include "core/Error.h"
 #include "criteria/ORVQDWherePanel.h"
+#include "data/ProcessName.h"
 #include "parser/ORVQDParser.h"
+#include "support/RandomTexts.h"
 
 #include <QListWidget>
 #include <QRegularExpression>
@@ -16,232 +18,6 @@ namespace orvtest {
 
 namespace {
 
-// --- the host
-// -------------------------------------------------------------------------------------
-
-// Names that SQL takes as they are, and names in need of quotes. The last one is a qualified name,
-// which a host hands over in quotes and which then needs an alias.
-const QStringList plainTables = {"T", "U", "EMPLOYEE", "DEPT", "ORDERS"};
-const QStringList quotedTables = {"my table", "S.T", "lower", "q\"q", "\"S\".\"T\""};
-const QString qualifiedTable = quotedTables.back();
-
-// What a user types over a caption: plain, in need of quotes, in quotes, with a full stop,
-// keywords.
-const QStringList typedAliases = {"X1", "Y2",      "my z",      "W$",    "e",  "\u00c4",  "x.y",
-                                  "T1", "union",   "a\"b",      "U9",    "ON", "\"q r\"", "1ST",
-                                  "O",  "LIMIT",   "O'CLOCK",   "DEPT2", "_N", "q(r",     "a, b",
-                                  "AB", "\"u v\"", "Employee7", "EE"};
-
-struct OperatorTexts {
-    const char* name;
-    const char* prefix;
-    const char* relate;
-    const char* postfix;
-    int count;
-};
-
-const OperatorTexts ownOperators[] = {
-    {"CONTAINING", "", "", "", 1},
-    {"STARTING WITH", "", "", "", 1},
-    {"NOT STARTING WITH", "", "", "", 1},
-    {"IS DISTINCT FROM", "", "", "", 1},
-    {"SOUNDS LIKE", "", "", "", 1},
-    {"IS TRUE", "", "", "", 0},
-    {"IS NOT EMPTY", "", "", "", 0},
-    {"~", "", "", "", 1},
-    {"!~*", "", "", "", 1},
-    {"==", "", "", "", 1},
-    {"@>", "", "", "", 1},
-    {"!=", "", "", "", 1},
-    {"<=>", "", "", "", 1},
-    {"MATCHES", "", "", " ESCAPE '!'", 1},
-    {"IN LIST", "LIST (", "", ")", 1},
-    {"IN SET", "{", "", "}", 1},
-    {"HAS ANY", "(SELECT ", "", ")", 1},
-    {"OVERLAPS", "(", ", ", ")", 2},
-    {"NEAR", "", " to ", "", 2},
-    {"BETWEEN SYMMETRIC", "", " and ", "", 2},
-    {"NOT BETWEEN SYMMETRIC", "", " and ", "", 2},
-    {"BETWEEN ALL", "", " and ", "", 3},
-    {"WITHIN", "ANY ", " OF ", " ROWS", 3},
-    {"OUTSIDE", "", " AND ", "", 2},
-};
-
-// --- texts of operands
-// ----------------------------------------------------------------------------
-
-const QString caseText = "CASE WHEN {1,0} = 1 AND B > 2 OR C IN (1, 2) THEN 'x, y' ELSE 'z' END";
-
-// What may stand on the left: no operator of a catalogue at its own level.
-const QStringList leftSides = {"{0,0} + 1",
-                               "({0,0} + {1,1}) * 2",
-                               "LOWER({0,1})",
-                               "LEFT({0,0}, 1)",
-                               "UPPER({0,0})",
-                               "UPPER( {0,0} )",
-                               "COALESCE({0,0}, {1,1}, -1)",
-                               "CAST({0,0} AS VARCHAR(10))",
-                               "EXTRACT(YEAR FROM {0,0})",
-                               caseText,
-                               "'x'",
-                               "'it''s (not) [x], ok'",
-                               "5",
-                               "-5",
-                               "- {0,0}",
-                               "(SELECT MAX(A) FROM U WHERE X = 1 AND Y = 2)",
-                               "{0,0} || ', '",
-                               "DATE '1995-01-01'",
-                               "({0,0}, {1,1})",
-                               "({0,0})",
-                               "{0,0} COLLATE NOCASE",
-                               "{0,0} AT TIME ZONE 'UTC'",
-                               "{0,0}::TEXT",
-                               ":p1",
-                               "{0,0} << 2",
-                               "SUM({0,0})",
-                               "COUNT(*)",
-                               "A"};
-
-// What may stand on the right of an operator with one operand. The first ones say the same to any
-// operator; the last ones begin with words that some operator of a catalogue ends with.
-const QStringList rightSides = {"5",
-                                "-5",
-                                "+5",
-                                "1.5",
-                                "-0.5E-3",
-                                "NULL",
-                                "'x'",
-                                "'it''s'",
-                                "'a)'",
-                                "'(b'",
-                                "'a, b'",
-                                "' AND '",
-                                "' or '",
-                                "'--'",
-                                "'/* */'",
-                                "'[x]'",
-                                "'`'",
-                                "'\"'",
-                                "';'",
-                                "' UNION SELECT '",
-                                "'a' || 'b'",
-                                "N'x'",
-                                "X'FF'",
-                                "\"q(\"",
-                                "\"a, b\".\"it's\"",
-                                "DATE '1995-01-01' + INTERVAL '1' DAY",
-                                "{1,0} + 1",
-                                "({1,0} + 1) * 2",
-                                "- ({1,0} + 1)",
-                                "-{1,0}",
-                                "(5)",
-                                "((5))",
-                                "(-5)",
-                                "('x')",
-                                "({1,0})",
-                                "(SELECT MAX(A) FROM U WHERE X = 1 AND Y = 2)",
-                                "(select max(a) from u where x = 'lower')",
-                                "UPPER({1,0})",
-                                "UPPER( {1,0} )",
-                                "LOWER('x')",
-                                "COALESCE({1,0}, 0, -1)",
-                                "COALESCE({1,0},0)",
-                                "CAST({1,0} AS INTEGER)",
-                                "MAX({1,0})",
-                                "GEN_ID(G, 1)",
-                                caseText,
-                                ":p1",
-                                "@P",
-                                "?",
-                                "lower_case",
-                                "LEFT({1,0}, 1)",
-                                "RIGHT({1,0}, 1) || 'x'",
-                                "{1,0} || ' '",
-                                "CURRENT_DATE",
-                                "A.B.C",
-                                "'x' COLLATE NOCASE",
-                                "{1,0}::TEXT",
-                                "NOT_A",
-                                "$1"};
-const QStringList rightOfSigns = {"ALL (SELECT B FROM T)", "ANY (SELECT B FROM T WHERE A = 1)",
-                                  "{1,0} = {0,1}", "{1,0} IS NULL", "SOME (SELECT 1 FROM U)"};
-const QStringList likeTexts = {"'x%' ESCAPE '!'", "'%''%'", ":p",         "'a%'",
-                               "{1,0} || '%'",    "'%(%'",  "UPPER('x%')"};
-const QStringList lists = {"1, 2",
-                           "1,2",
-                           "'a)', 'b('",
-                           "'it''s, ok', 'x'",
-                           "-1, +2",
-                           "SELECT Y FROM U WHERE W = 1",
-                           "SELECT Y FROM U WHERE A = 1 AND B = 2 OR C IN (1, 2) ORDER BY 1",
-                           "(1, 2), (3, 4)",
-                           "{1,0}",
-                           ":P",
-                           "UPPER('a'), 'B'",
-                           "(5)",
-                           "{1,0} + 1, LOWER('x')",
-                           "(SELECT MAX(A) FROM U)"};
-
-// Conditions in which no operator of the default catalogue fits.
-const QStringList wholeTexts = {"EXISTS (SELECT A FROM U WHERE X = 1 AND Y = {0,0})",
-                                "{0,0}",
-                                "UNIQUE (SELECT A FROM U)",
-                                "{0,0} SIMILAR TO 'a(b|c)'",
-                                "TRUE",
-                                "CONTAINS({0,0}, 'x, y')",
-                                "{0,0} IN X",
-                                "{0,0} BETWEEN 5",
-                                "{0,0} IS OF (INTEGER)",
-                                "EXISTS (select a from u where \"x\" = 'y')"};
-const QStringList wholeTextsOfDefaults = {"{0,0} CONTAINING 'x'",         "{0,0} STARTING WITH 'x'",
-                                          "({0,0} = 1 OR B = 2) IS TRUE", "{0,0} ~ 'a|b'",
-                                          "A IS DISTINCT FROM B",         "{0,0} OVERLAPS (1, 2)"};
-
-// --- columns
-// --------------------------------------------------------------------------------------
-
-const QStringList expressions = {"LOWER({0,0})",
-                                 "{0,0} + 1",
-                                 "{0,0} * 2 + 1",
-                                 "{0,0} + {1,1}",
-                                 "({0,0} + 1) * 2",
-                                 caseText,
-                                 "{0,0} || ' '",
-                                 "'text'",
-                                 "'it''s, ok'",
-                                 "(SELECT MAX(A) FROM U WHERE X = 1 AND Y = 2)",
-                                 "UPPER({0,0})",
-                                 "CAST({0,0} AS INTEGER)",
-                                 "COALESCE({0,0}, -1)",
-                                 "- {0,0}",
-                                 "{0,0} IS NULL",
-                                 "DATE '1995-01-01'",
-                                 ":p",
-                                 "LEFT({0,0}, 1)"};
-const QStringList numbers = {"-5", "1", "1.5"};
-const QStringList aggregates = {
-    "SUM({0,0})",        "COUNT(*)",           "COUNT( DISTINCT {0,0} )",
-    "MIN({0,0} * 2)",    "AVG({0,0} + {1,1})", "SUM({0,0}) + 1",
-    "MAX(UPPER({0,0}))", "MAX('it''s')",       "SUM(CASE WHEN {0,0} = 1 THEN 1 ELSE 0 END)"};
-const QStringList tails = {"LIMIT 10",
-                           "FOR UPDATE",
-                           "UNION ALL SELECT 'a' FROM U",
-                           "limit 5 offset 2",
-                           "UNION (SELECT A FROM U)",
-                           "FETCH FIRST 5 ROWS ONLY",
-                           "EXCEPT SELECT 'x;y' FROM T WHERE A IN (1, 2)",
-                           "WINDOW W AS (PARTITION BY A)",
-                           "INTERSECT ALL SELECT A FROM U ORDER BY 1",
-                           "LIMIT 10\r\nOFFSET 5"};
-const QStringList joinTexts = {"{0,2} > 5",
-                               "{0,2} IS NULL AND {1,2} <> 'it''s'",
-                               "{1,2} BETWEEN 1 AND 5",
-                               "({0,2} = 1 OR {1,2} = 2)",
-                               "{0,2} = 5 AND ({0,2} = 1 OR {1,2} = 2)",
-                               "EXISTS (SELECT A FROM U WHERE X = {1,2})"};
-
-const QStringList aggregateNames = {"SUM", "MIN", "MAX", "AVG", "COUNT"};
-
 // The same name for SQL, whatever its quotes and its case.
 QString nameKey(const QString& name) {
     return orv::unquotedName(name).toUpper();
@@ -252,19 +28,15 @@ QString nameKey(const QString& name) {
 void prepareForRandomStates(HostedBuilder& on, StateSetting setting) {
     on.host.add("lower", {"a", "B", "c d"});
     on.host.add("q\"q", {"x\"y", "Z"});
-    on.host.add(qualifiedTable, {"A", "Z"});
+    on.host.add("a'b", {"it's", "[x]", "--"});
+    on.host.add("x; (z)", {"a, b", "1", "\u00e4 \u20ac"});
+    on.host.add("ORDER", {"GROUP", "SELECT", "NO"});
+    on.host.add(texts::qualifiedTable, {"A", "Z"});
+    lReservedWords() = texts::reservedWords;
     on.builder.setKeepMeaning(setting.keepMeaning);
     if (!setting.ownOperators) return;
-    for (const OperatorTexts& texts : ownOperators) {
-        TorvQDOperator entry;
-        entry.Name = QString::fromLatin1(texts.name);
-        entry.Caption = entry.Name.toLower();
-        entry.Prefix = QString::fromLatin1(texts.prefix);
-        entry.Relate = QString::fromLatin1(texts.relate);
-        entry.Postfix = QString::fromLatin1(texts.postfix);
-        entry.Count = texts.count;
-        on.builder.Operators->Add(entry);
-    }
+    for (const TorvQDOperator& operation : texts::ownOperators())
+        on.builder.Operators->Add(operation);
 }
 
 // --- making
@@ -281,17 +53,22 @@ RandomState::RandomState(unsigned seed, StateSetting setting) : m_setting(settin
 void RandomState::makeTables() {
     const int count = 1 + below(oneIn(3) ? 6 : 3);
     for (int index = 0; index < count; ++index) {
-        Table table{newPiece(), oneOf(oneIn(4) ? quotedTables : plainTables), {}};
+        Table table{newPiece(),
+                    oneOf(oneIn(4) ? texts::quotedTables : texts::plainTables),
+                    {},
+                    oneIn(12),
+                    {}};
         const bool isTwice = std::any_of(m_tables.begin(), m_tables.end(), [&](const auto& other) {
             return other.name == table.name;
         });
         // As specified, a second box of a table may be taken for the first: seldom made then.
         if (isTwice && !m_setting.keepMeaning && !oneIn(6)) {
-            table.name = plainTables[index % int(plainTables.size())];
+            table.name = texts::plainTables[index % int(texts::plainTables.size())];
         }
-        const bool needsAlias = table.name == qualifiedTable;
-        if (needsAlias || oneIn(3)) table.alias = oneOf(typedAliases);
+        const bool needsAlias = table.name == texts::qualifiedTable;
+        if (needsAlias || oneIn(3)) table.alias = oneOf(texts::typedAliases);
         if (needsAlias) table.alias = QStringLiteral("Q%1").arg(index);
+        if (oneIn(6)) table.newAlias = oneOf(texts::typedAliases);
         m_tables.push_back(table);
     }
 }
@@ -324,12 +101,12 @@ void RandomState::makeLinks() {
 
 void RandomState::addLink(int table1, int table2) {
     if (oneIn(2)) std::swap(table1, table2);
-    Link link{newPiece(), table1, below(10), table2, below(10), {}, klInnerJoin, {}};
+    Link link{newPiece(), table1, below(10), table2, below(10), {}, klInnerJoin, {}, oneIn(6)};
     const bool asymmetric = oneIn(m_setting.keepMeaning ? 2 : 8);
     link.operation = asymmetric ? oneOf({"<", ">", "<=", ">="}) : oneOf({"=", "=", "<>"});
     if (oneIn(3)) link.kind = TKindOfJoin(below(4));
     if (m_setting.keepMeaning && oneIn(8)) {
-        link.text = oneOf(joinTexts);
+        link.text = oneOf(texts::joinTexts);
         link.text.replace("{0,", QStringLiteral("{%1,").arg(table1));
         link.text.replace("{1,", QStringLiteral("{%1,").arg(table2));
     }
@@ -351,9 +128,12 @@ QString RandomState::withFields(QString text) {
 QString RandomState::aliasOfColumn() {
     switch (below(8)) {
     case 0: return QStringLiteral("N%1").arg(below(3));
-    case 1: return QStringLiteral("\"full name %1\"").arg(below(3));
+    case 1:
+        return oneOf({"\"full name\"", "\"a\"\"b\"", "\"it's\"", "\"x, y\"", "\"FROM\"", "\"1ST\"",
+                      "\"a.b\"", "\"(\"", "\"plain\"", "\"PLAIN\"", "\" \"", "\"N1\"", "\"--\"",
+                      "\"\u00e4\"", "'in text'", "\"\"\"\""});
     case 2: return QStringLiteral("Total%1").arg(m_pieces);
-    case 3: return {};
+    case 3: return oneOf({"", "A", "X", "SALARY", "PRICE"});
     default: return QStringLiteral("N%1").arg(m_pieces);
     }
 }
@@ -361,7 +141,7 @@ QString RandomState::aliasOfColumn() {
 RandomState::Column RandomState::makeColumn(bool aggregates) {
     Column column{newPiece(), anyField(), {}, false, false};
     if (aggregates) {
-        column.expression = withFields(oneOf(orvtest::aggregates));
+        column.expression = withFields(oneOf(texts::aggregates));
         column.aggregates = true;
         // As specified, the name that is made from a quoted field or "*" is none in SQL.
         const bool named = m_setting.keepMeaning ? oneIn(2) : !oneIn(10);
@@ -371,9 +151,11 @@ RandomState::Column RandomState::makeColumn(bool aggregates) {
         }
         return column;
     }
-    if (oneIn(3)) column.expression = withFields(oneOf(expressions));
+    if (oneIn(3))
+        column.expression =
+            withFields(oneOf(oneIn(2) ? texts::expressions : texts::moreExpressions));
     if (oneIn(12)) {
-        column.expression = oneOf(numbers);
+        column.expression = oneOf(texts::numbers);
         column.isNumber = true;
     }
     if (oneIn(2)) column.alias = aliasOfColumn();
@@ -419,7 +201,7 @@ RandomState::Row RandomState::makeExpression(bool having) {
     Row row;
     row.piece = newPiece();
     const bool ofDefaults = !m_setting.ownOperators && oneIn(3);
-    row.field = withFields(oneOf(ofDefaults ? wholeTextsOfDefaults : wholeTexts));
+    row.field = withFields(oneOf(ofDefaults ? texts::wholeTextsOfDefaults : texts::wholeTexts));
     if (having && oneIn(2)) row.field = QStringLiteral("SUM(%1) IS OF (INTEGER)").arg(anyField());
     return row;
 }
@@ -428,49 +210,43 @@ RandomState::Row RandomState::makeCondition(bool having) {
     if (oneIn(8)) return makeExpression(having);
     Row row;
     row.piece = newPiece();
-    row.field = oneIn(2) ? anyField() : withFields(oneOf(leftSides));
+    row.field = oneIn(2) ? anyField() : withFields(oneOf(texts::leftSides));
     if (having && oneIn(2)) {
-        row.fieldFunc = oneOf(aggregateNames);
+        row.fieldFunc = oneOf(texts::aggregateNames);
         row.field = oneOf({anyField(), anyField() + " * 2", "DISTINCT " + anyField(), "*"});
     }
-    TOperatorList defaults;
-    orv::fillOperators(defaults);
-    const int own = m_setting.ownOperators ? int(std::size(ownOperators)) : 0;
-    const int index = below(defaults.Count() + own);
-    row.operation = index < defaults.Count()
-                        ? defaults.Items(index)->Name
-                        : QString::fromLatin1(ownOperators[index - defaults.Count()].name);
-    fillOperands(row, having);
+    const TorvQDOperator operation = anyOperator();
+    row.operation = operation.Name;
+    fillOperands(row, operation, having);
     return row;
 }
 
-void RandomState::fillOperands(Row& row, bool having) {
-    TorvQDOperator operation;
-    TOperatorList defaults;
-    orv::fillOperators(defaults);
-    if (const TOperatorList::Entry entry = defaults.FindName(row.operation)) operation = *entry;
-    for (const OperatorTexts& texts : ownOperators) {
-        if (row.operation != QString::fromLatin1(texts.name)) continue;
-        operation.Prefix = QString::fromLatin1(texts.prefix);
-        operation.Count = texts.count;
-        operation.Postfix = QString::fromLatin1(texts.postfix);
+TorvQDOperator RandomState::anyOperator() {
+    TOperatorList list;
+    orv::fillOperators(list);
+    if (m_setting.ownOperators) {
+        for (const TorvQDOperator& operation : texts::ownOperators()) list.Add(operation);
     }
+    return *list.Items(below(list.Count()));
+}
+
+void RandomState::fillOperands(Row& row, const TorvQDOperator& operation, bool having) {
     const bool isBare = operation.Prefix.isEmpty() && operation.Postfix.isEmpty();
     for (int index = 0; index < operation.Count; ++index) {
-        row.arguments << withFields(oneOf(rightSides));
+        row.arguments << withFields(oneOf(texts::rightSides));
     }
     if (operation.Count != 1) return;
     if (row.operation == "HAS ANY") {
         row.arguments = {QStringLiteral("A FROM U WHERE X = 1 AND Y IN (1, 2)")};
     } else if (operation.Postfix == ")") {
-        row.arguments = {withFields(oneOf(lists))};
+        row.arguments = {withFields(oneOf(texts::lists))};
     } else if (row.operation.endsWith("LIKE") && oneIn(2)) {
-        row.arguments = {withFields(oneOf(likeTexts))};
+        row.arguments = {withFields(oneOf(texts::likeTexts))};
     } else if (row.operation == "=" && oneIn(4)) {
-        row.arguments = {withFields(oneOf(rightOfSigns))};
+        row.arguments = {withFields(oneOf(texts::rightOfSigns))};
     } else if (having && isBare && oneIn(4)) {
         // With a prefix and a postfix the written brackets do not match.
-        row.argFunc = oneOf(aggregateNames);
+        row.argFunc = oneOf(texts::aggregateNames);
         row.arguments = {oneOf({anyField(), anyField() + " + 1", "*"})};
     }
 }
@@ -483,7 +259,7 @@ void RandomState::makeRest() {
     if (oneIn(4)) m_distinct = newPiece();
     if (oneIn(4)) {
         m_tail = newPiece();
-        m_tailText = oneOf(tails);
+        m_tailText = oneOf(texts::tails);
     }
     if (oneIn(2)) m_front = newPiece();
     m_frontTable = below(int(m_tables.size()));
@@ -540,9 +316,11 @@ void RandomState::build(HostedBuilder& on) const {
     for (const Row& root : m_having) buildPanel(target, *on.builder.HavingPanel, root);
     on.builder.endChange();
     buildOrder(target);
+    renameLate(target);
     on.builder.SelectPanel->SetDistinct(m_distinct >= 0 && has(m_distinct) ? -1 : 0);
     if (m_tail >= 0 && has(m_tail)) on.builder.setTailText(m_tailText);
-    if (m_front >= 0 && has(m_front)) on.builder.WorkArea->TableToFront(target.box(m_frontTable));
+    if (m_front < 0 || !has(m_front) || !target.box(m_frontTable)) return;
+    on.builder.WorkArea->TableToFront(target.box(m_frontTable));
 }
 
 // An alias that is another box's but for quotes or case would make no valid statement. By design a
@@ -567,19 +345,40 @@ void RandomState::buildTables(Target& target) const {
     }
 }
 
+TorvQDLink* RandomState::drawLink(Target& target, const Link& link) {
+    TorvQDWorkArea& area = *target.builder.WorkArea;
+    TorvQDTable* table1 = target.box(link.table1);
+    TorvQDTable* table2 = target.box(link.table2);
+    if (!table1 || !table2) return nullptr;
+    TorvQDListItem* item1 = target.item(link.table1, link.field1);
+    TorvQDListItem* item2 = target.item(link.table2, link.field2);
+    if (area.FindLink(table1, table2, item1, item2)) return nullptr;
+    TorvQDLink* added = area.AddLink(table1, table2, item1, item2);
+    added->setOperatorText(link.operation);
+    added->Join->KindOfJoin = link.kind;
+    if (!link.text.isEmpty()) added->Join->Text = *target.text(link.text);
+    return added;
+}
+
 void RandomState::buildLinks(Target& target) const {
     TorvQDWorkArea& area = *target.builder.WorkArea;
+    std::vector<std::pair<const Link*, TorvQDLink*>> drawn;
     for (const Link& link : m_links) {
-        TorvQDTable* table1 = target.box(link.table1);
-        TorvQDTable* table2 = target.box(link.table2);
-        if (!has(link.piece) || !table1 || !table2) continue;
-        TorvQDListItem* item1 = target.item(link.table1, link.field1);
-        TorvQDListItem* item2 = target.item(link.table2, link.field2);
-        if (area.FindLink(table1, table2, item1, item2)) continue;
-        TorvQDLink* added = area.AddLink(table1, table2, item1, item2);
-        added->setOperatorText(link.operation);
-        added->Join->KindOfJoin = link.kind;
-        if (!link.text.isEmpty()) added->Join->Text = *target.text(link.text);
+        if (!has(link.piece)) continue;
+        if (TorvQDLink* added = drawLink(target, link)) drawn.emplace_back(&link, added);
+    }
+    for (const auto& [link, added] : drawn) {
+        if (!link->goes) continue;
+        area.RemoveLink(added, true);
+        Link again = *link;
+        again.text.clear();  // it goes with its join
+        (void)drawLink(target, again);
+    }
+    for (std::size_t table = 0; table < m_tables.size(); ++table) {
+        if (!m_tables[table].closes || !target.boxes[table]) continue;
+        if (target.builder.ListOfTables->TablesCount() == 1) continue;
+        target.builder.ListOfTables->DeleteTable(target.boxes[table]);
+        target.boxes[table] = nullptr;
     }
 }
 
@@ -637,6 +436,21 @@ bool RandomState::buildRow(Target& target, TorvQDWhereRow& row, const Row& from)
         row.Arguments[index] = *argument;
     }
     return true;
+}
+
+// Columns follow by plain text: an alias that others end with is not renamed.
+void RandomState::renameLate(Target& target) const {
+    for (std::size_t table = 0; table < m_tables.size(); ++table) {
+        TorvQDTable* box = target.boxes[table];
+        QString alias = m_tables[table].newAlias;
+        alias.remove(u'.');
+        if (!box || alias.isEmpty() || !mayRename(target, *box, alias)) continue;
+        const std::vector<TorvQDTable*>& boxes = target.builder.WorkArea->tablesByCreation();
+        const bool endsAnother = std::any_of(boxes.begin(), boxes.end(), [&](const auto* other) {
+            return other != box && other->GetAlias().endsWith(box->GetAlias());
+        });
+        if (!endsAnother) target.builder.WorkArea->renameTable(box, m_tables[table].newAlias);
+    }
 }
 
 // As the user does it: on the lists and buttons of the page.

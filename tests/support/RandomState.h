@@ -44,7 +44,9 @@ private:
     struct Table {
         int piece;
         QString name;
-        QString alias;  // as the user types it; empty for the one that is made
+        QString alias;     // as the user types it; empty for the one that is made
+        bool closes;       // before anything names it
+        QString newAlias;  // typed when all else is there; empty for none
     };
     struct Link {
         int piece;
@@ -55,6 +57,7 @@ private:
         QString operation;
         TKindOfJoin kind;
         QString text;  // of its join
+        bool goes;     // and is drawn anew behind all others
     };
     struct Tick {
         int piece;
@@ -100,7 +103,8 @@ private:
     Row makeGroup(int depth, bool having);
     Row makeCondition(bool having);
     Row makeExpression(bool having);
-    void fillOperands(Row& row, bool having);
+    TorvQDOperator anyOperator();
+    void fillOperands(Row& row, const TorvQDOperator& operation, bool having);
     void makeRest();
     QString withFields(QString text);
     [[nodiscard]] QString anyField();
@@ -110,6 +114,8 @@ private:
     static bool mayRename(const Target& target, const TorvQDTable& box, const QString& alias);
     void buildTables(Target& target) const;
     void buildLinks(Target& target) const;
+    static TorvQDLink* drawLink(Target& target, const Link& link);
+    void renameLate(Target& target) const;
     void buildColumns(Target& target) const;
     void buildPanel(Target& target, TorvQDWherePanel& panel, const Row& root) const;
     void buildGroup(Target& target, TorvQDWhereRow& group, const Row& from) const;

@@ -5,11 +5,13 @@
 #include "criteria/ORVQDWherePanel.h"
 #include "data/ProcessName.h"
 #include "diagram/ORVQDLinks.h"
+#include "parser/ORVQDTokens.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <QHash>
+#include <QRegularExpression>
 #include <QSet>
 
 #include <algorithm>
@@ -110,6 +112,18 @@ bool hasLoadedSpacing(const QString& text) {
     return plain && !text.contains(QStringLiteral(",'")) && !text.contains(QStringLiteral("( '"));
 }
 
+// Fields with operators between them, and nothing else, without blanks.
+QString withoutChainBlanks(const QString& text) {
+    static const QString quoted = QStringLiteral("(?:\"[^\"]*\")+");
+    static const QString field =
+        QStringLiteral("(?:[A-Z_][\\w$]*|%1)(?:\\.(?:[\\w$]+|%1))*").arg(quoted);
+    static const QString operation = QStringLiteral(" *[-+*/|<>=!]+ *");
+    static const QRegularExpression chain(QStringLiteral("^%1(?:%2%1)+$").arg(field, operation));
+    return chain.match(text).hasMatch()
+               ? outsideQuotes(text, [](QString piece) { return piece.remove(u' '); })
+               : text;
+}
+
 QString filled(const QString& text) {
     return orv::isBlank(text) ? QString() : text;
 }
@@ -164,7 +178,7 @@ Writing writingByCreation(const TorvQDWorkArea& area) {
     const auto add = [&](const TorvQDTable* table, const TorvQDJoin* join) {
         written.insert(table);
         writing.tables.push_back(table);
-        writing.broughtBy.insert(table, join);
+        if (join) writing.broughtBy.insert(table, join);
     };
     for (const TorvQDTable* first : area.tablesByCreation()) {
         if (written.contains(first)) continue;
@@ -385,7 +399,9 @@ QStringList pageLines(TorvQueryBuilder& builder, StateForm form) {
     for (const orv::OutputColumn& column : builder.SelectPanel->grid()->columns()) {
         names << column.name;
         lines << QStringLiteral("column %1 | %2 | %3")
-                     .arg(column.name, filled(column.aggregate), upper(column.source));
+                     .arg(column.name, filled(column.aggregate),
+                          form == StateForm::Exact ? upper(column.source)
+                                                   : withoutChainBlanks(upper(column.source)));
     }
     const orv::SortList& list = builder.OrderPanel->sortList();
     for (const orv::SortList::Line& line : list.lines()) {
@@ -444,7 +460,7 @@ bool isPlainState(TorvQueryBuilder& builder) {
     const std::vector<orv::OutputColumn>& columns = builder.SelectPanel->grid()->columns();
     return upper(from) == from &&
            std::all_of(columns.begin(), columns.end(), [](const orv::OutputColumn& column) {
-               return upper(column.source) == column.source;
+               return withoutChainBlanks(upper(column.source)) == column.source;
            });
 }
 
@@ -474,20 +490,64 @@ bool isTakenForAnother(const Writing& writing) {
     return false;
 }
 
-bool hasInvalidOutputName(TorvQueryBuilder& builder) {
-    const std::vector<orv::OutputColumn>& columns = builder.SelectPanel->grid()->columns();
-    return std::any_of(columns.begin(), columns.end(), [](const orv::OutputColumn& column) {
+QStringList invalidOutputNames(TorvQueryBuilder& builder) {
+    QStringList names;
+    for (const orv::OutputColumn& column : builder.SelectPanel->grid()->columns()) {
         const bool written = column.name != orv::createFieldName(QString(), column.source);
-        return written && !orv::isBlank(column.name) && !orv::isPlainIdentifier(column.name) &&
-               !orv::isQuotedName(column.name);
+        if (written && !orv::isBlank(column.name) && !orv::isPlainIdentifier(column.name) &&
+            !orv::isQuotedName(column.name) && !column.name.startsWith(u'\'')) {
+            names << column.name;
+        }
+    }
+    return names;
+}
+
+bool hasUnwrittenName(TorvQueryBuilder& builder) {
+    const orv::OutputColumns& columns = builder.SelectPanel->grid()->columns();
+    return std::any_of(columns.begin(), columns.end(), [](const orv::OutputColumn& column) {
+        const bool computed =
+            !orv::isBlank(column.aggregate) || orv::tokenise(column.source).size() > 1;
+        return computed && column.name == orv::createFieldName(QString(), column.source);
     });
 }
 
-bool hasOuterJoinInCompany(const TorvQDWorkArea& area) {
+/// What the order of outer joins does to the report.
+enum class OrderReport { None, Some, Open };
+
+// The table whose rows a left or right join fills up with nothing; none for the other kinds.
+const TorvQDTable* filledUp(const TorvQDJoin& join) {
+    if (join.KindOfJoin == klLOuterJoin) return join.Table2;
+    return join.KindOfJoin == klROuterJoin ? join.Table1 : nullptr;
+}
+
+bool touches(const TorvQDJoin& join, const TorvQDTable* table) {
+    return join.Table1 == table || join.Table2 == table;
+}
+
+// Outer joins may be turned round when no table that they fill up takes part in another join but as
+// the side that this one preserves, and when full joins stand alone or among their like.
+OrderReport orderOfOuterJoins(const TorvQDWorkArea& area, const Writing& writing) {
     const std::vector<TorvQDJoin*> joins = area.Joins();
-    const bool any = std::any_of(joins.begin(), joins.end(),
-                                 [](const TorvQDJoin* join) { return join->KindOfJoin != klInnerJoin; });
-    return any && area.TablesCount() > 2;
+    const auto count = [&](const auto& is) {
+        return std::count_if(joins.begin(), joins.end(),
+                             [&](const TorvQDJoin* join) { return is(*join); });
+    };
+    const auto isOuter = [](const TorvQDJoin& join) { return join.KindOfJoin != klInnerJoin; };
+    const auto isFull = [](const TorvQDJoin& join) { return join.KindOfJoin == klFOuterJoin; };
+    if (count(isOuter) == 0) return OrderReport::None;
+    // Behind a comma a right or full join is told of; what a comma beside others does is open.
+    if (writing.broughtBy.size() + 1 < area.TablesCount()) return OrderReport::Open;
+    const auto joins = std::ptrdiff_t(area.Joins().size());
+    if (count(isFull) > 0 && joins > 1 && count(isFull) < joins) return OrderReport::Some;
+    for (const auto& join : area.Joins()) {
+        const TorvQDTable* empty = filledUp(*join);
+        const auto disturbs = [&](const TorvQDJoin& other) {
+            const bool preserves = filledUp(other) && filledUp(other) != empty;
+            return &other != join && empty && touches(other, empty) && !preserves;
+        };
+        if (count(disturbs) > 0) return OrderReport::Some;
+    }
+    return OrderReport::None;
 }
 
 /// A join that closes a circle, with the join of the line that its conditions go to.
@@ -523,11 +583,24 @@ Promise promiseOf(TorvQueryBuilder& builder) {
         promise.lost = QStringLiteral("a circle names a table twice");
     } else if (isTakenForAnother(writing)) {
         promise.lost = QStringLiteral("a table is taken for one with its name as alias");
-    } else if (hasInvalidOutputName(builder)) {
+    } else if (const QStringList names = invalidOutputNames(builder); !names.isEmpty()) {
         promise.lost = QStringLiteral("an output name is no name in SQL");
+        // What stands behind a comma is read as a column.
+        promise.mayReport = names.join(QString()).contains(u',');
+    } else if (hasUnwrittenName(builder)) {
+        promise.lost =
+            QStringLiteral("a computed column has its field's name, which is not written");
+        promise.mayReport = true;
     }
     if (!promise.mayReport) promise.reported = promise.lost;
-    if (!builder.KeepMeaning()) promise.mayReport = hasOuterJoinInCompany(*builder.WorkArea);
+    if (builder.KeepMeaning() || !promise.lost.isEmpty()) return promise;
+    switch (orderOfOuterJoins(*builder.WorkArea, writing)) {
+    case OrderReport::None: break;
+    case OrderReport::Some:
+        promise.reported = QStringLiteral("the order of outer joins matters");
+        break;
+    case OrderReport::Open: promise.mayReport = true; break;
+    }
     return promise;
 }
 

@@ -35,14 +35,16 @@ enum class StateView {
 ///   7. Conditions on groups are there only with a GROUP BY list, which they stand behind.
 ///   8. Sorting by one of several columns of one field is sorting by the first of them: the field
 ///      is what ORDER BY names.
+///   9. Blanks in a column of fields with operators between them: such a chain is put together
+///   anew.
 ///
 /// Without the meaning kept this is added for `StateView::Reloaded`:
-///   9. A link is seen from the table that is written first, and its operator is not turned round
+///  10. A link is seen from the table that is written first, and its operator is not turned round
 ///      with its sides: "A.X < B.Y" comes back as "B.Y < A.X" when B is written first.
 [[nodiscard]] QStringList stateLines(TorvQueryBuilder& builder, StateForm form, StateView view);
 
 /// Whether nothing in the state is redundant, so that its own text comes back byte for byte when
-/// the meaning is kept: the allowances 2 to 8 change nothing in it, and its operands have the
+/// the meaning is kept: the allowances 2 to 9 change nothing in it, and its operands have the
 /// spacing that a loaded one has.
 [[nodiscard]] bool isPlainState(TorvQueryBuilder& builder);
 
@@ -57,11 +59,11 @@ struct Promise {
 ///   - with the meaning kept, a join that closes a circle when it or the join of the line that its
 ///     conditions go to is an outer one (the text shows the latter only);
 ///   - without, a circle; a box that is written behind one whose alias is its table's name,
-///     which is then taken for that box; an output name that SQL does not take for one.
+///     which is then taken for that box; an output name that SQL does not take for one; the name of
+///     a computed column that is its field's own, which is not written.
 /// Each of those that the text shows must be reported. Without the meaning kept, loading also
-/// reports an operator that would be turned round by writing the loaded state, and may report outer
-/// joins that are loaded with other joins or tables beside them, because they are written in
-/// another order.
+/// reports an operator that would be turned round by writing the loaded state, and outer joins that
+/// give other rows in another order; it may report outer joins beside a comma.
 [[nodiscard]] Promise promiseOf(TorvQueryBuilder& builder);
 
 /// Without the meaning kept: why the loaded state would be written with another meaning, which its
