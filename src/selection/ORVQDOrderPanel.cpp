@@ -31,6 +31,14 @@ QPushButton* makeButton(QWidget* parent, const char* caption, int top, QSize siz
     throw orv::Error(QStringLiteral("Fatal error! Could not find parent for sorting page!"));
 }
 
+// Databases disagree about which of several output columns of one name is meant.
+constexpr int ambiguousRow = -1;
+
+bool areAlike(const orv::OutputColumn& one, const orv::OutputColumn& other) {
+    return orv::tokenKey(one.source) == orv::tokenKey(other.source) &&
+           orv::orvTrim(one.aggregate) == orv::orvTrim(other.aggregate);
+}
+
 bool isAnyOf(const orv::TokenRun& run, int index, std::initializer_list<QStringView> words) {
     if (index < 0 || index >= run.size()) return false;
     for (const QStringView word : words) {
@@ -229,6 +237,11 @@ void TorvQDOrderPanel::LoadSQL(const TorvQDParser& Node) {
         const orv::TokenRun expression = directed ? item.mid(0, last) : item;
         const bool isNumber = expression.size() == 1 && expression[0].kind == orv::SqlToken::Number;
         const int row = expression.isEmpty() ? 0 : loadedRow(expression.sourceText(), isNumber);
+        if (row == ambiguousRow) {
+            ledger->report(item, QStringLiteral("Several output columns have this name: the rows "
+                                                "are not sorted by it."));
+            continue;
+        }
         if (row < 1 || orv::isBlank(names.value(row - 1))) {
             ledger->report(item, QStringLiteral("No output column stands for this: the rows are "
                                                 "not sorted by it."));
@@ -239,7 +252,7 @@ void TorvQDOrderPanel::LoadSQL(const TorvQDParser& Node) {
     RefreshFields();
 }
 
-// The output row that an item of ORDER BY names: by number, output name, field or text.
+// The output row that an item of ORDER BY names: by number, output name, field or text; 0 for none.
 int TorvQDOrderPanel::loadedRow(const QString& text, bool isNumber) const {
     const orv::OutputColumns& columns = grid->columns();
     const int count = int(columns.size());
@@ -249,15 +262,16 @@ int TorvQDOrderPanel::loadedRow(const QString& text, bool isNumber) const {
     }
     const bool qualified = orv::firstFullStop(text) >= 0;
     const QString word = orv::unquotedName(text).toUpper();
-    int ownName = 0;  // a field that is called so by itself
+    int named = 0;
     for (int row = 1; !qualified && row <= count; ++row) {
-        const orv::OutputColumn& column = columns[std::size_t(row - 1)];
-        if (orv::unquotedName(column.name).toUpper() != word) continue;
-        const bool isGiven = column.name != orv::createFieldName(QString(), column.source);
-        if (isGiven) return row;  // comes before a field of that name
-        if (ownName == 0) ownName = row;
+        if (orv::unquotedName(columns[std::size_t(row - 1)].name).toUpper() != word) continue;
+        if (named > 0 &&
+            !areAlike(columns[std::size_t(named - 1)], columns[std::size_t(row - 1)])) {
+            return ambiguousRow;
+        }
+        if (named == 0) named = row;
     }
-    if (ownName > 0) return ownName;
+    if (named > 0) return named;
     const std::optional<PageField> field = host()->resolveField(text);
     const QString key = orv::tokenKey(text);
     for (int row = 1; row <= count; ++row) {
