@@ -144,22 +144,26 @@ void TorvQDWherePanel::LoadSQL(const TorvQDParser& Node) {
     const auto elements = orv::readConditions(condition, readingRules(keepsMeaning));
     account(elements, *ledger, keepsMeaning);
     orv::buildRows(elements, rootRow(), false);
-    if (ledger->hasFinding(Node.Start(), Node.End()) || writesMeaning(orv::meaningOf(elements))) {
+    if (ledger->hasFinding(Node.Start(), Node.End()) || writesMeaning(elements, condition)) {
         return;
     }
     ledger->report(run, QStringLiteral("This clause is written differently."));
 }
 
-// A safety net: what the rows write is read again.
-bool TorvQDWherePanel::writesMeaning(const QString& meaning) const {
+// A safety net: what the rows write is read again. Where they nest deeper than can be read, words
+// are counted.
+bool TorvQDWherePanel::writesMeaning(const std::vector<orv::ConditionElement>& elements,
+                                     const orv::TokenRun& condition) const {
     const QString written = rootRow()->GetSQLCondition(false);
     const orv::SqlTokens tokens = orv::tokenise(written);
     const orv::TokenRun run(written, tokens.data(), tokens.data() + tokens.size());
+    std::vector<orv::ConditionElement> again;
     try {
-        return orv::meaningOf(orv::readConditions(run, readingRules(true))) == meaning;
+        again = orv::readConditions(run, readingRules(true));
     } catch (const orv::Error&) {
-        return false;  // its groups nest deeper than the text did
+        return orv::countTokens(run) == orv::countTokens(condition);
     }
+    return orv::meaningOf(again) == orv::meaningOf(elements);
 }
 
 // A whole word in front of a full stop, outside quotes: "PO.X" is not renamed with "O".

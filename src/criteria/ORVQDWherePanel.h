@@ -57,7 +57,8 @@ public:
 
 private:
     [[nodiscard]] IPagesHost* host() const;
-    [[nodiscard]] bool writesMeaning(const QString& meaning) const;
+    [[nodiscard]] bool writesMeaning(const std::vector<orv::ConditionElement>& elements,
+                                     const orv::TokenRun& condition) const;
     [[nodiscard]] bool fitsType(const QString& text, TFieldType type) const;
 
     orv::ConditionCatalogues m_catalogues;
