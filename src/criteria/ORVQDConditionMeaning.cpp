@@ -58,11 +58,10 @@ public:
             const Elements end = std::find_if(
                 part, last, [&](const ConditionElement& element) { return element.kind == kind; });
             write(part, end, connective, false);
-            text += u';';
             if (end == last) break;
             part = end + 1;
         }
-        if (isOwn) text += u')';
+        if (isOwn) text += QStringLiteral(");");
     }
 
     QString text;
@@ -82,7 +81,7 @@ private:
                 break;
             case ConditionElement::Condition:
                 if (negated) text += u'!';
-                text += conditionText(element->run);
+                text += conditionText(element->run) + u';';
                 break;
             case ConditionElement::And:
             case ConditionElement::Or: break;

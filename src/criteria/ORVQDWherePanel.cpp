@@ -238,7 +238,8 @@ void TorvQDWherePanel::checkLoadable(const TorvQDParser& node, const orv::LoadLe
     checkDepth(run.mid(std::min(1, run.size())), keepMeaning);
 }
 
-// A safety net: what the rows write is read again, and must say what was loaded.
+// A safety net: what the rows write is read again, and must say what was loaded. Where they nest
+// deeper than can be read, words are counted.
 void TorvQDWherePanel::compareWritten(const std::vector<orv::ConditionElement>& loaded,
                                       const orv::TokenRun& run, orv::LoadLedger& ledger) const {
     if (loaded.empty() || ledger.hasFinding(run.start(), run.endPosition())) return;
@@ -249,7 +250,8 @@ void TorvQDWherePanel::compareWritten(const std::vector<orv::ConditionElement>& 
         const auto elements = orv::readConditions(text, readingRules(true));
         if (orv::meaningOf(elements) == orv::meaningOf(loaded)) return;
     } catch (const orv::Error&) {
-        // Its groups nest deeper than those of the loaded text did.
+        // Its groups nest deeper than can be read again.
+        if (orv::countTokens(text) == orv::countTokens(run.mid(1))) return;
     }
     ledger.report(run, QStringLiteral("This clause is written differently."));
 }

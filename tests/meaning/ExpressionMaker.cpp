@@ -62,15 +62,18 @@ ColumnRef ExpressionMaker::columnOf(int mention, bool isText) {
 // --- values
 
 QString ExpressionMaker::numberConstant() {
-    static const QStringList values = {"0", "1", "1", "2", "2", "3", "-1", "- 1", "-2", "1.5", "4"};
+    static const QStringList values = {"0",  "0",   "1", "1", "1",  "1",   "2",
+                                       "2",  "2",   "3", "3", "-1", "-1",  "- 1",
+                                       "-2", "1.5", "4", "4", ".5", "1e1", "NULL"};
     return m_dice.pick(values);
 }
 
 QString ExpressionMaker::textConstant() {
-    static const QStringList values = {"'a'",     "'a'",      "'b'",       "'ab'", "'x y'",
-                                       "'it''s'", "'a)'",     "'(b, c'",   "''",   "'x and y'",
-                                       "'--'",    "'FROM t'", "'a \"q\"'", "'?'",  "'A;'"};
-    return m_dice.pick(values);
+    static const QStringList values = {
+        "'a'",       "'a'",  "'a'",     "'b'",    "'b'",       "'ab'",    "'x y'",
+        "'it''s'",   "'a)'", "'(b, c'", "''",     "'x and y'", "'--'",    "'FROM t'",
+        "'a \"q\"'", "'?'",  "'A;'",    "'a\tb'", "x'61'",     "'größe'", "'/* a'"};
+    return m_dice.chance(1) ? QStringLiteral("'a\nb'") : m_dice.pick(values);
 }
 
 QString ExpressionMaker::numberColumn() {

@@ -7,6 +7,25 @@
 
 namespace orvtest {
 
+namespace {
+
+const QStringList& columnNames() {
+    static const QStringList names = {"ID", "X", "Y", "NAME", "C"};
+    return names;
+}
+
+// GROUP BY finds a column of this name before an output column.
+bool isColumnName(const QString& name) {
+    return columnNames().contains(name);
+}
+
+// An apostrophe makes a constant of it where it is no alias.
+bool isSortName(const QString& name) {
+    return !name.isEmpty() && !name.startsWith(u'\'');
+}
+
+}  // namespace
+
 RandomStatement StatementMaker::make() {
     m_subject = Subject(m_dice.below(5));
     m_expressions.bareNames = m_dice.pick({"0", "0", "50", "100"}).toInt();
@@ -243,14 +262,13 @@ void StatementMaker::addOutput(const QString& text, bool isColumn) {
     m_selected << words({text, hasAs ? "AS" : "", name});
 }
 
-// Without two alike; in grouped statements unlike all columns, which GROUP BY would find first.
+// Without two alike.
 QString StatementMaker::outputName() {
     static const QStringList names = {"K1",      "K2",    "TOTAL",      "\"Sum of X\"",
                                       "\"a.b\"", "K_3",   "\"FROM\"",   "[k 4]",
                                       "R",       "VALUE", "\"q\"\"q\"", "'K6'"};
-    static const QStringList columnNames = {"ID", "X", "Y", "NAME", "C"};
-    QString name =
-        !m_isGrouped && m_dice.chance(12) ? m_dice.pick(columnNames) : m_dice.pick(names);
+    QString name = m_dice.chance(12) ? m_dice.pick(columnNames()) : m_dice.pick(names);
+    if (m_dice.chance(1)) name = QStringLiteral("größe");
     for (int number = 1; std::any_of(m_outputs.begin(), m_outputs.end(),
                                      [&](const Output& output) { return output.name == name; });
          ++number) {
@@ -366,7 +384,7 @@ QString StatementMaker::groupByText() {
         const int kind = m_dice.below(10);
         if (kind < 2) {
             items << QString::number(key + 1);
-        } else if (kind < 4 && !output.name.isEmpty() && !output.name.startsWith(u'\'')) {
+        } else if (kind < 4 && isSortName(output.name) && !isColumnName(output.name)) {
             items << output.name;
         } else {
             items << output.text;
@@ -417,12 +435,15 @@ QString StatementMaker::sortItem() {
     const bool isFree = !m_isGrouped && !m_isDistinct && m_dice.chance(10);
     m_statement.sortColumns.push_back(isFree ? -1 : index);
     if (isFree) return m_expressions.value(m_dice.below(2));
-    const bool isNamed = !output.name.isEmpty() && !output.name.startsWith(u'\'');
-    if (isNamed && m_dice.chance(55)) return output.name;
+    if (isSortName(output.name) && m_dice.chance(55)) return output.name;
     const bool isValue = output.text.isEmpty() || output.text.front().isDigit() ||
                          output.text.startsWith(u'-') || output.text.startsWith(u'\'');
-    // A name that several columns of the output have would sort by the first of them.
-    if (!isValue && m_dice.chance(65) && output.text.contains(u'.')) return output.text;
+    // A bare name would rather be that of another output column.
+    const bool isClear = output.text.contains(u'.') ||
+                         std::none_of(m_outputs.begin(), m_outputs.end(), [&](const Output& other) {
+                             return isColumnName(other.name);
+                         });
+    if (!isValue && m_dice.chance(65) && isClear) return output.text;
     return QString::number(index + 1);
 }
 

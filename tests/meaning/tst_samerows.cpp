@@ -6,6 +6,7 @@
 // For whoever changes how statements are loaded: ORV_SAMEROWS_FIRST=1000 tries other databases and
 // statements than those of every run, ORV_SAMEROWS_EXAMPLES=5 shows statements with findings.
 #include "data/ProcessName.h"
+#include "meaning/OpenDatabase.h"
 #include "meaning/SqlDress.h"
 #include "meaning/StatementMaker.h"
 #include "querybuilder/ORVQDWindow.h"
@@ -13,105 +14,24 @@
 
 #include <QMap>
 #include <QSet>
-#include <QSqlDatabase>
-#include <QSqlError>
-#include <QSqlQuery>
-#include <QSqlRecord>
 #include <QTest>
 
 #include <algorithm>
 #include <memory>
 
+using orvtest::Answer;
 using orvtest::Dice;
+using orvtest::OpenDatabase;
 using orvtest::RandomDatabase;
 using orvtest::RandomStatement;
-using orvtest::words;
+using orvtest::Row;
+using orvtest::sorted;
 
 namespace {
 
 constexpr int databases = 200;
 constexpr int statementsOfEach = 30;
 constexpr int shownFailures = 20;
-constexpr int shownRows = 12;
-const QString connectionName = QStringLiteral("samerows");
-
-using Row = QStringList;
-
-/// What a statement gives, or why it does not run.
-struct Answer {
-    QString error;
-    int columns = 0;
-    std::vector<Row> rows;
-
-    [[nodiscard]] bool isGiven() const { return error.isEmpty(); }
-    [[nodiscard]] QString text() const {
-        if (!isGiven()) return u'(' + error + u')';
-        QStringList lines = {QStringLiteral("%1 rows of %2").arg(rows.size()).arg(columns)};
-        for (std::size_t row = 0; row < rows.size() && row < shownRows; ++row) {
-            lines << rows[row].join(QStringLiteral(" | "));
-        }
-        return lines.join(QStringLiteral("\n    "));
-    }
-};
-
-QString cellText(const QVariant& value) {
-    if (value.isNull()) return QStringLiteral("NULL");
-    switch (value.typeId()) {
-    case QMetaType::Int:
-    case QMetaType::LongLong: return value.toString();
-    case QMetaType::Double: return u'~' + QString::number(value.toDouble(), 'g', 12);
-    default: return u'\'' + value.toString() + u'\'';
-    }
-}
-
-/// A database in memory, for as long as it lives.
-class OpenDatabase {
-public:
-    explicit OpenDatabase(const RandomDatabase& contents)
-        : m_database(QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connectionName)) {
-        m_database.setDatabaseName(QStringLiteral(":memory:"));
-        isOpen = m_database.open();
-        for (const QString& statement : contents.statements()) {
-            isOpen = isOpen && QSqlQuery(m_database).exec(statement);
-        }
-    }
-    ~OpenDatabase() {
-        m_database = QSqlDatabase();
-        QSqlDatabase::removeDatabase(connectionName);
-    }
-    OpenDatabase(const OpenDatabase&) = delete;
-    OpenDatabase& operator=(const OpenDatabase&) = delete;
-
-    [[nodiscard]] Answer ask(const QString& statement) const {
-        QSqlQuery query(m_database);
-        query.setForwardOnly(true);
-        Answer answer;
-        if (!query.exec(statement)) {
-            answer.error = query.lastError().text();
-            return answer;
-        }
-        answer.columns = query.record().count();
-        while (query.next()) {
-            Row row;
-            for (int column = 0; column < answer.columns; ++column) {
-                row << cellText(query.value(column));
-            }
-            answer.rows.push_back(std::move(row));
-        }
-        if (query.lastError().isValid()) answer.error = query.lastError().text();
-        return answer;
-    }
-
-    bool isOpen = false;
-
-private:
-    QSqlDatabase m_database;
-};
-
-std::vector<Row> sorted(std::vector<Row> rows) {
-    std::sort(rows.begin(), rows.end());
-    return rows;
-}
 
 /// The cells that the rows are sorted by, in the order of the rows.
 std::vector<Row> sortedCells(const std::vector<Row>& rows, const std::vector<int>& columns) {
@@ -182,7 +102,7 @@ public:
         const int first = qEnvironmentVariableIntValue("ORV_SAMEROWS_FIRST");
         for (int number = first; number < first + databases; ++number) {
             const RandomDatabase contents(quint32(number + 1));
-            const OpenDatabase database(contents);
+            const OpenDatabase database(contents.statements());
             if (!database.isOpen) {
                 m_tally.failures << QStringLiteral("database %1 was not made").arg(number);
                 continue;
@@ -340,25 +260,15 @@ class SameRowsTest : public QObject {
 
 private Q_SLOTS:
     void initTestCase() {
-        if (!QSqlDatabase::isDriverAvailable(QStringLiteral("QSQLITE"))) {
-            QSKIP("Qt has no driver for SQLite here");
-        }
-        const OpenDatabase database(RandomDatabase(1));
-        const Answer version = database.ask(QStringLiteral("SELECT sqlite_version()"));
-        QVERIFY(version.isGiven());
-        const Answer joins =
-            database.ask(QStringLiteral("SELECT 1 FROM (SELECT 1 A) X FULL JOIN (SELECT 2 A) Y "
-                                        "ON X.A = Y.A"));
-        if (!joins.isGiven()) {
-            QSKIP(qPrintable("No right and full joins in SQLite " + version.rows[0][0]));
-        }
+        const QString missing = OpenDatabase::whatIsMissing();
+        if (!missing.isEmpty()) QSKIP(qPrintable(missing));
     }
 
     void emptyReportMeansTheSameRows_data() {
         QTest::addColumn<bool>("keepMeaning");
-        QTest::addColumn<double>("leastKept");
-        QTest::newRow("meaning kept") << true << 0.5;
-        QTest::newRow("as specified") << false << 0.3;
+        QTest::addColumn<double>("leastKept");  // just below what is held today
+        QTest::newRow("meaning kept") << true << 0.8;
+        QTest::newRow("as specified") << false << 0.47;
     }
     void emptyReportMeansTheSameRows() {
         QFETCH(bool, keepMeaning);
@@ -369,7 +279,9 @@ private Q_SLOTS:
         print(tally);
         QVERIFY(tally.statements >= 5000);
         QVERIFY(tally.notAccepted * 50 < tally.statements);
-        QVERIFY(double(tally.kept) >= leastKept * tally.statements);
+        // Other statements than those of every run have another share.
+        const bool isUsual = !qEnvironmentVariableIsSet("ORV_SAMEROWS_FIRST");
+        if (isUsual) QVERIFY(double(tally.kept) >= leastKept * tally.statements);
         QCOMPARE(tally.failures.size(), 0);
     }
 };

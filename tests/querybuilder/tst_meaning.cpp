@@ -51,6 +51,48 @@ private Q_SLOTS:
         QCOMPARE(other.findings(), QStringList());
     }
 
+    // 1.5 is no position: the second column is grouped by, and the own text is loaded again.
+    void numberThatIsNoPositionIsGrouped() {
+        HostedBuilder on(true);
+        on.builder.LoadSQL(QStringLiteral("select T.A, 1.5, sum(T.B) from T group by T.A, 2"));
+        QCOMPARE(on.findings(), QStringList());
+        HostedBuilder other(true);
+        const QString written = on.builder.GetSQLStatment();
+        other.builder.LoadSQL(written);
+        QCOMPARE(other.findings(), QStringList());
+        QCOMPARE(other.builder.GetSQLStatment(), written);
+    }
+
+    // Some databases sort by T.A, some by T.B, and some refuse it.
+    void sortNameOfTwoColumnsIsTold() {
+        HostedBuilder on(true);
+        on.builder.LoadSQL(QStringLiteral("select A, T.B as a from T order by a"));
+        QCOMPARE(on.findings(), QStringList("a"));
+        on.builder.LoadSQL(QStringLiteral("select A, T.B, T.A as a from T order by B"));
+        QCOMPARE(on.findings(), QStringList());
+    }
+
+    // The comparisons of the second ON are written in two lines, without AND.
+    void onThatSpreadsOverTwoLinesIsHeld() {
+        HostedBuilder on(true);
+        on.builder.LoadSQL(QStringLiteral(
+            "select T.A from T, U join DEPT on DEPT.DEPT_NO = T.A and DEPT.BUDGET = U.X"));
+        QCOMPARE(on.findings(), QStringList());
+    }
+
+    // Turning it into a comparison of the first join would preserve other rows.
+    void comparisonOfEarlierTablesInAnOuterJoinChangesNothingSilently() {
+        HostedBuilder on(true);
+        on.builder.LoadSQL(
+            QStringLiteral("select T.A from T join U on U.A = T.A "
+                           "left join DEPT on DEPT.DEPT_NO = T.A and U.X = T.B"));
+        const QString written = on.builder.GetSQLStatment();
+        QVERIFY(written.contains(QStringLiteral("INNER JOIN U")));
+        const int line = int(written.indexOf(QStringLiteral("LEFT OUTER JOIN DEPT")));
+        const bool isKept = written.indexOf(QStringLiteral("U.X")) > line;
+        QVERIFY(isKept || !on.findings().isEmpty());
+    }
+
     // The next change is told although a notification raised in the middle of this one.
     void changeEndsWhenANotificationRaises() {
         HostedBuilder on;
