@@ -397,8 +397,8 @@ void FromLoader::loadOnAsWritten(LoadedJoin& join, const TorvQDParser& on,
             if (level.position == 2) {
                 const Comparison comparison{level.last, *side, level.operation, level.lastStart,
                                             child.End()};
-                const bool isWhole =
-                    !parts || comparisons.value(comparison.start, -1) == comparison.end;
+                const bool isWhole = !parts || comparisons.value(comparison.start, -1) ==
+                                                   endOfTokens(comparison);
                 if (isWhole && !addLink(join, comparison)) {
                     report(comparison.start, comparison.end,
                            QStringLiteral("The program did not allow this link: it is not "
@@ -418,6 +418,12 @@ void FromLoader::loadOnAsWritten(LoadedJoin& join, const TorvQDParser& on,
             levels.push_back({&child, 0, 0, {}, 0, {}});
         }
     }
+}
+
+// The node of a field may end with blanks in front of a bracket.
+int FromLoader::endOfTokens(const Comparison& comparison) const {
+    return m_ledger ? m_ledger->tokensIn(comparison.start, comparison.end).endPosition()
+                    : comparison.end;
 }
 
 // --- names in ON ---

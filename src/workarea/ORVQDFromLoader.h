@@ -94,6 +94,7 @@ private:
     [[nodiscard]] std::optional<Side> findSideOrComplain(const QString& text);
     void complain(const QString& text);
     [[nodiscard]] TorvQDTable* onlyTableWith(const QString& field) const;
+    [[nodiscard]] int endOfTokens(const Comparison& comparison) const;
     [[nodiscard]] std::optional<Comparison> comparisonOf(const orv::TokenRun& part) const;
     [[nodiscard]] TorvQDTable* tableNamedBy(const orv::TokenRun& run, int index) const;
     [[nodiscard]] bool isOfAnotherItem(const TorvQDTable* table) const;

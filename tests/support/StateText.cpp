@@ -537,8 +537,8 @@ OrderReport orderOfOuterJoins(const TorvQDWorkArea& area, const Writing& writing
     if (count(isOuter) == 0) return OrderReport::None;
     // Behind a comma a right or full join is told of; what a comma beside others does is open.
     if (writing.broughtBy.size() + 1 < area.TablesCount()) return OrderReport::Open;
-    const auto joins = std::ptrdiff_t(area.Joins().size());
-    if (count(isFull) > 0 && joins > 1 && count(isFull) < joins) return OrderReport::Some;
+    const auto total = std::ptrdiff_t(joins.size());
+    if (count(isFull) > 0 && total > 1 && count(isFull) < total) return OrderReport::Some;
     for (const auto& join : area.Joins()) {
         const TorvQDTable* empty = filledUp(*join);
         const auto disturbs = [&](const TorvQDJoin& other) {
