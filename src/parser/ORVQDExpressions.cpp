@@ -257,6 +257,17 @@ bool namesField(const TokenRun& run, int index) {
            !isParameter(run.textOf(index));
 }
 
+std::vector<bool> insideSubQueries(const TokenRun& run) {
+    std::vector<bool> inside(std::size_t(run.size()), false);
+    for (int index = 0; index + 1 < run.size(); ++index) {
+        if (run[index].kind != SqlToken::Open || !run.is(index + 1, u"SELECT")) continue;
+        const int behind = run.behindBracket(index);
+        std::fill(inside.begin() + index, inside.begin() + behind, true);
+        index = behind - 1;
+    }
+    return inside;
+}
+
 bool isFieldName(const QString& text) {
     const SqlTokens tokens = tokenise(text);
     return tokens.size() == 1 && namesField({text, tokens.data(), tokens.data() + 1}, 0);

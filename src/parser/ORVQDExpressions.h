@@ -36,6 +36,9 @@ struct AliasedRun {
 /// Whether the token names a field: a word that is no constant and no parameter.
 [[nodiscard]] ORV_EXPORT bool namesField(const TokenRun& run, int index);
 
+/// For each token of the run whether it stands inside a bracket that begins with SELECT.
+[[nodiscard]] ORV_EXPORT std::vector<bool> insideSubQueries(const TokenRun& run);
+
 /// Whether the text is one name of a field, qualified or not.
 [[nodiscard]] ORV_EXPORT bool isFieldName(const QString& text);
 

@@ -102,6 +102,7 @@ private:
         while (m_position < m_text.size()) {
             const QChar character = m_text[m_position];
             if (isQuote(character)) {
+                if (character == u'\'' && endsWithKeyword(start)) break;
                 hasText = hasText || character == u'\'';
                 skipQuoted();
                 if (m_position < m_text.size() && m_text[m_position].isLetter()) break;
@@ -113,6 +114,13 @@ private:
         }
         if (isNumber && !hasText) m_position -= gluedKeyword(start);
         add(start, hasText ? SqlToken::Text : isNumber ? SqlToken::Number : SqlToken::Word);
+    }
+
+    // A keyword may stand in front of a quote without a blank ("LIKE'x'"); other words are the
+    // quote's own ("N'x'").
+    [[nodiscard]] bool endsWithKeyword(qsizetype start) const {
+        const QString word = m_text.mid(start, m_position - start).toString().toUpper();
+        return wordInfo(word).traits != 0;
     }
 
     // A keyword may follow a number without a blank ("1OR"): its length, 0 without one.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // How changes travel between the diagram and the pages: always through the query builder.
 #include "core/Text.h"
+#include "criteria/ORVQDAliasRename.h"
 #include "criteria/ORVQDWherePanel.h"
 #include "parser/ORVQDExpressions.h"
 #include "querybuilder/ORVQDWindow.h"
@@ -146,6 +147,9 @@ void TorvQueryBuilder::_ChangeAlias(QObject* Table, const QString& OldAlias) {
     flushRemovals();
     m_selectedFields.transform(renamed);
     m_allFields.transform(renamed);
+    for (TorvQDJoin* join : WorkArea->Joins()) {
+        join->Text = orv::renamedAlias(join->Text, alias, OldAlias);
+    }
     if (!SelectPanel) return;
     WherePanel->ChangeAlias(alias, OldAlias);
     HavingPanel->ChangeAlias(alias, OldAlias);

@@ -293,15 +293,16 @@ void FromLoader::loadOn(LoadedJoin& join, const TorvQDParser& on) {
     const bool isConjunction = orv::splitConjunction(run.mid(1), parts) &&
                                std::all_of(parts.begin(), parts.end(), isOneCondition);
     m_ledger->place(run);
+    const std::vector<bool> inSubQuery = orv::insideSubQueries(run);
     for (int index = 1; index < run.size(); ++index) {
-        const TorvQDTable* table = tableNamedBy(run, index);
+        const TorvQDTable* table = tableNamedBy(run, index, inSubQuery[std::size_t(index)]);
         if (table && isOfAnotherItem(table)) join.reachesAcross = true;
     }
     if (!isConjunction) {
         report(on.Start(), on.End(),
                m_keepsMeaning
-                   ? QStringLiteral("An ON with OR or NOT cannot be drawn: the table is loaded "
-                                    "without its join.")
+                   ? QStringLiteral("An ON that is not one list of conditions joined by AND cannot "
+                                    "be drawn: the table is loaded without its join.")
                    : QStringLiteral("Only comparisons joined by AND are held in an ON: this "
                                     "condition changes."));
     }
@@ -397,8 +398,8 @@ void FromLoader::loadOnAsWritten(LoadedJoin& join, const TorvQDParser& on,
             if (level.position == 2) {
                 const Comparison comparison{level.last, *side, level.operation, level.lastStart,
                                             child.End()};
-                const bool isWhole = !parts || comparisons.value(comparison.start, -1) ==
-                                                   endOfTokens(comparison);
+                const bool isWhole =
+                    !parts || comparisons.value(comparison.start, -1) == endOfTokens(comparison);
                 if (isWhole && !addLink(join, comparison)) {
                     report(comparison.start, comparison.end,
                            QStringLiteral("The program did not allow this link: it is not "
@@ -471,11 +472,13 @@ void FromLoader::complain(const QString& text) {
                       orv::MessageButtons::Ok});
 }
 
-// The box that a word of a condition means, as far as can be seen.
-TorvQDTable* FromLoader::tableNamedBy(const orv::TokenRun& run, int index) const {
+// The box that a word of a condition means, as far as can be seen. What a sub-query names without
+// a table is taken for a field of its own tables.
+TorvQDTable* FromLoader::tableNamedBy(const orv::TokenRun& run, int index, bool inSubQuery) const {
     if (!orv::namesField(run, index)) return nullptr;
     const orv::QualifiedName name = orv::splitQualifiedName(run.mid(index, 1).sourceText());
-    return name.alias.isEmpty() ? onlyTableWith(name.field) : m_area.findTable(name.alias);
+    if (!name.alias.isEmpty()) return m_area.findTable(name.alias);
+    return inSubQuery ? nullptr : onlyTableWith(name.field);
 }
 
 bool FromLoader::isOfAnotherItem(const TorvQDTable* table) const {
@@ -622,8 +625,10 @@ void FromLoader::reportTexts(const orv::FromPlaces& places,
         for (const orv::TokenRun& text : join.texts) {
             bool isEarly = false;
             bool isHidden = false;
+            const std::vector<bool> inSubQuery = orv::insideSubQueries(text);
             for (int index = 0; index < text.size(); ++index) {
-                const TorvQDTable* table = tableNamedBy(text, index);
+                const TorvQDTable* table =
+                    tableNamedBy(text, index, inSubQuery[std::size_t(index)]);
                 isEarly = isEarly || (table && placeOf.value(table) > last);
                 isHidden = isHidden || namesSchema(text, index) ||
                            (table && join.behindCross &&

@@ -96,7 +96,8 @@ private:
     [[nodiscard]] TorvQDTable* onlyTableWith(const QString& field) const;
     [[nodiscard]] int endOfTokens(const Comparison& comparison) const;
     [[nodiscard]] std::optional<Comparison> comparisonOf(const orv::TokenRun& part) const;
-    [[nodiscard]] TorvQDTable* tableNamedBy(const orv::TokenRun& run, int index) const;
+    [[nodiscard]] TorvQDTable* tableNamedBy(const orv::TokenRun& run, int index,
+                                            bool inSubQuery) const;
     [[nodiscard]] bool isOfAnotherItem(const TorvQDTable* table) const;
     bool addLink(LoadedJoin& join, const Comparison& comparison);
 

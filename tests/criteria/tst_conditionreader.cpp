@@ -508,7 +508,7 @@ private Q_SLOTS:
         row("NOT (NOT (A = 1 AND B = 2))", "All(A =[1]; B =[2])");
         row("A = 1 AND NOT (NOT (B = 2))", "All(A =[1]; B =[2])");
         row("A = 1 AND NOT (NOT (NOT (B = 2)))", "All(A =[1]; None(B =[2]))");
-        row("A = 1 AND (NOT (NOT B = 2))", "All(A =[1]; All(B =[2]))");
+        row("A = 1 AND (NOT (NOT B = 2))", "All(A =[1]; B =[2])");
         row("A = 1 AND (NOT (B = 2 AND C = 3 OR D = 4))",
             "All(A =[1]; Not all(All(B =[2]; C =[3]); D =[4]))");
     }
