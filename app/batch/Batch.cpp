@@ -10,6 +10,7 @@
 #include "tables/Host.h"
 #include "tables/SchemaFile.h"
 #include "text/Completeness.h"
+#include "text/FindingLines.h"
 #include "text/TextFile.h"
 #include "text/TextPosition.h"
 #include "toolkit/Services.h"
@@ -115,6 +116,7 @@ void Batch::runQueryOfStatement() {
     const QString text = statement();
     const QString missing = whatIsMissing(text);
     if (!missing.isEmpty()) throw orv::Error(missing);
+    for (const QString& line : findingLines(m_builder->Validate())) tell(line);
     Connection connection(m_database->settings());
     const QSqlError error = connection.open();
     if (error.isValid()) throw orv::Error(error.databaseText());

@@ -7,6 +7,7 @@
 #include "tables/Host.h"
 #include "tables/SchemaFile.h"
 #include "text/Completeness.h"
+#include "text/FindingLines.h"
 #include "text/TextFile.h"
 #include "toolkit/Services.h"
 #include "window/ResultPane.h"
@@ -149,6 +150,9 @@ void MainWindow::runStatement() {
     if (m_runner->isRunning()) return;
     m_builder->CommitPendingEdits();
     const QString text = m_statement->text();
+    // A text of the user's own is the user's business.
+    m_result->setNotes(m_statement->isEdited() ? QStringList()
+                                               : findingLines(m_builder->Validate()));
     const QString problem = whatPreventsRunning(text);
     if (!problem.isEmpty()) return m_result->setProblem(problem);
     m_stop->setEnabled(true);

@@ -44,6 +44,7 @@ ResultPane::ResultPane(QWidget* parent)
       m_pages(new QStackedWidget(this)),
       m_view(new QTableView(this)),
       m_text(new QLabel(this)),
+      m_notes(new QLabel(this)),
       m_summary(new QLabel(this)),
       m_header(new QHBoxLayout) {
     buildView();
@@ -59,6 +60,7 @@ ResultPane::ResultPane(QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addLayout(m_header);
+    layout->addWidget(m_notes);
     layout->addWidget(m_pages, 1);
     layout->addWidget(m_summary);
     clear();
@@ -95,6 +97,14 @@ void ResultPane::buildText() {
     m_text->setFrameShape(QFrame::StyledPanel);
     m_text->setAutoFillBackground(true);
     m_text->setBackgroundRole(QPalette::Base);
+    m_notes->setObjectName(QStringLiteral("notes"));
+    m_notes->setTextFormat(Qt::PlainText);
+    m_notes->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    m_notes->setWordWrap(true);
+    m_notes->setMargin(4);
+    m_notes->setAutoFillBackground(true);
+    m_notes->setBackgroundRole(QPalette::ToolTipBase);
+    m_notes->setForegroundRole(QPalette::ToolTipText);
     m_summary->setObjectName(QStringLiteral("summary"));
     m_summary->setTextFormat(Qt::PlainText);
 }
@@ -102,11 +112,24 @@ void ResultPane::buildText() {
 void ResultPane::clear() {
     m_model->setRows({}, {});
     m_summary->clear();
+    setNotes({});
     showText(tr("Run the statement (F5) to see its rows here."), false);
 }
 
 void ResultPane::setRunning() {
     m_summary->setText(tr("running ..."));
+}
+
+// More would leave no room for the rows.
+void ResultPane::setNotes(const QStringList& notes) {
+    constexpr qsizetype mostNotes = 3;
+    QStringList shown = notes.mid(0, mostNotes);
+    if (notes.size() > mostNotes) {
+        shown << tr("and %n more", nullptr, int(notes.size() - mostNotes));
+    }
+    m_notes->setText(shown.join(u'\n'));
+    m_notes->setToolTip(notes.join(u'\n'));
+    m_notes->setVisible(!notes.isEmpty());
 }
 
 void ResultPane::setProblem(const QString& reason) {

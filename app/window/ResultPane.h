@@ -3,6 +3,7 @@
 
 #include "window/QueryRunner.h"
 
+#include <QStringList>
 #include <QWidget>
 
 class QAction;
@@ -27,6 +28,8 @@ public:
     void setRunning();
     /// It has ended; takes the rows out of the outcome.
     void setOutcome(QueryOutcome& outcome);
+    /// What is doubtful about the query, above its rows; none hides it.
+    void setNotes(const QStringList& notes);
     /// There was nothing that could be run.
     void setProblem(const QString& reason);
     /// Back to the state before the first query.
@@ -45,6 +48,7 @@ private:
     QStackedWidget* m_pages;
     QTableView* m_view;
     QLabel* m_text;
+    QLabel* m_notes;
     QLabel* m_summary;
     QHBoxLayout* m_header;
 };

@@ -14,6 +14,8 @@
 #include "parser/ORVQDParser.h"
 
 #include <QLocale>
+#include <QPlainTextEdit>
+#include <QVBoxLayout>
 
 #include <algorithm>
 #include <cmath>
@@ -126,6 +128,16 @@ int behindLastWholeCondition(const orv::TokenRun& condition, const orv::Conditio
 
 TorvQDWherePanel::TorvQDWherePanel(QWidget* Parent) : QWidget(Parent) {
     if (!Parent) throw orv::Error(QStringLiteral("Invalide parent for conditions panel"));
+    m_outline = new QPlainTextEdit(this);
+    m_outline->setReadOnly(true);
+    m_outline->setFrameStyle(QFrame::NoFrame);
+    m_outline->setLineWrapMode(QPlainTextEdit::NoWrap);
+    m_outline->setTabChangesFocus(true);
+    m_outline->setAccessibleName(tr("Conditions"));
+    m_outline->setPlaceholderText(tr("No conditions."));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_outline);
 }
 
 TorvQDWherePanel::~TorvQDWherePanel() = default;
@@ -168,6 +180,42 @@ void TorvQDWherePanel::clearRows() {
     root->SubRows->Clear();
     root->SetGroupOper(QStringLiteral("All"));
     ActiveElement = root->Controls[1].get();
+}
+
+// --- what is shown ---
+
+namespace {
+
+void addOutline(const TorvQDWhereRow& row, const QString& number, int depth, QStringList& lines) {
+    const QString indent(depth * 4, u' ');
+    const QString label = number.isEmpty() ? QString() : number + QStringLiteral("  ");
+    if (!row.isGroup()) {
+        const QString text = row.GetSQLCondition(false);  // in brackets
+        lines << indent + label + text.mid(1, text.size() - 2);
+        return;
+    }
+    lines << indent + label + row.GroupOper + QStringLiteral(" of the following are met");
+    for (int index = 0; index < row.SubRows->GetCount(); ++index) {
+        addOutline(*row.SubRows->Row(index), number + QString::number(index + 1) + u'.', depth + 1,
+                   lines);
+    }
+}
+
+}  // namespace
+
+void TorvQDWherePanel::refreshView() {
+    m_isOutdated = true;
+    if (!isVisible() || !rootRow()) return;
+    m_isOutdated = false;
+    QStringList lines;
+    if (rootRow()->SubRows->GetCount() > 0) addOutline(*rootRow(), QString(), 0, lines);
+    const QString text = lines.join(u'\n');
+    if (text != m_outline->toPlainText()) m_outline->setPlainText(text);
+}
+
+void TorvQDWherePanel::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (m_isOutdated) refreshView();
 }
 
 orv::ConditionRules TorvQDWherePanel::readingRules(bool keepMeaning) const {

@@ -13,6 +13,7 @@
 #include <optional>
 
 class IPagesHost;
+class QPlainTextEdit;
 class TorvQDParser;
 
 namespace orv {
@@ -58,12 +59,18 @@ public:
     /// Whether the types of the row's sides go together.
     [[nodiscard]] bool CheckTypeMisMatch(const QString& Text, const TorvQDControl& Element) const;
 
+    /// Shows the rows as they are now; the query builder calls it once per change.
+    void refreshView();
+
     /// By what conditions are read here; `keepMeaning` binds AND tighter than OR.
     [[nodiscard]] orv::ConditionRules readingRules(bool keepMeaning) const;
 
     /// The row that commands are about; none at first.
     TorvQDControl* CurrentElement = nullptr;
     TorvQDControl* ActiveElement = nullptr;
+
+protected:
+    void showEvent(QShowEvent* event) override;
 
 private:
     [[nodiscard]] IPagesHost* host() const;
@@ -76,4 +83,6 @@ private:
 
     orv::ConditionCatalogues m_catalogues;
     std::unique_ptr<TorvQDWhereRows> m_root;
+    QPlainTextEdit* m_outline;  // the rows, to be read
+    bool m_isOutdated = true;   // they changed since they were shown
 };

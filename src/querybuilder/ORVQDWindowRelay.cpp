@@ -22,8 +22,8 @@ void TorvQueryBuilder::endChange() {
     if (m_gridChanged && SelectPanel) {
         SelectPanel->grid()->refreshView();
         OrderPanel->RefreshFields();
-        WherePanel->update();
-        HavingPanel->update();
+        WherePanel->refreshView();
+        HavingPanel->refreshView();
     }
     m_gridChanged = false;
     if (!m_statementChanged) return;

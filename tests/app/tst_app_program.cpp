@@ -29,6 +29,7 @@ private Q_SLOTS:
     void print();
     void printFromStandardInput();
     void sampleDatabaseIsMade();
+    void doubtsAreToldBeforeRunning();
     void byteOrderMarkAndLineBreaks();
     void unreadableStatements_data();
     void unreadableStatements();
@@ -176,6 +177,15 @@ void TestProgram::sampleDatabaseIsMade() {
     QCOMPARE(result.errors, QByteArray());
     QCOMPARE(result.status, 0);
     QVERIFY(result.output.contains("\r\nWarehouse\r\n"));
+}
+
+void TestProgram::doubtsAreToldBeforeRunning() {
+    const QString query = written("product.sql", "select o.id from orders o, orders p");
+    const Result result = run({"--database", m_database, "--load", query, "--run"});
+    QCOMPARE(result.status, 0);
+    QCOMPARE(QString::fromUtf8(result.errors),
+             QStringLiteral("orvquery: P: Nothing links this with the other tables: each of its "
+                            "rows is combined with each of theirs.\n"));
 }
 
 void TestProgram::byteOrderMarkAndLineBreaks() {

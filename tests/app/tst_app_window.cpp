@@ -48,6 +48,7 @@ private Q_SLOTS:
     void noBreakSpaceStays();
     void statementThatCannotBeWritten();
     void runShowsRows();
+    void doubtsStandAboveTheRows();
     void nullIsNoEmptyText();
     void rowsAreCut();
     void rowsCanBeCopied();
@@ -176,11 +177,13 @@ void TestWindow::beginsWithSampleQuery() {
     QCOMPARE(m_messages, QStringList());
     QCOMPARE(m_window->windowTitle(), QStringLiteral("sample.db - orvquery"));
     QCOMPARE(child<QAbstractItemView>("tables")->model()->rowCount(), 13);
-    QCOMPARE(builder().ListOfTables->TablesCount(), 1);
+    QCOMPARE(builder().ListOfTables->TablesCount(), 3);
     QVERIFY(builder().LoadReport().empty());
+    QVERIFY(builder().Validate().empty());
     QVERIFY(text().contains(QStringLiteral("FROM CUSTOMERS")));
     QVERIFY(runAndWait());
-    QCOMPARE(label("summary").section(u',', 0, 0), QStringLiteral("29 rows"));
+    QCOMPARE(label("summary").section(u',', 0, 0), QStringLiteral("167 rows"));
+    QVERIFY(!isShown("notes"));
 }
 
 void TestWindow::beginsWithGivenStatement() {
@@ -377,6 +380,20 @@ void TestWindow::statementThatCannotBeWritten() {
     QCOMPARE(label("resultText"), reason);
     type("select 1");
     QVERIFY(!editor().font().italic());
+}
+
+void TestWindow::doubtsStandAboveTheRows() {
+    type("select id, name from orders, people");
+    press(Qt::Key_Return, Qt::ControlModifier);
+    QVERIFY(runAndWait());
+    QVERIFY(isShown("notes"));
+    QCOMPARE(label("notes"),
+             QStringLiteral("PEOPLE: Nothing links this with the other tables: each of its rows is "
+                            "combined with each of theirs."));
+    type("select id from orders");
+    press(Qt::Key_Return, Qt::ControlModifier);
+    QVERIFY(runAndWait());
+    QVERIFY(!isShown("notes"));
 }
 
 void TestWindow::runShowsRows() {

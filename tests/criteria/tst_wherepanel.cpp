@@ -6,6 +6,7 @@
 #include "support/BuilderTools.h"
 
 #include <QLocale>
+#include <QPlainTextEdit>
 
 #include <random>
 
@@ -619,6 +620,25 @@ private Q_SLOTS:
         const QString error = orvtest::errorOf(
             [&] { on.builder.WherePanel->checkLoadable(*root.Clause(inWhere), ledger, keep); });
         QCOMPARE(error, loads ? "(no error)" : "Conditions nest deeper than 2000 levels");
+    }
+
+    void conditionsAreShown() {
+        HostedBuilder on(true);
+        on.builder.PageCtrl->setCurrentIndex(0);
+        on.builder.show();
+        const auto* outline = on.builder.WherePanel->findChild<QPlainTextEdit*>();
+        QCOMPARE(outline->toPlainText(), QString());
+        on.builder.LoadSQL("select t.a from t where t.a = 1 and (t.b is null or t.c > 'x')");
+        QCOMPARE(outline->toPlainText(),
+                 "All of the following are met\n    1.  T.A = 1\n"
+                 "    2.  Any of the following are met\n        2.1.  T.B IS NULL \n"
+                 "        2.2.  T.C > 'x'");
+        // A page that is not seen is brought up to date when it is shown.
+        on.builder.PageCtrl->setCurrentIndex(1);
+        on.builder.Clear();
+        QVERIFY(!outline->toPlainText().isEmpty());
+        on.builder.PageCtrl->setCurrentIndex(0);
+        QCOMPARE(outline->toPlainText(), QString());
     }
 
     void deepestConditionIsLoadedWrittenAndCleared() {
