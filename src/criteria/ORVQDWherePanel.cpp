@@ -319,8 +319,7 @@ const TorvQDGroupFunc* TorvQDWherePanel::FindGroupFunc(const QString& Name) cons
     return GroupOpers ? orv::findGroupOperator(*GroupOpers, Name) : nullptr;
 }
 
-// --- types
-// ----------------------------------------------------------------------------------------
+// --- types ---
 
 bool TorvQDWherePanel::GetFieldType(const QString& Text, TFieldType& FieldType) const {
     IPagesHost* owner = host();

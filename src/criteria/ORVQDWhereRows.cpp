@@ -47,8 +47,7 @@ int operandCount(const TOperatorList::Entry& entry) {
 
 }  // namespace orv
 
-// --- elements
-// -------------------------------------------------------------------------------------
+// --- elements ---
 
 void TorvQDControl::SetText(const QString& text) {
     QString shown = text.isEmpty() ? orv::blankText() : text;
@@ -61,8 +60,7 @@ void TorvQDControl::SetText(const QString& text) {
     m_text = shown;
 }
 
-// --- collections
-// ----------------------------------------------------------------------------------
+// --- collections ---
 
 TorvQDWhereRows::TorvQDWhereRows(const orv::ConditionCatalogues* catalogues,
                                  TorvQDWhereRow* ownerRow)
@@ -78,8 +76,7 @@ TorvQDWhereRow* TorvQDWhereRows::AddRow() {
     return static_cast<TorvQDWhereRow*>(Add());
 }
 
-// --- rows
-// -----------------------------------------------------------------------------------------
+// --- rows ---
 
 TorvQDWhereRow::TorvQDWhereRow(TorvQDWhereRows* collection)
     : SubRows(std::make_unique<TorvQDWhereRows>(&collection->catalogues(), this)),
@@ -206,8 +203,7 @@ void TorvQDWhereRow::Assign(const TCollectionItemEx& Source) {
     Expanded = row->Expanded;
 }
 
-// --- SQL text
-// -------------------------------------------------------------------------------------
+// --- SQL text ---
 
 /// One buffer for the text of a whole tree.
 struct TorvQDWhereRow::Writer {

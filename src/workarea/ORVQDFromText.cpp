@@ -55,8 +55,7 @@ FromPlaces placesOf(const FromDiagram& diagram) {
             std::vector<JoinPlace>(diagram.joins.size())};
 }
 
-// --- in the order of stacking
-// ---------------------------------------------------------------------
+// --- in the order of stacking ---
 
 class StackingWriter {
 public:
@@ -133,8 +132,7 @@ private:
     QString m_item;
 };
 
-// --- with the meaning kept
-// ------------------------------------------------------------------------
+// --- with the meaning kept ---
 
 class MeaningWriter {
 public:
