@@ -15,6 +15,7 @@
 
 #include <QLocale>
 #include <QPlainTextEdit>
+#include <QSet>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -111,6 +112,24 @@ bool isCutOff(const orv::TokenRun& condition, const orv::LoadLedger& ledger) {
     const QStringList followers = {QStringLiteral("GROUP"), QStringLiteral("HAVING"),
                                    QStringLiteral("ORDER")};
     return !followers.contains(behind.textOf(0).toString().toUpper());
+}
+
+// Where something stands behind the condition that other dialects put there: it is no part of its
+// last operand. The size of the run when nothing does.
+int endOfOwnText(const orv::TokenRun& condition, const TOperatorList* operators) {
+    QSet<QString> followers = {"UNION",   "INTERSECT", "EXCEPT", "MINUS", "FOR",
+                               "OPTION",  "WITH",      "LOCK",   "PLAN",  "ROWS",
+                               "QUALIFY", "CONNECT",   "START",  "INTO",  "PROCEDURE"};
+    for (int index = 0; operators && index < operators->Count(); ++index) {
+        const QStringList words = operators->Items(index)->Name.toUpper().split(u' ');
+        for (const QString& word : words) followers.remove(word);
+    }
+    for (int index = 1; index < condition.size(); ++index) {
+        if (condition[index].depth != 0 || condition[index].kind != orv::SqlToken::Word) continue;
+        if (!orv::endsOperand(condition, index - 1)) continue;
+        if (followers.contains(condition.textOf(index).toString().toUpper())) return index;
+    }
+    return condition.size();
 }
 
 // Where the last connective of the condition stands.
@@ -245,8 +264,10 @@ void TorvQDWherePanel::loadRun(const orv::TokenRun& run, orv::LoadLedger* ledger
     if (!root) return;
     orv::TokenRun condition = run.mid(std::min(1, run.size()));
     checkDepth(condition, keepsMeaning);
-    orv::TokenRun rest = condition.mid(condition.size());
-    if (ledger && isCutOff(condition, *ledger)) {
+    const int end = endOfOwnText(condition, Operators);
+    orv::TokenRun rest = condition.mid(end);
+    condition = condition.mid(0, end);
+    if (ledger && rest.isEmpty() && isCutOff(condition, *ledger)) {
         const int kept = behindLastWholeCondition(condition, readingRules(false));
         rest = condition.mid(kept);
         condition = condition.mid(0, kept);

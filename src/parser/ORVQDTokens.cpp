@@ -192,8 +192,12 @@ std::vector<TokenRun> TokenRun::splitAtCommas() const {
     if (isEmpty()) return runs;
     const int level = m_first->depth;
     int first = 0;
+    int square = 0;  // open square brackets: those of an array, not of a name
     for (int index = 0; index < size(); ++index) {
-        if (m_first[index].kind != SqlToken::Comma || m_first[index].depth != level) continue;
+        if (is(index, u"[")) ++square;
+        if (is(index, u"]") && square > 0) --square;
+        const bool isOwn = m_first[index].kind == SqlToken::Comma && m_first[index].depth == level;
+        if (!isOwn || square > 0) continue;
         runs.push_back(mid(first, index - first));
         first = index + 1;
     }

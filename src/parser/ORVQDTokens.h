@@ -71,7 +71,7 @@ public:
     /// The text from the first to the last character, upper-cased outside quotes.
     [[nodiscard]] QString sourceText() const;
 
-    /// The runs between the commas of this run's own level.
+    /// The runs between the commas of this run's own level, outside square brackets.
     [[nodiscard]] std::vector<TokenRun> splitAtCommas() const;
 
     /// Index behind the bracket that the token at `index` opens; size() when nothing closes it.

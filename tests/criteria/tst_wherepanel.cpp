@@ -622,6 +622,31 @@ private Q_SLOTS:
         QCOMPARE(error, loads ? "(no error)" : "Conditions nest deeper than 2000 levels");
     }
 
+    // Clauses of other dialects are no part of the last operand.
+    void textBehindTheConditionIsAFinding_data() {
+        QTest::addColumn<QString>("behind");
+        for (const char* behind :
+             {"union", "minus select u.x from u", "for read only", "with ur", "option (recompile)",
+              "lock in share mode", "rows 5", "connect by t.b = t.c"}) {
+            QTest::newRow(behind) << QString::fromLatin1(behind);
+        }
+    }
+    void textBehindTheConditionIsAFinding() {
+        QFETCH(QString, behind);
+        HostedBuilder on(true);
+        on.builder.LoadSQL("select t.a from t where t.b = 'x' or t.a = 1 " + behind);
+        QCOMPARE(where(on), "Any(T.B =['x']; T.A =[1])");
+        QVERIFY(on.findings().join(u' ').startsWith(behind));
+    }
+
+    void namesLikeThoseOfOtherClausesStay() {
+        HostedBuilder on(true);
+        on.host.add("V", {"ROWS", "PLAN", "LOCK"});
+        on.builder.LoadSQL("select v.rows from v where rows = 1 and plan > lock and (lock = plan)");
+        QCOMPARE(on.findings(), QStringList());
+        QCOMPARE(where(on), "All(ROWS =[1]; PLAN >[LOCK]; LOCK =[PLAN])");
+    }
+
     void conditionsAreShown() {
         HostedBuilder on(true);
         on.builder.PageCtrl->setCurrentIndex(0);

@@ -141,6 +141,8 @@ void TestTokens::splitsAtCommasOfItsOwnLevel_data() {
     QTest::newRow("one") << "a b" << QStringList({"A B"});
     QTest::newRow("two") << "a, b c" << QStringList({"A", "B C"});
     QTest::newRow("comma in a bracket") << "f(a, b), c" << QStringList({"F(A, B)", "C"});
+    QTest::newRow("comma in square brackets") << "a[1, 2], b" << QStringList({"A[1, 2]", "B"});
+    QTest::newRow("square bracket that nothing opened") << "a], b" << QStringList({"A]", "B"});
     QTest::newRow("comma in quotes") << "'a, b', c" << QStringList({"'a, b'", "C"});
     QTest::newRow("nothing between") << "a,,b" << QStringList({"A", "", "B"});
     QTest::newRow("nothing behind") << "a," << QStringList({"A", ""});
