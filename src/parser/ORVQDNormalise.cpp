@@ -13,6 +13,21 @@ namespace orv {
 
 namespace {
 
+constexpr qsizetype longestOpenWord = 10;
+
+// Keywords and connectives behind which an operand, a table or an alias is still to come.
+const QSet<QString>& openWords() {
+    static const QSet<QString> words = {
+        "SELECT", "DISTINCT", "ALL",    "FROM",  "WHERE",   "BY",       "GROUP",      "ORDER",
+        "HAVING", "ON",       "JOIN",   "INNER", "LEFT",    "RIGHT",    "FULL",       "OUTER",
+        "CROSS",  "NATURAL",  "AND",    "OR",    "NOT",     "BETWEEN",  "LIKE",       "IN",
+        "IS",     "AS",       "CASE",   "WHEN",  "THEN",    "ELSE",     "ESCAPE",     "USING",
+        "ANY",    "SOME",     "EXISTS", "DIV",   "MOD",     "GLOB",     "REGEXP",     "RLIKE",
+        "ILIKE",  "SIMILAR",  "TO",     "MATCH", "COLLATE", "INTERVAL", "CONTAINING", "STARTING",
+        "WITH",   "XOR",      "OVER",   "FILTER"};
+    return words;
+}
+
 class Normaliser {
 public:
     Normaliser(const QString& text, SquareBrackets brackets)
@@ -45,6 +60,9 @@ private:
             skipComment(endOfBlockComment());
         } else if (character == u'`' || (character == u'[' && m_squareNames && mayStartName())) {
             readForeignName(character == u'`' ? u'`' : u']');
+        } else if (character == u'[' && m_squareNames && isBehindKeyword()) {
+            append(u' ', m_position);
+            readForeignName(u']');
         } else {
             append(isBlank(character) ? QChar(u' ') : character, m_position);
             ++m_position;
@@ -112,6 +130,20 @@ private:
         return character != u')' && (isSeparator(character) || isSignCharacter(character));
     }
 
+    // No keyword of a list has an index: a name may be glued to it.
+    [[nodiscard]] bool isBehindKeyword() const {
+        const QString& text = m_result.text;
+        qsizetype start = text.size();
+        while (start > 0 && text.size() - start <= longestOpenWord &&
+               text[start - 1].isLetterOrNumber()) {
+            --start;
+        }
+        const QChar before = start > 0 ? text[start - 1] : QChar(u' ');
+        const bool isWholeWord =
+            isSeparator(before) || isSignCharacter(before) || before == u'\'' || before == u'"';
+        return isWholeWord && openWords().contains(text.mid(start).toUpper());
+    }
+
     // `name` or [name]: the closing sign doubled stands for itself.
     void readForeignName(QChar close) {
         // Once nothing closes such a name, nothing closes those behind it either.
@@ -161,19 +193,6 @@ private:
     NormalisedSQL m_result;
 };
 
-// Keywords and connectives behind which an operand, a table or an alias is still to come.
-const QSet<QString>& openWords() {
-    static const QSet<QString> words = {
-        "SELECT", "DISTINCT", "ALL",    "FROM",  "WHERE",   "BY",       "GROUP",      "ORDER",
-        "HAVING", "ON",       "JOIN",   "INNER", "LEFT",    "RIGHT",    "FULL",       "OUTER",
-        "CROSS",  "NATURAL",  "AND",    "OR",    "NOT",     "BETWEEN",  "LIKE",       "IN",
-        "IS",     "AS",       "CASE",   "WHEN",  "THEN",    "ELSE",     "ESCAPE",     "USING",
-        "ANY",    "SOME",     "EXISTS", "DIV",   "MOD",     "GLOB",     "REGEXP",     "RLIKE",
-        "ILIKE",  "SIMILAR",  "TO",     "MATCH", "COLLATE", "INTERVAL", "CONTAINING", "STARTING",
-        "WITH",   "XOR",      "OVER",   "FILTER"};
-    return words;
-}
-
 bool isAny(const TokenRun& run, int index, std::initializer_list<QStringView> words) {
     if (index >= run.size()) return false;
     return std::any_of(words.begin(), words.end(),
@@ -221,7 +240,7 @@ bool endsOperand(const TokenRun& run, int index) {
     }
     const QStringView word = run.textOf(index);
     if (word.endsWith(u'.')) return false;
-    return word.size() > 10 || !openWords().contains(word.toString().toUpper());
+    return word.size() > longestOpenWord || !openWords().contains(word.toString().toUpper());
 }
 
 StatementParts splitStatement(QStringView text, const SqlTokens& tokens) {

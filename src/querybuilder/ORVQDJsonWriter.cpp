@@ -71,8 +71,28 @@ JsonWriter& JsonWriter::null() {
     return *this;
 }
 
+// Half of a surrogate pair, which UTF-8 has no bytes for, goes as an escape: read again it is the
+// same character.
 void JsonWriter::writeText(const QString& text) {
     m_out += '"';
+    qsizetype start = 0;
+    for (qsizetype index = 0; index < text.size(); ++index) {
+        if (!text[index].isSurrogate()) continue;
+        const bool isPair = text[index].isHighSurrogate() && index + 1 < text.size() &&
+                            text[index + 1].isLowSurrogate();
+        if (isPair) {
+            ++index;
+            continue;
+        }
+        writeCharacters(QStringView(text).mid(start, index - start));
+        m_out += "\\u" + QByteArray::number(text[index].unicode(), 16);
+        start = index + 1;
+    }
+    writeCharacters(QStringView(text).mid(start));
+    m_out += '"';
+}
+
+void JsonWriter::writeCharacters(QStringView text) {
     for (const char character : text.toUtf8()) {
         switch (character) {
         case '"': m_out += "\\\""; break;
@@ -88,7 +108,6 @@ void JsonWriter::writeText(const QString& text) {
             }
         }
     }
-    m_out += '"';
 }
 
 }  // namespace orv

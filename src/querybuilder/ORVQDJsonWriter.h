@@ -34,6 +34,7 @@ private:
     void separate();
     void newLine();
     void writeText(const QString& text);
+    void writeCharacters(QStringView text);
 
     const bool m_indented;
     bool m_afterKey = false;

@@ -9,6 +9,9 @@
 #include "selection/ORVQDSelectOrder.h"
 #include "workarea/ORVQDFloatPanel.h"
 
+#include <QHash>
+#include <QSet>
+
 namespace orv {
 
 namespace {
@@ -130,6 +133,25 @@ void writeColumns(JsonWriter& json, const OutputColumns& columns) {
     json.endArray();
 }
 
+// An invalid statement may give two boxes one alias, which then does not tell them apart.
+void writeJoinKeys(JsonWriter& json, const TorvQDWorkArea& area,
+                   const QHash<const TorvQDTable*, int>& indices) {
+    QSet<QString> aliases;
+    for (const TorvQDTable* table : area.tablesByCreation()) aliases.insert(table->GetAlias());
+    if (int(aliases.size()) == area.TablesCount()) return;
+    QHash<const TorvQDJoin*, int> joins;
+    json.key("joinTables").beginArray();
+    for (const TorvQDJoin* join : area.Joins()) {
+        joins.insert(join, int(joins.size()));
+        json.beginArray().value(indices.value(join->Table1)).value(indices.value(join->Table2));
+        json.endArray();
+    }
+    json.endArray();
+    json.key("linkJoins").beginArray();
+    for (const TorvQDLink* link : area.Links()) json.value(joins.value(link->Join));
+    json.endArray();
+}
+
 void writeRestoringKeys(JsonWriter& json, TorvQueryBuilder& builder) {
     const TorvQDWorkArea& area = *builder.WorkArea;
     QHash<const TorvQDTable*, int> indices;
@@ -138,6 +160,7 @@ void writeRestoringKeys(JsonWriter& json, TorvQueryBuilder& builder) {
     json.key("creationOrder").beginArray();
     for (const TorvQDTable* table : area.tablesByCreation()) json.value(indices.value(table));
     json.endArray();
+    writeJoinKeys(json, area, indices);
     json.key("groupedColumns").beginArray();
     const OutputColumns& columns = builder.SelectPanel->grid()->columns();
     for (std::size_t index = 0; index < columns.size(); ++index) {

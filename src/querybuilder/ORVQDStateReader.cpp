@@ -9,7 +9,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonValue>
-#include <QSet>
 
 #include <algorithm>
 #include <cmath>
@@ -125,24 +124,62 @@ QueryState::Table readTable(const Value& value) {
     return table;
 }
 
-QueryState::Join readJoin(const Value& value) {
+int indexOfTable(const Value& value, const std::vector<QueryState::Table>& tables) {
+    const QString alias = value.text();
+    const auto found =
+        std::find_if(tables.begin(), tables.end(),
+                     [&](const QueryState::Table& table) { return table.alias == alias; });
+    // The place is that of the join or link: the key is told by what it names.
+    if (found == tables.end()) {
+        fail(value.path().section(u'.', 0, 0), QStringLiteral("names an unknown table: ") + alias);
+    }
+    return int(found - tables.begin());
+}
+
+QueryState::Join readJoin(const Value& value, const std::vector<QueryState::Table>& tables) {
     QueryState::Join join;
     const QString kind = value.key("kind").text();
     const auto known = joinKindFromIdentifier(kind);
     if (!known) fail(value.path(), QStringLiteral("has an unknown kind: ") + kind);
     join.kind = *known;
-    join.table1 = value.key("table1").text();
-    join.table2 = value.key("table2").text();
+    join.table1 = indexOfTable(value.key("table1"), tables);
+    join.table2 = indexOfTable(value.key("table2"), tables);
     join.text = value.key("text").textOr(QString());
     return join;
 }
 
+// Where two boxes have one alias, a list of its own tells which of them a join is about; without it
+// the front-most one is meant.
+void readJoins(const Value& root, QueryState& state) {
+    for (const Value& join : root.key("joins").items()) {
+        state.joins.push_back(readJoin(join, state.tables));
+    }
+    const Value list = root.key("joinTables");
+    if (list.isMissing()) return;
+    const std::vector<Value> items = list.items();
+    if (items.size() != state.joins.size()) {
+        fail(list.path(), QStringLiteral("is not as long as the joins"));
+    }
+    const auto hasAliasOf = [&](int index, int table) {
+        return index >= 0 && index < int(state.tables.size()) &&
+               state.tables[std::size_t(index)].alias == state.tables[std::size_t(table)].alias;
+    };
+    for (std::size_t index = 0; index < items.size(); ++index) {
+        QueryState::Join& join = state.joins[index];
+        const std::vector<int> numbers = items[index].numbers();
+        if (numbers.size() != 2 || !hasAliasOf(numbers[0], join.table1) ||
+            !hasAliasOf(numbers[1], join.table2)) {
+            fail(items[index].path(), QStringLiteral("does not name the tables of its join"));
+        }
+        join.table1 = numbers[0];
+        join.table2 = numbers[1];
+    }
+}
+
 QueryState::Link readLink(const Value& value) {
     QueryState::Link link;
-    link.table1 = value.key("table1").text();
     link.field1 = value.key("field1").text();
     link.operation = value.key("operator").text();
-    link.table2 = value.key("table2").text();
     link.field2 = value.key("field2").text();
     for (const Value& point : value.key("points").items()) {
         const std::vector<int> numbers = point.numbers();
@@ -150,6 +187,43 @@ QueryState::Link readLink(const Value& value) {
         link.points.emplace_back(numbers[0], numbers[1]);
     }
     return link;
+}
+
+// As with the tables of joins, a list of its own tells which join a link is of when the aliases do
+// not.
+void readLinks(const Value& root, QueryState& state) {
+    using Aliases = std::pair<QString, QString>;
+    const auto aliasOf = [&](int table) { return state.tables[std::size_t(table)].alias; };
+    std::vector<Aliases> joins;
+    for (const QueryState::Join& join : state.joins) {
+        joins.emplace_back(aliasOf(join.table1), aliasOf(join.table2));
+    }
+    QHash<Aliases, int> joinOf;
+    for (int index = int(joins.size()) - 1; index >= 0; --index) {
+        joinOf.insert(joins[std::size_t(index)], index);
+    }
+    const Value list = root.key("linkJoins");
+    const std::vector<int> numbers = list.numbers();
+    const std::vector<Value> links = root.key("links").items();
+    if (!list.isMissing() && numbers.size() != links.size()) {
+        fail(list.path(), QStringLiteral("is not as long as the links"));
+    }
+    for (std::size_t index = 0; index < links.size(); ++index) {
+        QueryState::Link link = readLink(links[index]);
+        const Aliases aliases(aliasOf(indexOfTable(links[index].key("table1"), state.tables)),
+                              aliasOf(indexOfTable(links[index].key("table2"), state.tables)));
+        link.join = list.isMissing() ? joinOf.value(aliases, -1) : numbers[index];
+        if (list.isMissing() && link.join < 0) {
+            fail(
+                links[index].path(),
+                QStringLiteral("has no join between %1 and %2").arg(aliases.first, aliases.second));
+        }
+        const bool isKnown = link.join >= 0 && link.join < int(joins.size());
+        if (!isKnown || joins[std::size_t(link.join)] != aliases) {
+            fail(list.path(), QStringLiteral("does not name the join of each link"));
+        }
+        state.links.push_back(std::move(link));
+    }
 }
 
 QueryState::Row readRow(const Value& value) {
@@ -236,25 +310,6 @@ void readOrder(const Value& root, QueryState& state) {
     for (std::size_t line = 0; line < numbers.size(); ++line) state.order[line].row = numbers[line];
 }
 
-// Joins and links name tables that are there.
-void checkReferences(const QueryState& state) {
-    QSet<QString> aliases;
-    for (const QueryState::Table& table : state.tables) aliases.insert(table.alias);
-    const auto check = [&](const char* list, std::size_t index, const QString& alias) {
-        if (aliases.contains(alias)) return;
-        fail(QStringLiteral("%1[%2]").arg(QString::fromLatin1(list)).arg(index),
-             QStringLiteral("names an unknown table: ") + alias);
-    };
-    for (std::size_t index = 0; index < state.joins.size(); ++index) {
-        check("joins", index, state.joins[index].table1);
-        check("joins", index, state.joins[index].table2);
-    }
-    for (std::size_t index = 0; index < state.links.size(); ++index) {
-        check("links", index, state.links[index].table1);
-        check("links", index, state.links[index].table2);
-    }
-}
-
 }  // namespace
 
 QueryState readState(const QByteArray& json) {
@@ -269,8 +324,8 @@ QueryState readState(const QByteArray& json) {
     const Value root(document.object(), {});
     QueryState state;
     for (const Value& table : root.key("tables").items()) state.tables.push_back(readTable(table));
-    for (const Value& join : root.key("joins").items()) state.joins.push_back(readJoin(join));
-    for (const Value& link : root.key("links").items()) state.links.push_back(readLink(link));
+    readJoins(root, state);
+    readLinks(root, state);
     state.where = readRoot(root.key("where"));
     state.having = readRoot(root.key("having"));
     state.distinct = root.key("distinct").flagOr(false);
@@ -280,7 +335,6 @@ QueryState readState(const QByteArray& json) {
     state.selectedFields = root.key("selectedFields").texts();
     state.allFields = root.key("allFields").texts();
     state.creationOrder = readCreationOrder(root.key("creationOrder"), state);
-    checkReferences(state);
     return state;
 }
 

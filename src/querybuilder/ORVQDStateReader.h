@@ -29,15 +29,14 @@ struct QueryState {
     };
     struct Join {
         TKindOfJoin kind = klInnerJoin;
-        QString table1;
-        QString table2;
+        int table1 = -1;  ///< index of `tables`
+        int table2 = -1;
         QString text;
     };
     struct Link {
-        QString table1;
+        int join = -1;  ///< index of `joins`
         QString field1;
         QString operation;
-        QString table2;
         QString field2;
         std::vector<QPoint> points;
     };

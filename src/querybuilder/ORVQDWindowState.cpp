@@ -11,7 +11,6 @@
 #include "selection/ORVQDSelectOrder.h"
 #include "workarea/ORVQDFloatPanel.h"
 
-#include <QHash>
 #include <QSet>
 #include <QThread>
 
@@ -43,25 +42,28 @@ public:
             frontToBack[std::size_t(index)] = box;
         }
         m_area.restack(frontToBack);
-        for (const orv::QueryState::Join& saved : m_state.joins) restoreJoin(saved);
-        for (const orv::QueryState::Link& saved : m_state.links) restoreLink(saved);
+        std::vector<TorvQDJoin*> joins;
+        for (const orv::QueryState::Join& saved : m_state.joins) {
+            joins.push_back(restoreJoin(saved, frontToBack));
+        }
+        for (const orv::QueryState::Link& saved : m_state.links) {
+            restoreLink(saved, joins[std::size_t(saved.join)]);
+        }
     }
 
 private:
-    void restoreJoin(const orv::QueryState::Join& saved) {
-        TorvQDJoin* join =
-            m_area.restoreJoin(m_area.GetTable(saved.table1), m_area.GetTable(saved.table2));
+    TorvQDJoin* restoreJoin(const orv::QueryState::Join& saved,
+                            const std::vector<TorvQDTable*>& tables) {
+        TorvQDJoin* join = m_area.restoreJoin(tables[std::size_t(saved.table1)],
+                                              tables[std::size_t(saved.table2)]);
         join->KindOfJoin = saved.kind;
         join->Text = saved.text;
+        return join;
     }
 
-    void restoreLink(const orv::QueryState::Link& saved) {
-        TorvQDTable* table1 = m_area.GetTable(saved.table1);
-        TorvQDTable* table2 = m_area.GetTable(saved.table2);
-        bool reversed = false;
-        TorvQDJoin* join = m_area.FindJoin(table1, table2, reversed);
-        TorvQDLink* link = m_area.restoreLink(join, table1->GetFieldItem(saved.field1),
-                                              table2->GetFieldItem(saved.field2));
+    void restoreLink(const orv::QueryState::Link& saved, TorvQDJoin* join) {
+        TorvQDLink* link = m_area.restoreLink(join, join->Table1->GetFieldItem(saved.field1),
+                                              join->Table2->GetFieldItem(saved.field2));
         link->setOperatorText(saved.operation);
         if (!saved.points.empty()) link->setBendPoints(saved.points);
     }
@@ -70,44 +72,44 @@ private:
     const orv::QueryState& m_state;
 };
 
-// What would only show half way is looked for before anything is cleared: a link without its join
-// or its fields, a join without a link.
+// What would only show half way is looked for before anything is cleared: a link without its
+// fields, a join without a link.
 void checkDiagram(const orv::QueryState& state) {
-    QHash<QString, QSet<QString>> fieldsOf;  // of the front-most box of an alias, in upper case
+    std::vector<QSet<QString>> fieldsOf;  // by table, in upper case
     for (const auto& table : state.tables) {
-        if (fieldsOf.contains(table.alias)) continue;
-        QSet<QString>& fields = fieldsOf[table.alias];
+        QSet<QString> fields;
         for (const TFieldDef& field : table.fields.FieldDefs) {
             fields.insert(ProcessName(field.Name).toUpper());
         }
+        fieldsOf.push_back(fields);
     }
-    const auto checkField = [&](const QString& alias, const QString& field) {
-        if (fieldsOf.value(alias).contains(field.toUpper())) return;
-        fail(QStringLiteral("a link names the unknown field %1 of %2").arg(field, alias));
+    const auto aliasOf = [&](int table) { return state.tables[std::size_t(table)].alias; };
+    const auto checkField = [&](int table, const QString& field) {
+        if (fieldsOf[std::size_t(table)].contains(field.toUpper())) return;
+        fail(QStringLiteral("a link names the unknown field %1 of %2").arg(field, aliasOf(table)));
     };
-    QHash<std::pair<QString, QString>, int> linksOf;
+    QSet<std::pair<int, int>> pairs;
     for (const auto& join : state.joins) {
-        const bool isSecond = linksOf.contains({join.table1, join.table2}) ||
-                              linksOf.contains({join.table2, join.table1});
+        const bool isSecond = pairs.contains({join.table1, join.table2}) ||
+                              pairs.contains({join.table2, join.table1});
         if (isSecond) {
-            fail(QStringLiteral("two joins between %1 and %2").arg(join.table1, join.table2));
+            fail(QStringLiteral("two joins between %1 and %2")
+                     .arg(aliasOf(join.table1), aliasOf(join.table2)));
         }
-        linksOf.insert({join.table1, join.table2}, 0);
+        pairs.insert({join.table1, join.table2});
     }
+    std::vector<bool> hasLink(state.joins.size());
     for (const auto& link : state.links) {
-        const auto found = linksOf.find({link.table1, link.table2});
-        if (found == linksOf.end()) {
-            fail(QStringLiteral("a link without a join between %1 and %2")
-                     .arg(link.table1, link.table2));
-        }
-        ++found.value();
-        checkField(link.table1, link.field1);
-        checkField(link.table2, link.field2);
+        const orv::QueryState::Join& join = state.joins[std::size_t(link.join)];
+        hasLink[std::size_t(link.join)] = true;
+        checkField(join.table1, link.field1);
+        checkField(join.table2, link.field2);
     }
-    for (auto links = linksOf.constBegin(); links != linksOf.constEnd(); ++links) {
-        if (links.value() > 0) continue;
+    for (std::size_t index = 0; index < hasLink.size(); ++index) {
+        if (hasLink[index]) continue;
+        const orv::QueryState::Join& join = state.joins[index];
         fail(QStringLiteral("a join without a link between %1 and %2")
-                 .arg(links.key().first, links.key().second));
+                 .arg(aliasOf(join.table1), aliasOf(join.table2)));
     }
 }
 

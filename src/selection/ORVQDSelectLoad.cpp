@@ -53,7 +53,10 @@ public:
         for (const TokenRun& run : runs) {
             if (!run.isEmpty()) loadColumn(run);
         }
-        if (columns.isEmpty() && m_ledger) {
+        // Commas alone are no columns either.
+        const bool isBare = std::all_of(runs.begin(), runs.end(),
+                                        [](const TokenRun& run) { return run.isEmpty(); });
+        if (isBare && m_ledger) {
             m_ledger->report(m_root.Start(), m_root.Start() + int(m_root.Text().size()),
                              QStringLiteral("The statement has no columns."));
         }

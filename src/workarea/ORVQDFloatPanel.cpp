@@ -165,7 +165,8 @@ TorvQDTable* TorvQDWorkArea::restoreTable(const QString& name, const QString& al
     if (alias != name) box->SetAlias(alias);
     if (bounds.isValid()) {
         box->SetWidth(bounds.width());
-        box->SetHeight(bounds.height());
+        // A box of few rows is made lower than anybody can size it.
+        if (bounds.height() != box->Height) box->SetHeight(bounds.height());
         box->SetLeft(bounds.left());
         box->SetTop(bounds.top());
     } else {

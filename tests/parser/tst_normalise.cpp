@@ -81,7 +81,11 @@ void TestNormalise::texts_data() {
     row("square brackets behind a comment", "a/**/[b c]", "a \"b c\"");
     row("doubled square bracket", "[a]]b]", "\"a]b\"");
     row("double quote in square brackets", "[a\"b]", "\"a\"\"b\"");
+    row("square brackets glued to a keyword", "select[a b]from[t]where not[c]in[d]",
+        "select \"a b\"from \"t\"where not \"c\"in \"d\"");
     row("an index behind a name", "a[1]", "a[1]");
+    row("an index behind the end of a name", "my_and[1], \u00e9and[1], 1and[1], t.and[1]",
+        "my_and[1], \u00e9and[1], 1and[1], t.and[1]");
     row("an index behind a bracket", "f(a)[1]", "f(a)[1]");
     row("an index behind a quoted name", "\"a\"[1]", "\"a\"[1]");
     row("an index behind an index", "a[1][2]", "a[1][2]");

@@ -101,6 +101,33 @@ private Q_SLOTS:
                 on.builder.WorkArea->Links().front()->points());
     }
 
+    // Such a box is made lower than SetHeight() allows.
+    void boxOfOneRowKeepsItsHeight() {
+        HostedBuilder on;
+        on.host.add("ONE", {"A"});
+        on.builder.LoadSQL("select one.a from one");
+        const int height = on.table("ONE")->Height;
+        const QByteArray state = on.builder.SaveState();
+        HostedBuilder other;
+        other.builder.RestoreState(state);
+        QCOMPARE(other.table("ONE")->Height, height);
+        QCOMPARE(other.builder.SaveState(), state);
+    }
+
+    // Half of a surrogate pair has no form in UTF-8, NUL none as it stands in JSON.
+    void textsOfAnyCharactersComeBack() {
+        HostedBuilder on(true);
+        const QString text = u'\'' + QString(QChar(0xd83d)) + QStringLiteral("\U0001F600") +
+                             QChar(0xde00) + QChar(0) + QChar(0x7f) + QChar(0xffff) + u'\'';
+        on.builder.LoadSQL("select t.a from t where t.b = " + text);
+        QVERIFY(on.builder.GetSQLStatment().contains(text));
+        const QByteArray state = on.builder.SaveState();
+        HostedBuilder other(true);
+        other.builder.RestoreState(state);
+        QCOMPARE(other.builder.GetSQLStatment(), on.builder.GetSQLStatment());
+        QCOMPARE(restored(state, true), QByteArray(state));
+    }
+
     void joinsKeepTheirOrderWhenLinksWereRemoved() {
         HostedBuilder on;
         on.builder.LoadSQL(
@@ -112,6 +139,34 @@ private Q_SLOTS:
         area.RemoveLink(area.Links().front(), false);
         const QByteArray state = on.builder.SaveState();
         QCOMPARE(restored(state, false), state);
+    }
+
+    // The statement is none that a database takes, but what is shown of it comes back.
+    void boxesOfOneAliasComeBack_data() {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("one table twice")
+            << "select t.a from t join u v on t.a = v.a left join u v on t.b = v.x";
+        QTest::newRow("two tables")
+            << "select t.a from t join u v on t.a = v.x join dept v on t.b = v.budget";
+        QTest::newRow("joined with each other") << "select v.a from t v join u v on v.b = v.x";
+    }
+    void boxesOfOneAliasComeBack() {
+        QFETCH(QString, text);
+        HostedBuilder on(true);
+        on.builder.LoadSQL(text);
+        QCOMPARE(on.stacking().count("V"), 2);
+        QJsonObject state = QJsonDocument::fromJson(on.builder.SaveState()).object();
+        state.remove("report");
+        HostedBuilder other(true);
+        other.builder.RestoreState(on.builder.SaveState());
+        QJsonObject again = QJsonDocument::fromJson(other.builder.SaveState()).object();
+        again.remove("report");
+        QCOMPARE(QJsonDocument(again).toJson(), QJsonDocument(state).toJson());
+        for (std::size_t index = 0; index < on.builder.WorkArea->Joins().size(); ++index) {
+            const TorvQDJoin& saved = *on.builder.WorkArea->Joins()[index];
+            const TorvQDJoin& restored = *other.builder.WorkArea->Joins()[index];
+            QCOMPARE(restored.Table2->TableName, saved.Table2->TableName);
+        }
     }
 
     void stateThatOthersPrintedComesBackToo() {
@@ -228,6 +283,42 @@ private Q_SLOTS:
         QCOMPARE(errorOf([&] { other.builder.RestoreState(damaged); }), error);
         QCOMPARE(other.builder.SaveState(), before);
         QCOMPARE(other.changes, 0);
+    }
+
+    void listsThatTellBoxesOfOneAliasApartMustFit_data() {
+        QTest::addColumn<QByteArray>("key");
+        QTest::addColumn<QByteArray>("value");
+        QTest::addColumn<QString>("error");
+        const auto row = [](const char* name, const char* key, const char* value,
+                            const char* error) {
+            QTest::newRow(name) << QByteArray(key) << QByteArray(value)
+                                << "The state cannot be restored: " + QString::fromLatin1(error);
+        };
+        row("too few joins", "joinTables", "[[2, 1]]", "joinTables is not as long as the joins");
+        row("three tables of a join", "joinTables", "[[2, 1], [2, 0, 1]]",
+            "joinTables[1] does not name the tables of its join");
+        row("table of another alias", "joinTables", "[[2, 1], [0, 2]]",
+            "joinTables[1] does not name the tables of its join");
+        row("no such table", "joinTables", "[[2, 1], [2, 3]]",
+            "joinTables[1] does not name the tables of its join");
+        row("one table for both", "joinTables", "[[2, 1], [2, 1]]", "two joins between T and V");
+        row("too few links", "linkJoins", "[0]", "linkJoins is not as long as the links");
+        row("no such join", "linkJoins", "[0, 2]", "linkJoins does not name the join of each link");
+        row("both links of one join", "linkJoins", "[0, 0]",
+            "a join without a link between T and V");
+    }
+    void listsThatTellBoxesOfOneAliasApartMustFit() {
+        QFETCH(QByteArray, key);
+        QFETCH(QByteArray, value);
+        QFETCH(QString, error);
+        HostedBuilder on(true);
+        on.builder.LoadSQL("select t.a from t join u v on t.a = v.a left join u v on t.b = v.x");
+        QJsonObject state = QJsonDocument::fromJson(on.builder.SaveState()).object();
+        QVERIFY(state.contains(QString::fromLatin1(key)));
+        state[QString::fromLatin1(key)] = QJsonDocument::fromJson(value).array();
+        const QByteArray before = on.builder.SaveState();
+        QCOMPARE(errorOf([&] { on.builder.RestoreState(QJsonDocument(state).toJson()); }), error);
+        QCOMPARE(on.builder.SaveState(), before);
     }
 
     void textThatIsNoJsonIsRefused() {

@@ -140,9 +140,16 @@ private Q_SLOTS:
         verifyBuilder(on.builder);
     }
 
+    void statementWithoutColumnsIsAFinding_data() {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("nothing") << "select from t";
+        QTest::newRow("commas") << "select , , from t";
+        QTest::newRow("DISTINCT and a comma") << "select distinct, from t";
+    }
     void statementWithoutColumnsIsAFinding() {
+        QFETCH(QString, text);
         HostedBuilder on;
-        on.builder.LoadSQL("select from t");
+        on.builder.LoadSQL(text);
         QCOMPARE(on.columns(), QStringList());
         QCOMPARE(on.findings(), QStringList("select"));
     }
