@@ -700,13 +700,15 @@ int mostGroupsBelow(const TokenRun& run) {
     return groups;
 }
 
-const ConditionElement* andBehindOr(const std::vector<ConditionElement>& level) {
-    bool seenOr = false;
+std::vector<const ConditionElement*> andsBehindOr(const std::vector<ConditionElement>& level) {
+    std::vector<const ConditionElement*> found;
+    bool isBehindOr = false;
     for (const ConditionElement& element : level) {
-        if (element.kind == ConditionElement::Or) seenOr = true;
-        if (element.kind == ConditionElement::And && seenOr) return &element;
+        if (element.kind == ConditionElement::And && isBehindOr) found.push_back(&element);
+        if (element.kind == ConditionElement::And) isBehindOr = false;
+        if (element.kind == ConditionElement::Or) isBehindOr = true;
     }
-    return nullptr;
+    return found;
 }
 
 }  // namespace orv

@@ -55,9 +55,9 @@ inline constexpr int deepestCondition = 2000;
 /// AND and OR. Looks at brackets and connectives alone.
 [[nodiscard]] ORV_EXPORT int mostGroupsBelow(const TokenRun& run);
 
-/// The first AND behind an OR of one level: where reading from left to right and reading AND first
+/// The ANDs whose connective before is OR: where reading from left to right and reading AND first
 /// differ. None when they agree.
-[[nodiscard]] ORV_EXPORT const ConditionElement* andBehindOr(
+[[nodiscard]] ORV_EXPORT std::vector<const ConditionElement*> andsBehindOr(
     const std::vector<ConditionElement>& level);
 
 }  // namespace orv

@@ -15,7 +15,6 @@
 
 #include <QLocale>
 #include <QPlainTextEdit>
-#include <QSet>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -72,9 +71,10 @@ void visitConditions(TorvQDWhereRow& row, const Visit& visit) {
 // Places what the rows hold, and tells where reading from left to right changes the meaning.
 void account(const std::vector<orv::ConditionElement>& level, orv::LoadLedger& ledger,
              bool keepsMeaning) {
-    const orv::ConditionElement* changed = keepsMeaning ? nullptr : orv::andBehindOr(level);
-    if (changed) {
-        ledger.report(changed->run, QStringLiteral("AND and OR are combined from left to right: "
+    const std::vector<const orv::ConditionElement*> changed =
+        keepsMeaning ? std::vector<const orv::ConditionElement*>() : orv::andsBehindOr(level);
+    for (const orv::ConditionElement* element : changed) {
+        ledger.report(element->run, QStringLiteral("AND and OR are combined from left to right: "
                                                    "the condition means something else."));
     }
     bool hasOperand = false;
@@ -114,22 +114,16 @@ bool isCutOff(const orv::TokenRun& condition, const orv::LoadLedger& ledger) {
     return !followers.contains(behind.textOf(0).toString().toUpper());
 }
 
-// Where something stands behind the condition that other dialects put there: it is no part of its
-// last operand. The size of the run when nothing does.
-int endOfOwnText(const orv::TokenRun& condition, const TOperatorList* operators) {
-    QSet<QString> followers = {"UNION",   "INTERSECT", "EXCEPT", "MINUS", "FOR",
-                               "OPTION",  "WITH",      "LOCK",   "PLAN",  "ROWS",
-                               "QUALIFY", "CONNECT",   "START",  "INTO",  "PROCEDURE"};
-    for (int index = 0; operators && index < operators->Count(); ++index) {
+// The same with words of the operators, which are parts of conditions.
+int endOfCondition(const orv::TokenRun& condition, const TOperatorList* operators) {
+    const int end = orv::endOfCondition(condition);
+    if (end == condition.size() || !operators) return end;
+    const QString word = condition.textOf(end).toString().toUpper();
+    for (int index = 0; index < operators->Count(); ++index) {
         const QStringList words = operators->Items(index)->Name.toUpper().split(u' ');
-        for (const QString& word : words) followers.remove(word);
+        if (words.contains(word)) return condition.size();
     }
-    for (int index = 1; index < condition.size(); ++index) {
-        if (condition[index].depth != 0 || condition[index].kind != orv::SqlToken::Word) continue;
-        if (!orv::endsOperand(condition, index - 1)) continue;
-        if (followers.contains(condition.textOf(index).toString().toUpper())) return index;
-    }
-    return condition.size();
+    return end;
 }
 
 // Where the last connective of the condition stands.
@@ -264,7 +258,7 @@ void TorvQDWherePanel::loadRun(const orv::TokenRun& run, orv::LoadLedger* ledger
     if (!root) return;
     orv::TokenRun condition = run.mid(std::min(1, run.size()));
     checkDepth(condition, keepsMeaning);
-    const int end = endOfOwnText(condition, Operators);
+    const int end = endOfCondition(condition, Operators);
     orv::TokenRun rest = condition.mid(end);
     condition = condition.mid(0, end);
     if (ledger && rest.isEmpty() && isCutOff(condition, *ledger)) {
@@ -334,6 +328,30 @@ void TorvQDWherePanel::ChangeAlias(const QString& NewAlias, const QString& OldAl
             argument = orv::renamedAlias(argument, NewAlias, OldAlias);
         }
     });
+}
+
+// --- another catalogue ---
+
+// Rows keep the name of their operator while the list is replaced.
+void TorvQDWherePanel::PrepareToReloadOperators() {
+    m_operatorNames.clear();
+    if (!rootRow()) return;
+    visitConditions(*rootRow(), [this](TorvQDWhereRow& row) {
+        if (row.isExpression()) return;
+        m_operatorNames.push_back({&row, row.Operator ? row.Operator->Name : QString()});
+        row.Operator.reset();
+    });
+}
+
+void TorvQDWherePanel::ReloadOperators() {
+    for (const auto& [row, name] : m_operatorNames) {
+        if (Operators) row->Operator = Operators->Items(0);
+        const TOperatorList::Entry same = Operators ? Operators->FindName(name) : nullptr;
+        if (same) row->Operator = same;
+        row->refreshTexts();
+    }
+    m_operatorNames.clear();
+    refreshView();
 }
 
 const TorvQDGroupFunc* TorvQDWherePanel::FindGroupFunc(const QString& Name) const {

@@ -52,6 +52,11 @@ public:
     /// Replaces the alias in front of field names, as a whole word and outside quotes.
     void ChangeAlias(const QString& NewAlias, const QString& OldAlias);
 
+    /// Before and after the operator list is replaced: rows go over to the operator of the same
+    /// name, or to the first one. Arguments stay as they are.
+    void PrepareToReloadOperators();
+    void ReloadOperators();
+
     [[nodiscard]] const TorvQDGroupFunc* FindGroupFunc(const QString& Name) const;
     /// Data type of a qualified field of the diagram. Raises orv::Error "Fatal Error! Class
     /// TorvQueryBuilder not found" when the panel lies in no query builder.
@@ -83,6 +88,7 @@ private:
 
     orv::ConditionCatalogues m_catalogues;
     std::unique_ptr<TorvQDWhereRows> m_root;
-    QPlainTextEdit* m_outline;  // the rows, to be read
-    bool m_isOutdated = true;   // they changed since they were shown
+    std::vector<std::pair<TorvQDWhereRow*, QString>> m_operatorNames;  // while it is replaced
+    QPlainTextEdit* m_outline;                                         // the rows, to be read
+    bool m_isOutdated = true;  // they changed since they were shown
 };

@@ -146,6 +146,14 @@ bool isBalanced(const TokenRun& run) {
     return open == 0;
 }
 
+// Signs that may begin an operand.
+bool isUnarySign(const TokenRun& run, int index) {
+    const QStringView signs = run.textOf(index);
+    return run[index].kind == SqlToken::Sign &&
+           std::all_of(signs.begin(), signs.end(),
+                       [](QChar sign) { return QStringView(u"+-~").contains(sign); });
+}
+
 QString comparable(const TokenRun& run, int index) {
     QString text = run.textOf(index).toString();
     if (run[index].kind != SqlToken::Word) {
@@ -173,8 +181,8 @@ AliasedRun splitAlias(const TokenRun& run) {
 
 bool isExpression(const TokenRun& run) {
     if (run.size() == 1) return beginsOperand(run, 0) || run[0].kind == SqlToken::Word;
-    if (run.isEmpty() || !(beginsOperand(run, 0) || run[0].kind == SqlToken::Sign ||
-                           isOneOf(run, 0, prefixWords()))) {
+    if (run.isEmpty() ||
+        !(beginsOperand(run, 0) || isUnarySign(run, 0) || isOneOf(run, 0, prefixWords()))) {
         return false;
     }
     if (!isBalanced(run) || hasSquareBracket(run)) return false;
@@ -255,6 +263,17 @@ bool splitConjunction(const TokenRun& run, std::vector<TokenRun>& parts) {
 bool namesField(const TokenRun& run, int index) {
     return run[index].kind == SqlToken::Word && !isOneOf(run, index, constantWords()) &&
            !isParameter(run.textOf(index));
+}
+
+int endOfCondition(const TokenRun& run) {
+    static const Words followers = {"UNION",   "INTERSECT", "EXCEPT", "MINUS", "FOR",
+                                    "OPTION",  "WITH",      "LOCK",   "PLAN",  "ROWS",
+                                    "QUALIFY", "CONNECT",   "START",  "INTO",  "PROCEDURE"};
+    for (int index = 1; index < run.size(); ++index) {
+        if (run[index].depth != run[0].depth || run[index].kind != SqlToken::Word) continue;
+        if (isOneOf(run, index, followers) && endsOperand(run, index - 1)) return index;
+    }
+    return run.size();
 }
 
 std::vector<bool> insideSubQueries(const TokenRun& run) {

@@ -33,6 +33,11 @@ struct AliasedRun {
 /// OR or NOT at that level: then it is no conjunction.
 [[nodiscard]] ORV_EXPORT bool splitConjunction(const TokenRun& run, std::vector<TokenRun>& parts);
 
+/// Where something stands behind a condition that is no part of its last operand: a clause of
+/// another dialect (FOR READ ONLY, OPTION (...), MINUS SELECT ...), at the run's own level. The
+/// size of the run when nothing does.
+[[nodiscard]] ORV_EXPORT int endOfCondition(const TokenRun& run);
+
 /// Whether the token names a field: a word that is no constant and no parameter.
 [[nodiscard]] ORV_EXPORT bool namesField(const TokenRun& run, int index);
 

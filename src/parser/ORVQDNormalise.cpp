@@ -120,10 +120,46 @@ private:
     }
 
     // Behind a name, a quote or a bracket, "[" is an array index.
-    [[nodiscard]] bool mayStartName() const {
+    [[nodiscard]] bool mayStartName() {
         if (m_result.text.isEmpty()) return true;
         const QChar before = m_result.text.back();
+        if (before == u' ' && isIndexBehindBlanks()) return false;
         return before == u'.' || isSeparatorBefore(before);
+    }
+
+    // "B [1]": behind a complete operand only a select list and FROM can go on with a name, an
+    // alias; ARRAY [1, 2] is a list of values anywhere.
+    [[nodiscard]] bool isIndexBehindBlanks() {
+        followClauses();
+        const QStringView text = QStringView(m_result.text).trimmed();
+        if (text.isEmpty()) return false;
+        qsizetype start = text.size();
+        while (start > 0 && text[start - 1].isLetterOrNumber()) --start;
+        const QString word = text.mid(start).toString().toUpper();
+        if (word == u"ARRAY") return true;
+        const QChar last = text.back();
+        const bool endsOperand = last.isLetterOrNumber() || last == u'_' || last == u'"' ||
+                                 last == u'\'' || last == u')' || last == u']';
+        return m_inCondition && endsOperand && !openWords().contains(word);
+    }
+
+    // Whether the text read so far ends inside a condition; each word is looked at once.
+    void followClauses() {
+        static const QSet<QString> lists = {"SELECT", "FROM", "JOIN"};
+        static const QSet<QString> conditions = {"WHERE", "ON", "HAVING", "GROUP", "ORDER"};
+        const QString& text = m_result.text;
+        while (m_followed < text.size()) {
+            const qsizetype start = m_followed;
+            while (m_followed < text.size() && text[m_followed].isLetter()) ++m_followed;
+            if (m_followed == start) {
+                ++m_followed;
+                continue;
+            }
+            if (m_followed - start > longestOpenWord) continue;
+            const QString word = text.mid(start, m_followed - start).toUpper();
+            if (lists.contains(word)) m_inCondition = false;
+            if (conditions.contains(word)) m_inCondition = true;
+        }
     }
 
     static bool isSeparatorBefore(QChar character) {
@@ -190,6 +226,8 @@ private:
     bool m_noSquareLeft = false;
     bool m_noBacktickLeft = false;
     qsizetype m_position = 0;
+    qsizetype m_followed = 0;    // up to here clauses were looked for
+    bool m_inCondition = false;  // behind WHERE and its like
     NormalisedSQL m_result;
 };
 

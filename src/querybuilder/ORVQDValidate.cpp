@@ -5,6 +5,7 @@
 #include "core/Text.h"
 #include "criteria/ORVQDWherePanel.h"
 #include "parser/ORVQDExpressions.h"
+#include "parser/ORVQDNormalise.h"
 #include "parser/ORVQDTokens.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
@@ -65,6 +66,7 @@ public:
 
     Findings validate() {
         checkTables();
+        checkAliases();
         checkJoins();
         checkColumns();
         checkRows(*m_builder.WherePanel->rootRow(), QString());
@@ -128,6 +130,22 @@ private:
         }
     }
 
+    // Statements are read ignoring case.
+    void checkAliases() {
+        QHash<QString, QString> seen;  // by upper case
+        for (const TorvQDTable* table : m_builder.WorkArea->tablesByCreation()) {
+            const QString alias = table->GetAlias();
+            const QString other = seen.value(alias.toUpper());
+            if (!other.isEmpty() && !isQuotedName(alias)) {
+                report(alias, alias == other
+                                  ? QStringLiteral("Two tables have this alias.")
+                                  : QStringLiteral("Another table's alias differs from this one in "
+                                                   "case only."));
+            }
+            seen.insert(alias.toUpper(), alias);
+        }
+    }
+
     void checkJoins() {
         for (const TorvQDJoin* join : m_builder.WorkArea->Joins()) checkNames(join->Text);
         for (const TorvQDJoin* join : m_builder.WorkArea->brokenCircles()) {
@@ -179,8 +197,11 @@ private:
         for (const QString& argument : row.Arguments) checkNames(argument);
     }
 
-    // Names whose table or field is no longer there; each is told once.
+    // Names whose table or field is no longer there; each is told once. A word alone may be
+    // something that databases know by themselves, so only a whole text counts as a field that is
+    // gone.
     void checkNames(const QString& text) {
+        if (isFieldName(text) && firstFullStop(text) < 0) checkBareName(text);
         visitQualifiedNames(text, [this](const QString& name) {
             const QualifiedName parts = splitQualifiedName(name);
             const TorvQDTable* table = m_builder.WorkArea->findTable(parts.alias);
@@ -193,6 +214,26 @@ private:
         });
     }
 
+    void checkBareName(const QString& name) {
+        static const QStringList known = {QStringLiteral("CURRENT_DATE"),
+                                          QStringLiteral("CURRENT_TIME"),
+                                          QStringLiteral("CURRENT_TIMESTAMP"),
+                                          QStringLiteral("CURRENT_USER"),
+                                          QStringLiteral("LOCALTIME"),
+                                          QStringLiteral("LOCALTIMESTAMP"),
+                                          QStringLiteral("SESSION_USER"),
+                                          QStringLiteral("SYSDATE"),
+                                          QStringLiteral("USER"),
+                                          QStringLiteral("ROWNUM"),
+                                          QStringLiteral("ROWID")};
+        if (known.contains(name.toUpper()) || m_told.contains(name)) return;
+        if (m_builder.resolveField(name)) return;
+        m_told.insert(name);
+        report(name, m_builder.isAmbiguous(name)
+                         ? QStringLiteral("Several tables have this field.")
+                         : QStringLiteral("No table on the diagram has this field."));
+    }
+
     // --- the statement ---
 
     void checkWriting() {
@@ -203,10 +244,21 @@ private:
         }
     }
 
+    static bool isTail(const QString& text) {
+        const QString statement = QStringLiteral("SELECT A FROM T ");
+        const NormalisedSQL whole = NormaliseSQL(statement + text);
+        const StatementParts parts = splitStatement(whole.text, tokenise(whole.text));
+        return parts.tailStart <= statement.size() && parts.restStart >= whole.text.size();
+    }
+
     void checkTail() {
         static const QStringList earlier = {QStringLiteral("UNION"), QStringLiteral("INTERSECT"),
                                             QStringLiteral("EXCEPT"), QStringLiteral("WINDOW")};
         const SqlTokens tokens = tokenise(m_builder.TailText());
+        if (!tokens.empty() && !isTail(m_builder.TailText())) {
+            report(m_builder.TailText(),
+                   QStringLiteral("This is nothing that may follow a statement."));
+        }
         if (tokens.empty() || m_builder.OrderPanel->sortList().lines().empty()) return;
         const QString word = m_builder.TailText().mid(tokens.front().start,
                                                       tokens.front().end - tokens.front().start);

@@ -2,6 +2,7 @@
 // The query builder as a widget: its parts, its properties, its questions to the host.
 #include "querybuilder/ORVQDWindow.h"
 
+#include "contract/ChangeScope.h"
 #include "core/Error.h"
 #include "criteria/ORVQDWherePanel.h"
 #include "selection/ORVQDSelectOrder.h"
@@ -11,6 +12,7 @@
 #include <QEvent>
 #include <QLayout>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QShowEvent>
 #include <QVBoxLayout>
 
@@ -223,7 +225,7 @@ void TorvQueryBuilder::setConditionOptions(const TorvQDConditionOptions& options
 }
 
 void TorvQueryBuilder::setOperators(const TOperatorList& operators) {
-    Operators->Assign(&operators);
+    replaceOperators([&] { Operators->Assign(&operators); });
 }
 
 QStringList TorvQueryBuilder::OperatorsList() const {
@@ -232,7 +234,23 @@ QStringList TorvQueryBuilder::OperatorsList() const {
 
 void TorvQueryBuilder::setOperatorsList(const QStringList& texts) {
     if (texts.isEmpty()) return;
-    orv::guarded([&] { Operators->fromStrings(texts); });
+    orv::guarded([&] { replaceOperators([&] { Operators->fromStrings(texts); }); });
+}
+
+// Rows refer to operators: they go over to those of the new list, also when it is damaged.
+void TorvQueryBuilder::replaceOperators(const std::function<void()>& replace) {
+    const std::initializer_list<TorvQDWherePanel*> panels = {WherePanel, HavingPanel};
+    ChangeScope change(this, this);
+    for (TorvQDWherePanel* panel : panels) {
+        if (panel) panel->PrepareToReloadOperators();
+    }
+    const auto reload = qScopeGuard([&] {
+        for (TorvQDWherePanel* panel : panels) {
+            if (panel) panel->ReloadOperators();
+        }
+    });
+    replace();
+    statementChanged();
 }
 
 void TorvQueryBuilder::setKeepMeaning(bool keep) {

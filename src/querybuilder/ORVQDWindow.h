@@ -186,6 +186,7 @@ protected:
 
 private:
     void fillCatalogues();
+    void replaceOperators(const std::function<void()>& replace);
     void createPages(bool designMode);
     TorvTabSheet* addSheet(const QString& caption);
     TorvQDWherePanel* addCriteria(TorvTabSheet* sheet, const QStringList* functions);

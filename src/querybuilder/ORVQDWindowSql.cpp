@@ -41,8 +41,9 @@ FromWords wordsOf(const orv::TokenCounts& counts, const QSet<QString>& namesOfTa
     FromWords words;
     for (auto count = counts.constBegin(); count != counts.constEnd(); ++count) {
         if (implied.contains(count.key())) continue;
-        if (namesOfTables.contains(count.key())) {
-            words.names.insert(count.key());
+        const QString name = orv::withoutQuotes(count.key()).toUpper();  // FROM T AS 'A'
+        if (namesOfTables.contains(count.key()) || namesOfTables.contains(name)) {
+            words.names.insert(name);
         } else {
             words.content[mirrored.value(count.key(), count.key())] += count.value();
         }
@@ -191,7 +192,12 @@ void TorvQueryBuilder::LoadSQL(const QString& Text) {
     if (!WorkArea) return;
     const QPointer<TorvQueryBuilder> self(this);
     m_report.clear();
-    if (!isShown(Text)) loadText(Text);
+    try {
+        if (!isShown(Text)) loadText(Text);
+    } catch (...) {
+        if (self) m_report.clear();  // it would be about a load that ended otherwise
+        throw;
+    }
     if (self) Q_EMIT LoadReported(m_report);
 }
 

@@ -150,7 +150,10 @@ public:
 
 private:
     [[nodiscard]] TOperatorList::Entry operatorOf(const orv::QueryState::Row& saved) const {
-        if (saved.operation.isEmpty()) return orv::expressionOperator();
+        // A row that was made while the catalogue was empty has operands, but no operator.
+        if (saved.operation.isEmpty()) {
+            return saved.arguments.isEmpty() ? orv::expressionOperator() : nullptr;
+        }
         const TOperatorList::Entry entry = m_operators.FindName(saved.operation);
         if (!entry) fail(QStringLiteral("an unknown operator: ") + saved.operation);
         return entry;

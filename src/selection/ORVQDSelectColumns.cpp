@@ -66,7 +66,9 @@ QString writtenOutputName(const OutputColumn& column, const SelectTextRules& rul
 }
 
 bool isValidOutputName(const QString& name) {
-    return isPlainIdentifier(name) || isQuotedName(name) || name.startsWith(u'\'');
+    const bool isText = name.startsWith(u'\'') && tokenise(name).size() == 1 && name.size() > 1 &&
+                        name.endsWith(u'\'');
+    return isPlainIdentifier(name) || isQuotedName(name) || isText;
 }
 
 QString columnText(const OutputColumn& column, const SelectTextRules& rules) {

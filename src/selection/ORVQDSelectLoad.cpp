@@ -53,6 +53,7 @@ public:
         for (const TokenRun& run : runs) {
             if (!run.isEmpty()) loadColumn(run);
         }
+        reportMissing(columns, runs);
         // Commas alone are no columns either.
         const bool isBare = std::all_of(runs.begin(), runs.end(),
                                         [](const TokenRun& run) { return run.isEmpty(); });
@@ -162,6 +163,25 @@ private:
             place(run);
         }
         return true;
+    }
+
+    // Nothing stands between two commas, or beside one at the end.
+    void reportMissing(const TokenRun& columns, const std::vector<TokenRun>& runs) {
+        if (!m_ledger || runs.size() < 2) return;
+        const auto isMissing = [](const TokenRun& run) { return run.isEmpty(); };
+        const bool isBare = std::all_of(runs.begin(), runs.end(), isMissing);
+        if (isBare || std::none_of(runs.begin(), runs.end(), isMissing)) return;
+        for (int index = 0; index < columns.size(); ++index) {
+            const auto isComma = [&](int at) {
+                return at < 0 || at >= columns.size() ||
+                       (columns[at].kind == SqlToken::Comma &&
+                        columns[at].depth == columns[0].depth);
+            };
+            if (!isComma(index)) continue;
+            if (!isComma(index - 1) && !isComma(index + 1)) continue;
+            m_ledger->report(columns.mid(index, 1),
+                             QStringLiteral("A column is missing beside this comma."));
+        }
     }
 
     /// A field or a constant alone.

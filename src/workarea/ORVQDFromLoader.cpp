@@ -42,6 +42,7 @@ void FromLoader::load() {
     loadItems();
     if (!m_guard) return;
     placeClauseWords();
+    reportClosedBoxes();
     reportOrder();
     reportPlaces();
 }
@@ -111,6 +112,7 @@ TorvQDTable* FromLoader::addBox(const NamedTable& table, const TDataSet& dataSet
     } else if (m_ledger) {
         m_ledger->place(table.start, table.end);
     }
+    if (box) m_boxes.push_back({box, table.start, table.end});
     return box;
 }
 

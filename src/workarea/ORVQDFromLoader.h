@@ -58,16 +58,23 @@ private:
         TorvQDTable* table = nullptr;             // the one that it brings in
         std::vector<TorvQDTable*> partners = {};  // those that its links compare it with
         bool reachesAround = false;               // a link that does not touch its own table
-        bool reachesAcross = false;    // its ON names a table of another item of the comma list
-        bool takesNulls = false;       // a comparison that may hold for NULLs, as far as is known
-        TorvQDJoin* holder = nullptr;  // of its text
+        bool reachesAcross = false;  // its ON names a table of another item of the comma list
+        bool takesNulls = false;     // a comparison that may hold for NULLs, as far as is known
+        QPointer<TorvQDLink> firstLink = {};    // its join holds the text
         std::vector<orv::TokenRun> texts = {};  // the parts of that text
     };
 
     /// A link and the comparison that it was made from.
     struct LoadedLink {
-        const TorvQDLink* link;
-        const TorvQDTable* left;  // that stands on the left in the text
+        QPointer<const TorvQDLink> link;  // a handler may remove it
+        const TorvQDTable* left;          // that stands on the left in the text
+        int start;
+        int end;
+    };
+
+    /// A box and the text that it was made from.
+    struct LoadedBox {
+        QPointer<TorvQDTable> box;  // a handler may close it
         int start;
         int end;
     };
@@ -101,6 +108,7 @@ private:
     [[nodiscard]] bool isOfAnotherItem(const TorvQDTable* table) const;
     bool addLink(LoadedJoin& join, const Comparison& comparison);
 
+    void reportClosedBoxes();
     void reportOrder();
     [[nodiscard]] bool orderMatters() const;
     void reportPlaces();
@@ -116,6 +124,7 @@ private:
     orv::LoadLedger* m_ledger;
     const bool m_keepsMeaning;
     int m_readUpTo = 0;  // nodes in front of it are part of what was loaded
+    std::vector<LoadedBox> m_boxes;
     std::vector<LoadedJoin> m_joins;
     std::vector<LoadedLink> m_links;
     QHash<const TorvQDJoin*, std::size_t> m_madeBy;  // the join of the text that made it

@@ -28,7 +28,7 @@ bool compares(QStringView operation) {
 
 // Words that end a condition or bind weaker than AND do: the parts around them are none.
 bool isOneCondition(const orv::TokenRun& part) {
-    if (part.isEmpty()) return false;
+    if (part.isEmpty() || orv::endOfCondition(part) < part.size()) return false;
     for (int index = 0; index < part.size(); ++index) {
         const bool isWord = part[index].kind == orv::SqlToken::Word;
         if (part[index].depth != part[0].depth || !isWord) continue;
@@ -156,15 +156,16 @@ void FromLoader::loadOnKeepingMeaning(LoadedJoin& join, const TorvQDParser& on,
         }
     }
     if (join.texts.empty()) return;
-    if (!join.holder) {
+    if (!join.firstLink) {
         report(on.Start(), on.End(),
                QStringLiteral("The program did not allow the links of this ON: it is not held."));
         return;
     }
     QStringList texts;
-    if (!join.holder->Text.isEmpty()) texts << join.holder->Text;
+    TorvQDJoin& holder = *join.firstLink->Join;
+    if (!holder.Text.isEmpty()) texts << holder.Text;
     for (const orv::TokenRun& text : join.texts) texts << text.sourceText();
-    join.holder->Text = texts.join(QStringLiteral(" AND "));
+    holder.Text = texts.join(QStringLiteral(" AND "));
 }
 
 // The nodes of the condition in their order: a field, an operator, a field make a link. Brackets
@@ -315,7 +316,7 @@ bool FromLoader::addLink(LoadedJoin& join, const Comparison& comparison) {
         link->Join->Table1 == join.table ? orv::mirrored(join.kind) : join.kind;
     m_links.push_back({link, left.table, comparison.start, comparison.end});
     if (!m_madeBy.contains(link->Join)) m_madeBy.insert(link->Join, m_joins.size());
-    if (!join.holder) join.holder = link->Join;
+    if (!join.firstLink) join.firstLink = link;
     if (!orv::isMirrorableOperator(operation)) join.takesNulls = true;
     if (left.table == join.table || right.table == join.table) {
         join.partners.push_back(left.table == join.table ? right.table : left.table);

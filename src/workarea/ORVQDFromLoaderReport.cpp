@@ -21,6 +21,15 @@ bool namesSchema(const orv::TokenRun& run, int index) {
 
 }  // namespace
 
+// A handler of the program may have closed a box while others were loaded.
+void FromLoader::reportClosedBoxes() {
+    for (const LoadedBox& loaded : m_boxes) {
+        if (loaded.box && m_area.indexOf(loaded.box) >= 0) continue;
+        report(loaded.start, loaded.end,
+               QStringLiteral("The program closed this table while the statement was loaded."));
+    }
+}
+
 // Where outer joins are written in another order than they were loaded, other rows may come.
 void FromLoader::reportOrder() {
     const bool anyOuter = std::any_of(m_joins.begin(), m_joins.end(),
@@ -98,7 +107,7 @@ void FromLoader::reportPlaces() {
 void FromLoader::reportOperators(const orv::FromPlaces& places,
                                  const QHash<const TorvQDJoin*, int>& indexOf) {
     for (const LoadedLink& loaded : m_links) {
-        if (!m_area.m_linkNumbers.contains(loaded.link)) continue;  // a handler removed it
+        if (!loaded.link || !m_area.m_linkNumbers.contains(loaded.link.data())) continue;
         const TorvQDJoin& join = *loaded.link->Join;
         const bool swapped = places.joins[std::size_t(indexOf.value(&join))].swapped;
         const TorvQDTable* left = swapped ? join.Table2 : join.Table1;
@@ -121,8 +130,8 @@ void FromLoader::reportTexts(const orv::FromPlaces& places,
     }
     const std::vector<TorvQDJoin*> held = m_area.Joins();
     for (const LoadedJoin& join : m_joins) {
-        const int line =
-            join.holder ? places.joins[std::size_t(indexOf.value(join.holder))].line : -1;
+        const int number = join.firstLink ? indexOf.value(join.firstLink->Join, -1) : -1;
+        const int line = number < 0 ? -1 : places.joins[std::size_t(number)].line;
         if (line < 0) continue;
         const TorvQDJoin& lineJoin = *held[std::size_t(line)];
         const int last = std::max(placeOf.value(lineJoin.Table1), placeOf.value(lineJoin.Table2));

@@ -548,19 +548,21 @@ private Q_SLOTS:
         QCOMPARE(on.read("((A = 1)"), "All(((A = 1))");
     }
 
-    void andBehindOrIsFound() {
+    void andsBehindOrAreFound() {
         const auto at = [](const char* condition) {
             const QString text = QString::fromLatin1(condition);
             const orv::SqlTokens tokens = orv::tokenise(text);
             const orv::TokenRun run(text, tokens.data(), tokens.data() + tokens.size());
             const auto level = orv::readConditions(run, {});
-            const orv::ConditionElement* found = orv::andBehindOr(level);
-            return found ? found->run.start() : -1;
+            QList<int> starts;
+            for (const auto* found : orv::andsBehindOr(level)) starts << found->run.start();
+            return starts;
         };
-        QCOMPARE(at("a or b and c and d"), 7);
-        QCOMPARE(at("a and b or c"), -1);
-        QCOMPARE(at("a or b or c"), -1);
-        QCOMPARE(at("a or (b and c)"), -1);
+        QCOMPARE(at("a or b and c and d"), QList<int>{7});
+        QCOMPARE(at("a or b and c or d and e"), (QList<int>{7, 18}));
+        QCOMPARE(at("a and b or c"), QList<int>());
+        QCOMPARE(at("a or b or c"), QList<int>());
+        QCOMPARE(at("a or (b and c)"), QList<int>());
     }
 
     // --- meaning

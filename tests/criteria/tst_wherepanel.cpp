@@ -647,6 +647,32 @@ private Q_SLOTS:
         QCOMPARE(where(on), "All(ROWS =[1]; PLAN >[LOCK]; LOCK =[PLAN])");
     }
 
+    // Rows go over to the operator of their name, or to the first one; operands stay.
+    void operatorsAreReplacedUnderTheRows() {
+        HostedBuilder on(true);
+        on.builder.LoadSQL(
+            "select t.a from t where t.a like 'x' and t.b > 1 and t.c between 1 and 2 and "
+            "exists (select 1 from u)");
+        on.changes = 0;
+        TOperatorList operators;
+        orv::fillOperators(operators);
+        for (int index = operators.Count() - 1; index >= 0; --index) {
+            if (operators.Items(index)->Name == u"LIKE") operators.Delete(index);
+        }
+        on.builder.setOperators(operators);
+        QCOMPARE(on.changes, 1);
+        const TorvQDWhereRows& rows = *on.builder.WherePanel->rootRow()->SubRows;
+        QCOMPARE(rows.Row(0)->Operator, on.builder.Operators->Items(0));
+        QCOMPARE(rows.Row(0)->Arguments, QStringList("'x'"));
+        QCOMPARE(rows.Row(1)->Operator, on.builder.Operators->FindName(">"));
+        QCOMPARE(rows.Row(2)->Operator, on.builder.Operators->FindName("BETWEEN"));
+        QCOMPARE(rows.Row(2)->Arguments, QStringList({"1", "2"}));
+        QVERIFY(rows.Row(3)->isExpression());
+        on.builder.RestoreState(on.builder.SaveState());
+        on.builder.setOperatorsList(on.builder.OperatorsList());
+        QCOMPARE(on.changes, 3);
+    }
+
     void conditionsAreShown() {
         HostedBuilder on(true);
         on.builder.PageCtrl->setCurrentIndex(0);

@@ -321,6 +321,16 @@ private Q_SLOTS:
         QCOMPARE(on.builder.SaveState(), before);
     }
 
+    void rowOfAnEmptyCatalogueComesBack() {
+        HostedBuilder on;
+        on.builder.setOperators(TOperatorList());
+        on.builder.WherePanel->rootRow()->SubRows->AddRow()->FieldName = "T.A";
+        const QByteArray state = on.builder.SaveState();
+        on.builder.Clear();
+        on.builder.RestoreState(state);
+        QCOMPARE(on.builder.SaveState(), state);
+    }
+
     void textThatIsNoJsonIsRefused() {
         HostedBuilder on;
         on.builder.LoadSQL("select t.a from t");

@@ -102,6 +102,45 @@ private Q_SLOTS:
         QCOMPARE(found(on), QStringList({"T.Z" + noField, "T.Q" + noField}));
     }
 
+    void bareNamesThatAreGoneOrAmbiguousAreTold() {
+        HostedBuilder on;
+        on.builder.LoadSQL(
+            "select t.b, count(salary) n from t, employee where salary > 5 and b = "
+            "current_date and t.a = emp_no group by t.b");
+        QCOMPARE(found(on), QStringList());
+        on.table("EMPLOYEE")->CloseTable();
+        QVERIFY(found(on).contains("SALARY: No table on the diagram has this field."));
+        QVERIFY(found(on).contains("EMP_NO: No table on the diagram has this field."));
+        HostedBuilder other;
+        other.builder.LoadSQL("select a from t");
+        other.addTable("U");
+        QVERIFY(found(other).contains("A: Several tables have this field."));
+    }
+
+    void aliasesThatDifferInCaseOnlyAreTold() {
+        HostedBuilder on;
+        on.addTable("T");
+        on.addTable("U");
+        on.builder.WorkArea->renameTable(on.table("U"), "t");
+        QVERIFY(found(on).contains("t: Another table's alias differs from this one in case only."));
+        on.builder.WorkArea->renameTable(on.table("t"), "x");
+        QCOMPARE(found(on).size(), 1);  // nothing links them
+    }
+
+    void textThatIsNoTailIsTold() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t");
+        for (const char* tail : {"WHERE 1", "FOO", "(", "limit 5; select 1"}) {
+            on.builder.setTailText(tail);
+            QCOMPARE(found(on),
+                     QStringList(QString(tail) + ": This is nothing that may follow a statement."));
+        }
+        for (const char* tail : {"", "limit 5", "UNION SELECT U.X FROM U", "for update"}) {
+            on.builder.setTailText(tail);
+            QCOMPARE(found(on), QStringList());
+        }
+    }
+
     void tablesThatNothingLinksAreTold() {
         HostedBuilder on;
         on.builder.LoadSQL("select t.a from t, u, dept d, employee e where d.dept_no = e.dept_no");

@@ -343,6 +343,67 @@ private Q_SLOTS:
         QVERIFY(!on.findings().isEmpty());
     }
 
+    void oddListsAndNamesAreToldOrHeld_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QStringList>("findings");
+        QTest::newRow("comma at the end") << "select t.a, from t" << QStringList(",");
+        QTest::newRow("nothing between commas")
+            << "select t.a, , t.b from t" << QStringList({",", ","});
+        QTest::newRow("star with a modifier")
+            << "select * except (a) from t" << QStringList("* except (a)");
+        QTest::newRow("alias in apostrophes") << "select a from t as 'Q'" << QStringList();
+        QTest::newRow("index behind a blank")
+            << "select t.a from t where t.b [1] = 2" << QStringList();
+        QTest::newRow("name in brackets behind a field")
+            << "select t.a [X] from t [Y]" << QStringList("t.a [X]");
+        QTest::newRow("signs in front")
+            << "select -t.a as x, ~t.b as y, + 3 as z from t" << QStringList();
+        QTest::newRow("foreign clause in ON")
+            << "select t.a from t join u on t.a = u.a and t.b = 1 minus select 1 from u"
+            << QStringList("on t.a = u.a and t.b = 1 minus select 1 from u");
+        QTest::newRow("UNION VALUES behind a condition")
+            << "select t.a from t where t.a is null union values (1)"
+            << QStringList("union values (1)");
+    }
+    void oddListsAndNamesAreToldOrHeld() {
+        QFETCH(QString, text);
+        QFETCH(QStringList, findings);
+        HostedBuilder on(true);
+        on.builder.LoadSQL(text);
+        QCOMPARE(on.findings(), findings);
+        verifyBuilder(on.builder);
+    }
+
+    // What the report would tell is about a load that ended otherwise.
+    void slotThatRaisesEmptiesTheReport() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t");
+        const auto connection = connect(&on.builder, &TorvQueryBuilder::StatementChanged, this,
+                                        [] { throw orv::Error(QStringLiteral("slot")); });
+        QCOMPARE(orvtest::errorOf([&] { on.builder.LoadSQL("select t.a, t.z from t"); }), "slot");
+        disconnect(connection);
+        QVERIFY(on.builder.LoadReport().empty());
+    }
+
+    // A handler closes a box while others are loaded: the joins that it had are gone with it.
+    void boxThatAHandlerClosesWhileLoadingIsTold() {
+        const orvtest::RecordedServices services;  // the classic mode tells of 'y' in a box
+        for (const bool keepMeaning : {false, true}) {
+            HostedBuilder on(keepMeaning);
+            on.host.add("V", {"A"});
+            on.builder.OnAddRemoveTable = [&](QObject*, TorvQDTable* table, TAddRemove action,
+                                              bool&) {
+                if (action == araAdd && table->GetAlias() == "V") on.table("U")->CloseTable();
+            };
+            on.builder.LoadSQL(
+                "select t.a from t join u on t.a = u.a and u.x = 'y' join dept on t.b = "
+                "dept.budget, v");
+            QCOMPARE(on.tables(), QStringList({"T", "DEPT", "V"}));
+            QVERIFY(on.findings().contains("u"));
+            verifyBuilder(on.builder);
+        }
+    }
+
     void quotedKeywordsKeepTheirQuotes() {
         HostedBuilder on(true);
         on.host.add("L", {"SELECT", "PLAIN"});
