@@ -42,7 +42,7 @@ bool matches(const TokenRun& run, int index, const QStringList& texts) {
     if (texts.isEmpty() || index + texts.size() > run.size()) return false;
     for (qsizetype word = 0; word < texts.size(); ++word) {
         const int at = index + int(word);
-        if (run.textOf(at).size() != texts[word].size() || !run.is(at, texts[word])) return false;
+        if (!run.is(at, texts[word])) return false;
     }
     return true;
 }
@@ -331,14 +331,17 @@ private:
     // As tokenKey, but runs of signs count as one however they are spaced, and "!=" is "<>".
     static QString signKey(const QString& text) {
         QString key;
+        key.reserve(2 * text.size());
         bool behindSign = false;
         for (const SqlToken& token : tokenise(text)) {
-            QString word =
-                upperOutsideQuotes(QStringView(text).mid(token.start, token.end - token.start));
+            const QStringView word = QStringView(text).mid(token.start, token.end - token.start);
             const bool isSign = token.kind == SqlToken::Sign;
-            if (isSign) word.replace(QStringLiteral("!="), QStringLiteral("<>"));
             if (!isSign || !behindSign) key += u' ';
-            key += word;
+            if (isSign) {
+                key += word.toString().replace(QStringLiteral("!="), QStringLiteral("<>"));
+            } else {
+                appendUpperOutsideQuotes(key, word);
+            }
             behindSign = isSign;
         }
         return key;
