@@ -73,4 +73,51 @@ QString ofColumns(int columns) {
     return QStringLiteral("SELECT ") + items.join(QStringLiteral(", ")) + QStringLiteral(" FROM T");
 }
 
+QString orderedColumns(int columns) {
+    QStringList items;
+    for (int column = 0; column < columns; ++column) {
+        items << QStringLiteral("T.F%1").arg(columns - 1 - column);
+        if (column % 2 == 0) items.back() += QStringLiteral(" DESC");
+    }
+    return ofColumns(columns) + QStringLiteral(" ORDER BY ") + items.join(QStringLiteral(", "));
+}
+
+QString groupedColumns(int columns) {
+    QStringList items;
+    for (int column = 0; column < columns; ++column) items << QStringLiteral("T.F%1").arg(column);
+    const QString list = items.join(QStringLiteral(", "));
+    return QStringLiteral("SELECT %1, SUM(T.F0) AS TOTAL FROM T GROUP BY %1").arg(list);
+}
+
+QString ofConditions(int conditions) {
+    QStringList items;
+    for (int item = 0; item < conditions; ++item) items << QStringLiteral("(T.F0 > %1)").arg(item);
+    return QStringLiteral("SELECT T.F0 FROM T WHERE ") + items.join(QStringLiteral(" AND "));
+}
+
+QString nestedGroups(int groups) {
+    QString text = QStringLiteral("SELECT T.F0 FROM T WHERE ");
+    for (int group = 0; group < groups; ++group) {
+        text += QStringLiteral("(T.F0 > %1) %2 (")
+                    .arg(group)
+                    .arg(group % 2 == 0 ? QStringLiteral("AND") : QStringLiteral("OR"));
+    }
+    return text + QStringLiteral("(T.F0 = 1) AND (T.F0 = 2)") + QString(groups, u')');
+}
+
+QString treeOfTables(int tables) {
+    QString text = QStringLiteral("SELECT A0.NAME FROM T0 A0");
+    for (int table = 1; table < tables; ++table) {
+        const int parent = (table - 1) / 2;
+        text += QStringLiteral(
+                    " INNER JOIN T%1 A%1 ON (A%2.ID = A%1.PARENT) AND (A%2.AMOUNT = A%1.AMOUNT)")
+                    .arg(table)
+                    .arg(parent);
+        if (table == 1) {
+            text += QStringLiteral(" AND (A0.NAME = A1.NAME) AND (A0.PARENT = A1.ID)");
+        }
+    }
+    return text;
+}
+
 }  // namespace bench

@@ -26,4 +26,20 @@ QString ofLength(int characters);
 /// `columns` qualified columns of one table.
 QString ofColumns(int columns);
 
+/// The same, sorted by all of them.
+QString orderedColumns(int columns);
+
+/// The same, grouped by all of them.
+QString groupedColumns(int columns);
+
+/// So many conditions in one group.
+QString ofConditions(int conditions);
+
+/// So many groups, one inside the other: AND and OR take turns, so that none is superfluous.
+QString nestedGroups(int groups);
+
+/// A tree of joined tables: each has two below it, and two links to the one above; the first join
+/// has four, so that 500 tables have 1,000 links.
+QString treeOfTables(int tables);
+
 }  // namespace bench

@@ -5,8 +5,6 @@
 #include "querybuilder/ORVQDWindow.h"
 #include "workarea/ORVQDFloatPanel.h"
 
-#include <QApplication>
-
 #include <benchmark/benchmark.h>
 
 namespace {
@@ -88,11 +86,3 @@ void addToMany(benchmark::State& state) {
 BENCHMARK(addToMany)->RangeMultiplier(4)->Range(4, 1024)->Complexity(benchmark::oN);
 
 }  // namespace
-
-int main(int argc, char** argv) {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
-}

@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
 // How long reading a statement takes, and how that grows; beside it, in the same run, what a
 // database's own compiler of statements takes for the same texts.
+#include "Database.h"
 #include "Statements.h"
 #include "parser/ORVQDLedger.h"
 #include "parser/ORVQDNormalise.h"
 #include "parser/ORVQDParser.h"
 
 #include <benchmark/benchmark.h>
-#include <sqlite3.h>
-
-#include <cstdlib>
 
 namespace {
 
@@ -37,28 +35,10 @@ void normaliseAndParse(benchmark::State& state, Maker make) {
     for ([[maybe_unused]] auto _ : state) read(text);
 }
 
-sqlite3* database() {
-    static sqlite3* handle = [] {
-        sqlite3* opened = nullptr;
-        const bool ready =
-            sqlite3_open(":memory:", &opened) == SQLITE_OK &&
-            sqlite3_exec(opened, bench::schema().c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
-        if (!ready) std::abort();
-        return opened;
-    }();
-    return handle;
-}
-
 void prepare(benchmark::State& state, Maker make) {
     const QByteArray text = make().toUtf8();
     for ([[maybe_unused]] auto _ : state) {
-        sqlite3_stmt* statement = nullptr;
-        if (sqlite3_prepare_v2(database(), text.constData(), int(text.size()), &statement,
-                               nullptr) != SQLITE_OK) {
-            state.SkipWithError(sqlite3_errmsg(database()));
-            return;
-        }
-        sqlite3_finalize(statement);
+        if (!bench::prepare(text)) state.SkipWithError("not prepared");
     }
 }
 

@@ -2,6 +2,7 @@
 #include "core/Text.h"
 
 #include <algorithm>
+#include <span>
 
 namespace orv {
 
@@ -13,6 +14,21 @@ bool isBlankCharacter(QChar character) {
 
 bool isQuote(QChar character) {
     return character == u'"' || character == u'\'';
+}
+
+// Letters beyond ASCII may need more room in upper case, all others are changed in place.
+void appendUpper(QString& result, QStringView text) {
+    const bool isAscii = std::all_of(text.begin(), text.end(),
+                                     [](QChar character) { return character.unicode() < 0x80; });
+    if (!isAscii) {
+        result += text.toString().toUpper();
+        return;
+    }
+    const qsizetype first = result.size();
+    result += text;
+    for (QChar& letter : std::span(result.begin() + first, result.end())) {
+        if (letter >= u'a' && letter <= u'z') letter = QChar(letter.unicode() - (u'a' - u'A'));
+    }
 }
 
 }  // namespace
@@ -28,20 +44,24 @@ QString orvTrim(const QString& text) {
     return view.size() == text.size() ? text : view.toString();
 }
 
-QString upperOutsideQuotes(QStringView text) {
-    QString result;
-    result.reserve(text.size());
+void appendUpperOutsideQuotes(QString& result, QStringView text) {
     qsizetype position = 0;
     while (position < text.size()) {
         qsizetype quote = position;
         while (quote < text.size() && !isQuote(text[quote])) ++quote;
-        result += text.mid(position, quote - position).toString().toUpper();
+        appendUpper(result, text.mid(position, quote - position));
         if (quote == text.size()) break;
         qsizetype close = text.indexOf(text[quote], quote + 1);
         close = close < 0 ? text.size() : close + 1;
         result += text.mid(quote, close - quote);
         position = close;
     }
+}
+
+QString upperOutsideQuotes(QStringView text) {
+    QString result;
+    result.reserve(text.size());
+    appendUpperOutsideQuotes(result, text);
     return result;
 }
 

@@ -16,6 +16,8 @@ namespace orv {
 /// Upper-cases what stands outside quotes; texts in apostrophes or double quotes stay as they are.
 /// An unmatched quote reaches to the end.
 [[nodiscard]] ORV_EXPORT QString upperOutsideQuotes(QStringView text);
+/// Puts the same behind `result`.
+ORV_EXPORT void appendUpperOutsideQuotes(QString& result, QStringView text);
 
 /// Position of the first full stop outside quotes, -1 when there is none.
 [[nodiscard]] ORV_EXPORT qsizetype firstFullStop(QStringView text);

@@ -31,9 +31,12 @@ QString signText(const QString& signs) {
 QString conditionText(const TokenRun& run) {
     QString text;
     for (int index = 0; index < run.size(); ++index) {
-        const QString word = run.textOf(index).toString();
-        text +=
-            run[index].kind == SqlToken::Sign ? signText(word) : upperOutsideQuotes(word) + u' ';
+        if (run[index].kind == SqlToken::Sign) {
+            text += signText(run.textOf(index).toString());
+        } else {
+            appendUpperOutsideQuotes(text, run.textOf(index));
+            text += u' ';
+        }
     }
     return text;
 }

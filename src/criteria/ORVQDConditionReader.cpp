@@ -42,7 +42,7 @@ bool matches(const TokenRun& run, int index, const QStringList& texts) {
     if (texts.isEmpty() || index + texts.size() > run.size()) return false;
     for (qsizetype word = 0; word < texts.size(); ++word) {
         const int at = index + int(word);
-        if (run.textOf(at).size() != texts[word].size() || !run.is(at, texts[word])) return false;
+        if (!run.is(at, texts[word])) return false;
     }
     return true;
 }
@@ -270,7 +270,7 @@ private:
             }
             run = inside;
         }
-        element.condition = comparison(run);
+        if (!m_rules.structureOnly) element.condition = comparison(run);
         return element;
     }
 
@@ -325,20 +325,24 @@ private:
         QString text =
             call(read.fieldFunc, read.field) + u' ' + operation.Name + u' ' + operation.Prefix;
         text += call(read.argFunc, read.arguments.join(operation.Relate)) + operation.Postfix;
-        return signKey(text) == signKey(run.sourceText());
+        const SqlTokens tokens = tokenise(text);
+        return signKey({text, tokens.data(), tokens.data() + tokens.size()}) == signKey(run);
     }
 
     // As tokenKey, but runs of signs count as one however they are spaced, and "!=" is "<>".
-    static QString signKey(const QString& text) {
+    static QString signKey(const TokenRun& run) {
         QString key;
+        key.reserve(2 * (run.endPosition() - run.start()) + 1);
         bool behindSign = false;
-        for (const SqlToken& token : tokenise(text)) {
-            QString word =
-                upperOutsideQuotes(QStringView(text).mid(token.start, token.end - token.start));
-            const bool isSign = token.kind == SqlToken::Sign;
-            if (isSign) word.replace(QStringLiteral("!="), QStringLiteral("<>"));
+        for (int index = 0; index < run.size(); ++index) {
+            const QStringView word = run.textOf(index);
+            const bool isSign = run[index].kind == SqlToken::Sign;
             if (!isSign || !behindSign) key += u' ';
-            key += word;
+            if (isSign) {
+                key += word.toString().replace(QStringLiteral("!="), QStringLiteral("<>"));
+            } else {
+                appendUpperOutsideQuotes(key, word);
+            }
             behindSign = isSign;
         }
         return key;

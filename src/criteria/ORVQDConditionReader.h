@@ -37,6 +37,7 @@ struct ConditionRules {
     const TOperatorList* operators = nullptr;  ///< borrowed
     const QStringList* functions = nullptr;    ///< functions of their own cells; none without
     bool andBindsTighter = false;              ///< AND before OR, as SQL has it
+    bool structureOnly = false;                ///< conditions are found, but not taken apart
 };
 
 /// How many groups of conditions may stand one inside the other below the root, and how deep

@@ -309,8 +309,10 @@ void TorvQDWherePanel::compareWritten(const std::vector<orv::ConditionElement>& 
     const QString written = rootRow()->GetSQLCondition(false);
     const orv::SqlTokens tokens = orv::tokenise(written);
     const orv::TokenRun text(written, tokens.data(), tokens.data() + tokens.size());
+    orv::ConditionRules rules = readingRules(true);
+    rules.structureOnly = true;  // operands are compared as texts
     try {
-        const auto elements = orv::readConditions(text, readingRules(true));
+        const auto elements = orv::readConditions(text, rules);
         if (orv::meaningOf(elements) == orv::meaningOf(loaded)) return;
     } catch (const orv::Error&) {
         // Its groups nest deeper than can be read again.

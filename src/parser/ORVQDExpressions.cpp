@@ -319,8 +319,9 @@ TokenCounts countTokens(const QString& text) {
 
 QString tokenKey(const QString& text) {
     QString key;
+    key.reserve(text.size() + 1);
     for (const SqlToken& token : tokenise(text)) {
-        key += upperOutsideQuotes(QStringView(text).mid(token.start, token.end - token.start));
+        appendUpperOutsideQuotes(key, QStringView(text).mid(token.start, token.end - token.start));
         key += u' ';
     }
     return key;

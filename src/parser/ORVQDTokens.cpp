@@ -175,13 +175,18 @@ SqlTokens tokenise(QStringView text) {
 // Names of parameters keep their case: databases tell :a from :A.
 QString TokenRun::sourceText() const {
     QString text;
+    text.reserve(endPosition() - start());
     int copied = start();
     for (int index = 0; index < size(); ++index) {
         const QStringView word = textOf(index);
         text += m_text.mid(copied, m_first[index].start - copied);
         const bool isParameter =
             word.startsWith(u':') || word.startsWith(u'@') || word.startsWith(u'$');
-        text += isParameter ? word.toString() : upperOutsideQuotes(word);
+        if (isParameter) {
+            text += word;
+        } else {
+            appendUpperOutsideQuotes(text, word);
+        }
         copied = m_first[index].end;
     }
     return text;

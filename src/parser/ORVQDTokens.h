@@ -61,7 +61,8 @@ public:
     }
     /// Whether the token is this keyword or sign; `upper` is upper case.
     [[nodiscard]] bool is(int index, QStringView upper) const {
-        return textOf(index).compare(upper, Qt::CaseInsensitive) == 0;
+        const QStringView text = textOf(index);
+        return text.size() == upper.size() && text.compare(upper, Qt::CaseInsensitive) == 0;
     }
 
     /// Span of the run in the text; an empty run has an empty span.

@@ -10,6 +10,7 @@
 #include "toolkit/Services.h"
 
 #include <QDropEvent>
+#include <QHash>
 #include <QHeaderView>
 #include <QLabel>
 #include <QListWidget>
@@ -20,6 +21,7 @@
 #include <QTreeWidget>
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -332,12 +334,99 @@ void TorvQDOrderPanel::handleDrop(QDropEvent* event, bool onSorted) {
 
 // --- ORDER BY ---
 
+/// The output columns, looked up by what an item of ORDER BY may call them; made once for all items
+/// of a list.
+class TorvQDOrderPanel::OutputIndex {
+public:
+    explicit OutputIndex(const TorvQDOrderPanel& panel)
+        : m_host(*panel.host()),
+          m_columns(panel.grid ? panel.grid->columns() : orv::OutputColumns()),
+          outputs(panel.outputs()) {}
+
+    // The output row that an item names: by number, output name, field or text. Columns without a
+    // name cannot be sorted.
+    int rowOf(const QString& text, bool isNumber) {
+        const int row = isNumber ? text.toInt() : rowOfText(text);
+        if (!isNumber && row == ambiguousRow) return row;
+        if (row < 1 || row > int(m_columns.size())) return 0;
+        return orv::isBlank(m_columns[std::size_t(row - 1)].name) ? 0 : row;
+    }
+
+private:
+    using Rows = QHash<QString, int>;
+
+    int rowOfText(const QString& text) {
+        const bool isQualified = orv::firstFullStop(text) >= 0;
+        const int named = isQualified ? 0 : namedRow(orv::unquotedName(text).toUpper());
+        if (named != 0) return named;
+        if (const int row = rowOfSource(orv::tokenKey(text))) return row;
+        const std::optional<PageField> field = m_host.resolveField(text);
+        return field ? rowOfField(field->qualifiedName()) : 0;
+    }
+
+    // Columns of one name that put out the same are one.
+    int namedRow(const QString& name) {
+        if (!m_byName) {
+            m_byName.emplace();
+            for (int row = 1; row <= int(m_columns.size()); ++row) {
+                const orv::OutputColumn& column = m_columns[std::size_t(row - 1)];
+                int& first = (*m_byName)[orv::unquotedName(column.name).toUpper()];
+                if (first == 0) {
+                    first = row;
+                } else if (first != ambiguousRow &&
+                           !areAlike(m_columns[std::size_t(first - 1)], column)) {
+                    first = ambiguousRow;
+                }
+            }
+        }
+        return m_byName->value(name);
+    }
+
+    int rowOfSource(const QString& key) {
+        if (!m_bySource) {
+            m_bySource.emplace();
+            for (int row = int(m_columns.size()); row >= 1; --row) {
+                const orv::OutputColumn& column = m_columns[std::size_t(row - 1)];
+                const bool plain = orv::isBlank(column.aggregate);
+                const QString source =
+                    plain ? column.source : column.aggregate + u'(' + column.source + u')';
+                m_bySource->insert(orv::tokenKey(source), row);
+            }
+        }
+        return m_bySource->value(key);
+    }
+
+    int rowOfField(const QString& name) {
+        if (!m_byField) {
+            m_byField.emplace();
+            for (int row = int(m_columns.size()); row >= 1; --row) {
+                const orv::OutputColumn& column = m_columns[std::size_t(row - 1)];
+                if (!orv::isBlank(column.aggregate)) continue;
+                const std::optional<PageField> field = m_host.resolveField(column.source);
+                if (field) m_byField->insert(field->qualifiedName(), row);
+            }
+        }
+        return m_byField->value(name);
+    }
+
+    const IPagesHost& m_host;
+    const orv::OutputColumns m_columns;
+    // Made when they are first asked for; the first row of several counts.
+    std::optional<Rows> m_byName;
+    std::optional<Rows> m_bySource;
+    std::optional<Rows> m_byField;
+
+public:
+    const Outputs outputs;
+};
+
 QString TorvQDOrderPanel::GetSQLStatment() const {
     if (!host()) raiseNoHost();
     const Outputs shown = outputs();
+    orv::OutputRows rows(shown.names, shown.sources);
     QStringList items;
     for (const orv::SortList::Line& line : m_list.lines()) {
-        const int row = orv::SortList::rowOf(line, shown.names, shown.sources);
+        const int row = rows.rowOf(line);
         if (row < 1) continue;
         const bool descends = line.direction == orv::descendingText();
         items << grid->GetFieldName(row) + (descends ? QStringLiteral(" DESC") : QString());
@@ -366,6 +455,7 @@ void TorvQDOrderPanel::loadItems(const orv::TokenRun& run, orv::LoadLedger& ledg
     ledger.place(run);
     const std::vector<orv::TokenRun> items =
         run.mid(std::min(keywordTokens, run.size())).splitAtCommas();
+    OutputIndex index(*this);
     if (items.empty()) ledger.report(run, QStringLiteral("This clause has no item."));
     for (const orv::TokenRun& item : items) {
         if (item.isEmpty()) {
@@ -377,9 +467,9 @@ void TorvQDOrderPanel::loadItems(const orv::TokenRun& run, orv::LoadLedger& ledg
         const bool directed = descends || isAnyOf(item, last, {u"ASC", u"ASCENDING"});
         const orv::TokenRun expression = directed ? item.mid(0, last) : item;
         const bool isNumber = expression.size() == 1 && expression[0].kind == orv::SqlToken::Number;
-        const int row = expression.isEmpty() ? 0 : loadedRow(expression.sourceText(), isNumber);
+        const int row = expression.isEmpty() ? 0 : index.rowOf(expression.sourceText(), isNumber);
         if (row >= 1) {
-            appendLine(row, descends);
+            appendLine(index.outputs, row, descends);
         } else if (row == ambiguousRow) {
             ledger.report(item, QStringLiteral("Several output columns have this name: the rows "
                                                "are not sorted by it."));
@@ -392,61 +482,18 @@ void TorvQDOrderPanel::loadItems(const orv::TokenRun& run, orv::LoadLedger& ledg
 
 // Outside the loading of a statement nobody keeps account: what matches nothing is passed over.
 void TorvQDOrderPanel::loadNode(const TorvQDParser& node) {
+    OutputIndex index(*this);
     for (const TorvQDParser::Node& child : node.Children()) {
         const bool isNumber = child->Kind() == otConst;
         if (!isNumber && child->Kind() != otField) continue;
         const bool descends =
             child->Count() > 0 && child->Child(0)->Text().contains(QStringLiteral("DESC"));
-        const int row = loadedRow(child->Text(), isNumber);
-        if (row >= 1) appendLine(row, descends);
+        const int row = index.rowOf(child->Text(), isNumber);
+        if (row >= 1) appendLine(index.outputs, row, descends);
     }
 }
 
-void TorvQDOrderPanel::appendLine(int row, bool descends) {
-    const Outputs shown = outputs();
+void TorvQDOrderPanel::appendLine(const Outputs& shown, int row, bool descends) {
     m_list.append(shown.names[row - 1], descends ? orv::descendingText() : orv::ascendingText(),
                   row, shown.sources[row - 1]);
-}
-
-// The output row that an item of ORDER BY names: by number, output name, field or text. Columns
-// without a name cannot be sorted.
-int TorvQDOrderPanel::loadedRow(const QString& text, bool isNumber) const {
-    if (!grid) return 0;
-    const int row = isNumber ? text.toInt() : rowOfText(text);
-    if (!isNumber && row == ambiguousRow) return row;
-    if (row < 1 || row > int(grid->columns().size())) return 0;
-    return orv::isBlank(grid->columns()[std::size_t(row - 1)].name) ? 0 : row;
-}
-
-int TorvQDOrderPanel::rowOfText(const QString& text) const {
-    const orv::OutputColumns& columns = grid->columns();
-    const int count = int(columns.size());
-    const bool qualified = orv::firstFullStop(text) >= 0;
-    const QString word = orv::unquotedName(text).toUpper();
-    int named = 0;
-    for (int row = 1; !qualified && row <= count; ++row) {
-        if (orv::unquotedName(columns[std::size_t(row - 1)].name).toUpper() != word) continue;
-        if (named == 0) {
-            named = row;
-        } else if (!areAlike(columns[std::size_t(named - 1)], columns[std::size_t(row - 1)])) {
-            return ambiguousRow;
-        }
-    }
-    if (named > 0) return named;
-    const QString key = orv::tokenKey(text);
-    for (int row = 1; row <= count; ++row) {
-        const orv::OutputColumn& column = columns[std::size_t(row - 1)];
-        const bool plain = orv::isBlank(column.aggregate);
-        const QString source =
-            plain ? column.source : column.aggregate + u'(' + column.source + u')';
-        if (orv::tokenKey(source) == key) return row;
-    }
-    const std::optional<PageField> field = host()->resolveField(text);
-    for (int row = 1; field && row <= count; ++row) {
-        const orv::OutputColumn& column = columns[std::size_t(row - 1)];
-        if (!orv::isBlank(column.aggregate)) continue;
-        const std::optional<PageField> other = host()->resolveField(column.source);
-        if (other && other->qualifiedName() == field->qualifiedName()) return row;
-    }
-    return 0;
 }

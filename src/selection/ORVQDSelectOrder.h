@@ -170,11 +170,10 @@ private:
 
     [[nodiscard]] IPagesHost* host() const;
     [[nodiscard]] Outputs outputs() const;
-    [[nodiscard]] int loadedRow(const QString& text, bool isNumber) const;
-    [[nodiscard]] int rowOfText(const QString& text) const;
+    class OutputIndex;
     void loadItems(const orv::TokenRun& run, orv::LoadLedger& ledger);
     void loadNode(const TorvQDParser& node);
-    void appendLine(int row, bool descends);
+    void appendLine(const Outputs& shown, int row, bool descends);
     void connectParts();
     void placeParts();
     void edit(const std::function<void()>& change);

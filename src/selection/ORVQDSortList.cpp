@@ -54,6 +54,7 @@ void SortList::clear() {
 
 int SortList::refresh(const QStringList& outputNames, const QStringList& sources, int followed) {
     const QSet<QString> names(outputNames.begin(), outputNames.end());
+    OutputRows rows(outputNames, sources);
     std::vector<Line> kept;
     int position = -1;
     QSet<QString> sorted;
@@ -63,7 +64,7 @@ int SortList::refresh(const QStringList& outputNames, const QStringList& sources
         if (index == followed) position = int(kept.size());
         sorted.insert(line.name);
         if (line.row > 0) {
-            line.row = rowOf(line, outputNames, sources);
+            line.row = rows.rowOf(line);
             line.source = sources.value(line.row - 1);
         }
         kept.push_back(std::move(line));
@@ -81,18 +82,39 @@ int SortList::refresh(const QStringList& outputNames, const QStringList& sources
 }
 
 int SortList::rowOf(const Line& line, const QStringList& outputNames, const QStringList& sources) {
-    const auto isNamed = [&](int row) {
-        return row >= 1 && row <= outputNames.size() && outputNames[row - 1] == line.name;
-    };
-    const auto isSame = [&](int row) {
-        return isNamed(row) && sources.value(row - 1) == line.source;
-    };
-    if (!line.source.isEmpty() && !isSame(line.row)) {
-        for (int row = 1; row <= outputNames.size(); ++row) {
-            if (isSame(row)) return row;
-        }
+    return OutputRows(outputNames, sources).rowOf(line);
+}
+
+OutputRows::OutputRows(QStringList names, QStringList sources)
+    : m_names(std::move(names)), m_sources(std::move(sources)) {}
+
+bool OutputRows::isNamed(const SortList::Line& line) const {
+    return line.row >= 1 && line.row <= m_names.size() && m_names[line.row - 1] == line.name;
+}
+
+bool OutputRows::isSame(const SortList::Line& line) const {
+    return isNamed(line) && m_sources.value(line.row - 1) == line.source;
+}
+
+int OutputRows::rowOf(const SortList::Line& line) {
+    if (!line.source.isEmpty() && !isSame(line)) {
+        index();
+        const int row = m_byNameAndSource.value({line.name, line.source});
+        if (row > 0) return row;
     }
-    return isNamed(line.row) ? line.row : int(outputNames.indexOf(line.name)) + 1;
+    if (isNamed(line)) return line.row;
+    index();
+    return m_byName.value(line.name);
+}
+
+// Most lines have kept their rows: then nothing is looked up.
+void OutputRows::index() {
+    if (m_isIndexed) return;
+    m_isIndexed = true;
+    for (qsizetype row = m_names.size(); row >= 1; --row) {
+        m_byName.insert(m_names[row - 1], int(row));
+        m_byNameAndSource.insert({m_names[row - 1], m_sources.value(row - 1)}, int(row));
+    }
 }
 
 }  // namespace orv

@@ -3,9 +3,11 @@
 
 #include "core/Export.h"
 
+#include <QHash>
 #include <QString>
 #include <QStringList>
 
+#include <utility>
 #include <vector>
 
 namespace orv {
@@ -55,6 +57,26 @@ private:
     std::vector<Line> m_lines;
     QStringList m_unsorted;
     std::vector<Line> m_unsortedLines;  // as they will be when they are added
+};
+
+/// Finds the output rows of many sort lines, as SortList::rowOf does for one: what has to be looked
+/// for is looked up. A plain value.
+class ORV_EXPORT OutputRows {
+public:
+    explicit OutputRows(QStringList names, QStringList sources = {});
+
+    [[nodiscard]] int rowOf(const SortList::Line& line);
+
+private:
+    [[nodiscard]] bool isNamed(const SortList::Line& line) const;
+    [[nodiscard]] bool isSame(const SortList::Line& line) const;
+    void index();
+
+    QStringList m_names;
+    QStringList m_sources;
+    bool m_isIndexed = false;
+    QHash<QString, int> m_byName;  // the first row of each
+    QHash<std::pair<QString, QString>, int> m_byNameAndSource;
 };
 
 }  // namespace orv
