@@ -72,22 +72,24 @@ JsonWriter& JsonWriter::null() {
 }
 
 void JsonWriter::writeText(const QString& text) {
+    const QByteArray bytes = text.toUtf8();
     m_out += '"';
-    for (const char character : text.toUtf8()) {
+    qsizetype written = 0;
+    for (qsizetype position = 0; position < bytes.size(); ++position) {
+        const char character = bytes[position];
+        if (uchar(character) >= 0x20 && character != '"' && character != '\\') continue;
+        m_out.append(bytes.constData() + written, position - written);
+        written = position + 1;
         switch (character) {
         case '"': m_out += "\\\""; break;
         case '\\': m_out += "\\\\"; break;
         case '\n': m_out += "\\n"; break;
         case '\r': m_out += "\\r"; break;
         case '\t': m_out += "\\t"; break;
-        default:
-            if (uchar(character) < 0x20) {
-                m_out += "\\u00" + QByteArray::number(uchar(character), 16).rightJustified(2, '0');
-            } else {
-                m_out += character;
-            }
+        default: m_out += "\\u00" + QByteArray::number(uchar(character), 16).rightJustified(2, '0');
         }
     }
+    m_out.append(bytes.constData() + written, bytes.size() - written);
     m_out += '"';
 }
 
