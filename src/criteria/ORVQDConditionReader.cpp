@@ -135,16 +135,27 @@ public:
         lookIntoBrackets(run);
     }
 
-    std::vector<ConditionElement> level(const TokenRun& run, int depth) const {
+    std::vector<ConditionElement> read(const TokenRun& run) const {
+        std::vector<ConditionElement> elements = level(run, 0);
+        if (!m_rules.structureOnly) takeApart(elements);
+        return elements;
+    }
+
+private:
+    // The brackets, connectives and conditions of a level and of all levels below. It calls itself
+    // for each bracket: what needs much room on the stack is done afterwards.
+    [[nodiscard]] std::vector<ConditionElement> level(const TokenRun& run, int depth) const {
         if (depth > deepestCondition + 1) raiseTooDeep();  // the root group has brackets, too
         std::vector<ConditionElement> elements;
         if (mixesXorAndAnd(run)) {
-            elements.push_back({ConditionElement::Condition, run, wholeText(run), {}});
+            ConditionElement& whole = elements.emplace_back();
+            whole.run = run;
+            whole.condition = wholeText(run);
             return elements;
         }
         bool expectsOperand = true;
         for (int index = 0; index < run.size();) {
-            ConditionElement element;
+            ConditionElement& element = elements.emplace_back();
             int next = index + 1;
             if (isConnective(run, index)) {
                 element.kind = run.is(index, u"AND") ? ConditionElement::And : ConditionElement::Or;
@@ -153,18 +164,31 @@ public:
                 element.kind = ConditionElement::Not;
             } else {
                 next = endOfCondition(run, index);
-                element = condition(run.mid(index, next - index), depth);
+                readBracket(element, run.mid(index, next - index), depth);
                 expectsOperand = false;
             }
             element.run = run.mid(index, next - index);
-            elements.push_back(std::move(element));
             index = next;
         }
         if (m_rules.andBindsTighter) bindAnds(elements);
         return elements;
     }
 
-private:
+    // The conditions as cells of rows; those that stay whole have theirs already.
+    void takeApart(std::vector<ConditionElement>& elements) const {
+        std::vector<std::vector<ConditionElement>*> open = {&elements};
+        while (!open.empty()) {
+            std::vector<ConditionElement>& level = *open.back();
+            open.pop_back();
+            for (ConditionElement& element : level) {
+                if (element.kind == ConditionElement::Bracket) open.push_back(&element.children);
+                const bool isOpen =
+                    element.kind == ConditionElement::Condition && !element.condition.operation;
+                if (isOpen) element.condition = comparison(element.run);
+            }
+        }
+    }
+
     /// What stands inside a bracket at its own level.
     struct Bracket {
         bool hasSelect = false;
@@ -259,19 +283,14 @@ private:
 
     // --- one condition ---
 
-    [[nodiscard]] ConditionElement condition(TokenRun run, int depth) const {
-        ConditionElement element;
+    // Of brackets around brackets one is enough.
+    void readBracket(ConditionElement& element, TokenRun run, int depth) const {
         while (isSubCondition(run)) {
-            const TokenRun inside = run.mid(1, run.size() - 2);
-            if (!isSubCondition(inside)) {
-                element.kind = ConditionElement::Bracket;
-                element.children = level(inside, depth + 1);
-                return element;
-            }
-            run = inside;
+            run = run.mid(1, run.size() - 2);
+            if (isSubCondition(run)) continue;
+            element.kind = ConditionElement::Bracket;
+            element.children = level(run, depth + 1);
         }
-        if (!m_rules.structureOnly) element.condition = comparison(run);
-        return element;
     }
 
     // A bracket that is the whole condition and holds one: no sub-select and no list.
@@ -656,7 +675,7 @@ void raiseTooDeep() {
 }
 
 std::vector<ConditionElement> readConditions(const TokenRun& run, const ConditionRules& rules) {
-    return Reader(rules, run).level(run, 0);
+    return Reader(rules, run).read(run);
 }
 
 namespace {

@@ -290,7 +290,9 @@ void TorvQDWherePanel::loadRun(const orv::TokenRun& run, orv::LoadLedger* ledger
 // A pathological condition is read on trial: most are told from their brackets and connectives.
 void TorvQDWherePanel::checkDepth(const orv::TokenRun& condition, bool keepsMeaning) const {
     if (orv::mostGroupsBelow(condition) <= orv::deepestCondition) return;
-    const auto elements = orv::readConditions(condition, readingRules(keepsMeaning));
+    orv::ConditionRules rules = readingRules(keepsMeaning);
+    rules.structureOnly = true;
+    const auto elements = orv::readConditions(condition, rules);
     if (orv::groupsBelow(elements, notsOf(keepsMeaning)) > orv::deepestCondition)
         orv::raiseTooDeep();
 }

@@ -92,22 +92,25 @@ void JsonWriter::writeText(const QString& text) {
     m_out += '"';
 }
 
+// What needs no escape is copied a run at a time.
 void JsonWriter::writeCharacters(QStringView text) {
-    for (const char character : text.toUtf8()) {
+    const QByteArray bytes = text.toUtf8();
+    qsizetype written = 0;
+    for (qsizetype position = 0; position < bytes.size(); ++position) {
+        const char character = bytes[position];
+        if (uchar(character) >= 0x20 && character != '"' && character != '\\') continue;
+        m_out.append(bytes.constData() + written, position - written);
+        written = position + 1;
         switch (character) {
         case '"': m_out += "\\\""; break;
         case '\\': m_out += "\\\\"; break;
         case '\n': m_out += "\\n"; break;
         case '\r': m_out += "\\r"; break;
         case '\t': m_out += "\\t"; break;
-        default:
-            if (uchar(character) < 0x20) {
-                m_out += "\\u00" + QByteArray::number(uchar(character), 16).rightJustified(2, '0');
-            } else {
-                m_out += character;
-            }
+        default: m_out += "\\u00" + QByteArray::number(uchar(character), 16).rightJustified(2, '0');
         }
     }
+    m_out.append(bytes.constData() + written, bytes.size() - written);
 }
 
 }  // namespace orv

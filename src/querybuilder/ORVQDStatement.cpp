@@ -3,8 +3,6 @@
 
 #include "core/Text.h"
 
-#include <QStringList>
-
 namespace orv {
 
 QString indentLines(const QString& text, int indent) {
@@ -22,17 +20,22 @@ QString indentLines(const QString& text, int indent) {
 QString assembleStatement(const StatementClauses& clauses) {
     const QString head =
         clauses.distinct ? QStringLiteral("SELECT DISTINCT ") : QStringLiteral("SELECT ");
-    QStringList lines;
-    lines << head + indentLines(clauses.select, int(head.size()));
-    lines << QStringLiteral("FROM ") + clauses.from;
-    if (!isBlank(clauses.where)) lines << QStringLiteral("WHERE ") + clauses.where;
+    QString text = head + indentLines(clauses.select, int(head.size()));
+    // One buffer: conditions of deep groups are long, because each line is indented by its depth.
+    const auto append = [&text](const QString& keyword, const QString& clause) {
+        text += QStringLiteral("\r\n");
+        text += keyword;
+        text += clause;
+    };
+    append(QStringLiteral("FROM "), clauses.from);
+    if (!isBlank(clauses.where)) append(QStringLiteral("WHERE "), clauses.where);
     if (!isBlank(clauses.groupBy)) {
-        lines << QStringLiteral("GROUP BY ") + clauses.groupBy;
-        if (!isBlank(clauses.having)) lines << QStringLiteral("HAVING ") + clauses.having;
+        append(QStringLiteral("GROUP BY "), clauses.groupBy);
+        if (!isBlank(clauses.having)) append(QStringLiteral("HAVING "), clauses.having);
     }
-    if (!isBlank(clauses.orderBy)) lines << QStringLiteral("ORDER BY ") + clauses.orderBy;
-    if (!isBlank(clauses.tail)) lines << clauses.tail;
-    return lines.join(QStringLiteral("\r\n"));
+    if (!isBlank(clauses.orderBy)) append(QStringLiteral("ORDER BY "), clauses.orderBy);
+    if (!isBlank(clauses.tail)) append({}, clauses.tail);
+    return text;
 }
 
 }  // namespace orv

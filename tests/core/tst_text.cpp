@@ -14,6 +14,7 @@ private Q_SLOTS:
     void trimStripsBlanksAndControlCharacters();
     void upperLeavesQuotedTextAlone_data();
     void upperLeavesQuotedTextAlone();
+    void upperIsAppendedToWhatIsThere();
     void upperIsTheSameInATurkishLocale();
     void qualifiedNamesSplitAtTheFirstFullStopOutsideQuotes_data();
     void qualifiedNamesSplitAtTheFirstFullStopOutsideQuotes();
@@ -72,6 +73,12 @@ void TestText::upperLeavesQuotedTextAlone() {
     QFETCH(QString, text);
     QFETCH(QString, upper);
     QCOMPARE(upperOutsideQuotes(text), upper);
+}
+
+void TestText::upperIsAppendedToWhatIsThere() {
+    QString text = QStringLiteral("kept ");
+    orv::appendUpperOutsideQuotes(text, QStringLiteral("\u00e9a'\u00e9b'stra\u00dfe\"c\"d"));
+    QCOMPARE(text, QStringLiteral("kept \u00c9A'\u00e9b'STRASSE\"c\"D"));
 }
 
 void TestText::upperIsTheSameInATurkishLocale() {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the text of a condition becomes: rows, groups, and their text again.
 #include "core/Error.h"
+#include "criteria/ORVQDConditionMeaning.h"
 #include "criteria/ORVQDRowBuilder.h"
 #include "criteria/RowTools.h"
 #include "parser/ORVQDExpressions.h"
@@ -171,6 +172,25 @@ class ConditionReaderTest : public QObject {
 
 private Q_SLOTS:
     void init() { orvtest::failOnAnyWarning(); }
+
+    void structureAloneHasTheSameElements() {
+        Conditions conditions;
+        const QString text = "A = 1 and not (B = 2 or C between 3 and 4)";
+        const orv::SqlTokens tokens = orv::tokenise(text);
+        const orv::TokenRun run(text, tokens.data(), tokens.data() + tokens.size());
+        orv::ConditionRules rules{&conditions.operators};
+        const auto taken = orv::readConditions(run, rules);
+        rules.structureOnly = true;
+        const auto elements = orv::readConditions(run, rules);
+        QCOMPARE(elements.size(), std::size_t(4));
+        QCOMPARE(elements[0].run.sourceText(), "A = 1");
+        QVERIFY(taken[0].condition.operation);
+        QVERIFY(!elements[0].condition.operation);
+        QCOMPARE(elements[3].kind, orv::ConditionElement::Bracket);
+        QCOMPARE(elements[3].children.size(), std::size_t(3));
+        QCOMPARE(elements[3].children[2].run.sourceText(), "C BETWEEN 3 AND 4");
+        QCOMPARE(orv::meaningOf(elements), orv::meaningOf(taken));
+    }
 
     // --- single conditions
 
