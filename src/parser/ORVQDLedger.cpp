@@ -128,6 +128,8 @@ bool endsInQuote(QStringView text) {
 
 void LoadLedger::reportUnclosed(int end) {
     int open = 0;
+    // Only one that nothing closes is left; written twice, it would become a pair.
+    const int backtick = int(m_normalised.text.lastIndexOf(u'`'));
     for (const SqlToken& token : m_tokens) {
         if (token.start >= end) break;
         if (token.kind == SqlToken::Open) {
@@ -138,6 +140,10 @@ void LoadLedger::reportUnclosed(int end) {
         } else if (token.kind == SqlToken::Close && --open < 0) {
             open = 0;
             report(token.start, token.end, QStringLiteral("Nothing opened this bracket."));
+        } else if (token.start <= backtick && backtick < token.end &&
+                   !endsInQuote(
+                       QStringView(m_normalised.text).mid(token.start, backtick - token.start))) {
+            report(token.start, token.end, QStringLiteral("This quote is not closed."));
         } else if (token.end == int(m_normalised.text.size()) &&
                    endsInQuote(QStringView(m_normalised.text).mid(token.start))) {
             report(token.start, token.end, QStringLiteral("This quote is not closed."));

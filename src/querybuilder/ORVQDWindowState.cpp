@@ -158,7 +158,9 @@ private:
         if (!entry) fail(QStringLiteral("an unknown operator: ") + saved.operation);
         return entry;
     }
-    static QString filled(const QString& text) { return text.isEmpty() ? orv::blankText() : text; }
+    static QString filled(const QString& text) {
+        return orv::isBlank(text) ? orv::blankText() : text;
+    }
 
     const TGroupOperators& m_groups;
     const TOperatorList& m_operators;

@@ -5,6 +5,7 @@
 #include "criteria/ORVQDRowBuilder.h"
 #include "criteria/RowTools.h"
 #include "parser/ORVQDExpressions.h"
+#include "support/Sanitizers.h"
 #include "support/TestTools.h"
 
 #include <QElapsedTimer>
@@ -601,7 +602,7 @@ private Q_SLOTS:
         Conditions on;
         if (merge) on.nots = orv::Nots::Merge;
         on.andBindsTighter = andFirst;
-        for (unsigned seed = 0; seed < 600; ++seed) {
+        for (unsigned seed = 0; seed < orvtest::fewerIfSanitized(600U, 4U); ++seed) {
             const Formula formula = FormulaMaker(seed, andFirst).level(3);
             const QString rows = on.read(formula.text);
             const QString where = formula.text + "\n" + rows;
@@ -668,13 +669,14 @@ private Q_SLOTS:
         }
         QTest::newRow("nested groups") << nested;
         QString wide = "A = 1";
-        for (int index = 0; index < 10'000; ++index) wide += " AND (B = 'x' OR C = 2 AND D = 3)";
+        const int many = orvtest::fewerIfSanitized(50'000, 10);
+        for (int index = 0; index < many / 5; ++index) wide += " AND (B = 'x' OR C = 2 AND D = 3)";
         QTest::newRow("wide group") << wide;
         QTest::newRow("one long list")
-            << "A IN (" + QString("'x', ").repeated(50'000) + "1) AND B = 1";
-        QTest::newRow("one long chain") << "A" + QString(" + B").repeated(50'000) + " = 1";
-        QTest::newRow("nested calls")
-            << QString("F(").repeated(20'000) + "1" + QString(")").repeated(20'000) + " = 1";
+            << "A IN (" + QString("'x', ").repeated(many) + "1) AND B = 1";
+        QTest::newRow("one long chain") << "A" + QString(" + B").repeated(many) + " = 1";
+        QTest::newRow("nested calls") << QString("F(").repeated(many * 2 / 5) + "1" +
+                                             QString(")").repeated(many * 2 / 5) + " = 1";
     }
     void readingIsLinear() {
         QFETCH(QString, text);

@@ -4,6 +4,7 @@
 #include "parser/ORVQDLedger.h"
 #include "parser/ORVQDParser.h"
 #include "support/BuilderTools.h"
+#include "support/Sanitizers.h"
 
 #include <QLocale>
 #include <QPlainTextEdit>
@@ -706,7 +707,7 @@ private Q_SLOTS:
 
     void manyConditionsInOneGroup() {
         HostedBuilder on;
-        constexpr int count = 10'000;
+        constexpr int count = orvtest::fewerIfSanitized(10'000, 5);
         QString condition = "t.a = 0";
         for (int index = 1; index < count; ++index) {
             condition += " and t.a between 1 and " + QString::number(index);

@@ -5,6 +5,7 @@
 #include "meaning/Dice.h"
 #include "meaning/OpenDatabase.h"
 #include "querybuilder/ORVQDWindow.h"
+#include "support/Sanitizers.h"
 #include "support/TestTools.h"
 
 #include <QTest>
@@ -17,7 +18,7 @@ using orvtest::OpenDatabase;
 
 namespace {
 
-constexpr int databases = 6;
+constexpr int databases = orvtest::fewerIfSanitized(6, 3);
 const QStringList tables = {"P", "Q", "R", "S"};
 
 enum class Kind : quint8 { Inner, Left, Right, Full };

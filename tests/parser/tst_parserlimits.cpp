@@ -3,13 +3,14 @@
 #include "parser/ORVQDLedger.h"
 #include "parser/ORVQDNormalise.h"
 #include "parser/ORVQDParser.h"
+#include "support/Sanitizers.h"
 
 #include <QRandomGenerator>
 #include <QTest>
 
 namespace {
 
-constexpr int million = 1000000;
+constexpr int huge = orvtest::fewerIfSanitized(1000000, 10);
 constexpr quint32 seed = 20240518;
 
 QString repeated(const char* text, int count) {
@@ -40,43 +41,43 @@ void TestParserLimits::hugeStatementsAreRead_data() {
     QTest::addColumn<QString>("statement");
     const QString where = QStringLiteral("SELECT A FROM T WHERE ");
     const QString from = QStringLiteral("SELECT A FROM T ");
-    QTest::newRow("brackets") << where + repeated("(", million) + u'A' + repeated(")", million);
-    QTest::newRow("brackets never closed") << where + repeated("(", million);
-    QTest::newRow("brackets never opened") << where + repeated(")", million);
+    QTest::newRow("brackets") << where + repeated("(", huge) + u'A' + repeated(")", huge);
+    QTest::newRow("brackets never closed") << where + repeated("(", huge);
+    QTest::newRow("brackets never opened") << where + repeated(")", huge);
     QTest::newRow("half of the brackets closed")
-        << where + repeated("(", million) + u'A' + repeated(")", million / 2);
+        << where + repeated("(", huge) + u'A' + repeated(")", huge / 2);
     QTest::newRow("brackets of the select list")
-        << QStringLiteral("SELECT ") + repeated("(", million) + repeated(") X", million);
-    QTest::newRow("calls") << QStringLiteral("SELECT ") + repeated("SUM(", million) + u'A';
-    QTest::newRow("procedures") << from + repeated("P(", million) + repeated(")", million);
-    QTest::newRow("LIKEs") << where + repeated("LIKE ", million);
-    QTest::newRow("LIKEs in ON") << from + QStringLiteral("JOIN U ON ") +
-                                        repeated("LIKE ", million) + QStringLiteral(", V");
-    QTest::newRow("BETWEENs") << where + repeated("BETWEEN 1 AND ", million);
-    QTest::newRow("NOTs") << where + repeated("NOT ", million);
-    QTest::newRow("SELECTs") << repeated("SELECT ", million);
-    QTest::newRow("selects in brackets") << repeated("SELECT A FROM (", million);
-    QTest::newRow("ONs") << from + QStringLiteral("JOIN U ") + repeated("ON ", million);
-    QTest::newRow("JOINs") << from + repeated("JOIN ", million);
-    QTest::newRow("LEFTs without JOIN") << from + repeated("LEFT ", million);
+        << QStringLiteral("SELECT ") + repeated("(", huge) + repeated(") X", huge);
+    QTest::newRow("calls") << QStringLiteral("SELECT ") + repeated("SUM(", huge) + u'A';
+    QTest::newRow("procedures") << from + repeated("P(", huge) + repeated(")", huge);
+    QTest::newRow("LIKEs") << where + repeated("LIKE ", huge);
+    QTest::newRow("LIKEs in ON") << from + QStringLiteral("JOIN U ON ") + repeated("LIKE ", huge) +
+                                        QStringLiteral(", V");
+    QTest::newRow("BETWEENs") << where + repeated("BETWEEN 1 AND ", huge);
+    QTest::newRow("NOTs") << where + repeated("NOT ", huge);
+    QTest::newRow("SELECTs") << repeated("SELECT ", huge);
+    QTest::newRow("selects in brackets") << repeated("SELECT A FROM (", huge);
+    QTest::newRow("ONs") << from + QStringLiteral("JOIN U ") + repeated("ON ", huge);
+    QTest::newRow("JOINs") << from + repeated("JOIN ", huge);
+    QTest::newRow("LEFTs without JOIN") << from + repeated("LEFT ", huge);
     QTest::newRow("LEFTs before one JOIN")
-        << from + repeated("LEFT ", million) + QStringLiteral("JOIN U");
-    QTest::newRow("joins") << from + repeated("LEFT JOIN U ON A = B ", million);
-    QTest::newRow("CROSSes") << from + repeated("CROSS ", million);
-    QTest::newRow("NATURALs") << from + repeated("NATURAL ", million);
-    QTest::newRow("ISs") << where + repeated("IS ", million);
-    QTest::newRow("IS NOTs") << where + repeated("IS NOT ", million);
-    QTest::newRow("GROUPs") << from + repeated("GROUP ", million);
-    QTest::newRow("function names") << where + repeated("MAX ", million);
-    QTest::newRow("aliases") << QStringLiteral("SELECT ") + repeated("A AS B,", million);
-    QTest::newRow("ASs") << QStringLiteral("SELECT ") + repeated("AS ", million);
+        << from + repeated("LEFT ", huge) + QStringLiteral("JOIN U");
+    QTest::newRow("joins") << from + repeated("LEFT JOIN U ON A = B ", huge);
+    QTest::newRow("CROSSes") << from + repeated("CROSS ", huge);
+    QTest::newRow("NATURALs") << from + repeated("NATURAL ", huge);
+    QTest::newRow("ISs") << where + repeated("IS ", huge);
+    QTest::newRow("IS NOTs") << where + repeated("IS NOT ", huge);
+    QTest::newRow("GROUPs") << from + repeated("GROUP ", huge);
+    QTest::newRow("function names") << where + repeated("MAX ", huge);
+    QTest::newRow("aliases") << QStringLiteral("SELECT ") + repeated("A AS B,", huge);
+    QTest::newRow("ASs") << QStringLiteral("SELECT ") + repeated("AS ", huge);
     QTest::newRow("quote never closed at the start")
-        << QStringLiteral("SELECT '") + repeated("a, (b) ", 5 * million / 7);
-    QTest::newRow("quotes in a row") << QStringLiteral("SELECT ") + repeated("' \" ", million);
-    QTest::newRow("one word") << QStringLiteral("SELECT ") + repeated("a", 5 * million);
-    QTest::newRow("blanks") << QStringLiteral("SELECT A") + repeated(" ", 5 * million) + u'B';
-    QTest::newRow("signs") << QStringLiteral("SELECT ") + repeated("+", 5 * million);
-    QTest::newRow("commas") << QStringLiteral("SELECT ") + repeated(",", 5 * million);
+        << QStringLiteral("SELECT '") + repeated("a, (b) ", 5 * huge / 7);
+    QTest::newRow("quotes in a row") << QStringLiteral("SELECT ") + repeated("' \" ", huge);
+    QTest::newRow("one word") << QStringLiteral("SELECT ") + repeated("a", 5 * huge);
+    QTest::newRow("blanks") << QStringLiteral("SELECT A") + repeated(" ", 5 * huge) + u'B';
+    QTest::newRow("signs") << QStringLiteral("SELECT ") + repeated("+", 5 * huge);
+    QTest::newRow("commas") << QStringLiteral("SELECT ") + repeated(",", 5 * huge);
 }
 
 void TestParserLimits::hugeStatementsAreRead() {
@@ -87,33 +88,32 @@ void TestParserLimits::hugeStatementsAreRead() {
 }
 
 void TestParserLimits::deepNestingIsDeep() {
-    const TorvQDParser root(QStringLiteral("SELECT A FROM T WHERE ") + repeated("(", million) +
-                            u'B' + repeated(")", million));
+    const TorvQDParser root(QStringLiteral("SELECT A FROM T WHERE ") + repeated("(", huge) + u'B' +
+                            repeated(")", huge));
     const TorvQDParser* node = root.Clause(inWhere);
     int depth = 0;
     while (node->Count() == 1) {
         node = node->Child(0);
         ++depth;
     }
-    QCOMPARE(depth, million + 1);
+    QCOMPARE(depth, huge + 1);
     QCOMPARE(node->Text(), QStringLiteral("B"));
 }
 
 void TestParserLimits::longListsAreWhole() {
-    const TorvQDParser root(QStringLiteral("SELECT A FROM T") + repeated(", U X", million));
-    QCOMPARE(root.Clause(inFrom)->Count(), million + 1);
-    QCOMPARE(root.Clause(inFrom)->Child(million)->GetAliasName(), QStringLiteral("X"));
+    const TorvQDParser root(QStringLiteral("SELECT A FROM T") + repeated(", U X", huge));
+    QCOMPARE(root.Clause(inFrom)->Count(), huge + 1);
+    QCOMPARE(root.Clause(inFrom)->Child(huge)->GetAliasName(), QStringLiteral("X"));
 }
 
 void TestParserLimits::argumentsOfDeepNestingAreWritten() {
-    const QString arguments =
-        repeated("(", million) + QStringLiteral("A, B") + repeated(")", million);
+    const QString arguments = repeated("(", huge) + QStringLiteral("A, B") + repeated(")", huge);
     const TorvQDParser root(QStringLiteral("SELECT A FROM T WHERE ") + arguments);
     QVERIFY(root.Clause(inWhere)->Child(0)->FillArguments(false) == arguments);
 }
 
 void TestParserLimits::randomTextIsRead() {
-    constexpr int size = 10 * million;
+    constexpr int size = 10 * huge;
     QRandomGenerator random(seed);
     QString statement = QStringLiteral("SELECT ");
     statement.reserve(size);
@@ -131,15 +131,15 @@ void TestParserLimits::randomTextIsRead() {
 
 void TestParserLimits::hugeTextsAreNormalised_data() {
     QTest::addColumn<QString>("given");
-    QTest::newRow("apostrophe never closed") << u'\'' + repeated("a -- ", million);
-    QTest::newRow("backtick never closed") << u'`' + repeated("a, ", million);
-    QTest::newRow("backticks in pairs") << repeated("`` ", million);
-    QTest::newRow("odd number of backticks") << repeated("`", 3 * million + 1);
-    QTest::newRow("comment never closed") << repeated("/* ", million);
-    QTest::newRow("comments in a row") << repeated("/**/--\n", million);
-    QTest::newRow("semicolons") << repeated("; ", million);
-    QTest::newRow("indices") << u'a' + repeated("[1]", million);
-    QTest::newRow("square brackets never closed") << repeated(",[", 2 * million);
+    QTest::newRow("apostrophe never closed") << u'\'' + repeated("a -- ", huge);
+    QTest::newRow("backtick never closed") << u'`' + repeated("a, ", huge);
+    QTest::newRow("backticks in pairs") << repeated("`` ", huge);
+    QTest::newRow("odd number of backticks") << repeated("`", 3 * huge + 1);
+    QTest::newRow("comment never closed") << repeated("/* ", huge);
+    QTest::newRow("comments in a row") << repeated("/**/--\n", huge);
+    QTest::newRow("semicolons") << repeated("; ", huge);
+    QTest::newRow("indices") << u'a' + repeated("[1]", huge);
+    QTest::newRow("square brackets never closed") << repeated(",[", 2 * huge);
 }
 
 void TestParserLimits::hugeTextsAreNormalised() {

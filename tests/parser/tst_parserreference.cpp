@@ -2,6 +2,7 @@
 #include "ReferenceParser.h"
 #include "TreeText.h"
 #include "core/Text.h"
+#include "support/Sanitizers.h"
 
 #include <QRandomGenerator>
 #include <QTest>
@@ -9,7 +10,7 @@
 namespace {
 
 constexpr quint32 seed = 20240517;
-constexpr int textCount = 20000;
+constexpr int textCount = orvtest::fewerIfSanitized(20000, 10);
 constexpr int shownCount = 10;  // of those that fail
 
 QString oneOf(QRandomGenerator& random, const QStringList& list) {

@@ -128,6 +128,16 @@ private Q_SLOTS:
         QCOMPARE(restored(state, true), QByteArray(state));
     }
 
+    void operandsOfBlanksAreUnfilled() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t where t.b = 1");
+        const QByteArray state = edited(on.builder.SaveState(), "\"1\"", "\" \\u0000\\t\"");
+        on.builder.RestoreState(state);
+        const QString blanks(9, u' ');
+        QVERIFY(on.builder.GetSQLStatment().contains("(T.B = " + blanks + ")"));
+        QCOMPARE(restored(on.builder.SaveState(), false), on.builder.SaveState());
+    }
+
     void joinsKeepTheirOrderWhenLinksWereRemoved() {
         HostedBuilder on;
         on.builder.LoadSQL(

@@ -4,6 +4,7 @@
 // nothing more. Built once for each mode.
 #include "core/Error.h"
 #include "support/RandomState.h"
+#include "support/Sanitizers.h"
 #include "support/StateText.h"
 #include "support/TestTools.h"
 
@@ -21,11 +22,7 @@ constexpr bool keepsMeaning = true;
 constexpr bool keepsMeaning = false;
 #endif
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr unsigned wanted = 50;  // a sanitizer takes its time
-#else
-constexpr unsigned wanted = 1000;
-#endif
+constexpr unsigned wanted = orvtest::fewerIfSanitized(1000U, 20U);
 constexpr unsigned states = wanted + wanted / 8;  // not all of them can be compared
 constexpr unsigned blocks = 5;                    // of states, each a test of its own
 

@@ -3,6 +3,7 @@
 // in the load report.
 #include "parser/ORVQDParser.h"
 #include "support/BuilderTools.h"
+#include "support/Sanitizers.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <random>
@@ -586,7 +587,7 @@ private Q_SLOTS:
 
     // Many joins must not take the square of their number.
     void longChainsLoad() {
-        constexpr int count = 1500;
+        constexpr int count = orvtest::fewerIfSanitized(1500, 5);
         for (const bool keep : {false, true}) {
             JoinBuilder on(keep);
             QString from = QStringLiteral("a t0");
