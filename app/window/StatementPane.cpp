@@ -172,6 +172,8 @@ void StatementPane::setRefused(const QString& text, const QString& reason) {
         replaceText(withSingleBreaks(text));
     }
     m_refusal->setText(tr("Not loaded: ") + reason);
+    m_findings.clear();  // they were about another text
+    m_findingsList->clear();
     m_isOutdated = false;
     refresh();
 }
@@ -255,9 +257,9 @@ void StatementPane::refresh() {
 
     const int count = int(m_findings.size());
     m_findingsTitle->setText(count == 1
-                                 ? tr("1 part of the loaded statement is not in the diagram:")
-                                 : tr("%1 parts of the loaded statement are not in the "
-                                      "diagram:")
+                                 ? tr("1 part of the loaded statement is not held as it stands:")
+                                 : tr("%1 parts of the loaded statement are not held as they "
+                                      "stand:")
                                        .arg(count));
     m_findingsTitle->setVisible(count > 0);
     m_findingsList->setVisible(count > 0);

@@ -222,7 +222,7 @@ void TorvQueryBuilder::loadText(const QString& text) {
     m_ledger = std::move(ledger);
     LoadScope scope(this, m_loading, m_ledger);
     clearAll();
-    if (root.Clause(inFrom)) m_ledger->reportUnclosed(parts.bodyEnd);
+    if (root.Clause(inFrom)) m_ledger->reportUnclosed(parts.tailEnd);
     loadParsed(root);
     if (!self) return;
     m_ledger->reportChangedTexts(parts.bodyEnd);

@@ -33,6 +33,7 @@ private Q_SLOTS:
 
     void beginsWithSampleQuery();
     void beginsWithGivenStatement();
+    void refusedTextHasNoFindingsOfAnother();
     void beginsWithSchema();
     void doubleClickAddsTable();
     void keysAddTable();
@@ -207,6 +208,16 @@ void TestWindow::beginsWithGivenStatement() {
     open(options);
     QCOMPARE(text(), QStringLiteral("drop table orders"));
     QVERIFY(isShown("refusal"));
+}
+
+void TestWindow::refusedTextHasNoFindingsOfAnother() {
+    type("select id, nope from orders");
+    press(Qt::Key_Return, Qt::ControlModifier);
+    QVERIFY(isShown("findings"));
+    type("selec id");
+    press(Qt::Key_Return, Qt::ControlModifier);
+    QVERIFY(isShown("refusal"));
+    QVERIFY(!isShown("findings"));
 }
 
 void TestWindow::beginsWithSchema() {

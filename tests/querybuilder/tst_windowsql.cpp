@@ -314,6 +314,8 @@ private Q_SLOTS:
             << "select t.a from t where ((t.a = 1)" << QStringList("(");
         QTest::newRow("bracket too many") << "select t.a from t where t.a = 1)" << QStringList(")");
         QTest::newRow("quote") << "select t.a from t where t.a = 'x" << QStringList("'x");
+        QTest::newRow("bracket of the tail")
+            << "select t.a from t union select u.x from u where (u.y = 1" << QStringList("(");
         QTest::newRow("closed behind the tail")
             << "select t.a from t where (t.a = 1) limit 5" << QStringList();
         QTest::newRow("all closed")
