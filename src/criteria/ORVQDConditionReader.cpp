@@ -670,57 +670,8 @@ private:
 
 }  // namespace
 
-void raiseTooDeep() {
-    throw Error(QStringLiteral("Conditions nest deeper than %1 levels").arg(deepestCondition));
-}
-
 std::vector<ConditionElement> readConditions(const TokenRun& run, const ConditionRules& rules) {
     return Reader(rules, run).read(run);
-}
-
-namespace {
-
-/// What a level of brackets may become: an upper bound.
-struct LevelBound {
-    int connective = 0;  // 0 none yet, 1 AND, 2 OR
-    int changes = 0;
-    int nots = 0;  // since the last connective
-    int mostNots = 0;
-    int below = 1;  // inside its brackets; a missing condition is a group, too
-
-    void connect(int kind) {
-        if (connective != 0 && connective != kind) ++changes;
-        connective = kind;
-        nots = 0;
-    }
-    void negate() { mostNots = std::max(mostNots, ++nots); }
-    [[nodiscard]] int groups() const { return changes + mostNots + below; }
-};
-
-}  // namespace
-
-int mostGroupsBelow(const TokenRun& run) {
-    std::vector<LevelBound> levels(1);
-    for (int index = 0; index < run.size(); ++index) {
-        const SqlToken::Kind kind = run[index].kind;
-        if (kind == SqlToken::Open) {
-            levels.emplace_back();
-        } else if (kind == SqlToken::Close && levels.size() > 1) {
-            const int groups = levels.back().groups() + 1;
-            levels.pop_back();
-            levels.back().below = std::max(levels.back().below, groups);
-        } else if (isConnective(run, index)) {
-            levels.back().connect(run.is(index, u"AND") ? 1 : 2);
-        } else if (isWord(run, index, u"NOT")) {
-            levels.back().negate();
-        }
-    }
-    int groups = 0;
-    for (auto level = levels.rbegin(); level != levels.rend(); ++level) {
-        level->below = std::max(level->below, groups);
-        groups = level->groups() + 1;
-    }
-    return groups;
 }
 
 std::vector<const ConditionElement*> andsBehindOr(const std::vector<ConditionElement>& level) {
