@@ -154,8 +154,8 @@ class JoinOrderTest : public QObject {
 
 private Q_SLOTS:
     void initTestCase() {
-        const QString missing = OpenDatabase::whatIsMissing();
-        if (!missing.isEmpty()) QSKIP(qPrintable(missing));
+        // A proof that did not run is none.
+        QCOMPARE(OpenDatabase::whatIsMissing(), QString());
     }
 
     void everyOrderOfJoins_data() {

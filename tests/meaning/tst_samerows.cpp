@@ -261,8 +261,8 @@ class SameRowsTest : public QObject {
 
 private Q_SLOTS:
     void initTestCase() {
-        const QString missing = OpenDatabase::whatIsMissing();
-        if (!missing.isEmpty()) QSKIP(qPrintable(missing));
+        // A proof that did not run is none.
+        QCOMPARE(OpenDatabase::whatIsMissing(), QString());
     }
 
     void emptyReportMeansTheSameRows_data() {
