@@ -2,6 +2,7 @@
 #include "toolkit/Services.h"
 
 #include <QCoreApplication>
+#include <QDialog>
 #include <QMessageBox>
 #include <QTimer>
 
@@ -48,6 +49,11 @@ MessageService& messageService() {
     return service;
 }
 
+DialogRunner& dialogRunner() {
+    static DialogRunner runner;
+    return runner;
+}
+
 ErrorHandler& errorHandler() {
     static ErrorHandler handler;
     return handler;
@@ -62,6 +68,15 @@ MessageAnswer showMessage(const MessageRequest& request) {
 
 MessageService setMessageService(MessageService service) {
     return std::exchange(messageService(), std::move(service));
+}
+
+int runDialog(QDialog& dialog) {
+    const DialogRunner runner = dialogRunner();
+    return runner ? runner(dialog) : dialog.exec();
+}
+
+DialogRunner setDialogRunner(DialogRunner runner) {
+    return std::exchange(dialogRunner(), std::move(runner));
 }
 
 ErrorHandler setErrorHandler(ErrorHandler handler) {

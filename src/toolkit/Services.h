@@ -8,6 +8,7 @@
 #include <exception>
 #include <functional>
 
+class QDialog;
 class QWidget;
 
 namespace orv {
@@ -34,6 +35,17 @@ ORV_EXPORT MessageAnswer showMessage(const MessageRequest& request);
 /// Replaces the service (tests and command lines record or answer messages); an empty function
 /// brings the message boxes back. Returns the service that was there.
 ORV_EXPORT MessageService setMessageService(MessageService service);
+
+using DialogRunner = std::function<int(QDialog& dialog)>;
+
+/// Shows the dialog modally through the present runner and returns its result. The runner may run
+/// an event loop, in which the dialog and what it is about may die: the caller checks what it
+/// holds afterwards.
+ORV_EXPORT int runDialog(QDialog& dialog);
+
+/// Replaces the runner (tests answer dialogs without an event loop); an empty function brings
+/// QDialog::exec() back. Returns the runner that was there.
+ORV_EXPORT DialogRunner setDialogRunner(DialogRunner runner);
 
 /// What becomes of an error that is raised inside a user's action.
 using ErrorHandler = std::function<void(const QString& text)>;
