@@ -4,9 +4,12 @@
 #include "core/Error.h"
 #include "toolkit/Services.h"
 
+#include <QDialog>
 #include <QRegularExpression>
 #include <QStringList>
 #include <QTest>
+
+#include <functional>
 
 // What the tests of the control share. QVERIFY returns from the function that it stands in, so
 // these report through their results.
@@ -29,7 +32,8 @@ inline void failOnAnyWarning() {
     QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!This plugin does not support)")));
 }
 
-/// Answers message boxes and takes errors for as long as it lives, so that no test can block.
+/// Answers message boxes and dialogs and takes errors for as long as it lives, so that no test can
+/// block.
 class RecordedServices {
 public:
     RecordedServices() {
@@ -37,10 +41,15 @@ public:
             messages << request.text;
             return request.buttons == orv::MessageButtons::Ok ? orv::MessageAnswer::Ok : answer;
         });
+        m_oldRunner = orv::setDialogRunner([this](QDialog& dialog) {
+            dialogs << dialog.windowTitle();
+            return onDialog ? onDialog(dialog) : int(QDialog::Rejected);
+        });
         m_oldHandler = orv::setErrorHandler([this](const QString& text) { errors << text; });
     }
     ~RecordedServices() {
         orv::setMessageService(m_oldService);
+        orv::setDialogRunner(m_oldRunner);
         orv::setErrorHandler(m_oldHandler);
     }
     RecordedServices(const RecordedServices&) = delete;
@@ -49,9 +58,12 @@ public:
     QStringList messages;
     QStringList errors;
     orv::MessageAnswer answer = orv::MessageAnswer::Yes;
+    QStringList dialogs;         // their titles
+    orv::DialogRunner onDialog;  // the user at a dialog; without one it is cancelled
 
 private:
     orv::MessageService m_oldService;
+    orv::DialogRunner m_oldRunner;
     orv::ErrorHandler m_oldHandler;
 };
 

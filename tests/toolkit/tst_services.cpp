@@ -3,6 +3,7 @@
 #include "toolkit/Services.h"
 
 #include <QAbstractButton>
+#include <QDialog>
 #include <QMessageBox>
 #include <QSignalSpy>
 #include <QTimer>
@@ -20,6 +21,7 @@ private Q_SLOTS:
     void init() { orvtest::failOnAnyWarning(); }
     void cleanup() {
         orv::setMessageService({});
+        orv::setDialogRunner({});
         orv::setErrorHandler({});
     }
 
@@ -105,6 +107,42 @@ private Q_SLOTS:
         QCOMPARE(orv::showMessage({nullptr, "sure?", "Attention!", MessageIcon::Question,
                                    MessageButtons::YesNo}),
                  MessageAnswer::Yes);
+    }
+
+    void runnerGetsTheDialogAndItsResultIsReturned() {
+        QDialog dialog;
+        QDialog* seen = nullptr;
+        orv::setDialogRunner([&](QDialog& shown) {
+            seen = &shown;
+            return 17;
+        });
+        QCOMPARE(orv::runDialog(dialog), 17);
+        QCOMPARE(seen, &dialog);
+        QVERIFY(!dialog.isVisible());
+    }
+
+    void settingARunnerReturnsTheOldOne() {
+        QVERIFY(!orv::setDialogRunner([](QDialog&) { return 3; }));
+        const orv::DialogRunner old = orv::setDialogRunner({});
+        QDialog dialog;
+        QCOMPARE(old(dialog), 3);
+    }
+
+    void dialogRunsModallyWithoutARunner() {
+        QDialog dialog;
+        bool wasModal = false;
+        QTimer::singleShot(0, &dialog, [&] {
+            wasModal = QApplication::activeModalWidget() == &dialog;
+            dialog.accept();
+        });
+        QCOMPARE(orv::runDialog(dialog), int(QDialog::Accepted));
+        QVERIFY(wasModal);
+    }
+
+    void dialogThatDiesWhileItRunsIsRejected() {
+        auto* dialog = new QDialog;
+        QTimer::singleShot(0, dialog, [dialog] { delete dialog; });
+        QCOMPARE(orv::runDialog(*dialog), int(QDialog::Rejected));
     }
 
     void guardHandsAnErrorToTheHandler() {
