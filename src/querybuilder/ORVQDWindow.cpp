@@ -6,6 +6,7 @@
 #include "core/Error.h"
 #include "criteria/ORVQDWherePanel.h"
 #include "selection/ORVQDSelectOrder.h"
+#include "toolkit/Glyph.h"
 #include "toolkit/Services.h"
 #include "workarea/ORVQDFloatPanel.h"
 
@@ -52,8 +53,8 @@ TorvQueryBuilder::TorvQueryBuilder(QWidget* parent, bool designMode)
     setLineWidth(1);
     WorkAreaOptions = std::make_unique<TorvQDWorkAreaOptions>();
     ConditionOptions = std::make_unique<TorvQDConditionOptions>();
-    ImageList = {QIcon(QStringLiteral(":/orv/TABLEBMP.svg")),
-                 QIcon(QStringLiteral(":/orv/FIELDBMP.svg"))};
+    ImageList = {orv::glyphIcon(QStringLiteral("TABLEBMP")),
+                 orv::glyphIcon(QStringLiteral("FIELDBMP"))};
     fillCatalogues();
 
     Splitter = new QSplitter(Qt::Vertical, this);
