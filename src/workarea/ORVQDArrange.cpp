@@ -330,12 +330,13 @@ std::vector<Column> Component::split(const Indices& layer, int limit) const {
     std::set<std::pair<int, int>> byHeight;
     for (int index = 0; index < count; ++index) byHeight.insert({0, index});
     for (const int box : layer) {
-        const int index = byHeight.extract(byHeight.begin()).value().second;
-        Column& column = columns[std::size_t(index)];
+        auto lowest = byHeight.extract(byHeight.begin());
+        Column& column = columns[std::size_t(lowest.value().second)];
         column.boxes.push_back(box);
         column.width = std::max(column.width, m_picture->size(box).width());
         column.height += heightOf(box) + rowGapPx;
-        byHeight.insert({column.height, index});
+        lowest.value().first = column.height;
+        byHeight.insert(std::move(lowest));
     }
     for (Column& column : columns) column.height -= rowGapPx;
     return columns;
