@@ -20,6 +20,8 @@ constexpr int markerLengthPx = 6;
 constexpr int markerHalfHeightPx = 3;
 constexpr int clipHalfHeightPx = 4;
 constexpr int clipMarkerLengthPx = 7;
+constexpr int clipPiecePx = 64;
+constexpr int mostClipPieces = 128;  // of one segment, however far its ends are apart
 constexpr int selectedWidthPx = 2;
 
 int middleOf(const TRect& rect) {
@@ -269,6 +271,7 @@ TTableHitTest TorvQDLink::HitTest(const QPoint& P) const {
 
 // --- painting ---
 
+// A slanted segment is covered piece by piece: its whole rectangle would be repainted for a line.
 QRegion TorvQDLink::GetClipRgn(int Part) const {
     const int last = GetCountPoints() - 1;
     QRegion region;
@@ -283,13 +286,25 @@ QRegion TorvQDLink::GetClipRgn(int Part) const {
     const int first = Part == 2 ? last - 2 : 0;
     const int end = Part == 0 || Part == 2 ? last : Part == 1 ? 1 : 0;
     for (int index = first; index < end; ++index) {
-        const QPoint a = GetPoint(index);
-        const QPoint b = GetPoint(index + 1);
-        const QPoint topLeft(std::min(a.x(), b.x()), std::min(a.y(), b.y()));
-        const QSize size(std::abs(a.x() - b.x()) + 1, std::abs(a.y() - b.y()) + 1);
-        region +=
-            QRect(topLeft, size)
-                .adjusted(-clipHalfHeightPx, -clipHalfHeightPx, clipHalfHeightPx, clipHalfHeightPx);
+        const QPoint from = GetPoint(index);
+        const QPoint to = GetPoint(index + 1);
+        const qint64 dx = qint64(to.x()) - from.x();
+        const qint64 dy = qint64(to.y()) - from.y();
+        const qint64 length = std::max(std::abs(dx), std::abs(dy));
+        const bool isStraight = dx == 0 || dy == 0;
+        const qint64 pieces =
+            isStraight ? 1 : std::clamp<qint64>(length / clipPiecePx, 1, mostClipPieces);
+        QPoint a = from;
+        for (qint64 piece = 1; piece <= pieces; ++piece) {
+            const QPoint b(int(from.x() + dx * piece / pieces),
+                           int(from.y() + dy * piece / pieces));
+            const QPoint topLeft(std::min(a.x(), b.x()), std::min(a.y(), b.y()));
+            const QPoint bottomRight(std::max(a.x(), b.x()), std::max(a.y(), b.y()));
+            region += QRect(topLeft, bottomRight)
+                          .adjusted(-clipHalfHeightPx, -clipHalfHeightPx, clipHalfHeightPx,
+                                    clipHalfHeightPx);
+            a = b;
+        }
     }
     return region;
 }
