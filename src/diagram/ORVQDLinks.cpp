@@ -20,6 +20,8 @@ constexpr int markerLengthPx = 6;
 constexpr int markerHalfHeightPx = 3;
 constexpr int clipHalfHeightPx = 4;
 constexpr int clipMarkerLengthPx = 7;
+constexpr int clipPiecePx = 64;
+constexpr int mostClipPieces = 128;  // of one segment, however far its ends are apart
 constexpr int selectedWidthPx = 2;
 
 int middleOf(const TRect& rect) {
@@ -28,6 +30,20 @@ int middleOf(const TRect& rect) {
 
 bool isClose(const QPoint& a, const QPoint& b) {
     return std::abs(a.x() - b.x()) < pointReachPx && std::abs(a.y() - b.y()) < pointReachPx;
+}
+
+// Of whole pixels, those of its corners included, and alike above and below: an outline would lose
+// a corner to rounding.
+void drawTriangle(QPainter& painter, const QPoint& tip, bool left) {
+    const double middle = tip.y() + 0.5;
+    const double half = markerHalfHeightPx + 0.5;
+    const double from = left ? tip.x() + 1 : tip.x();
+    const double to = left ? tip.x() - markerLengthPx : tip.x() + markerLengthPx + 1;
+    const QPointF corners[] = {{from, middle}, {to, middle - half}, {to, middle + half}};
+    painter.save();
+    painter.setPen(Qt::NoPen);
+    painter.drawPolygon(corners, 3);
+    painter.restore();
 }
 
 }  // namespace
@@ -255,6 +271,7 @@ TTableHitTest TorvQDLink::HitTest(const QPoint& P) const {
 
 // --- painting ---
 
+// A slanted segment is covered piece by piece: its whole rectangle would be repainted for a line.
 QRegion TorvQDLink::GetClipRgn(int Part) const {
     const int last = GetCountPoints() - 1;
     QRegion region;
@@ -269,44 +286,63 @@ QRegion TorvQDLink::GetClipRgn(int Part) const {
     const int first = Part == 2 ? last - 2 : 0;
     const int end = Part == 0 || Part == 2 ? last : Part == 1 ? 1 : 0;
     for (int index = first; index < end; ++index) {
-        const QPoint a = GetPoint(index);
-        const QPoint b = GetPoint(index + 1);
-        const QPoint topLeft(std::min(a.x(), b.x()), std::min(a.y(), b.y()));
-        const QSize size(std::abs(a.x() - b.x()) + 1, std::abs(a.y() - b.y()) + 1);
-        region +=
-            QRect(topLeft, size)
-                .adjusted(-clipHalfHeightPx, -clipHalfHeightPx, clipHalfHeightPx, clipHalfHeightPx);
+        const QPoint from = GetPoint(index);
+        const QPoint to = GetPoint(index + 1);
+        const qint64 dx = qint64(to.x()) - from.x();
+        const qint64 dy = qint64(to.y()) - from.y();
+        const qint64 length = std::max(std::abs(dx), std::abs(dy));
+        const bool isStraight = dx == 0 || dy == 0;
+        const qint64 pieces =
+            isStraight ? 1 : std::clamp<qint64>(length / clipPiecePx, 1, mostClipPieces);
+        QPoint a = from;
+        for (qint64 piece = 1; piece <= pieces; ++piece) {
+            const QPoint b(int(from.x() + dx * piece / pieces),
+                           int(from.y() + dy * piece / pieces));
+            const QPoint topLeft(std::min(a.x(), b.x()), std::min(a.y(), b.y()));
+            const QPoint bottomRight(std::max(a.x(), b.x()), std::max(a.y(), b.y()));
+            region += QRect(topLeft, bottomRight)
+                          .adjusted(-clipHalfHeightPx, -clipHalfHeightPx, clipHalfHeightPx,
+                                    clipHalfHeightPx);
+            a = b;
+        }
     }
     return region;
 }
 
+// Circles, and the line itself, keep off the boxes: a line that reaches a box from its left ends on
+// the pixel in front of the box's edge. Only the tip of a triangle lies on the edge.
 void TorvQDLink::Paint(QPainter& Painter) {
     const int last = GetCountPoints() - 1;
-    Painter.save();
-    Painter.setPen(QPen(Qt::black, Selected ? selectedWidthPx : 1));
-    Painter.setBrush(Qt::black);
-    for (int index = 0; index < last; ++index)
-        Painter.drawLine(GetPoint(index), GetPoint(index + 1));
-    for (int index = 2; index < last - 1; ++index) {
-        const QPoint bend = GetPoint(index);
-        Painter.drawEllipse(QRect(bend.x() - 3, bend.y() - 3, 5, 5));
-    }
-    Painter.setPen(QPen(Qt::black, 1));
-    const auto marker = [&](const QPoint& tip, const QPoint& stub, bool includesAll) {
-        const int length = tip.x() >= stub.x() ? -markerLengthPx : markerLengthPx;
-        const QPoint wings[] = {tip, tip + QPoint(length, -markerHalfHeightPx),
-                                tip + QPoint(length, markerHalfHeightPx)};
+    const bool startsLeft = GetPoint(0).x() >= GetPoint(1).x();
+    const bool endsLeft = GetPoint(last - 1).x() < GetPoint(last).x();
+    QPolygon line;
+    for (int index = 0; index <= last; ++index) line << GetPoint(index);
+    if (startsLeft) line.front() -= QPoint(1, 0);
+    if (endsLeft) line.back() -= QPoint(1, 0);
+    const auto drawCircle = [&](int left, int middle) {
+        // The outline adds the sixth pixel.
+        Painter.drawEllipse(left, middle - markerHalfHeightPx, markerLengthPx - 1,
+                            2 * markerHalfHeightPx - 1);
+    };
+    const auto drawMarker = [&](const QPoint& tip, bool left, bool includesAll) {
         if (includesAll) {
-            Painter.drawPolygon(wings, 3);
+            drawTriangle(Painter, tip, left);
         } else {
-            Painter.drawEllipse(QRect(std::min(tip.x(), tip.x() + length),
-                                      tip.y() - markerHalfHeightPx, markerLengthPx - 1,
-                                      2 * markerHalfHeightPx - 1));
+            drawCircle(left ? tip.x() - markerLengthPx : tip.x(), tip.y());
         }
     };
+    Painter.save();
+    Painter.setPen(QPen(Qt::black, Selected ? selectedWidthPx : 1, Qt::SolidLine, Qt::FlatCap));
+    Painter.setBrush(Qt::black);
+    Painter.drawPolyline(line);
+    for (int index = 2; index < last - 1; ++index) {
+        const QPoint bend = GetPoint(index);
+        drawCircle(bend.x() - markerHalfHeightPx, bend.y());
+    }
+    Painter.setPen(QPen(Qt::black, 1));
     const TKindOfJoin kind = Join->KindOfJoin;
-    marker(GetPoint(0), GetPoint(1), kind == klLOuterJoin || kind == klFOuterJoin);
-    marker(GetPoint(last), GetPoint(last - 1), kind == klROuterJoin || kind == klFOuterJoin);
+    drawMarker(GetPoint(0), startsLeft, kind == klLOuterJoin || kind == klFOuterJoin);
+    drawMarker(GetPoint(last), endsLeft, kind == klROuterJoin || kind == klFOuterJoin);
     Painter.restore();
 }
 

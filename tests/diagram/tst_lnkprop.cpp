@@ -257,6 +257,9 @@ private Q_SLOTS:
         }));
         QCOMPARE(on.join.KindOfJoin, klROuterJoin);
         QCOMPARE(on.link->OperatorSource, "!=");
+        on.link->Operator = 6;
+        QVERIFY(!on.edit([](TdlgLnkProp& dialog) { dialog.btnOK->click(); }));
+        QCOMPARE(on.link->Operator, 6);
     }
 
     void nothingIsChangedWithoutOK_data() {
