@@ -2,6 +2,7 @@
 #pragma once
 
 #include "data/DataSet.h"
+#include "data/DraggedField.h"
 
 #include <QObject>
 #include <QString>
@@ -34,3 +35,19 @@ using TAddRemoveLinkEvent =
 /// Asks the host for the value of a procedure's input parameter.
 using TEnterProcParameter =
     std::function<void(QObject* Sender, TorvQDTable* SProcedure, TorvQDListItem* ListItem)>;
+
+/// A field of the diagram is about to be dragged.
+using TStartDragEvent = std::function<void(QObject* Sender, const orv::DraggedField& Field)>;
+
+/// The drag of a field is over. `Target` took it, none when nobody did; X and Y are view
+/// coordinates of the diagram when that is the target, else 0.
+using TEndDragEvent = std::function<void(QObject* Sender, QObject* Target, int X, int Y)>;
+
+/// Something that the host or another program drags is over the diagram, at X, Y in view
+/// coordinates; it can be dropped there when `Accept` is set. `Source` is the object of this
+/// program that drags it, none for another program's.
+using TDragOverEvent =
+    std::function<void(QObject* Sender, QObject* Source, int X, int Y, bool& Accept)>;
+
+/// It was dropped there.
+using TDragDropEvent = std::function<void(QObject* Sender, QObject* Source, int X, int Y)>;

@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <QDialog>
+#include <QDrag>
 #include <QMessageBox>
 #include <QTimer>
 
@@ -54,6 +55,11 @@ DialogRunner& dialogRunner() {
     return runner;
 }
 
+DragRunner& dragRunner() {
+    static DragRunner runner;
+    return runner;
+}
+
 ErrorHandler& errorHandler() {
     static ErrorHandler handler;
     return handler;
@@ -77,6 +83,15 @@ int runDialog(QDialog& dialog) {
 
 DialogRunner setDialogRunner(DialogRunner runner) {
     return std::exchange(dialogRunner(), std::move(runner));
+}
+
+Qt::DropAction runDrag(QDrag& drag) {
+    const DragRunner runner = dragRunner();
+    return runner ? runner(drag) : drag.exec(Qt::CopyAction, Qt::CopyAction);
+}
+
+DragRunner setDragRunner(DragRunner runner) {
+    return std::exchange(dragRunner(), std::move(runner));
 }
 
 ErrorHandler setErrorHandler(ErrorHandler handler) {

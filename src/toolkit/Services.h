@@ -9,6 +9,7 @@
 #include <functional>
 
 class QDialog;
+class QDrag;
 class QWidget;
 
 namespace orv {
@@ -46,6 +47,17 @@ ORV_EXPORT int runDialog(QDialog& dialog);
 /// Replaces the runner (tests answer dialogs without an event loop); an empty function brings
 /// QDialog::exec() back. Returns the runner that was there.
 ORV_EXPORT DialogRunner setDialogRunner(DialogRunner runner);
+
+/// Runs a drag until it is dropped or given up, and returns what was done with it.
+using DragRunner = std::function<Qt::DropAction(QDrag& drag)>;
+
+/// Runs a drag that only copies through the present runner. An event loop runs meanwhile: the
+/// caller checks what it holds afterwards.
+ORV_EXPORT Qt::DropAction runDrag(QDrag& drag);
+
+/// Replaces the runner (without a display there are no drags, and a test must not wait for a hand);
+/// an empty function brings QDrag::exec() back. Returns the runner that was there.
+ORV_EXPORT DragRunner setDragRunner(DragRunner runner);
 
 /// What becomes of an error that is raised inside a user's action.
 using ErrorHandler = std::function<void(const QString& text)>;

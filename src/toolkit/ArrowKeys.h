@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QPoint>
+#include <Qt>
+
+namespace orv {
+
+/// The unit step of an arrow key; null for any other key.
+[[nodiscard]] inline QPoint arrowOf(int key) {
+    switch (key) {
+    case Qt::Key_Left: return {-1, 0};
+    case Qt::Key_Right: return {1, 0};
+    case Qt::Key_Up: return {0, -1};
+    case Qt::Key_Down: return {0, 1};
+    default: return {};
+    }
+}
+
+}  // namespace orv
