@@ -5,6 +5,7 @@
 #include "core/TRect.h"
 
 #include <QPoint>
+#include <QRegion>
 #include <QString>
 
 class TorvQDFloatObject;
@@ -23,6 +24,7 @@ public:
 
     /// Asks for a repaint of a rectangle in view coordinates.
     virtual void invalidate(const TRect& viewRect) = 0;
+    virtual void invalidate(const QRegion& viewRegion) = 0;
 
     /// Height of the boxes' font in pixels.
     [[nodiscard]] virtual int fontHeight() const = 0;
@@ -47,6 +49,10 @@ public:
     /// Moves the scroll bar with its box, by pixels.
     virtual void moveRowScrollBar(int dx, int dy) = 0;
 
+    /// The one selected object, none without one; selecting deselects the one that was.
+    [[nodiscard]] virtual TorvQDFloatObject* selectedObject() const = 0;
+    virtual void selectObject(TorvQDFloatObject* object) = 0;
+
     /// Brings the object to the front of its kind.
     virtual void bringToFront(TorvQDFloatObject* object) = 0;
 
@@ -69,6 +75,23 @@ public:
 
     /// A link was selected or deselected: its two rows are told to whoever wants to know.
     virtual void linkSelected(TorvQDLink* link, bool selected) = 0;
+
+    /// Opens the edit of the box's alias, and the edit that searches its rows for the text.
+    virtual void beginRename(TorvQDTable* table) = 0;
+    virtual void beginSearch(TorvQDTable* table, const QString& text) = 0;
+
+    /// The text of the key that is being handled, empty when none is or it has none.
+    [[nodiscard]] virtual QString typedText() const = 0;
+
+    /// The held row was moved far enough beside its check square to be taken along. The box may be
+    /// gone when this returns.
+    virtual void startFieldDrag(TorvQDTable* table, TorvQDListItem* item) = 0;
+
+    /// Deletes the link when the host allows it, once the present event is over.
+    virtual void postDeleteLink(TorvQDLink* link) = 0;
+
+    /// Opens the properties of the link and its join; the link may be gone when this returns.
+    virtual void editLink(TorvQDLink* link) = 0;
 
     /// Everything between these two is one change: the pages refresh once, at the end.
     virtual void beginChange() = 0;

@@ -2,12 +2,16 @@
 #pragma once
 
 #include "catalogue/ORVQDOptions.h"
+#include "data/DraggedField.h"
 #include "data/Events.h"
 #include "parser/ORVQDLedger.h"
 
+#include <QPoint>
 #include <QString>
 
 #include <memory>
+
+class QMimeData;
 
 /// What the work area asks of the query builder in which it lies.
 class IWorkAreaOwner {
@@ -25,6 +29,20 @@ public:
 
     /// Asks the host for the value of a procedure's input parameter.
     virtual void enterProcParameter(TorvQDTable* procedure, TorvQDListItem* item) = 0;
+
+    /// Names this builder in what is dragged from its diagram.
+    [[nodiscard]] virtual quint64 dragIdentity() const = 0;
+
+    /// A field of the diagram is about to be dragged; the drag is over. The target took it, none
+    /// when nobody did; the place, in view coordinates, is that of the drop on the diagram.
+    virtual void fieldDragStarted(const orv::DraggedField& field) = 0;
+    virtual void fieldDragEnded(QObject* target, const QPoint& viewPoint) = 0;
+
+    /// Something that is no field of a diagram is dragged over the view, or dropped there. Source
+    /// is the object of this program that drags it, if any. Accepted only when the host says so.
+    [[nodiscard]] virtual bool foreignDragOver(QObject* source, const QPoint& viewPoint,
+                                               const QMimeData& data) = 0;
+    virtual void foreignDrop(QObject* source, const QPoint& viewPoint, const QMimeData& data) = 0;
 
     [[nodiscard]] virtual TorvQDWorkAreaOptions& workAreaOptions() = 0;
 

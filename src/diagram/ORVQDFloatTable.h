@@ -115,11 +115,17 @@ public:
     [[nodiscard]] QString GetHint() const override { return Hint; }
     void Paint(QPainter& Painter) override;
     void MouseDown(TWMMouse& Message, TTableHitTest HitTest) override;
+    void MouseMove(TWMMouse& Message, TTableHitTest HitTest) override;
     void MouseUp(TWMMouse& Message, TTableHitTest HitTest) override;
+    /// Space and Enter tick the current row, the arrows and their like choose it, letters and
+    /// digits search a row. Sets `Key` to 0 when it was one of these.
+    void KeyDown(int& Key, Qt::KeyboardModifiers Shift) override;
+    void LeaveHit(TWMMouse& Message, TTableHitTest HitTest) override;
     [[nodiscard]] TTableHitTest HitTest(const QPoint& P) const override;
     void PopupMenu(QMenu& Menu, int X, int Y, TTableHitTest HitTest) override;
     /// Colour of the row area.
     [[nodiscard]] virtual QColor GetClientColor() const;
+    virtual void DblClick(TWMMouse& Message, TTableHitTest HitTest);
 
     // Setters of geometry; absolute values and minimums apply.
     void SetCaptionHeight(int Value);
@@ -133,7 +139,15 @@ public:
     /// first row.
     void SetFirstVisibleItem(int Value);
     void MoveTable(int DX, int DY);
+    /// Moves the left or upper edge to that place; the opposite edge stays. Minimums apply.
+    void MoveLeft(int Value);
+    void MoveUpper(int Value);
     void SetCurrentItem(TorvQDListItem* Item);
+    /// Scrolls the rows as little as shows the row.
+    void scrollToItem(const TorvQDListItem* item);
+    /// Marks the row on which a dragged field or end of a link would be dropped; none for none.
+    void setDropItem(TorvQDListItem* item);
+    [[nodiscard]] TorvQDListItem* dropItem() const { return m_dropItem; }
     /// Lays the box out for the font of the canvas.
     void relayout();
 
@@ -166,8 +180,34 @@ public:
     /// Removes the links of the box.
     void UnlinkTable();
 
-    /// Asks the user for another alias, in place.
-    std::function<void(TorvQDTable* Table)> renameRequested;
+    /// Place, size and scrolled rows, to be put back as they were.
+    struct Shape {
+        int left = 0;
+        int top = 0;
+        int width = 0;
+        int height = 0;
+        int visibleCount = 0;
+        int firstVisibleItem = 0;
+    };
+    [[nodiscard]] Shape shape() const;
+    void setShape(const Shape& shape);
+
+    /// Asks the user for another alias, in place, and selects the box.
+    void _RenameTable();
+    /// Makes the first row whose name begins with the edit's text, ignoring case and quotes, the
+    /// current one; Up and Down go to the one before and after. Sets `Key` to 0 when it was one of
+    /// these.
+    void _FindField(const QString& Text, int& Key);
+
+    /// Ticks the row, or unticks it, as the user does.
+    void toggle(TorvQDListItem* item);
+
+    /// The caption button at a place in view coordinates: 0 collapse or expand, 1 unlink, 2 close,
+    /// -1 beside them.
+    [[nodiscard]] int buttonAt(const QPoint& viewPoint) const;
+
+    /// Width and height of a caption button's glyph.
+    static constexpr int captionGlyphPx = 11;
 
     /// The canvas is closing the box: a second request is ignored.
     bool closing = false;
@@ -187,12 +227,16 @@ private:
     [[nodiscard]] TRect captionStrip() const;
     [[nodiscard]] TRect scrolledArea() const;
     [[nodiscard]] int edgeBands(const QPoint& point) const;
-    void toggle(TorvQDListItem* item);
+    void setHotButton(int button);
+    [[nodiscard]] int leastWidth() const;
+    [[nodiscard]] int leastHeight() const;
+    void moveCurrent(int key);
     void paintCaption(QPainter& painter) const;
     void paintRows(QPainter& painter) const;
     void paintRow(QPainter& painter, const TorvQDListItem& item) const;
 
     QString m_alias;
+    TorvQDListItem* m_dropItem = nullptr;
     int m_outputRows = 0;
     int m_checkedRows = 0;                      // of the output rows
     static constexpr int rowGapPx = 1;          // between two rows

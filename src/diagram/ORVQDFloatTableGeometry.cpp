@@ -154,8 +154,51 @@ void TorvQDTable::MoveTable(int DX, int DY) {
     canvas()->tableMoved(this);
 }
 
+int TorvQDTable::leastWidth() const {
+    return CaptionHeight + ButtonsWidth + minimumCaptionTextPx;
+}
+
+int TorvQDTable::leastHeight() const {
+    return 2 * ItemHeight + CaptionHeight + 4;
+}
+
+void TorvQDTable::MoveLeft(int Value) {
+    const int right = Left + Width;
+    const int width = std::max(right - Value, leastWidth());
+    MoveTable(right - width - Left, 0);
+    SetWidth(width);
+}
+
+void TorvQDTable::MoveUpper(int Value) {
+    const int bottom = Top + Height;
+    const int height = std::max(bottom - Value, leastHeight());
+    MoveTable(0, bottom - height - Top);
+    SetHeight(height);
+}
+
+TorvQDTable::Shape TorvQDTable::shape() const {
+    return {Left, Top, Width, Height, VisibleCount, FirstVisibleItem};
+}
+
+// As it was, also where no setter would make it so: a box of few rows is made lower than anybody
+// can size it.
+void TorvQDTable::setShape(const Shape& shape) {
+    invalidate(GetBoundsRect());
+    Left = shape.left;
+    Top = shape.top;
+    Width = shape.width;
+    Height = shape.height;
+    VisibleCount = shape.visibleCount;
+    FirstVisibleItem = shape.firstVisibleItem;
+    invalidate(GetBoundsRect());
+    if (Selected) showScrollBar(Expanded && UpdateScrollBar());
+    if (!canvas()) return;
+    canvas()->tableMoved(this);
+    canvas()->tableResized(this);
+}
+
 void TorvQDTable::SetWidth(int Value) {
-    const int width = std::max(Value, CaptionHeight + ButtonsWidth + minimumCaptionTextPx);
+    const int width = std::max(Value, leastWidth());
     if (width == Width) return;
     const bool hasScrollBar = Selected && canvas() && canvas()->isRowScrollBarVisible();
     const int border = BorderWidth + Indent + (width > Width ? 1 : 0);
@@ -171,7 +214,7 @@ void TorvQDTable::SetWidth(int Value) {
 }
 
 void TorvQDTable::SetHeight(int Value) {
-    const int height = std::max(Value, 2 * ItemHeight + CaptionHeight + 4);
+    const int height = std::max(Value, leastHeight());
     if (height == Height) return;
     const int edge = Top + std::min(height, Height) - BorderWidth - Indent - ItemHeight;
     const TRect changed = {Left, edge, Left + Width, Top + std::max(height, Height)};

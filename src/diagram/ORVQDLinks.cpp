@@ -5,8 +5,6 @@
 #include "diagram/ORVQDFloatTable.h"
 #include "diagram/Orvvisualutils.h"
 
-#include <QMenu>
-
 #include <algorithm>
 #include <cstdlib>
 
@@ -14,8 +12,6 @@ namespace {
 
 constexpr int fixedPoints = 4;
 constexpr int stubLengthPx = 10;
-constexpr int boundsMarginPx = 3;
-constexpr int pointReachPx = 4;
 constexpr int markerLengthPx = 6;
 constexpr int markerHalfHeightPx = 3;
 constexpr int clipHalfHeightPx = 4;
@@ -26,10 +22,6 @@ constexpr int selectedWidthPx = 2;
 
 int middleOf(const TRect& rect) {
     return rect.Top + (rect.Bottom - rect.Top) / 2;
-}
-
-bool isClose(const QPoint& a, const QPoint& b) {
-    return std::abs(a.x() - b.x()) < pointReachPx && std::abs(a.y() - b.y()) < pointReachPx;
 }
 
 // Of whole pixels, those of its corners included, and alike above and below: an outline would lose
@@ -167,10 +159,14 @@ void TorvQDLink::SetSelect(bool Value) {
 
 // The line as it runs now: the bounds may be older.
 void TorvQDLink::invalidateLine() const {
-    if (canvas()) canvas()->invalidate(TRect::fromQRect(GetClipRgn(0).boundingRect()));
+    if (canvas()) canvas()->invalidate(GetClipRgn(0));
 }
 
 // --- points ---
+
+bool TorvQDLink::isClose(const QPoint& a, const QPoint& b) {
+    return std::abs(a.x() - b.x()) < pointReachPx && std::abs(a.y() - b.y()) < pointReachPx;
+}
 
 void TorvQDLink::checkIndex(int index) const {
     if (index >= 0 && index < GetCountPoints()) return;
@@ -244,6 +240,18 @@ void TorvQDLink::SetBoundaryRect() {
     recomputeBounds();
 }
 
+// No point outside this rectangle hits the line, wherever its points are now.
+QRect TorvQDLink::extent() const {
+    QPoint topLeft = m_points[0];
+    QPoint bottomRight = m_points[0];
+    for (const QPoint& point : m_points) {
+        topLeft = {std::min(topLeft.x(), point.x()), std::min(topLeft.y(), point.y())};
+        bottomRight = {std::max(bottomRight.x(), point.x()), std::max(bottomRight.y(), point.y())};
+    }
+    const int margin = std::max(clipMarkerLengthPx + 1, GetCountPoints());
+    return QRect(topLeft, bottomRight).adjusted(-margin, -margin, margin, margin);
+}
+
 // The greatest coordinates are looked for from 0 on.
 void TorvQDLink::recomputeBounds() {
     TRect bounds{m_points[0].x(), m_points[0].y(), 0, 0};
@@ -259,6 +267,7 @@ void TorvQDLink::recomputeBounds() {
 
 // A line is hit within as many pixels as it has points; of its points the last close one decides.
 TTableHitTest TorvQDLink::HitTest(const QPoint& P) const {
+    if (!extent().contains(toDiagram(P))) return htTOutSide;
     const int near = orv::IsPointNearLine(m_points, toDiagram(P), GetCountPoints());
     TTableHitTest hit = near >= 0 ? htTClient : htTOutSide;
     const int last = GetCountPoints() - 1;
@@ -345,5 +354,3 @@ void TorvQDLink::Paint(QPainter& Painter) {
     drawMarker(GetPoint(last), endsLeft, kind == klROuterJoin || kind == klFOuterJoin);
     Painter.restore();
 }
-
-void TorvQDLink::PopupMenu(QMenu&, int, int, TTableHitTest) {}

@@ -105,6 +105,24 @@ public:
     void _DeletePoint();
     /// Makes DragPoint a bend point when the line runs past it, the two stubs excepted.
     void _InsertPoint();
+    /// Asks the user whether the link is to go, and has it deleted once the present event is over.
+    void _DeleteLink();
+    /// Opens the properties of the link and its join.
+    void _LinkProperties();
+
+    /// Whether a bend point, or an end of the line, is being dragged.
+    [[nodiscard]] bool isBendDragged() const;
+    [[nodiscard]] bool isEndDragged() const;
+    /// Drops what is being dragged; the line stays as it was.
+    void cancelDrag();
+    /// The bend point that keys move, as an index of the points; -1 without one.
+    [[nodiscard]] int chosenBend() const;
+    /// The two segments at the dragged bend point as they would run; nothing at other times.
+    void paintBand(QPainter& Painter) const;
+
+    /// Holds the line wherever its points are now, with some room for its markers; in diagram
+    /// coordinates.
+    [[nodiscard]] QRect extent() const;
 
     /// Encloses the line and its markers, in diagram coordinates.
     [[nodiscard]] TRect GetBounds() const { return m_bounds; }
@@ -122,10 +140,26 @@ public:
     /// The comparison as text, nothing between its parts.
     [[nodiscard]] QString GetHint() const override;
     void Paint(QPainter& Painter) override;
+    void MouseDown(TWMMouse& Message, TTableHitTest HitTest) override;
+    void MouseMove(TWMMouse& Message, TTableHitTest HitTest) override;
+    void MouseUp(TWMMouse& Message, TTableHitTest HitTest) override;
+    /// Enter and Space open the properties, Delete asks whether the link is to go. Insert makes a
+    /// bend point in the middle of the longest segment, the arrows choose one, with Ctrl they move
+    /// it, Ctrl+Delete deletes it. Sets `Key` to 0 when it was one of these.
+    void KeyDown(int& Key, Qt::KeyboardModifiers Shift) override;
     [[nodiscard]] TTableHitTest HitTest(const QPoint& P) const override;
     void PopupMenu(QMenu& Menu, int X, int Y, TTableHitTest HitTest) override;
 
 private:
+    static constexpr int boundsMarginPx = 3;
+    static constexpr int pointReachPx = 4;  // of a point to the mouse
+
+    [[nodiscard]] static bool isClose(const QPoint& a, const QPoint& b);
+    void addAction(QMenu& menu, const QString& text, void (TorvQDLink::*handler)());
+    [[nodiscard]] QRegion bandRegion() const;
+    void insertPointInTheMiddle();
+    void chooseBend(int step);
+    void moveChosenBend(const QPoint& by);
     [[nodiscard]] QPoint toDiagram(const QPoint& viewPoint) const;
     void checkIndex(int index) const;
     void invalidateLine() const;
@@ -133,4 +167,5 @@ private:
 
     std::vector<QPoint> m_points;
     TRect m_bounds;
+    int m_chosenBend = -1;  // index of the bend point that keys move
 };

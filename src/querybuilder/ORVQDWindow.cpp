@@ -13,6 +13,7 @@
 #include <QEvent>
 #include <QLayout>
 #include <QPointer>
+#include <QRandomGenerator>
 #include <QScopeGuard>
 #include <QShowEvent>
 #include <QVBoxLayout>
@@ -47,7 +48,9 @@ TorvTabSheet::TorvTabSheet(QWidget* parent) : QWidget(parent) {
 }
 
 TorvQueryBuilder::TorvQueryBuilder(QWidget* parent, bool designMode)
-    : TorvBuilder(parent), m_tabsHeight(leastTabsHeightPx) {
+    : TorvBuilder(parent),
+      m_tabsHeight(leastTabsHeightPx),
+      m_dragIdentity(QRandomGenerator::global()->generate64()) {
     resize(initialSize);
     setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     setLineWidth(1);
@@ -306,6 +309,44 @@ void TorvQueryBuilder::getTableFields(const QString& nameOfTable,
 
 void TorvQueryBuilder::enterProcParameter(TorvQDTable* procedure, TorvQDListItem* item) {
     if (const TEnterProcParameter handler = OnEnterProcParameter) handler(this, procedure, item);
+}
+
+// --- drags ---
+
+void TorvQueryBuilder::fieldDragStarted(const orv::DraggedField& field) {
+    if (const TStartDragEvent handler = OnStartDrag) handler(this, field);
+}
+
+void TorvQueryBuilder::fieldDragEnded(QObject* target, const QPoint& viewPoint) {
+    if (const TEndDragEvent handler = OnEndDrag) {
+        handler(this, target, viewPoint.x(), viewPoint.y());
+    }
+}
+
+// The host sees what is dragged for as long as its handler runs; the builder may die in it.
+template <typename Handler>
+void TorvQueryBuilder::showDragged(const QMimeData& data, const Handler& handler) {
+    const QPointer<TorvQueryBuilder> self(this);
+    m_dragData = &data;
+    const auto over = qScopeGuard([&] {
+        if (self) m_dragData = nullptr;
+    });
+    handler();
+}
+
+bool TorvQueryBuilder::foreignDragOver(QObject* source, const QPoint& viewPoint,
+                                       const QMimeData& data) {
+    bool accept = false;
+    const TDragOverEvent handler = OnDragOver;
+    if (!handler) return false;
+    showDragged(data, [&] { handler(this, source, viewPoint.x(), viewPoint.y(), accept); });
+    return accept;
+}
+
+void TorvQueryBuilder::foreignDrop(QObject* source, const QPoint& viewPoint,
+                                   const QMimeData& data) {
+    const TDragDropEvent handler = OnDragDrop;
+    if (handler) showDragged(data, [&] { handler(this, source, viewPoint.x(), viewPoint.y()); });
 }
 
 void TorvQueryBuilder::CommitPendingEdits() {

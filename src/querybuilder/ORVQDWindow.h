@@ -87,6 +87,15 @@ public:
     TAddRemoveLinkEvent OnAddRemoveLink;
     TEnterProcParameter OnEnterProcParameter;
 
+    // Drags: of fields of the diagram, and of other things over the diagram, which the host may
+    // take (a name from its own list of tables, say). Sender is the query builder.
+    TStartDragEvent OnStartDrag;
+    TDragOverEvent OnDragOver;
+    TDragDropEvent OnDragDrop;
+    TEndDragEvent OnEndDrag;
+    /// What is dragged while OnDragOver or OnDragDrop runs; none at other times.
+    [[nodiscard]] const QMimeData* DragMimeData() const { return m_dragData; }
+
     /// The statement of what is shown. Raises orv::Error when a grouped selection has a column that
     /// can be neither aggregated nor grouped.
     [[nodiscard]] QString GetSQLStatment();
@@ -162,6 +171,12 @@ public:
     void getTableFields(const QString& nameOfTable, std::unique_ptr<TDataSet>& dataSet,
                         std::unique_ptr<TParams>& params) override;
     void enterProcParameter(TorvQDTable* procedure, TorvQDListItem* item) override;
+    [[nodiscard]] quint64 dragIdentity() const override { return m_dragIdentity; }
+    void fieldDragStarted(const orv::DraggedField& field) override;
+    void fieldDragEnded(QObject* target, const QPoint& viewPoint) override;
+    [[nodiscard]] bool foreignDragOver(QObject* source, const QPoint& viewPoint,
+                                       const QMimeData& data) override;
+    void foreignDrop(QObject* source, const QPoint& viewPoint, const QMimeData& data) override;
     [[nodiscard]] TorvQDWorkAreaOptions& workAreaOptions() override { return *WorkAreaOptions; }
     [[nodiscard]] orv::LoadLedger* ledger() override { return m_ledger.get(); }
     [[nodiscard]] QStringList tableAliases() const override;
@@ -185,6 +200,8 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    template <typename Handler>
+    void showDragged(const QMimeData& data, const Handler& handler);
     void fillCatalogues();
     void replaceOperators(const std::function<void()>& replace);
     void createPages(bool designMode);
@@ -233,6 +250,8 @@ private:
     QString m_tail;
     orv::Findings m_report;
     std::unique_ptr<orv::LoadLedger> m_ledger;
+    const QMimeData* m_dragData = nullptr;
+    quint64 m_dragIdentity;
     bool m_loading = false;
     int m_hostCalls = 0;  // handlers of the host that ask for something and have not returned
     int m_changeDepth = 0;

@@ -7,12 +7,19 @@
 #include "core/Error.h"
 #include "core/Text.h"
 #include "data/ProcessName.h"
+#include "diagram/Orvqdlnkprop.h"
 #include "parser/ORVQDKeywords.h"
 #include "toolkit/ExitEdit.h"
 #include "toolkit/Services.h"
+#include "workarea/ORVQDDiagramKeys.h"
+#include "workarea/ORVQDFieldDrag.h"
+#include "workarea/ORVQDFieldSearch.h"
+#include "workarea/ORVQDGestures.h"
+#include "workarea/ORVQDHints.h"
 
 #include <QFontInfo>
 #include <QFontMetrics>
+#include <QMenu>
 #include <QScrollBar>
 #include <QTimer>
 #include <queue>
@@ -54,28 +61,43 @@ IWorkAreaOwner* ownerOf(QWidget* widget) {
 
 }  // namespace
 
+QPointer<TdlgLnkProp> dlgLnkProp;
+
 TorvQDWorkArea::TorvQDWorkArea(QWidget* AOwner)
     : QAbstractScrollArea(AOwner),
       m_owner(ownerOf(AOwner)),
       m_aliasEdit(new orv::ExitEdit(viewport())),
-      m_rowScrollBar(new QScrollBar(Qt::Vertical, viewport())) {
+      m_searchEdit(new TEditEx(viewport())),
+      m_rowScrollBar(new QScrollBar(Qt::Vertical, viewport())),
+      m_hint(new orv::HintPopup(this)),
+      m_linkDialog(new TdlgLnkProp(this)),
+      m_gestures(std::make_unique<orv::Gestures>(*this)),
+      m_fieldDrag(std::make_unique<orv::FieldDrag>(*this)),
+      m_keys(std::make_unique<orv::DiagramKeys>(*this)) {
+    dlgLnkProp = m_linkDialog;
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
+    setAcceptDrops(true);
     viewport()->setMouseTracking(true);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     viewport()->setFocusProxy(this);
     QPalette palette = m_aliasEdit->palette();
     palette.setColor(QPalette::Base, aliasEditColor);
     m_aliasEdit->setPalette(palette);
+    m_aliasEdit->setAccessibleName(tr("Alias"));
+    m_aliasEdit->setCursor(Qt::IBeamCursor);
     m_aliasEdit->committed = [this] { _EditNameKillFocus(); };
     m_aliasEdit->dropped = [this] { m_renamed.clear(); };
+    m_searchEdit->setCursor(Qt::IBeamCursor);
     m_rowScrollBar->setFocusPolicy(Qt::NoFocus);
+    m_rowScrollBar->setCursor(Qt::ArrowCursor);
     m_rowScrollBar->hide();
     connect(m_rowScrollBar, &QScrollBar::valueChanged, this, [this](int row) {
         if (auto* table = qobject_cast<TorvQDTable*>(m_selected.data())) {
             table->SetFirstVisibleItem(row);
         }
     });
+    updateScrollRange();
     m_owner->workAreaOptions().OnChangeFont = [this](const QFont& font) { _SetFont(font); };
     m_owner->workAreaOptions().changed = [this] { viewport()->update(); };
 }
@@ -84,6 +106,7 @@ TorvQDWorkArea::~TorvQDWorkArea() {
     m_aliasEdit->committed = nullptr;
     contentsCleared = nullptr;
     m_selected.clear();
+    m_hot.clear();
 }
 
 TorvQDTable* TorvQDWorkArea::Tables(int Index) const {
@@ -138,7 +161,8 @@ TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataS
     if (m_selected) m_selected->SetSelect(false);  // one that a handler added meanwhile
     m_selected = table;
     table->SetSelect(true);
-    ensureVisible(*table);
+    // While a statement is loaded its boxes come one by one, and the view stays where it is.
+    if (!m_owner->ledger() && viewport()->isVisible()) ensureVisible(table->GetBoundsRect());
     change.finish();
     return self && indexOf(table) >= 0 ? table : nullptr;
 }
@@ -151,8 +175,7 @@ TorvQDTable* TorvQDWorkArea::adopt(std::unique_ptr<TorvQDTable> box) {
     m_creationNumber.insert(table, m_created++);
     rememberAlias(table);
     indexFields(table);
-    table->renameRequested = [this](TorvQDTable* renamed) { beginRename(renamed); };
-    updateScrollRange();
+    updateScrollRange(*table);
     m_owner->statementChanged();
     if (const TAddEvent handler = OnAddTable) handler(this, table);
     return table;
@@ -208,6 +231,7 @@ void TorvQDWorkArea::placeTable(TorvQDTable& table) const {
     };
     std::vector<Obstacle> obstacles;
     for (int index = 0; index < TablesCount(); ++index) {
+        if (m_tables[std::size_t(index)].get() == &table) continue;
         const TRect bounds = m_tables[std::size_t(index)]->GetBoundsRect();
         const bool sameHeight = bounds.Top < place.Bottom && place.Top < bounds.Bottom;
         if (sameHeight) obstacles.push_back({bounds.Left, bounds.Right, index});
@@ -390,7 +414,12 @@ void TorvQDWorkArea::removeBox(TorvQDTable* table) {
 // Drops every reference to an object that is about to go.
 void TorvQDWorkArea::forget(TorvQDFloatObject* object) {
     if (m_renamed == object) discardPendingEdit();
-    if (m_pressed == object) m_gesture = Gesture::Idle;
+    if (m_searchEdit->table() == object) m_searchEdit->close();
+    m_gestures->forget(object);
+    m_fieldDrag->forget(object);
+    m_keys->forget(object);
+    if (m_menu && m_menuObject == object) m_menu->close();
+    if (m_hot == object) leaveHot();
     if (m_selected != object) return;
     object->SetSelect(false);
     m_selected.clear();
@@ -409,7 +438,13 @@ void TorvQDWorkArea::bury(std::unique_ptr<QObject> object) {
 
 void TorvQDWorkArea::ClearContents() {
     discardPendingEdit();
-    m_gesture = Gesture::Idle;
+    m_searchEdit->close();
+    m_gestures->end();
+    m_fieldDrag->leave();
+    m_keys->cancelLink();
+    m_hot.clear();
+    hideHint();
+    if (m_menu) m_menu->close();
     m_selected.clear();
     showRowScrollBar(false);
     m_creation.clear();
@@ -439,6 +474,7 @@ void TorvQDWorkArea::selectObject(TorvQDFloatObject* object) {
     const QPointer<TorvQDFloatObject> wanted(object);
     orv::guarded([&] { commitPendingEdit(); });
     if (!self || (object && !wanted)) return;
+    if (m_searchEdit->table() != object) m_searchEdit->close();
     beginChange();
     if (m_selected) m_selected->SetSelect(false);
     m_selected = object;

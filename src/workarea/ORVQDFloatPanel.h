@@ -10,6 +10,7 @@
 #include "workarea/ORVQDFromText.h"
 
 #include <QAbstractScrollArea>
+#include <QBasicTimer>
 #include <QHash>
 #include <QPointer>
 
@@ -19,12 +20,24 @@
 #include <set>
 #include <vector>
 
+class QImage;
+class QMenu;
+class QMimeData;
 class QScrollBar;
+class TEditEx;
+class TdlgLnkProp;
 class TorvQDParser;
 
 namespace orv {
+class DiagramKeys;
 class ExitEdit;
-}
+class FieldDrag;
+class Gestures;
+class HintPopup;
+}  // namespace orv
+
+/// The link dialog of the work area that was made last; each work area owns one.
+ORV_EXPORT extern QPointer<TdlgLnkProp> dlgLnkProp;
 
 /// Notifications of the work area. Sender and item are valid during the call.
 using TCheckItemEvent = std::function<void(QObject* Sender, TorvQDListItem* Item)>;
@@ -130,17 +143,91 @@ public:
     /// text means none, and what is no plain identifier is put in quotes. Raises orv::Error "Table
     /// with alias ... already exist!" when another box has it.
     void renameTable(TorvQDTable* table, const QString& text);
-    /// Opens the edit over the box's caption.
-    void beginRename(TorvQDTable* table);
     /// Takes the text of the alias edit for the box over which it was opened; nothing when none is.
     void _EditNameKillFocus();
     /// Ends the edit with what was typed, or without.
     void commitPendingEdit();
     void discardPendingEdit();
 
-    [[nodiscard]] TorvQDFloatObject* selectedObject() const { return m_selected; }
-    /// Selects the object and deselects the one that was; none deselects.
-    void selectObject(TorvQDFloatObject* object);
+    /// Moves one end of the link to another row of the same box; asks nobody.
+    void attachLink(TorvQDLink* link, bool atStart, TorvQDListItem* item);
+    /// Puts a link with the same operator in the place of this one, with one end at a row of
+    /// another box, when the host allows both.
+    void replaceLink(TorvQDLink* link, bool atStart, TorvQDListItem* item);
+
+    /// Whether the object is one of the diagram's.
+    [[nodiscard]] bool holds(const TorvQDFloatObject* object) const;
+    /// What a point of the view hits: boxes from the front to the back, then the selected link,
+    /// then the others from the last painted one on.
+    [[nodiscard]] TorvQDFloatObject* objectAt(const QPoint& viewPoint) const;
+    /// The row at a point of the view; none beside the row areas of boxes.
+    [[nodiscard]] TorvQDListItem* rowAt(const QPoint& viewPoint) const;
+
+    // --- the view ---
+
+    /// Width and height of the diagram; boxes beyond widen it.
+    static constexpr int diagramExtentPx = 5000;
+
+    /// Magnification, 1 by default; kept between 0.25 and 4. The anchor stays where it is. Rules
+    /// and numbers of boxes and links are about view pixels, which this divides.
+    [[nodiscard]] qreal zoom() const { return m_zoom; }
+    void setZoom(qreal zoom);
+    void setZoom(qreal zoom, const QPoint& viewportAnchor);
+    void zoomIn();
+    void zoomOut();
+    /// Zooms and scrolls so that all boxes are seen; never magnifies.
+    void fit();
+    /// Lays the boxes out in layers along their joins, without overlaps. Bend points go.
+    void arrange();
+    /// Puts a picture of the diagram on the clipboard.
+    void copyAsPicture() const;
+    [[nodiscard]] QImage picture() const;
+
+    /// Scrolls by pixels of the diagram.
+    void scrollBy(int dx, int dy);
+    /// Scrolls as little as shows the rectangle, in diagram coordinates; a larger one shows its
+    /// left top corner.
+    void ensureVisible(const TRect& rect);
+    /// Puts the box at that place as far as its caption stays inside the diagram; one that already
+    /// was beyond, at `before`, may stay so.
+    void placeBox(TorvQDTable& box, const QPoint& wanted, const QPoint& before);
+
+    /// View coordinates of a point of the viewport, and back.
+    [[nodiscard]] QPoint toViewPoint(const QPoint& viewportPoint) const;
+    [[nodiscard]] QPoint toViewport(const QPoint& viewPoint) const;
+    [[nodiscard]] QRect toViewport(const TRect& viewRect) const;
+
+    // --- gestures ---
+
+    [[nodiscard]] bool isGesturing() const;
+    /// Ends what the mouse is doing and restores what was before; false when it does nothing.
+    bool cancelGesture();
+
+    /// Timers by their number: rows scroll up or down below a dragged field, the view scrolls at
+    /// its edge, a hint appears, a hint goes.
+    static constexpr int rowsUpTimer = 1;
+    static constexpr int rowsDownTimer = 2;
+    static constexpr int edgeTimer = 3;
+    static constexpr int hintTimer = 10;
+    static constexpr int hintEndTimer = 11;
+    void startTimerNumber(int number);
+    void stopTimer(int number);
+    [[nodiscard]] bool isTimerActive(int number) const;
+    /// What a timer does when its time is over.
+    void timerFired(int number);
+
+    /// The cursor over that part of an object.
+    [[nodiscard]] static Qt::CursorShape cursorFor(TTableHitTest hit);
+    /// The object under the mouse, and the part of it.
+    [[nodiscard]] TorvQDFloatObject* hotObject() const { return m_hot; }
+
+    // What drags of fields tell the builder.
+    [[nodiscard]] quint64 dragIdentity() const { return m_owner->dragIdentity(); }
+    void fieldDragStarted(const orv::DraggedField& field);
+    void fieldDragEnded(QObject* target, const QPoint& viewPoint);
+    [[nodiscard]] bool foreignDragOver(QObject* source, const QPoint& viewPoint,
+                                       const QMimeData& data);
+    void foreignDrop(QObject* source, const QPoint& viewPoint, const QMimeData& data);
 
     /// The rectangle that holds all boxes, in diagram coordinates; empty when there are none.
     [[nodiscard]] QRect diagramBounds() const;
@@ -155,6 +242,7 @@ public:
     // What boxes ask of their canvas.
     [[nodiscard]] QPoint scrollPosition() const override;
     void invalidate(const TRect& viewRect) override;
+    void invalidate(const QRegion& viewRegion) override;
     [[nodiscard]] int fontHeight() const override;
     [[nodiscard]] int boldTextWidth(const QString& text) const override;
     [[nodiscard]] const TorvQDWorkAreaOptions& options() const override;
@@ -162,6 +250,9 @@ public:
     void placeRowScrollBar(const RowScroll& scroll) override;
     void showRowScrollBar(bool visible) override;
     void moveRowScrollBar(int dx, int dy) override;
+    [[nodiscard]] TorvQDFloatObject* selectedObject() const override { return m_selected; }
+    /// Selects the object and deselects the one that was; none deselects.
+    void selectObject(TorvQDFloatObject* object) override;
     void bringToFront(TorvQDFloatObject* object) override;
     void tableMoved(TorvQDTable* table) override;
     void tableResized(TorvQDTable* table) override;
@@ -171,6 +262,12 @@ public:
     void checkItem(TorvQDFloatObject* sender, TorvQDListItem* item) override;
     void enterParameter(TorvQDTable* table, TorvQDListItem* item) override;
     void linkSelected(TorvQDLink* link, bool selected) override;
+    void beginRename(TorvQDTable* table) override;
+    void beginSearch(TorvQDTable* table, const QString& text) override;
+    [[nodiscard]] QString typedText() const override { return m_typedText; }
+    void startFieldDrag(TorvQDTable* table, TorvQDListItem* item) override;
+    void postDeleteLink(TorvQDLink* link) override;
+    void editLink(TorvQDLink* link) override;
     void beginChange() override;
     void endChange() override;
 
@@ -185,11 +282,22 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
 
 private:
     friend class FromLoader;
-
-    enum class Gesture { Idle, Pressed, MovingBox };
 
     struct HeldJoin {
         std::unique_ptr<TorvQDJoin> join;
@@ -220,12 +328,23 @@ private:
     void addAlias(TorvQDTable* table);
     void forgetAlias(TorvQDTable* table, const QString& alias);
     [[nodiscard]] int indexOf(const QObject* table) const;
-    [[nodiscard]] TorvQDTable* tableAt(const QPoint& viewPoint) const;
     void updateScrollRange();
-    void ensureVisible(const TorvQDTable& table);
-    void showContextMenu(const QPoint& viewPoint);
+    void updateScrollRange(const TorvQDTable& moved);
+    [[nodiscard]] QSize viewSize() const;
+    void placeOverlays();
     void placeAliasEdit();
-    void moveBoxTo(const QPoint& viewPoint);
+    void placeSearchEdit();
+    [[nodiscard]] TWMMouse messageOf(const QMouseEvent& event) const;
+    void setHot(TorvQDFloatObject* object, TTableHitTest hit);
+    void leaveHot();
+    void trackMouse(const QMouseEvent& event);
+    void watchEdge(const QPoint& viewPoint);
+    void scrollAtEdge();
+    void hideHint();
+    void showHint();
+    void showMenu(TorvQDFloatObject* object, const QPoint& viewPoint, TTableHitTest hit);
+    void fillViewMenu(QMenu& menu);
+    [[nodiscard]] bool scrollRowsByWheel(const QWheelEvent& event);
 
     IWorkAreaOwner* m_owner;
     std::vector<std::unique_ptr<TorvQDTable>> m_tables;
@@ -245,14 +364,28 @@ private:
     QHash<QString, std::vector<TorvQDTable*>> m_byAlias;
     QHash<QString, std::vector<TorvQDTable*>> m_byLooseAlias;  // upper case, without quotes
     QHash<QString, std::vector<TorvQDTable*>> m_byField;       // upper-case names without quotes
+    QPointer<TorvQDFloatObject> m_hot;
+    TTableHitTest m_hotHit = htTOutSide;
     QPointer<TorvQDFloatObject> m_selected;
     QPointer<TorvQDTable> m_renamed;
     orv::ExitEdit* m_aliasEdit;
+    TEditEx* m_searchEdit;
     QScrollBar* m_rowScrollBar;
-    Gesture m_gesture = Gesture::Idle;
-    QPointer<TorvQDTable> m_pressed;
-    TTableHitTest m_pressedHit = htTOutSide;
-    QPoint m_pressPoint;               // view coordinates
-    QPoint m_boxAtPress;               // diagram coordinates
+    orv::HintPopup* m_hint;
+    QPointer<QMenu> m_menu;
+    QPointer<TorvQDFloatObject> m_menuObject;
+    TdlgLnkProp* m_linkDialog;
+    std::unique_ptr<orv::Gestures> m_gestures;
+    std::unique_ptr<orv::FieldDrag> m_fieldDrag;
+    std::unique_ptr<orv::DiagramKeys> m_keys;
+    std::map<int, QBasicTimer> m_timers;  // by number
+    QPoint m_mouse;                       // where it was seen last, in view coordinates
+    QPoint m_hintPoint;                   // where it rests, waiting for a hint
+    bool m_mouseLeads = false;            // over the keyboard: it was used last
+    int m_wheelRest = 0;                  // of a notch, in eighths of a degree
+    QString m_typedText;
+    qreal m_zoom = 1;
+    QSize m_extent;                    // of the diagram
+    TRect m_rowScrollRect;             // of the shared scroll bar, in view coordinates
     mutable bool m_paintsAll = false;  // into a picture: nothing is scrolled
 };

@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: MIT
 // The joins and links of the work area, and the FROM clause that is written from them.
 #include "contract/ChangeScope.h"
+#include "contract/DiagramEvents.h"
 #include "core/Error.h"
+#include "diagram/Orvqdlnkprop.h"
 #include "parser/ORVQDParser.h"
 #include "workarea/ORVQDFloatPanel.h"
 #include "workarea/ORVQDFromLoader.h"
+#include "workarea/ORVQDGestures.h"
 
+#include <QCoreApplication>
+#include <QMenu>
 #include <QScopeGuard>
 
 #include <algorithm>
@@ -119,7 +124,7 @@ TorvQDLink* TorvQDWorkArea::adopt(std::unique_ptr<TorvQDLink> link) {
     m_joins[m_joinNumbers.value(added->Join)].links[number] = added;
     m_linkNumbers.insert(added, number);
     m_links[number] = std::move(link);
-    invalidate(TRect::fromQRect(added->GetClipRgn(0).boundingRect()));
+    invalidate(added->GetClipRgn(0));
     m_owner->statementChanged();
     if (const TAddEvent handler = OnAddLink) handler(this, added);
     return added;
@@ -146,12 +151,15 @@ void TorvQDWorkArea::removeLink(int number, bool invalidates) {
     const QPointer<TorvQDWorkArea> self(this);
     ChangeScope change(m_owner, this);
     TorvQDLink* link = found->second.get();
+    m_gestures->forget(link);
+    if (m_menu && m_menuObject == link) m_menu->close();
+    if (m_hot == link) leaveHot();
     if (m_selected == link) {
         link->SetSelect(false);
         if (!self || m_links.count(number) == 0) return;  // a handler was faster
         m_selected.clear();
     }
-    if (invalidates) invalidate(TRect::fromQRect(link->GetClipRgn(0).boundingRect()));
+    if (invalidates) invalidate(link->GetClipRgn(0));
     const TorvQDJoin* join = link->Join;
     std::unique_ptr<TorvQDLink> removed = std::move(m_links[number]);
     m_links.erase(number);
@@ -213,15 +221,74 @@ void TorvQDWorkArea::unlinkTable(TorvQDTable* table) {
     change.finish();
 }
 
+// --- changing ---
+
+void TorvQDWorkArea::attachLink(TorvQDLink* link, bool atStart, TorvQDListItem* item) {
+    if (m_linkNumbers.value(link, -1) < 0) return;
+    TorvQDListItem*& end = atStart ? link->Item1 : link->Item2;
+    if (end == item || end->Table != item->Table) return;
+    ChangeScope change(m_owner, this);
+    const bool wasSelected = m_selected == link;
+    if (wasSelected) link->SetSelect(false);
+    invalidate(link->GetClipRgn(0));
+    end = item;
+    link->SetBoundaryRect();
+    invalidate(link->GetClipRgn(0));
+    if (wasSelected) link->SetSelect(true);
+    m_owner->statementChanged();
+    change.finish();
+}
+
+void TorvQDWorkArea::replaceLink(TorvQDLink* link, bool atStart, TorvQDListItem* item) {
+    const int number = m_linkNumbers.value(link, -1);
+    if (number < 0) return;
+    const QPointer<TorvQDWorkArea> self(this);
+    const QPointer<TorvQDTable> table(item->Table);
+    const int row = item->GetIndex();
+    TorvQDListItem* other = atStart ? link->Item2 : link->Item1;
+    const int operation = link->Operator;
+    const QString source = link->OperatorSource;
+    const TKindOfJoin kind = link->Join->KindOfJoin;
+    const bool allowed = m_owner->DoAddRemoveLink(link, araRemove);
+    // The host may have removed the box or the link while it was asked.
+    if (!self || !allowed || !table || m_links.count(number) == 0) return;
+    if (row >= int(table->Items.size()) || table->Items[std::size_t(row)].get() != item) return;
+    ChangeScope change(m_owner, this);
+    bool reversed = false;
+    const bool makesJoin = !FindJoin(table, other->Table, reversed);
+    TorvQDLink* added = atStart ? AddLink(table, other->Table, item, other)
+                                : AddLink(other->Table, table, other, item);
+    if (!self || !added) return;
+    added->Operator = operation;
+    added->OperatorSource = source;
+    if (makesJoin) added->Join->KindOfJoin = kind;
+    removeLink(number, true);
+    if (self && holds(added)) selectObject(added);
+    change.finish();
+}
+
+void TorvQDWorkArea::postDeleteLink(TorvQDLink* link) {
+    QCoreApplication::postEvent(this, new TorvDiagramEvent(CMDELETELINK, link));
+}
+
+void TorvQDWorkArea::editLink(TorvQDLink* link) {
+    const QPointer<TorvQDWorkArea> self(this);
+    const QPointer<TorvQDLink> edited(link);
+    const bool changed = m_linkDialog->edit(link);
+    if (!self || !edited || !holds(edited)) return;
+    for (TorvQDLink* line : linksOf(edited->Join)) invalidate(line->GetClipRgn(0));
+    if (changed) m_owner->statementChanged();
+}
+
 // The lines of a box that moved, changed its shape or scrolled its rows.
 void TorvQDWorkArea::reroute(const TorvQDTable* table) {
     const auto joins = m_joinsOfTable.constFind(table);
     if (joins == m_joinsOfTable.constEnd()) return;
     for (const int join : *joins) {
         for (const auto& [number, link] : m_joins[join].links) {
-            invalidate(TRect::fromQRect(link->GetClipRgn(0).boundingRect()));
+            invalidate(link->GetClipRgn(0));
             link->SetBoundaryRect();
-            invalidate(TRect::fromQRect(link->GetClipRgn(0).boundingRect()));
+            invalidate(link->GetClipRgn(0));
         }
     }
 }

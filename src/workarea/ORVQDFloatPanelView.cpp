@@ -1,32 +1,43 @@
 // SPDX-License-Identifier: MIT
-// The work area as a view: painting, scrolling, the mouse, the edit over a caption.
+// The work area as a view: painting, magnification, scrolling, what lies over a box.
+#include "contract/ChangeScope.h"
 #include "contract/DiagramEvents.h"
 #include "toolkit/ExitEdit.h"
 #include "toolkit/Services.h"
+#include "workarea/ORVQDArrange.h"
+#include "workarea/ORVQDDiagramKeys.h"
+#include "workarea/ORVQDFieldSearch.h"
 #include "workarea/ORVQDFloatPanel.h"
+#include "workarea/ORVQDGestures.h"
 
-#include <QMenu>
-#include <QMouseEvent>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QImage>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
-constexpr int diagramExtentPx = 5000;
 constexpr int extentMarginPx = 50;
 constexpr int scrollStepPx = 20;
+constexpr int pictureMarginPx = 20;
+constexpr int searchHeightPx = 15;
 constexpr QSize preferredSize(300, 100);
+constexpr qreal leastZoom = 0.25;
+constexpr qreal mostZoom = 4;
+constexpr qreal zoomStep = 1.25;
 
-TWMMouse messageOf(const QMouseEvent& event) {
-    TWMMouse message;
-    message.XPos = event.pos().x();
-    message.YPos = event.pos().y();
-    message.Buttons = event.buttons() | event.button();
-    message.Modifiers = event.modifiers();
-    return message;
+QFont magnified(QFont font, qreal zoom) {
+    if (font.pointSizeF() > 0) {
+        font.setPointSizeF(font.pointSizeF() * zoom);
+    } else {
+        font.setPixelSize(std::max(1, int(std::lround(font.pixelSize() * zoom))));
+    }
+    return font;
 }
 
 }  // namespace
@@ -40,53 +51,111 @@ QPoint TorvQDWorkArea::scrollPosition() const {
     return {horizontalScrollBar()->value(), verticalScrollBar()->value()};
 }
 
-void TorvQDWorkArea::invalidate(const TRect& viewRect) {
-    if (!viewRect.isEmpty()) viewport()->update(viewRect.toQRect());
+// --- magnification ---
+
+QPoint TorvQDWorkArea::toViewPoint(const QPoint& viewportPoint) const {
+    return {int(std::floor(viewportPoint.x() / m_zoom)),
+            int(std::floor(viewportPoint.y() / m_zoom))};
 }
 
-bool TorvQDWorkArea::event(QEvent* event) {
-    const int type = event->type();
-    if (type < CMMOVECONTROL || type > CMDELETELINK) return QAbstractScrollArea::event(event);
-    const auto* message = dynamic_cast<TorvDiagramEvent*>(event);
-    if (message && type == CMDELETELINK) {
-        orv::guarded([&] { deleteLink(qobject_cast<TorvQDLink*>(message->object())); });
-        return true;
-    }
-    auto* table = message ? qobject_cast<TorvQDTable*>(message->object()) : nullptr;
-    if (!table || indexOf(table) < 0) return true;
-    orv::guarded([&] {
-        switch (type) {
-        case CMMOVECONTROL: tableMoved(table); break;
-        case CMRESIZECONTROL: tableResized(table); break;
-        case CMCLOSETABLE: closeTable(table); break;
-        case CMUNLINKTABLE: unlinkTable(table); break;
-        default: break;
-        }
-    });
-    return true;
+QPoint TorvQDWorkArea::toViewport(const QPoint& viewPoint) const {
+    return {int(std::lround(viewPoint.x() * m_zoom)), int(std::lround(viewPoint.y() * m_zoom))};
+}
+
+QRect TorvQDWorkArea::toViewport(const TRect& viewRect) const {
+    const QPoint topLeft = toViewport(QPoint(viewRect.Left, viewRect.Top));
+    const QPoint end = toViewport(QPoint(viewRect.Right, viewRect.Bottom));
+    return {topLeft, QSize(end.x() - topLeft.x(), end.y() - topLeft.y())};
+}
+
+QSize TorvQDWorkArea::viewSize() const {
+    return {int(viewport()->width() / m_zoom), int(viewport()->height() / m_zoom)};
+}
+
+void TorvQDWorkArea::setZoom(qreal zoom) {
+    setZoom(zoom, viewport()->rect().center());
+}
+
+void TorvQDWorkArea::setZoom(qreal zoom, const QPoint& viewportAnchor) {
+    // Steps there and back end where they began.
+    const qreal wanted = std::abs(zoom - 1) < 0.01 ? 1 : std::clamp(zoom, leastZoom, mostZoom);
+    if (qFuzzyCompare(wanted, m_zoom)) return;
+    const QPointF anchor = QPointF(scrollPosition()) + QPointF(viewportAnchor) / m_zoom;
+    m_zoom = wanted;
+    updateScrollRange();
+    const QPointF position = anchor - QPointF(viewportAnchor) / m_zoom;
+    horizontalScrollBar()->setValue(int(std::lround(position.x())));
+    verticalScrollBar()->setValue(int(std::lround(position.y())));
+    placeOverlays();
+    viewport()->update();
+}
+
+void TorvQDWorkArea::zoomIn() {
+    setZoom(m_zoom * zoomStep);
+}
+
+void TorvQDWorkArea::zoomOut() {
+    setZoom(m_zoom / zoomStep);
+}
+
+void TorvQDWorkArea::fit() {
+    const QRect bounds = diagramBounds();
+    if (bounds.isEmpty()) return setZoom(1);
+    const QSize room = bounds.size() + QSize(2, 2) * pictureMarginPx;
+    const qreal zoom = std::min(qreal(viewport()->width()) / room.width(),
+                                qreal(viewport()->height()) / room.height());
+    setZoom(std::min<qreal>(1, zoom));
+    horizontalScrollBar()->setValue(bounds.left() - pictureMarginPx);
+    verticalScrollBar()->setValue(bounds.top() - pictureMarginPx);
 }
 
 // --- painting ---
 
+void TorvQDWorkArea::invalidate(const TRect& viewRect) {
+    if (!viewRect.isEmpty()) invalidate(QRegion(viewRect.toQRect()));
+}
+
+// Magnified pixels that are touched in part are painted whole.
+void TorvQDWorkArea::invalidate(const QRegion& viewRegion) {
+    if (m_zoom == 1) return viewport()->update(viewRegion);
+    for (const QRect& rect : viewRegion) {
+        const QRectF magnified(rect.x() * m_zoom, rect.y() * m_zoom, rect.width() * m_zoom,
+                               rect.height() * m_zoom);
+        viewport()->update(magnified.toAlignedRect().adjusted(-1, -1, 1, 1));
+    }
+}
+
+// The boxes from the back to the front, so that each covers those behind it; then the links.
 void TorvQDWorkArea::paintEvent(QPaintEvent* event) {
     orv::guarded([&] {
+        QRegion region = event->region();
         QPainter painter(viewport());
         painter.fillRect(event->rect(), palette().color(QPalette::Window));
+        if (m_zoom != 1) {
+            painter.scale(m_zoom, m_zoom);
+            region = QTransform::fromScale(1 / m_zoom, 1 / m_zoom)
+                         .mapRect(QRectF(event->rect()))
+                         .toAlignedRect();
+        }
+        const QPoint scroll = scrollPosition();
         for (std::size_t index = m_tables.size(); index-- > 0;) {
             TorvQDTable& table = *m_tables[index];
-            const QRect bounds = table.toView(table.GetBoundsRect()).toQRect();
-            if (event->region().intersects(bounds)) table.Paint(painter);
+            if (region.intersects(table.toView(table.GetBoundsRect()).toQRect())) {
+                table.Paint(painter);
+            }
         }
         for (const auto& [number, link] : m_links) {
-            if (event->region().intersects(link->GetClipRgn(0))) link->Paint(painter);
+            if (region.intersects(link->extent().translated(-scroll))) link->Paint(painter);
         }
+        m_gestures->paint(painter);
+        m_keys->paint(painter);
     });
 }
 
 QRect TorvQDWorkArea::diagramBounds() const {
     QRect bounds;
     for (const auto& table : m_tables) bounds |= table->GetBoundsRect().toQRect();
-    for (const auto& [number, link] : m_links) bounds |= link->GetBounds().toQRect();
+    for (const auto& [number, link] : m_links) bounds |= link->extent();
     return bounds;
 }
 
@@ -97,39 +166,67 @@ void TorvQDWorkArea::paintDiagram(QPainter& painter) const {
     m_paintsAll = false;
 }
 
+QImage TorvQDWorkArea::picture() const {
+    const QRect bounds = diagramBounds();
+    if (bounds.isEmpty()) return {};
+    const qreal scale = devicePixelRatioF();
+    QImage image((bounds.size() + QSize(2, 2) * pictureMarginPx) * scale, QImage::Format_RGB32);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.translate(QPoint(pictureMarginPx, pictureMarginPx) - bounds.topLeft());
+    paintDiagram(painter);
+    return image;
+}
+
+void TorvQDWorkArea::copyAsPicture() const {
+    const QImage image = picture();
+    if (!image.isNull()) QGuiApplication::clipboard()->setImage(image);
+}
+
 // --- scrolling ---
 
 // The diagram is 5000 pixels wide and high, and grows with boxes that lie beyond.
 void TorvQDWorkArea::updateScrollRange() {
-    int right = diagramExtentPx;
-    int bottom = diagramExtentPx;
+    m_extent = {diagramExtentPx, diagramExtentPx};
     for (const auto& table : m_tables) {
         const TRect bounds = table->GetBoundsRect();
-        if (bounds.Right > diagramExtentPx) right = std::max(right, bounds.Right + extentMarginPx);
+        if (bounds.Right > diagramExtentPx) {
+            m_extent.rwidth() = std::max(m_extent.width(), bounds.Right + extentMarginPx);
+        }
         if (bounds.Bottom > diagramExtentPx) {
-            bottom = std::max(bottom, bounds.Bottom + extentMarginPx);
+            m_extent.rheight() = std::max(m_extent.height(), bounds.Bottom + extentMarginPx);
         }
     }
-    const QSize page = viewport()->size();
-    horizontalScrollBar()->setRange(0, std::max(0, right - page.width()));
+    const QSize page = viewSize();
+    horizontalScrollBar()->setRange(0, std::max(0, m_extent.width() - page.width()));
     horizontalScrollBar()->setPageStep(page.width());
     horizontalScrollBar()->setSingleStep(scrollStepPx);
-    verticalScrollBar()->setRange(0, std::max(0, bottom - page.height()));
+    verticalScrollBar()->setRange(0, std::max(0, m_extent.height() - page.height()));
     verticalScrollBar()->setPageStep(page.height());
     verticalScrollBar()->setSingleStep(scrollStepPx);
 }
 
-// Scrolls as little as shows the box; a box larger than the view shows its left top corner. While a
-// statement is loaded its boxes come one by one, and the view stays where it is.
-void TorvQDWorkArea::ensureVisible(const TorvQDTable& table) {
-    if (m_owner->ledger() || !viewport()->isVisible()) return;
-    const TRect bounds = table.GetBoundsRect();
+// The same after one box has changed its place or size; within the diagram there is nothing to do.
+void TorvQDWorkArea::updateScrollRange(const TorvQDTable& moved) {
+    const TRect bounds = moved.GetBoundsRect();
+    const bool isInside = bounds.Right <= diagramExtentPx && bounds.Bottom <= diagramExtentPx;
+    if (!isInside || m_extent != QSize(diagramExtentPx, diagramExtentPx)) updateScrollRange();
+}
+
+void TorvQDWorkArea::scrollBy(int dx, int dy) {
+    horizontalScrollBar()->setValue(horizontalScrollBar()->value() + dx);
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + dy);
+}
+
+void TorvQDWorkArea::ensureVisible(const TRect& rect) {
     const auto show = [](QScrollBar* bar, int first, int end, int page) {
         const int last = std::max(bar->value(), end - page);
         bar->setValue(std::min(last, first));
     };
-    show(horizontalScrollBar(), bounds.Left, bounds.Right, viewport()->width());
-    show(verticalScrollBar(), bounds.Top, bounds.Bottom, viewport()->height());
+    const QSize page = viewSize();
+    show(horizontalScrollBar(), rect.Left, rect.Right, page.width());
+    show(verticalScrollBar(), rect.Top, rect.Bottom, page.height());
 }
 
 void TorvQDWorkArea::resizeEvent(QResizeEvent* event) {
@@ -138,10 +235,70 @@ void TorvQDWorkArea::resizeEvent(QResizeEvent* event) {
 }
 
 void TorvQDWorkArea::scrollContentsBy(int dx, int dy) {
-    moveRowScrollBar(dx, dy);
-    m_aliasEdit->move(m_aliasEdit->pos() + QPoint(dx, dy));
+    orv::guarded([&] {
+        hideHint();
+        moveRowScrollBar(dx, dy);
+        placeOverlays();
+        viewport()->update();
+        m_gestures->follow();
+    });
+}
+
+// --- places ---
+
+void TorvQDWorkArea::placeBox(TorvQDTable& box, const QPoint& wanted, const QPoint& before) {
+    const int right = std::max(diagramExtentPx - box.Width, before.x());
+    const int bottom = std::max(diagramExtentPx - box.CaptionHeight, before.y());
+    const int left = std::clamp(wanted.x(), 0, std::max(0, right));
+    const int top = std::clamp(wanted.y(), 0, std::max(0, bottom));
+    box.MoveTable(left - box.Left, top - box.Top);
+}
+
+void TorvQDWorkArea::arrange() {
+    QHash<const TorvQDTable*, int> indices;
+    std::vector<QSize> sizes;
+    for (const TorvQDTable* table : m_creation) {
+        indices.insert(table, int(sizes.size()));
+        sizes.emplace_back(table->GetBoundsRect().width(), table->GetBoundsRect().height());
+    }
+    std::vector<orv::ArrangeJoin> joins;
+    for (const TorvQDJoin* join : Joins()) {
+        joins.emplace_back(indices.value(join->Table1), indices.value(join->Table2));
+    }
+    cancelGesture();
+    const std::vector<QPoint> places = orv::arrange(sizes, joins);
+    for (const auto& [number, link] : m_links) link->setBendPoints({});
+    for (std::size_t index = 0; index < places.size(); ++index) {
+        TorvQDTable& table = *m_creation[index];
+        table.MoveTable(places[index].x() - table.Left, places[index].y() - table.Top);
+    }
+    horizontalScrollBar()->setValue(0);
+    verticalScrollBar()->setValue(0);
     viewport()->update();
 }
+
+void TorvQDWorkArea::tableMoved(TorvQDTable* table) {
+    updateScrollRange(*table);
+    reroute(table);
+    placeOverlays();
+}
+
+void TorvQDWorkArea::tableResized(TorvQDTable* table) {
+    tableMoved(table);
+}
+
+void TorvQDWorkArea::rowsScrolled(TorvQDTable* table) {
+    reroute(table);
+    if (table != m_selected || !isRowScrollBarVisible()) return;
+    const QSignalBlocker silent(m_rowScrollBar);
+    m_rowScrollBar->setValue(table->FirstVisibleItem);
+}
+
+void TorvQDWorkArea::bringToFront(TorvQDFloatObject* object) {
+    TableToFront(object);
+}
+
+// --- what lies over a box ---
 
 bool TorvQDWorkArea::isRowScrollBarVisible() const {
     return !m_paintsAll && !m_rowScrollBar->isHidden();
@@ -149,7 +306,8 @@ bool TorvQDWorkArea::isRowScrollBarVisible() const {
 
 void TorvQDWorkArea::placeRowScrollBar(const RowScroll& scroll) {
     const QSignalBlocker silent(m_rowScrollBar);
-    m_rowScrollBar->setGeometry(scroll.rect.toQRect());
+    m_rowScrollRect = scroll.rect;
+    m_rowScrollBar->setGeometry(toViewport(scroll.rect));
     m_rowScrollBar->setRange(0, scroll.maximum);
     m_rowScrollBar->setPageStep(std::max(1, scroll.pageStep));
     m_rowScrollBar->setValue(scroll.position);
@@ -160,132 +318,51 @@ void TorvQDWorkArea::showRowScrollBar(bool visible) {
 }
 
 void TorvQDWorkArea::moveRowScrollBar(int dx, int dy) {
-    m_rowScrollBar->move(m_rowScrollBar->pos() + QPoint(dx, dy));
+    m_rowScrollRect = m_rowScrollRect.translated(dx, dy);
+    m_rowScrollBar->setGeometry(toViewport(m_rowScrollRect));
 }
 
-void TorvQDWorkArea::bringToFront(TorvQDFloatObject* object) {
-    TableToFront(object);
+void TorvQDWorkArea::placeOverlays() {
+    m_rowScrollBar->setGeometry(toViewport(m_rowScrollRect));
+    if (m_renamed) placeAliasEdit();
+    if (m_searchEdit->table()) placeSearchEdit();
 }
 
-void TorvQDWorkArea::tableMoved(TorvQDTable* table) {
-    updateScrollRange();
-    reroute(table);
-    if (table == m_renamed) placeAliasEdit();
+void TorvQDWorkArea::placeAliasEdit() {
+    const TRect caption = m_renamed->toView(m_renamed->GetCaptionRect());
+    m_aliasEdit->setFont(magnified(GetFont(), m_zoom));
+    m_aliasEdit->setGeometry(toViewport(caption.translated(0, 1)));
 }
 
-void TorvQDWorkArea::tableResized(TorvQDTable* table) {
-    updateScrollRange();
-    reroute(table);
-    if (table == m_renamed) placeAliasEdit();
+// Below the box, or above it where that would be out of sight.
+void TorvQDWorkArea::placeSearchEdit() {
+    const TorvQDTable& table = *m_searchEdit->table();
+    const TRect box = table.toView(table.GetBoundsRect());
+    int top = box.Bottom + 1;
+    if (top + searchHeightPx > viewSize().height()) top = box.Top - searchHeightPx - 1;
+    m_searchEdit->setFont(magnified(GetFont(), m_zoom));
+    m_searchEdit->setGeometry(toViewport({box.Left, top, box.Right, top + searchHeightPx}));
 }
-
-void TorvQDWorkArea::rowsScrolled(TorvQDTable* table) {
-    reroute(table);
-    if (table != m_selected || !isRowScrollBarVisible()) return;
-    const QSignalBlocker silent(m_rowScrollBar);
-    m_rowScrollBar->setValue(table->FirstVisibleItem);
-}
-
-// --- the mouse ---
-
-TorvQDTable* TorvQDWorkArea::tableAt(const QPoint& viewPoint) const {
-    const auto hit = std::find_if(m_tables.begin(), m_tables.end(), [&](const auto& table) {
-        return table->HitTest(viewPoint) != htTOutSide;
-    });
-    return hit == m_tables.end() ? nullptr : hit->get();
-}
-
-// A press selects, and everything up to the release goes to the pressed box.
-void TorvQDWorkArea::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton) return;
-    orv::guarded([&] {
-        const QPointer<TorvQDTable> table = tableAt(event->pos());
-        m_pressed = table;
-        m_gesture = table ? Gesture::Pressed : Gesture::Idle;
-        m_pressPoint = event->pos();
-        selectObject(table);
-        if (!table || indexOf(table) < 0) return;  // the host closed it when it came to the front
-        m_pressedHit = table->HitTest(event->pos());
-        m_boxAtPress = {table->Left, table->Top};
-        TWMMouse message = messageOf(*event);
-        table->MouseDown(message, m_pressedHit);
-    });
-}
-
-void TorvQDWorkArea::mouseMoveEvent(QMouseEvent* event) {
-    orv::guarded([&] {
-        const bool moves = m_pressed && (event->buttons() & Qt::LeftButton) &&
-                           m_gesture != Gesture::Idle && m_pressedHit == htTCaption;
-        if (moves) m_gesture = Gesture::MovingBox;
-        if (m_gesture == Gesture::MovingBox) moveBoxTo(event->pos());
-        TorvQDTable* table = m_gesture == Gesture::Idle ? tableAt(event->pos()) : m_pressed.data();
-        if (!table) return;
-        TWMMouse message = messageOf(*event);
-        table->MouseMove(message, table->HitTest(event->pos()));
-    });
-}
-
-// The caption stays inside the diagram, so that the box can always be taken again.
-void TorvQDWorkArea::moveBoxTo(const QPoint& viewPoint) {
-    const QPoint wanted = m_boxAtPress + viewPoint - m_pressPoint;
-    // A box that was placed beyond the diagram's extent may stay as far out as it is.
-    const int right = std::max(diagramExtentPx - m_pressed->Width, m_boxAtPress.x());
-    const int bottom = std::max(diagramExtentPx - m_pressed->CaptionHeight, m_boxAtPress.y());
-    const int left = std::clamp(wanted.x(), 0, std::max(0, right));
-    const int top = std::clamp(wanted.y(), 0, std::max(0, bottom));
-    m_pressed->MoveTable(left - m_pressed->Left, top - m_pressed->Top);
-}
-
-void TorvQDWorkArea::mouseReleaseEvent(QMouseEvent* event) {
-    orv::guarded([&] {
-        if (event->button() == Qt::RightButton) {
-            showContextMenu(event->pos());
-            return;
-        }
-        const QPointer<TorvQDTable> table = m_pressed;
-        const bool pressed = m_gesture != Gesture::Idle;
-        m_gesture = Gesture::Idle;
-        m_pressed.clear();
-        if (!table || !pressed) return;
-        TWMMouse message = messageOf(*event);
-        table->MouseUp(message, m_pressedHit);
-    });
-}
-
-void TorvQDWorkArea::mouseDoubleClickEvent(QMouseEvent* event) {
-    orv::guarded([&] {
-        TorvQDTable* table = tableAt(event->pos());
-        if (table && table->HitTest(event->pos()) == htTCaption) beginRename(table);
-    });
-}
-
-void TorvQDWorkArea::showContextMenu(const QPoint& viewPoint) {
-    TorvQDTable* table = tableAt(viewPoint);
-    if (!table) return;
-    auto* menu = new QMenu(this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    table->PopupMenu(*menu, viewPoint.x(), viewPoint.y(), table->HitTest(viewPoint));
-    if (menu->isEmpty()) {
-        menu->deleteLater();
-        return;
-    }
-    menu->popup(viewport()->mapToGlobal(viewPoint));
-}
-
-// --- renaming in place ---
 
 void TorvQDWorkArea::beginRename(TorvQDTable* table) {
     if (indexOf(table) < 0) return;
     selectObject(table);
+    if (indexOf(table) < 0) return;
     m_renamed = table;
     placeAliasEdit();
     m_aliasEdit->open(table->GetAlias());
 }
 
-// The edit lies over the caption of its box and follows it.
-void TorvQDWorkArea::placeAliasEdit() {
-    const TRect caption = m_renamed->toView(m_renamed->GetCaptionRect());
-    m_aliasEdit->setGeometry(caption.Left, caption.Top + 1, caption.width(), caption.height());
+void TorvQDWorkArea::beginSearch(TorvQDTable* table, const QString& text) {
+    const QPointer<TorvQDTable> box(table);
+    selectObject(table);
+    if (!box || indexOf(table) < 0) return;
+    QPalette colors = m_searchEdit->palette();
+    colors.setColor(QPalette::Base, palette().color(QPalette::Window));
+    colors.setColor(QPalette::Text, palette().color(QPalette::WindowText));
+    m_searchEdit->setPalette(colors);
+    m_searchEdit->open(table, text);
+    placeSearchEdit();
 }
 
 void TorvQDWorkArea::_EditNameKillFocus() {

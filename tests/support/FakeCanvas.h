@@ -21,7 +21,14 @@ public:
     bool scrollBarVisible = false;
     std::vector<RowScroll> placed;
     std::vector<QPoint> scrollBarMoves;
-    std::vector<TRect> invalidated;  // view coordinates
+    std::vector<TRect> invalidated;  // view coordinates; regions by what holds them
+    TorvQDFloatObject* selected = nullptr;
+    QString typed;
+    std::vector<TorvQDTable*> renames;
+    std::vector<std::pair<TorvQDTable*, QString>> searches;
+    std::vector<TorvQDListItem*> dragged;
+    std::vector<TorvQDLink*> deletedLinks;
+    std::vector<TorvQDLink*> editedLinks;
     std::vector<TorvQDFloatObject*> broughtToFront;
     QStringList checks;  // rows told of, with their new tick
     std::vector<TorvQDTable*> closed;
@@ -36,6 +43,23 @@ public:
 
     QPoint scrollPosition() const override { return scroll; }
     void invalidate(const TRect& viewRect) override { invalidated.push_back(viewRect); }
+    void invalidate(const QRegion& viewRegion) override {
+        invalidated.push_back(TRect::fromQRect(viewRegion.boundingRect()));
+    }
+    TorvQDFloatObject* selectedObject() const override { return selected; }
+    void selectObject(TorvQDFloatObject* object) override {
+        if (selected) selected->SetSelect(false);
+        selected = object;
+        if (object) object->SetSelect(true);
+    }
+    void beginRename(TorvQDTable* table) override { renames.push_back(table); }
+    void beginSearch(TorvQDTable* table, const QString& text) override {
+        searches.emplace_back(table, text);
+    }
+    QString typedText() const override { return typed; }
+    void startFieldDrag(TorvQDTable*, TorvQDListItem* item) override { dragged.push_back(item); }
+    void postDeleteLink(TorvQDLink* link) override { deletedLinks.push_back(link); }
+    void editLink(TorvQDLink* link) override { editedLinks.push_back(link); }
     int fontHeight() const override { return font; }
     int boldTextWidth(const QString& text) const override { return 7 * int(text.size()); }
     const TorvQDWorkAreaOptions& options() const override { return workAreaOptions; }

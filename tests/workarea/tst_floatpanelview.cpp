@@ -311,11 +311,22 @@ private Q_SLOTS:
         menu->close();
     }
 
-    void rightClickElsewhereShowsNoMenu() {
+    void rightClickElsewhereOnABoxShowsNoMenu() {
         ShownBuilder on;
         QVERIFY(!menuAt(on, on.rowTextOf("T", "A")));
-        QVERIFY(!menuAt(on, {5, 5}));
         QVERIFY(!menuAt(on, on.captionCheckOf("T")));
+    }
+
+    void rightClickBesideTheBoxesOffersWhatConcernsThemAll() {
+        ShownBuilder on;
+        QMenu* menu = menuAt(on, {5, 5});
+        QVERIFY(menu);
+        QStringList texts;
+        for (const QAction* action : menu->actions()) {
+            texts << (action->isSeparator() ? "-" : action->text().remove(u'&'));
+        }
+        QCOMPARE(texts, QStringList({"Arrange", "Fit", "Actual size", "-", "Copy as picture"}));
+        menu->close();
     }
 
     void menuRenamesTheBox() {

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#include "workarea/ORVQDFieldSearch.h"
+
+#include "toolkit/Services.h"
+
+#include <QKeyEvent>
+
+TEditEx::TEditEx(QWidget* parent) : QLineEdit(parent) {
+    setFrame(false);
+    setAccessibleName(tr("Search a field"));
+    hide();
+    connect(this, &QLineEdit::textEdited, this, &TEditEx::_FindFieldChange);
+}
+
+void TEditEx::open(TorvQDTable* table, const QString& text) {
+    m_table = table;
+    setText(text);
+    show();
+    raise();
+    setFocus();
+    _FindFieldChange();
+}
+
+// The focus goes first: hiding a focused widget would hand it to the next one of the tab chain.
+void TEditEx::close() {
+    m_table.clear();
+    if (hasFocus() && parentWidget()) parentWidget()->setFocus();
+    hide();
+}
+
+void TEditEx::find(int& key) {
+    orv::guarded([&] {
+        if (m_table) m_table->_FindField(text(), key);
+    });
+}
+
+void TEditEx::_FindFieldChange() {
+    int key = 0;
+    find(key);
+}
+
+void TEditEx::keyPressEvent(QKeyEvent* event) {
+    int key = event->key();
+    if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape) return close();
+    if (key == Qt::Key_Up || key == Qt::Key_Down) return find(key);
+    QLineEdit::keyPressEvent(event);
+}
+
+void TEditEx::_FindFieldKillFocus() {
+    close();
+}
+
+void TEditEx::focusOutEvent(QFocusEvent* event) {
+    QLineEdit::focusOutEvent(event);
+    if (event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason) {
+        return;
+    }
+    _FindFieldKillFocus();
+}

@@ -1,0 +1,512 @@
+// SPDX-License-Identifier: MIT
+// The events of the work area: each finds the object that it is about and goes there.
+#include "contract/DiagramEvents.h"
+#include "toolkit/Services.h"
+#include "workarea/ORVQDDiagramKeys.h"
+#include "workarea/ORVQDFieldDrag.h"
+#include "workarea/ORVQDFieldSearch.h"
+#include "workarea/ORVQDFloatPanel.h"
+#include "workarea/ORVQDGestures.h"
+#include "workarea/ORVQDHints.h"
+
+#include <QContextMenuEvent>
+#include <QCoreApplication>
+#include <QDropEvent>
+#include <QFontMetrics>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QTimerEvent>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace {
+
+constexpr int rowsMs = 200;
+constexpr int edgeMs = 50;
+constexpr int hintMs = 500;
+constexpr int hintEndMs = 2000;
+constexpr int edgeBandPx = 12;
+constexpr int edgeStepPx = 20;
+constexpr int rowsPerNotch = 3;
+constexpr int eighthsPerNotch = 120;
+constexpr qreal zoomPerNotch = 1.25;
+
+int intervalOf(int timer) {
+    switch (timer) {
+    case TorvQDWorkArea::edgeTimer: return edgeMs;
+    case TorvQDWorkArea::hintTimer: return hintMs;
+    case TorvQDWorkArea::hintEndTimer: return hintEndMs;
+    default: return rowsMs;
+    }
+}
+
+}  // namespace
+
+bool TorvQDWorkArea::event(QEvent* event) {
+    const int type = event->type();
+    if (type == QEvent::ShortcutOverride) {
+        if (m_keys->wants(*static_cast<QKeyEvent*>(event))) {
+            event->accept();
+            return true;
+        }
+    }
+    if (type < CMMOVECONTROL || type > CMDELETELINK) return QAbstractScrollArea::event(event);
+    const auto* message = dynamic_cast<TorvDiagramEvent*>(event);
+    if (message && type == CMDELETELINK) {
+        orv::guarded([&] { deleteLink(qobject_cast<TorvQDLink*>(message->object())); });
+        return true;
+    }
+    auto* table = message ? qobject_cast<TorvQDTable*>(message->object()) : nullptr;
+    if (!table || indexOf(table) < 0) return true;
+    orv::guarded([&] {
+        switch (type) {
+        case CMMOVECONTROL: tableMoved(table); break;
+        case CMRESIZECONTROL: tableResized(table); break;
+        case CMCLOSETABLE: closeTable(table); break;
+        case CMUNLINKTABLE: unlinkTable(table); break;
+        default: break;
+        }
+    });
+    return true;
+}
+
+// --- what is hit ---
+
+bool TorvQDWorkArea::holds(const TorvQDFloatObject* object) const {
+    return object && (m_creationNumber.contains(static_cast<const TorvQDTable*>(object)) ||
+                      m_linkNumbers.contains(static_cast<const TorvQDLink*>(object)));
+}
+
+TorvQDFloatObject* TorvQDWorkArea::objectAt(const QPoint& viewPoint) const {
+    const auto isHit = [&](const auto& object) { return object->HitTest(viewPoint) != htTOutSide; };
+    const auto box = std::find_if(m_tables.begin(), m_tables.end(), isHit);
+    if (box != m_tables.end()) return box->get();
+    auto* selected = qobject_cast<TorvQDLink*>(m_selected.data());
+    if (selected && isHit(selected)) return selected;
+    const auto link = std::find_if(m_links.rbegin(), m_links.rend(),
+                                   [&](const auto& entry) { return isHit(entry.second); });
+    return link == m_links.rend() ? nullptr : link->second.get();
+}
+
+TorvQDListItem* TorvQDWorkArea::rowAt(const QPoint& viewPoint) const {
+    const auto* table = qobject_cast<TorvQDTable*>(objectAt(viewPoint));
+    if (!table || table->HitTest(viewPoint) != htTClient) return nullptr;
+    return table->GetItemAt(viewPoint.x(), viewPoint.y());
+}
+
+TWMMouse TorvQDWorkArea::messageOf(const QMouseEvent& event) const {
+    const QPoint point = toViewPoint(event.pos());
+    TWMMouse message;
+    message.XPos = point.x();
+    message.YPos = point.y();
+    message.Buttons = event.buttons() | event.button();
+    message.Modifiers = event.modifiers();
+    return message;
+}
+
+Qt::CursorShape TorvQDWorkArea::cursorFor(TTableHitTest hit) {
+    switch (hit) {
+    case htTLeft:
+    case htTRight: return Qt::SizeHorCursor;
+    case htTTop:
+    case htTBottom: return Qt::SizeVerCursor;
+    case htTLeftTop:
+    case htTRightBottom: return Qt::SizeFDiagCursor;
+    case htTLeftBottom:
+    case htTRightTop: return Qt::SizeBDiagCursor;
+    case htTEndLine: return Qt::UpArrowCursor;
+    case htTPoint: return Qt::SizeAllCursor;
+    case htTOutSide:
+    case htTCaption:
+    case htTClient:
+    case htTbutton:
+    case htTCheck: break;
+    }
+    return Qt::ArrowCursor;
+}
+
+// --- the mouse ---
+
+void TorvQDWorkArea::mousePressEvent(QMouseEvent* event) {
+    orv::guarded([&] {
+        hideHint();
+        m_mouseLeads = true;
+        const TWMMouse message = messageOf(*event);
+        m_mouse = {message.XPos, message.YPos};
+        if (event->button() == Qt::MiddleButton) {
+            m_gestures->beginPanning(m_mouse);
+            viewport()->setCursor(Qt::ClosedHandCursor);
+        } else if (event->button() == Qt::LeftButton) {
+            m_gestures->press(objectAt(m_mouse), message);
+        }
+    });
+}
+
+void TorvQDWorkArea::mouseMoveEvent(QMouseEvent* event) {
+    orv::guarded([&] {
+        const TWMMouse message = messageOf(*event);
+        m_mouse = {message.XPos, message.YPos};
+        m_mouseLeads = true;
+        const QPointer<TorvQDWorkArea> self(this);
+        if (!m_gestures->isIdle()) m_gestures->move(message);
+        if (!self) return;
+        if (m_gestures->movesThings()) watchEdge(m_mouse);
+        if (m_gestures->isIdle()) trackMouse(*event);
+    });
+}
+
+// Without a gesture the mouse belongs to what lies under it.
+void TorvQDWorkArea::trackMouse(const QMouseEvent& event) {
+    hideHint();
+    TorvQDFloatObject* object = objectAt(m_mouse);
+    const TTableHitTest hit = object ? object->HitTest(m_mouse) : htTOutSide;
+    setHot(object, hit);
+    viewport()->setCursor(cursorFor(hit));
+    if (!object) return;
+    TWMMouse message = messageOf(event);
+    object->MouseMove(message, hit);
+    m_hintPoint = m_mouse;
+    startTimerNumber(hintTimer);
+}
+
+void TorvQDWorkArea::setHot(TorvQDFloatObject* object, TTableHitTest hit) {
+    if (object != m_hot) leaveHot();
+    m_hot = object;
+    m_hotHit = hit;
+}
+
+void TorvQDWorkArea::leaveHot() {
+    hideHint();
+    const QPointer<TorvQDFloatObject> left = std::exchange(m_hot, nullptr);
+    if (!left) return;
+    TWMMouse message;
+    message.XPos = m_mouse.x();
+    message.YPos = m_mouse.y();
+    left->LeaveHit(message, m_hotHit);
+}
+
+void TorvQDWorkArea::mouseReleaseEvent(QMouseEvent* event) {
+    orv::guarded([&] {
+        const TWMMouse message = messageOf(*event);
+        m_mouse = {message.XPos, message.YPos};
+        const bool pans = m_gestures->kind() == orv::Gestures::Kind::Panning;
+        if (event->button() == Qt::RightButton && m_gestures->isIdle()) {
+            TorvQDFloatObject* object = objectAt(m_mouse);
+            showMenu(object, m_mouse, object ? object->HitTest(m_mouse) : htTOutSide);
+        } else if (event->button() == (pans ? Qt::MiddleButton : Qt::LeftButton)) {
+            stopTimer(edgeTimer);
+            const QPointer<TorvQDWorkArea> self(this);
+            if (!m_gestures->isIdle()) m_gestures->release(message);
+            if (!self) return;
+            const TorvQDFloatObject* object = objectAt(m_mouse);
+            viewport()->setCursor(cursorFor(object ? object->HitTest(m_mouse) : htTOutSide));
+        }
+    });
+}
+
+void TorvQDWorkArea::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) return;
+    orv::guarded([&] {
+        hideHint();
+        const TWMMouse message = messageOf(*event);
+        m_mouse = {message.XPos, message.YPos};
+        TorvQDFloatObject* object = objectAt(m_mouse);
+        if (object) m_gestures->doubleClick(object, message);
+    });
+}
+
+bool TorvQDWorkArea::viewportEvent(QEvent* event) {
+    if (event->type() == QEvent::Leave && m_gestures->isIdle()) {
+        orv::guarded([&] { leaveHot(); });
+    }
+    return QAbstractScrollArea::viewportEvent(event);
+}
+
+void TorvQDWorkArea::wheelEvent(QWheelEvent* event) {
+    orv::guarded([&] {
+        hideHint();
+        if (event->modifiers() & Qt::ControlModifier) {
+            const qreal notches = qreal(event->angleDelta().y()) / eighthsPerNotch;
+            setZoom(m_zoom * std::pow(zoomPerNotch, notches), event->position().toPoint());
+            event->accept();
+        } else if (event->modifiers() & Qt::ShiftModifier) {
+            QCoreApplication::sendEvent(horizontalScrollBar(), event);
+        } else if (scrollRowsByWheel(*event)) {
+            event->accept();
+        } else {
+            QAbstractScrollArea::wheelEvent(event);
+        }
+    });
+}
+
+// Over the rows of a box that has more of them than it shows the wheel scrolls these.
+bool TorvQDWorkArea::scrollRowsByWheel(const QWheelEvent& event) {
+    const QPoint point = toViewPoint(event.position().toPoint());
+    auto* table = m_gestures->isIdle() ? qobject_cast<TorvQDTable*>(objectAt(point)) : nullptr;
+    const bool hasMore = table && int(table->Items.size()) > table->VisibleCount;
+    if (!hasMore || table->HitTest(point) != htTClient) return false;
+    m_wheelRest += event.angleDelta().y() * rowsPerNotch;
+    const int rows = m_wheelRest / eighthsPerNotch;
+    m_wheelRest -= rows * eighthsPerNotch;
+    table->SetFirstVisibleItem(table->FirstVisibleItem - rows);
+    return true;
+}
+
+// --- the keys ---
+
+// The selected object comes first; a letter goes to the box under the mouse when the mouse was used
+// last.
+void TorvQDWorkArea::keyPressEvent(QKeyEvent* event) {
+    event->ignore();
+    orv::guarded([&] {
+        hideHint();
+        const QPointer<TorvQDWorkArea> self(this);
+        m_typedText = event->text();
+        const bool isLetter = !m_typedText.isEmpty() && m_typedText.at(0).isLetterOrNumber();
+        auto* hot = qobject_cast<TorvQDTable*>(m_hot.data());
+        TorvQDFloatObject* object = isLetter && m_mouseLeads && hot ? hot : m_selected.data();
+        int key = event->key();
+        const bool isEscape = key == Qt::Key_Escape;
+        if (object && !isEscape) object->KeyDown(key, event->modifiers() & ~Qt::KeypadModifier);
+        if (!self) return;
+        m_typedText.clear();
+        m_mouseLeads = false;
+        if (key == 0 || m_keys->press(*event)) event->accept();
+        if (self && m_keys->linkSource()) viewport()->update();
+    });
+}
+
+void TorvQDWorkArea::keyReleaseEvent(QKeyEvent* event) {
+    event->ignore();
+    orv::guarded([&] {
+        int key = event->key();
+        if (m_selected) m_selected->KeyUp(key, event->modifiers() & ~Qt::KeypadModifier);
+        if (key == 0) event->accept();
+    });
+}
+
+bool TorvQDWorkArea::isGesturing() const {
+    return !m_gestures->isIdle();
+}
+
+bool TorvQDWorkArea::cancelGesture() {
+    stopTimer(edgeTimer);
+    return m_gestures->cancel();
+}
+
+// The mouse is lost to somebody else.
+void TorvQDWorkArea::focusOutEvent(QFocusEvent* event) {
+    QAbstractScrollArea::focusOutEvent(event);
+    orv::guarded([&] {
+        hideHint();
+        stopTimer(edgeTimer);
+        m_gestures->end();
+    });
+}
+
+void TorvQDWorkArea::hideEvent(QHideEvent* event) {
+    QAbstractScrollArea::hideEvent(event);
+    orv::guarded([&] {
+        m_timers.clear();
+        leaveHot();
+        m_gestures->end();
+        m_fieldDrag->leave();
+        m_searchEdit->close();
+        m_keys->cancelLink();
+    });
+}
+
+void TorvQDWorkArea::changeEvent(QEvent* event) {
+    QAbstractScrollArea::changeEvent(event);
+    viewport()->update();
+}
+
+// --- menus ---
+
+// With the right button the menu comes at its release.
+void TorvQDWorkArea::contextMenuEvent(QContextMenuEvent* event) {
+    event->accept();
+    if (event->reason() != QContextMenuEvent::Keyboard) return;
+    orv::guarded([&] {
+        if (auto* table = qobject_cast<TorvQDTable*>(m_selected.data())) {
+            const TRect caption = table->toView(table->GetCaptionRect());
+            showMenu(table, {caption.Left, caption.Bottom}, htTCaption);
+        } else if (auto* link = qobject_cast<TorvQDLink*>(m_selected.data())) {
+            const int bend = link->chosenBend();
+            const QPoint place =
+                bend < 0 ? (link->GetPoint(1) + link->GetPoint(2)) / 2 : link->GetPoint(bend);
+            showMenu(link, place, bend < 0 ? htTClient : htTPoint);
+        } else {
+            showMenu(nullptr, {viewSize().width() / 2, viewSize().height() / 2}, htTOutSide);
+        }
+    });
+}
+
+void TorvQDWorkArea::showMenu(TorvQDFloatObject* object, const QPoint& viewPoint,
+                              TTableHitTest hit) {
+    hideHint();
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    if (object) {
+        object->PopupMenu(*menu, viewPoint.x(), viewPoint.y(), hit);
+    } else {
+        fillViewMenu(*menu);
+    }
+    if (menu->isEmpty()) {
+        menu->deleteLater();
+        return;
+    }
+    m_menu = menu;
+    m_menuObject = object;
+    menu->popup(viewport()->mapToGlobal(toViewport(viewPoint)));
+}
+
+void TorvQDWorkArea::fillViewMenu(QMenu& menu) {
+    const auto add = [&](const QString& text, void (TorvQDWorkArea::*command)()) {
+        QAction* action = menu.addAction(
+            text, this, [this, command] { orv::guarded([&] { (this->*command)(); }); });
+        action->setEnabled(!m_tables.empty());
+        return action;
+    };
+    add(tr("&Arrange"), &TorvQDWorkArea::arrange);
+    add(tr("&Fit"), &TorvQDWorkArea::fit);
+    menu.addAction(tr("Actual &size"), this, [this] { setZoom(1); })->setEnabled(m_zoom != 1);
+    menu.addSeparator();
+    menu.addAction(tr("&Copy as picture"), this, [this] { copyAsPicture(); })
+        ->setEnabled(!m_tables.empty());
+}
+
+// --- dragged fields ---
+
+void TorvQDWorkArea::startFieldDrag(TorvQDTable* table, TorvQDListItem* item) {
+    if (!m_gestures->takesRow(item) || !table->owns(item)) return;
+    leaveHot();
+    m_gestures->end();
+    m_fieldDrag->run(*item);
+}
+
+void TorvQDWorkArea::fieldDragStarted(const orv::DraggedField& field) {
+    m_owner->fieldDragStarted(field);
+}
+
+void TorvQDWorkArea::fieldDragEnded(QObject* target, const QPoint& viewPoint) {
+    m_owner->fieldDragEnded(target, viewPoint);
+}
+
+bool TorvQDWorkArea::foreignDragOver(QObject* source, const QPoint& viewPoint,
+                                     const QMimeData& data) {
+    return m_owner->foreignDragOver(source, viewPoint, data);
+}
+
+void TorvQDWorkArea::foreignDrop(QObject* source, const QPoint& viewPoint, const QMimeData& data) {
+    m_owner->foreignDrop(source, viewPoint, data);
+}
+
+void TorvQDWorkArea::dragEnterEvent(QDragEnterEvent* event) {
+    dragMoveEvent(event);
+}
+
+void TorvQDWorkArea::dragMoveEvent(QDragMoveEvent* event) {
+    orv::guarded([&] {
+        const QPoint point = toViewPoint(event->position().toPoint());
+        m_mouse = point;
+        const QPointer<TorvQDWorkArea> self(this);
+        m_fieldDrag->over(*event, point);
+        if (self) watchEdge(point);
+    });
+}
+
+void TorvQDWorkArea::dragLeaveEvent(QDragLeaveEvent*) {
+    orv::guarded([&] {
+        stopTimer(edgeTimer);
+        m_fieldDrag->leave();
+    });
+}
+
+void TorvQDWorkArea::dropEvent(QDropEvent* event) {
+    orv::guarded([&] {
+        stopTimer(edgeTimer);
+        m_fieldDrag->drop(*event, toViewPoint(event->position().toPoint()));
+    });
+}
+
+// --- timers ---
+
+void TorvQDWorkArea::startTimerNumber(int number) {
+    m_timers[number].start(intervalOf(number), this);
+}
+
+void TorvQDWorkArea::stopTimer(int number) {
+    m_timers.erase(number);
+}
+
+bool TorvQDWorkArea::isTimerActive(int number) const {
+    return m_timers.count(number) > 0;
+}
+
+void TorvQDWorkArea::timerEvent(QTimerEvent* event) {
+    const auto found = std::find_if(m_timers.begin(), m_timers.end(), [&](const auto& timer) {
+        return timer.second.timerId() == event->timerId();
+    });
+    if (found == m_timers.end()) return QAbstractScrollArea::timerEvent(event);
+    const int number = found->first;
+    orv::guarded([&] { timerFired(number); });
+}
+
+void TorvQDWorkArea::timerFired(int number) {
+    switch (number) {
+    case rowsUpTimer:
+    case rowsDownTimer: m_fieldDrag->scrollRows(number); break;
+    case edgeTimer: scrollAtEdge(); break;
+    case hintTimer: showHint(); break;
+    case hintEndTimer: hideHint(); break;
+    default: break;
+    }
+}
+
+// While something is dragged near the edge of the view, the view follows.
+void TorvQDWorkArea::watchEdge(const QPoint& viewPoint) {
+    const QSize size = viewSize();
+    const bool isInside = viewPoint.x() >= edgeBandPx && viewPoint.y() >= edgeBandPx &&
+                          viewPoint.x() < size.width() - edgeBandPx &&
+                          viewPoint.y() < size.height() - edgeBandPx;
+    if (isInside) {
+        stopTimer(edgeTimer);
+    } else if (!isTimerActive(edgeTimer)) {
+        startTimerNumber(edgeTimer);
+    }
+}
+
+void TorvQDWorkArea::scrollAtEdge() {
+    const QSize size = viewSize();
+    const auto step = [](int place, int end) {
+        return place < edgeBandPx ? -edgeStepPx : place >= end - edgeBandPx ? edgeStepPx : 0;
+    };
+    scrollBy(step(m_mouse.x(), size.width()), step(m_mouse.y(), size.height()));
+}
+
+// --- hints ---
+
+void TorvQDWorkArea::hideHint() {
+    stopTimer(hintTimer);
+    stopTimer(hintEndTimer);
+    m_hint->hide();
+}
+
+void TorvQDWorkArea::showHint() {
+    stopTimer(hintTimer);
+    if (!m_hot || m_mouse != m_hintPoint) return;
+    // Type names have doubled ampersands.
+    QString text = m_hot->GetHint().replace(QStringLiteral("&&"), QStringLiteral("&"));
+    if (text.isEmpty()) return;
+    const auto* table = qobject_cast<TorvQDTable*>(m_hot.data());
+    if (table && m_hotHit == htTCaption) {
+        const TRect room = table->GetCaptionRect();
+        if (boldTextWidth(table->GetCaption()) > room.width()) text += u'\n' + table->GetCaption();
+    }
+    m_hint->showAt(viewport()->mapToGlobal(toViewport(m_mouse)), text);
+    startTimerNumber(hintEndTimer);
+}
