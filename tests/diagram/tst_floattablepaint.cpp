@@ -9,6 +9,9 @@
 #include <QPaintEngine>
 #include <QPainter>
 
+#include <functional>
+#include <memory>
+
 using orvtest::FakeCanvas;
 using orvtest::numberedFields;
 
@@ -379,25 +382,25 @@ private Q_SLOTS:
     }
 
     void captionFollowsNameAliasWidthAndFont() {
+        QFont italic = PaintedBox().canvas.workAreaOptions.GetFont();
+        italic.setItalic(true);
+        const std::function<void(PaintedBox&)> changes[] = {
+            [](PaintedBox& on) { on.box.TableName = QStringLiteral("CUSTOMER"); },
+            [](PaintedBox& on) { on.box.SetAlias(QStringLiteral("A")); },
+            [](PaintedBox& on) { on.box.SetWidth(120); },
+            [](PaintedBox& on) { on.box.SetWidth(200); },
+            [&](PaintedBox& on) { on.canvas.workAreaOptions.SetFont(italic); }};
         PaintedBox on;
-        (void)on.paint();
-        on.box.TableName = QStringLiteral("CUSTOMERS_OF_THE_SHOP");
-        (void)on.paint();
-        on.box.SetAlias(QStringLiteral("A"));
-        (void)on.paint();
-        on.box.SetWidth(120);
-        (void)on.paint();
-        QFont font = on.canvas.workAreaOptions.GetFont();
-        font.setItalic(true);
-        on.canvas.workAreaOptions.SetFont(font);
-        const QImage image = on.paint();
-
-        PaintedBox fresh;
-        fresh.canvas.workAreaOptions.SetFont(font);
-        fresh.box.TableName = QStringLiteral("CUSTOMERS_OF_THE_SHOP");
-        fresh.box.SetAlias(QStringLiteral("A"));
-        fresh.box.SetWidth(120);
-        QCOMPARE(image, fresh.paint());
+        QImage before = on.paint();
+        for (std::size_t count = 1; count <= std::size(changes); ++count) {
+            changes[count - 1](on);
+            const QImage image = on.paint();
+            QVERIFY(image != before);
+            before = image;
+            PaintedBox fresh;
+            for (std::size_t index = 0; index < count; ++index) changes[index](fresh);
+            QCOMPARE(image, fresh.paint());
+        }
     }
 
     void captionCanBeReadInDarkPalettes() {
@@ -625,26 +628,35 @@ private Q_SLOTS:
 
     void namesAreDrawnAsTheyAre_data() {
         QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("same");
-        QTest::addColumn<bool>("isSame");
+        QTest::addColumn<QString>("drawn");
+        QTest::newRow("letters") << "NAME"
+                                 << "NAME";
         QTest::newRow("ampersand") << "A&B"
-                                   << "AB" << false;
+                                   << "A&B";
         QTest::newRow("two ampersands") << "A&&B"
-                                        << "A&B" << false;
+                                        << "A&&B";
         QTest::newRow("mark-up") << "<b>A</b>"
-                                 << "A" << false;
+                                 << "<b>A</b>";
         QTest::newRow("line break") << "A\nB"
-                                    << "A B" << true;
+                                    << "A B";
+        QTest::newRow("other line breaks")
+            << QString::fromUtf16(u"A\u2028B\u2029C\rD") << "A B C D";
     }
     void namesAreDrawnAsTheyAre() {
         QFETCH(QString, name);
-        QFETCH(QString, same);
-        QFETCH(bool, isSame);
+        QFETCH(QString, drawn);
         PaintedBox on;
         on.row(0)->Name = name;
+        const QRect place = on.textOf(0).toQRect();
         const QImage image = on.paint();
-        on.row(0)->Name = same;
-        QCOMPARE(on.paint() == image, isSame);
+        QImage expected = image;
+        QPainter painter(&expected);
+        painter.fillRect(place, white);
+        painter.setFont(on.canvas.workAreaOptions.GetFont());
+        painter.setPen(black);
+        painter.drawText(place, Qt::AlignVCenter | Qt::TextSingleLine, u' ' + drawn);
+        painter.end();
+        QCOMPARE(image, expected);
     }
 
     void typesStandInBracketsBehindTheNames_data() {
@@ -750,6 +762,9 @@ private Q_SLOTS:
         const int top = 40 + 20 + 1 + 17 + 1;
         QCOMPARE(on.at(image, 186 - 16 - 2, top + 7), silver);
         QVERIFY(isPlain(on.part(image, {186 - 16, top, 186, top + 15}), white));
+        // The dots go all around what is seen.
+        const QImage edge = on.part(image, {186 - 16 - 1, top, 186 - 16, top + 15});
+        QVERIFY(std::abs(pixelsOf(edge, black) - 15 / 2) <= 1);
     }
 
     void rowUnderADraggedFieldIsTeal() {
@@ -910,6 +925,8 @@ private Q_SLOTS:
 
     void smoothingOfThePainterChangesNothing() {
         PaintedBox on;
+        on.select();
+        on.box.SetCurrentItem(on.row(0));
         QImage image(300, 220, QImage::Format_RGB32);
         image.fill(behind);
         QPainter painter(&image);
@@ -938,6 +955,27 @@ private Q_SLOTS:
         QCOMPARE(device.engine.texts, QStringList({"T", " F0", " F1", " F2", " F3", " F4", " F5"}));
         QCOMPARE(device.engine.images, 0);
         QVERIFY(device.engine.paths > 0);
+    }
+
+    void hardlySeenRowsAreLeftOutOfVectorFiles_data() {
+        QTest::addColumn<int>("seen");  // pixels of the seventh row
+        QTest::addColumn<bool>("isDrawn");
+        QTest::newRow("less than half") << 7 << false;
+        QTest::newRow("half") << 8 << true;
+    }
+    void hardlySeenRowsAreLeftOutOfVectorFiles() {
+        QFETCH(int, seen);
+        QFETCH(bool, isDrawn);
+        PaintedBox on;
+        const int seventh = 40 + 20 + 1 + 6 * 17 + 1;
+        on.box.SetHeight(seventh + seen + 4 - 40);
+        QCOMPARE(on.box.GetClientRect().Bottom, seventh + seen);
+        VectorDevice device;
+        QPainter painter(&device);
+        on.box.Paint(painter);
+        painter.end();
+        QCOMPARE(device.engine.texts.contains(QStringLiteral(" F6")), isDrawn);
+        QVERIFY(device.engine.texts.contains(QStringLiteral(" F5")));
     }
 
     void longTextsEndInsideTheBoxInVectorFiles() {
