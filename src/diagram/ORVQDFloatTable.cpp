@@ -88,7 +88,7 @@ void TorvQDTable::AssignItems(const TDataSet* DataSet) {
     Items.clear();
     m_rowByName.clear();
     m_rowByWord.clear();
-    CurrentItem = m_dropItem = nullptr;
+    CurrentItem = DropItem = nullptr;
     m_outputRows = m_checkedRows = 0;
     const TFieldDefs fields = DataSet ? DataSet->FieldDefs : TFieldDefs();
     VisibleCount = std::min(int(fields.size()), mostVisibleRows);

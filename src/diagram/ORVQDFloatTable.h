@@ -3,7 +3,9 @@
 
 #include "data/DataSet.h"
 #include "data/FieldTypes.h"
+#include "diagram/ORVQDBoxText.h"
 #include "diagram/ORVQDFloatObject.h"
+#include "toolkit/Edges.h"
 
 #include <QHash>
 #include <QString>
@@ -13,6 +15,13 @@
 #include <vector>
 
 class TorvQDTable;
+
+/// What a row looks like besides its own state.
+enum TorvQDItemState : quint8 { isSelected = 0, isFocused = 1, isDroped = 2 };
+static_assert(isSelected == 0 && isFocused == 1 && isDroped == 2);
+
+/// A set of these, one bit per TorvQDItemState.
+using TSetOfItemStates = quint8;
 
 /// One field row of a box. Owned by its box.
 class ORV_EXPORT TorvQDListItem {
@@ -43,14 +52,18 @@ public:
     void UpdateCheck(int value);
     /// Highlights the row.
     void SetSelect(bool value);
+    /// Draws the row into a rectangle of the painter, on the colour of the row area when `Flag`.
+    void DrawItem(QPainter& Painter, const QRect& Rect, TSetOfItemStates State, bool Flag) const;
 
 private:
     friend class TorvQDTable;
 
     void store(bool value);
     void invalidate() const;
+    [[nodiscard]] const orv::TextLine& text() const;
 
     int m_index = -1;  // position in the box
+    mutable orv::RowText m_text;
 };
 
 /// A table on the diagram: a caption with a tri-state check box, and a scrollable list of field
@@ -84,6 +97,7 @@ public:
     int Indent = 2;
     int ScrollBarWidth = 16;
     TorvQDListItem* CurrentItem = nullptr;
+    TorvQDListItem* DropItem = nullptr;  ///< the row over which something is dragged; setDropItem
     int Left = 0;
     int Top = 0;
     int Width = 100;
@@ -126,6 +140,17 @@ public:
     /// Colour of the row area.
     [[nodiscard]] virtual QColor GetClientColor() const;
     virtual void DblClick(TWMMouse& Message, TTableHitTest HitTest);
+    /// The border of the box.
+    [[nodiscard]] orv::Bevel GetTableBorder() const;
+    /// Whether the borders are flat.
+    [[nodiscard]] bool GetFlat() const;
+    /// Whether the caption buttons are flat.
+    [[nodiscard]] bool GetbtnFlat() const;
+    /// Whether the current row is only marked while the box is selected.
+    [[nodiscard]] bool GetHideSelection() const;
+    /// Draws caption button `Index` pressed (0), normal (1) or under the mouse (2); `R` is the
+    /// rectangle of the buttons in the painter's coordinates.
+    void DrawButton(QPainter& Painter, int State, int Index, const TRect& R) const;
 
     // Setters of geometry; absolute values and minimums apply.
     void SetCaptionHeight(int Value);
@@ -147,7 +172,6 @@ public:
     void scrollToItem(const TorvQDListItem* item);
     /// Marks the row on which a dragged field or end of a link would be dropped; none for none.
     void setDropItem(TorvQDListItem* item);
-    [[nodiscard]] TorvQDListItem* dropItem() const { return m_dropItem; }
     /// Lays the box out for the font of the canvas.
     void relayout();
 
@@ -231,12 +255,13 @@ private:
     [[nodiscard]] int leastWidth() const;
     [[nodiscard]] int leastHeight() const;
     void moveCurrent(int key);
+    [[nodiscard]] const orv::BoxFonts& fonts() const;
+    [[nodiscard]] QColor captionColor() const;
+    void paintFrame(QPainter& painter, const QRect& bounds) const;
     void paintCaption(QPainter& painter) const;
     void paintRows(QPainter& painter) const;
-    void paintRow(QPainter& painter, const TorvQDListItem& item) const;
 
     QString m_alias;
-    TorvQDListItem* m_dropItem = nullptr;
     int m_outputRows = 0;
     int m_checkedRows = 0;                      // of the output rows
     static constexpr int rowGapPx = 1;          // between two rows
@@ -244,6 +269,8 @@ private:
 
     void indexNames() const;
 
+    mutable orv::BoxFonts m_fonts;
+    mutable orv::CaptionText m_captionText;
     mutable QHash<QString, int> m_rowByName;  // upper-case name to index of its first row
     mutable QHash<QString, int> m_rowByWord;  // the same without quotes; -1 for several
 };

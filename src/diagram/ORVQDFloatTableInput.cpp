@@ -144,11 +144,11 @@ void TorvQDTable::toggle(TorvQDListItem* item) {
 }
 
 void TorvQDTable::setDropItem(TorvQDListItem* item) {
-    if (item == m_dropItem) return;
-    for (TorvQDListItem* changed : {m_dropItem, item}) {
+    if (item == DropItem) return;
+    for (TorvQDListItem* changed : {DropItem, item}) {
         if (owns(changed)) changed->invalidate();
     }
-    m_dropItem = item;
+    DropItem = item;
 }
 
 // --- the menu, renaming ---

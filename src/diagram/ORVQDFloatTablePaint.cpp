@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// How a box looks: caption, check box, rows. Plain so far; borders and caption buttons are not
-// drawn yet.
+// How a box looks: borders, caption, caption buttons, rows.
 #include "diagram/ORVQDFloatTable.h"
+#include "toolkit/Glyph.h"
 
 #include <QFontMetrics>
 #include <QPalette>
@@ -10,28 +10,62 @@
 
 namespace {
 
-const QColor selectedCaptionColor(0xC0, 0xC0, 0xC0);
+const QColor selectionColor(0xC0, 0xC0, 0xC0);
+const QColor dropColor(0x00, 0x80, 0x80);
+const QColor shadowColor(0x80, 0x80, 0x80);
 
-enum class Tick { None, Some, All };
+constexpr int buttonCount = 3;
+constexpr int rowOffsetPx = 1;         // what is drawn of a row lies below the top of its rectangle
+constexpr int readableContrast = 100;  // between the lightnesses of text and ground
 
-// A check box of the size of `box`, without smoothing so that its edges stay on pixels.
-void drawCheckBox(QPainter& painter, const QRect& box, Tick tick) {
-    painter.save();
-    painter.setPen(QColor(0x60, 0x60, 0x60));
-    painter.setBrush(tick == Tick::Some ? QColor(0xD0, 0xD0, 0xD0) : QColor(Qt::white));
-    painter.drawRect(box.adjusted(0, 0, -1, -1));
-    if (tick != Tick::None) {
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(
-            QPen(tick == Tick::Some ? QColor(0x50, 0x50, 0x50) : QColor(Qt::black), 1.6));
-        const QRectF area(box);
-        const QPointF marks[] = {
-            {area.left() + area.width() * 0.24, area.top() + area.height() * 0.52},
-            {area.left() + area.width() * 0.44, area.top() + area.height() * 0.72},
-            {area.left() + area.width() * 0.78, area.top() + area.height() * 0.28}};
-        painter.drawPolyline(marks, 3);
-    }
-    painter.restore();
+enum ButtonState { buttonPressed = 0, buttonNormal = 1, buttonHot = 2 };
+
+const orv::Glyph& buttonGlyph(int index) {
+    static const orv::Glyph* const glyphs[] = {&orv::glyph(QStringLiteral("BTN1")),
+                                               &orv::glyph(QStringLiteral("BTN2")),
+                                               &orv::glyph(QStringLiteral("BTN3"))};
+    return *glyphs[index];
+}
+
+const orv::Glyph& fieldStateGlyph(int state) {
+    static const orv::Glyph* const glyphs[] = {&orv::glyph(QStringLiteral("BOX1")),
+                                               &orv::glyph(QStringLiteral("BOX2")),
+                                               &orv::glyph(QStringLiteral("BOX3"))};
+    return *glyphs[std::clamp(state, 0, 2)];
+}
+
+const orv::Glyph& rowGlyph(const TorvQDListItem& item) {
+    static const orv::Glyph& unchecked = orv::glyph(QStringLiteral("UNCHECKBMP"));
+    static const orv::Glyph& checked = orv::glyph(QStringLiteral("CHECKBMP"));
+    static const orv::Glyph& noValue = orv::glyph(QStringLiteral("INPUTNULL"));
+    static const orv::Glyph& value = orv::glyph(QStringLiteral("INPUTPARAM"));
+    if (item.ParamType == ptOutput) return item.Checked ? checked : unchecked;
+    return item.Checked && !item.IsNull ? value : noValue;
+}
+
+void paintGlyph(QPainter& painter, const orv::Glyph& glyph, int left, int top,
+                const QColor& ink = {}) {
+    glyph.paint(painter, QRectF(QPointF(left, top), QSizeF(glyph.size())), ink);
+}
+
+// The caption's text: the palette's, unless that cannot be read on the ground, as white text on the
+// grey of a selected box.
+QColor captionInk(const QPalette& palette, const QColor& ground) {
+    const QColor ink = palette.color(QPalette::ButtonText);
+    if (std::abs(ink.lightness() - ground.lightness()) >= readableContrast) return ink;
+    return ground.lightness() < 128 ? Qt::white : Qt::black;
+}
+
+void drawFocus(QPainter& painter, const QRect& rect) {
+    QPen dots(Qt::black, 1, Qt::CustomDashLine, Qt::FlatCap);
+    dots.setDashPattern({1, 1});
+    painter.setPen(dots);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(rect.adjusted(0, 0, -1, -1));
+}
+
+constexpr TSetOfItemStates stateBit(TorvQDItemState state) {
+    return TSetOfItemStates(1U << state);
 }
 
 }  // namespace
@@ -40,69 +74,180 @@ QColor TorvQDTable::GetClientColor() const {
     return canvas() ? canvas()->options().GetTableColor() : QColor(Qt::white);
 }
 
+orv::Bevel TorvQDTable::GetTableBorder() const {
+    if (!canvas()) return orv::Bevel::Raised;
+    switch (canvas()->options().GetTableBorder()) {
+    case edgeBump: return orv::Bevel::Bump;
+    case edgeEtched: return orv::Bevel::Etched;
+    case edgeRaised: return orv::Bevel::Raised;
+    case edgeSunken: return orv::Bevel::Sunken;
+    }
+    return orv::Bevel::Raised;
+}
+
+bool TorvQDTable::GetFlat() const {
+    return canvas() && canvas()->options().GetFlat();
+}
+
+bool TorvQDTable::GetbtnFlat() const {
+    return canvas() && canvas()->options().GetFlatCaptionBtns();
+}
+
+bool TorvQDTable::GetHideSelection() const {
+    return canvas() && canvas()->options().GetHideSelection();
+}
+
+const orv::BoxFonts& TorvQDTable::fonts() const {
+    m_fonts.follow(canvas()->options().GetFont());
+    return m_fonts;
+}
+
 void TorvQDTable::Paint(QPainter& Painter) {
     if (!canvas()) return;
     const QRect bounds = toView(GetBoundsRect()).toQRect();
+    if (Painter.hasClipping() && !Painter.clipBoundingRect().intersects(bounds)) return;
     Painter.save();
-    Painter.setClipRect(bounds, Qt::IntersectClip);
-    if (Expanded) paintRows(Painter);
+    Painter.setRenderHint(QPainter::Antialiasing, false);
+    paintFrame(Painter, bounds);
     paintCaption(Painter);
-    Painter.setPen(Selected ? QColor(0x40, 0x40, 0x40) : QColor(0x90, 0x90, 0x90));
-    Painter.setBrush(Qt::NoBrush);
-    Painter.drawRect(bounds.adjusted(0, 0, -1, -1));
+    if (Expanded) paintRows(Painter);
     Painter.restore();
 }
 
+QColor TorvQDTable::captionColor() const {
+    return Selected ? selectionColor : Parent->palette().color(QPalette::Button);
+}
+
+void TorvQDTable::paintFrame(QPainter& painter, const QRect& bounds) const {
+    const QPalette& palette = Parent->palette();
+    const bool isFlat = GetFlat();
+    // One ring is thinner than a border: what it leaves free belongs to the box all the same.
+    if (isFlat) painter.fillRect(bounds, palette.color(QPalette::Button));
+    painter.fillRect(toView(captionStrip()).toQRect(), captionColor());
+    orv::drawBevel(painter, bounds, palette, GetTableBorder(), isFlat);
+    if (!Expanded) return;
+    QRect rows = bounds.adjusted(BorderWidth, BorderWidth, -BorderWidth, -BorderWidth);
+    rows.setTop(rows.top() - BorderWidth + CaptionHeight);
+    orv::drawBevel(painter, rows, palette, orv::Bevel::Sunken, isFlat);
+}
+
 void TorvQDTable::paintCaption(QPainter& painter) const {
-    const QPalette palette = Parent->palette();
-    const QRect strip = toView(captionStrip()).toQRect();
-    painter.fillRect(strip, Selected ? selectedCaptionColor : palette.color(QPalette::Button));
-    painter.setPen(QColor(0x90, 0x90, 0x90));
-    painter.drawLine(strip.bottomLeft(), strip.bottomRight());
-    const Tick ticks[] = {Tick::None, Tick::Some, Tick::All};
-    drawCheckBox(painter, toView(checkBoxRect()).toQRect(), ticks[FieldState]);
-    QFont font = canvas()->options().GetFont();
-    font.setBold(true);
-    painter.setFont(font);
-    painter.setPen(palette.color(QPalette::ButtonText));
-    // Until the caption buttons are drawn, their place belongs to the text.
-    QRect area = toView(GetCaptionRect()).toQRect();
-    area.setRight(strip.right() - BorderWidth);
-    painter.drawText(area, Qt::AlignVCenter | Qt::TextSingleLine,
-                     QFontMetrics(font).elidedText(GetCaption(), Qt::ElideRight, area.width()));
+    const QRect area = toView(GetCaptionRect()).toQRect();
+    if (area.width() > 0) {
+        QString caption = GetCaption();
+        if (caption.isEmpty()) caption = QStringLiteral(" ");
+        const QFont& font = fonts().bold;
+        orv::CaptionText& text = m_captionText;
+        if (text.width != area.width() || text.caption != caption || text.font != font) {
+            text.caption = caption;
+            text.font = font;
+            text.width = area.width();
+            text.line.setText(QFontMetrics(font).elidedText(caption, Qt::ElideRight, area.width()));
+        }
+        painter.setFont(font);
+        painter.setPen(captionInk(Parent->palette(), captionColor()));
+        text.line.draw(painter, area, m_fonts.boldHeight);
+    }
+    const TRect buttons = toView(GetButtonRect());
+    for (int index = 0; index < buttonCount; ++index) {
+        const bool isHot = HotButton == index;
+        int state = buttonNormal;
+        if (isHot && PressedButton == index) state = buttonPressed;
+        if (isHot && PressedButton < 0) state = buttonHot;
+        DrawButton(painter, state, index, buttons);
+    }
+    const TRect box = toView(checkBoxRect());
+    paintGlyph(painter, fieldStateGlyph(FieldState), box.Left, box.Top);
+}
+
+void TorvQDTable::DrawButton(QPainter& Painter, int State, int Index, const TRect& R) const {
+    if (Index < 0 || Index >= buttonCount) return;
+    const int side = buttonGlyph(0).size().width();
+    const int left = R.Left + (side + 1) * Index;
+    const int top = R.Top + (R.height() - side - 2) / 2;
+    const QColor leftTop = State == buttonPressed                  ? QColor(Qt::black)
+                           : State == buttonNormal && GetbtnFlat() ? shadowColor
+                                                                   : QColor(Qt::white);
+    const QColor rightBottom = State == buttonPressed ? QColor(Qt::white) : shadowColor;
+    Painter.fillRect(left, top, 1, side + 1, leftTop);
+    Painter.fillRect(left, top, side, 1, leftTop);
+    Painter.fillRect(left + side, top, 1, side + 1, rightBottom);
+    Painter.fillRect(left + 1, top + side, side, 1, rightBottom);
+    const QColor ground = captionColor();
+    const bool isDark = ground.lightness() < 128;
+    paintGlyph(Painter, buttonGlyph(Index), left + 1, top + 1,
+               isDark ? captionInk(Parent->palette(), ground) : QColor());
 }
 
 void TorvQDTable::paintRows(QPainter& painter) const {
-    painter.save();
-    painter.fillRect(toView(GetBoundsRect()).toQRect(), GetClientColor());
-    painter.setClipRect(toView(scrolledArea()).toQRect(), Qt::IntersectClip);
-    painter.setFont(canvas()->options().GetFont());
-    const int last = std::min(int(Items.size()), FirstVisibleItem + VisibleCount + 1);
-    for (int index = std::max(0, FirstVisibleItem); index < last; ++index) {
-        const TorvQDListItem& item = *Items[std::size_t(index)];
-        // Vector files know no clipping: what of a row is hardly seen is left out.
-        const int visible = toView(GetClientRect()).Bottom - GetItemRect(&item).Top;
-        if (visible >= ItemHeight / 2) paintRow(painter, item);
+    painter.fillRect(toView(GetClientRect()).toQRect(), GetClientColor());
+    const TRect area = toView(scrolledArea());
+    if (area.isEmpty()) return;
+    painter.setClipRect(area.toQRect(), Qt::IntersectClip);
+    // Not every vector file knows clipping: what of a row is hardly seen is left out.
+    const int leastVisible = orv::paintsVectors(painter) ? ItemHeight / 2 : 1;
+    const bool showsCurrent = Selected || !GetHideSelection();
+    for (std::size_t index = std::size_t(std::max(0, FirstVisibleItem)); index < Items.size();
+         ++index) {
+        TorvQDListItem& item = *Items[index];
+        TRect rect = GetItemRect(&item);
+        if (area.Bottom - rect.Top - rowOffsetPx < leastVisible) break;
+        rect.Right = std::min(rect.Right, area.Right);
+        TSetOfItemStates state = 0;
+        if (&item == CurrentItem && showsCurrent) state |= stateBit(isSelected);
+        if (Selected) state |= stateBit(isFocused);
+        if (&item == DropItem) state |= stateBit(isDroped);
+        item.DrawItem(painter, rect.toQRect(), state, false);
     }
-    painter.restore();
 }
 
-void TorvQDTable::paintRow(QPainter& painter, const TorvQDListItem& item) const {
-    QRect rect = GetItemRect(&item).toQRect().adjusted(0, 1, 0, 0);
-    const TorvQDWorkAreaOptions& options = canvas()->options();
-    const bool selected = &item == CurrentItem && (Selected || !options.GetHideSelection());
-    const int glyph = std::min(13, ItemHeight - 2);
-    drawCheckBox(painter, {rect.left() + 1, rect.top() + (rect.height() - glyph) / 2, glyph, glyph},
-                 item.Checked ? Tick::All : Tick::None);
-    rect.setLeft(rect.left() + ItemHeight);
-    rect.setRight(std::min(rect.right(), toView(scrolledArea()).Right - 1));
-    if (selected) painter.fillRect(rect, selectedCaptionColor);
-    QString text = u' ' + item.Name;
-    if (options.GetShowFieldsType()) {
-        text += QStringLiteral(" (") +
-                item.GetDataName().replace(QStringLiteral("&&"), QStringLiteral("&")) + u')';
+void TorvQDListItem::DrawItem(QPainter& Painter, const QRect& Rect, TSetOfItemStates State,
+                              bool Flag) const {
+    const IDiagramCanvas* canvas = Table->canvas();
+    if (!canvas) return;
+    QRect rect = Rect.adjusted(0, rowOffsetPx, 0, 0);
+    paintGlyph(Painter, rowGlyph(*this), rect.left(), rect.top());
+    rect.setLeft(rect.left() + Table->ItemHeight);
+
+    QColor ground = Flag ? Table->GetClientColor() : QColor();
+    QColor ink = Qt::black;
+    if (State & stateBit(isSelected)) ground = selectionColor;
+    if (State & stateBit(isDroped)) ground = dropColor;
+    if (State & (stateBit(isSelected) | stateBit(isDroped))) ink = Qt::white;
+    if (ground.isValid()) Painter.fillRect(rect, ground);
+
+    const orv::BoxFonts& fonts = Table->fonts();
+    const int lineHeight = Selected ? fonts.boldHeight : fonts.regularHeight;
+    Painter.setFont(Selected ? fonts.bold : fonts.regular);
+    Painter.setPen(ink);
+    // Rows are as high as their letters, and lines of large fonts higher.
+    const bool isCut = lineHeight > rect.height();
+    if (isCut) {
+        Painter.save();
+        Painter.setClipRect(rect, Qt::IntersectClip);
     }
-    painter.setPen(selected ? Qt::white : Qt::black);
-    painter.drawText(rect, Qt::AlignVCenter | Qt::TextSingleLine,
-                     painter.fontMetrics().elidedText(text, Qt::ElideRight, rect.width()));
+    text().draw(Painter, rect, lineHeight);
+    if (isCut) Painter.restore();
+    Painter.setPen(Qt::black);
+    if ((State & stateBit(isFocused)) && (State & stateBit(isSelected))) drawFocus(Painter, rect);
+}
+
+const orv::TextLine& TorvQDListItem::text() const {
+    const bool showsType = Table->canvas()->options().GetShowFieldsType();
+    orv::RowText& made = m_text;
+    if (made.isMade && made.name == Name && made.showsType == showsType &&
+        (made.type == FieldType || !showsType)) {
+        return made.line;
+    }
+    made.isMade = true;
+    made.name = Name;
+    made.type = FieldType;
+    made.showsType = showsType;
+    QString text = u' ' + Name;
+    if (showsType) {
+        text += QStringLiteral(" (") +
+                GetDataName().replace(QStringLiteral("&&"), QStringLiteral("&")) + u')';
+    }
+    made.line.setText(text);
+    return made.line;
 }
