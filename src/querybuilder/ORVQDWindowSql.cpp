@@ -13,6 +13,7 @@
 #include "selection/ORVQDSelectOrder.h"
 #include "toolkit/Services.h"
 #include "workarea/ORVQDFloatPanel.h"
+#include "workarea/ORVQDKeptPlaces.h"
 
 #include <QPointer>
 #include <QSet>
@@ -221,10 +222,12 @@ void TorvQueryBuilder::loadText(const QString& text) {
     const QPointer<TorvQueryBuilder> self(this);
     m_ledger = std::move(ledger);
     LoadScope scope(this, m_loading, m_ledger);
+    const orv::KeptPlaces places(*WorkArea);
     clearAll();
     if (root.Clause(inFrom)) m_ledger->reportUnclosed(parts.tailEnd);
     loadParsed(root);
     if (!self) return;
+    places.apply(*WorkArea);
     m_ledger->reportChangedTexts(parts.bodyEnd);
     loadTail(parts.tailStart, parts.tailEnd, parts.restStart);
     compareClauses(root);

@@ -253,6 +253,25 @@ void TorvQDWorkArea::placeTable(TorvQDTable& table) const {
     table.Top = place.Top;
 }
 
+void TorvQDWorkArea::placeAgain(const std::vector<TorvQDTable*>& tables) {
+    // Those that wait for their place are in nobody's way.
+    constexpr int outOfTheWay = -100000;
+    std::vector<QPoint> before;
+    for (TorvQDTable* table : tables) {
+        before.emplace_back(table->Left, table->Top);
+        table->Left = outOfTheWay;
+    }
+    for (std::size_t index = 0; index < tables.size(); ++index) {
+        TorvQDTable& table = *tables[index];
+        table.Left = table.Top = 0;
+        placeTable(table);
+        const QPoint place(table.Left, table.Top);
+        table.Left = before[index].x();
+        table.Top = before[index].y();
+        table.MoveTable(place.x() - table.Left, place.y() - table.Top);
+    }
+}
+
 // --- names ---
 
 void TorvQDWorkArea::indexFields(TorvQDTable* table) {

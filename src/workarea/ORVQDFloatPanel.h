@@ -89,6 +89,8 @@ public:
     /// Adds a join without links, which restoreLink is to give it. Nobody is asked.
     TorvQDJoin* restoreJoin(TorvQDTable* table1, TorvQDTable* table2);
     TorvQDLink* restoreLink(TorvQDJoin* join, TorvQDListItem* item1, TorvQDListItem* item2);
+    /// Places boxes of the diagram as if they were added now, one after the other.
+    void placeAgain(const std::vector<TorvQDTable*>& tables);
     /// Puts the boxes in that stacking order; they are all there, each once.
     void restack(const std::vector<TorvQDTable*>& frontToBack);
 
@@ -175,16 +177,18 @@ public:
     void setZoom(qreal zoom, const QPoint& viewportAnchor);
     void zoomIn();
     void zoomOut();
+    void actualSize();
     /// Zooms and scrolls so that all boxes are seen; never magnifies.
     void fit();
     /// Lays the boxes out in layers along their joins, without overlaps. Bend points go.
     void arrange();
     /// Puts a picture of the diagram on the clipboard.
-    void copyAsPicture() const;
+    void copyAsPicture();
     [[nodiscard]] QImage picture() const;
 
-    /// Scrolls by pixels of the diagram.
+    /// Scrolls by pixels of the diagram, or so that the view begins at that place of it.
     void scrollBy(int dx, int dy);
+    void scrollTo(const QPoint& position);
     /// Scrolls as little as shows the rectangle, in diagram coordinates; a larger one shows its
     /// left top corner.
     void ensureVisible(const TRect& rect);

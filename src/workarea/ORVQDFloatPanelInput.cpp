@@ -365,18 +365,17 @@ void TorvQDWorkArea::showMenu(TorvQDFloatObject* object, const QPoint& viewPoint
 }
 
 void TorvQDWorkArea::fillViewMenu(QMenu& menu) {
-    const auto add = [&](const QString& text, void (TorvQDWorkArea::*command)()) {
+    const auto add = [&](const QString& text, void (TorvQDWorkArea::*command)(), bool isEnabled) {
         QAction* action = menu.addAction(
             text, this, [this, command] { orv::guarded([&] { (this->*command)(); }); });
-        action->setEnabled(!m_tables.empty());
-        return action;
+        action->setEnabled(isEnabled);
     };
-    add(tr("&Arrange"), &TorvQDWorkArea::arrange);
-    add(tr("&Fit"), &TorvQDWorkArea::fit);
-    menu.addAction(tr("Actual &size"), this, [this] { setZoom(1); })->setEnabled(m_zoom != 1);
+    const bool hasBoxes = !m_tables.empty();
+    add(tr("&Arrange"), &TorvQDWorkArea::arrange, hasBoxes);
+    add(tr("&Fit"), &TorvQDWorkArea::fit, hasBoxes);
+    add(tr("Actual &size"), &TorvQDWorkArea::actualSize, m_zoom != 1);
     menu.addSeparator();
-    menu.addAction(tr("&Copy as picture"), this, [this] { copyAsPicture(); })
-        ->setEnabled(!m_tables.empty());
+    add(tr("&Copy as picture"), &TorvQDWorkArea::copyAsPicture, hasBoxes);
 }
 
 // --- dragged fields ---

@@ -84,8 +84,7 @@ void TorvQDWorkArea::setZoom(qreal zoom, const QPoint& viewportAnchor) {
     m_zoom = wanted;
     updateScrollRange();
     const QPointF position = anchor - QPointF(viewportAnchor) / m_zoom;
-    horizontalScrollBar()->setValue(int(std::lround(position.x())));
-    verticalScrollBar()->setValue(int(std::lround(position.y())));
+    scrollTo(position.toPoint());
     placeOverlays();
     viewport()->update();
 }
@@ -98,6 +97,10 @@ void TorvQDWorkArea::zoomOut() {
     setZoom(m_zoom / zoomStep);
 }
 
+void TorvQDWorkArea::actualSize() {
+    setZoom(1);
+}
+
 void TorvQDWorkArea::fit() {
     const QRect bounds = diagramBounds();
     if (bounds.isEmpty()) return setZoom(1);
@@ -105,8 +108,7 @@ void TorvQDWorkArea::fit() {
     const qreal zoom = std::min(qreal(viewport()->width()) / room.width(),
                                 qreal(viewport()->height()) / room.height());
     setZoom(std::min<qreal>(1, zoom));
-    horizontalScrollBar()->setValue(bounds.left() - pictureMarginPx);
-    verticalScrollBar()->setValue(bounds.top() - pictureMarginPx);
+    scrollTo(bounds.topLeft() - QPoint(pictureMarginPx, pictureMarginPx));
 }
 
 // --- painting ---
@@ -179,7 +181,7 @@ QImage TorvQDWorkArea::picture() const {
     return image;
 }
 
-void TorvQDWorkArea::copyAsPicture() const {
+void TorvQDWorkArea::copyAsPicture() {
     const QImage image = picture();
     if (!image.isNull()) QGuiApplication::clipboard()->setImage(image);
 }
@@ -214,9 +216,13 @@ void TorvQDWorkArea::updateScrollRange(const TorvQDTable& moved) {
     if (!isInside || m_extent != QSize(diagramExtentPx, diagramExtentPx)) updateScrollRange();
 }
 
+void TorvQDWorkArea::scrollTo(const QPoint& position) {
+    horizontalScrollBar()->setValue(position.x());
+    verticalScrollBar()->setValue(position.y());
+}
+
 void TorvQDWorkArea::scrollBy(int dx, int dy) {
-    horizontalScrollBar()->setValue(horizontalScrollBar()->value() + dx);
-    verticalScrollBar()->setValue(verticalScrollBar()->value() + dy);
+    scrollTo(scrollPosition() + QPoint(dx, dy));
 }
 
 void TorvQDWorkArea::ensureVisible(const TRect& rect) {
@@ -272,8 +278,7 @@ void TorvQDWorkArea::arrange() {
         TorvQDTable& table = *m_creation[index];
         table.MoveTable(places[index].x() - table.Left, places[index].y() - table.Top);
     }
-    horizontalScrollBar()->setValue(0);
-    verticalScrollBar()->setValue(0);
+    scrollTo({});
     viewport()->update();
 }
 

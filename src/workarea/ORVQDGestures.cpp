@@ -6,7 +6,6 @@
 
 #include <QApplication>
 #include <QPainter>
-#include <QScrollBar>
 
 #include <algorithm>
 
@@ -297,9 +296,7 @@ void Gestures::beginPanning(const QPoint& viewPoint) {
 }
 
 void Gestures::pan(const QPoint& viewPoint) {
-    const QPoint position = m_pressInDiagram - viewPoint;
-    m_area.horizontalScrollBar()->setValue(position.x());
-    m_area.verticalScrollBar()->setValue(position.y());
+    m_area.scrollTo(m_pressInDiagram - viewPoint);
 }
 
 // --- painting ---
