@@ -14,6 +14,7 @@
 #include "text/TextFile.h"
 #include "text/TextPosition.h"
 #include "toolkit/Services.h"
+#include "workarea/ORVQDFloatPanel.h"
 
 #include <QFileDevice>
 
@@ -86,7 +87,10 @@ void Batch::runOutput() {
     switch (m_options.output) {
     case Output::Print: write(statement().toUtf8() + '\n'); return;
     case Output::Run: runQueryOfStatement(); return;
-    case Output::Render: writePicture(*m_builder->WorkArea, m_options.picture); return;
+    case Output::Render:
+        m_builder->WorkArea->arrange();
+        writePicture(*m_builder->WorkArea, m_options.picture);
+        return;
     case Output::State:
     case Output::StateOfEach:
     case Output::Window:

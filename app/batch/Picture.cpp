@@ -38,11 +38,9 @@ QByteArray svg(const TorvQDWorkArea& workArea, const QRect& bounds) {
     return buffer.data();
 }
 
-QByteArray png(const TorvQDWorkArea& workArea, const QRect& bounds) {
-    QImage image(bounds.size() + QSize(2, 2) * marginPx, QImage::Format_RGB32);
-    paint(image, workArea, bounds);
+QByteArray png(const TorvQDWorkArea& workArea) {
     QBuffer buffer;
-    image.save(&buffer, "PNG");
+    workArea.picture().save(&buffer, "PNG");
     return buffer.data();
 }
 
@@ -54,7 +52,7 @@ void writePicture(const TorvQDWorkArea& workArea, const QString& file) {
         throw orv::Error(QStringLiteral("There is nothing to draw: the statement has no tables."));
     }
     const bool isSvg = file.endsWith(QLatin1String(".svg"), Qt::CaseInsensitive);
-    const QByteArray content = isSvg ? svg(workArea, bounds) : png(workArea, bounds);
+    const QByteArray content = isSvg ? svg(workArea, bounds) : png(workArea);
     QSaveFile target(file);
     if (!target.open(QIODevice::WriteOnly) || target.write(content) != content.size() ||
         !target.commit()) {

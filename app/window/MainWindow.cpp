@@ -13,6 +13,8 @@
 #include "window/ResultPane.h"
 #include "window/StatementPane.h"
 #include "window/TableListPane.h"
+#include "workarea/ORVQDFloatPanel.h"
+#include "workarea/ORVQDKeptPlaces.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
@@ -123,7 +125,10 @@ void MainWindow::loadStatement() {
 bool MainWindow::loadText(const QString& text) {
     try {
         const QScopedValueRollback<bool> loading(m_isLoading, true);
+        const orv::KeptPlaces places(*m_builder->WorkArea);
         m_builder->LoadSQL(text);
+        // Another query: nobody has laid it out yet.
+        if (!places.keepsAny(*m_builder->WorkArea)) m_builder->WorkArea->arrange();
     } catch (const std::exception& error) {
         m_statement->setRefused(text, QString::fromUtf8(error.what()));
         return false;

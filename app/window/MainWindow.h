@@ -49,6 +49,7 @@ private:
     void buildPanes();
     void buildActions();
     void buildMenus();
+    void buildDiagramMenu();
     QAction* addAction(const char* icon, const QString& text, const QKeySequence& shortcut,
                        void (MainWindow::*slot)());
     void restoreLayout();

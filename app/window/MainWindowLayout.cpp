@@ -6,6 +6,7 @@
 #include "window/ResultPane.h"
 #include "window/StatementPane.h"
 #include "window/TableListPane.h"
+#include "workarea/ORVQDFloatPanel.h"
 
 #include <QAction>
 #include <QCoreApplication>
@@ -124,10 +125,32 @@ void MainWindow::buildMenus() {
     query->addSeparator();
     query->addActions({m_run, m_stop});
 
+    buildDiagramMenu();
+
     QMenu* help = menuBar()->addMenu(tr("&Help"));
     QAction* about = addAction(nullptr, tr("&About orvquery"), {}, &MainWindow::showAbout);
     about->setMenuRole(QAction::AboutRole);
     help->addAction(about);
+}
+
+void MainWindow::buildDiagramMenu() {
+    QMenu* menu = menuBar()->addMenu(tr("&Diagram"));
+    const auto add = [&](const QString& text, const QKeySequence& shortcut,
+                         void (TorvQDWorkArea::*command)()) {
+        TorvQDWorkArea* area = m_builder->WorkArea;
+        QAction* action = menu->addAction(
+            text, area, [area, command] { orv::guarded([&] { (area->*command)(); }); });
+        action->setShortcut(shortcut);
+    };
+    add(tr("&Arrange"), QKeySequence(QStringLiteral("Ctrl+Shift+A")), &TorvQDWorkArea::arrange);
+    menu->addSeparator();
+    add(tr("&Fit"), QKeySequence(QStringLiteral("Ctrl+9")), &TorvQDWorkArea::fit);
+    add(tr("Actual &size"), QKeySequence(QStringLiteral("Ctrl+0")), &TorvQDWorkArea::actualSize);
+    add(tr("Zoom &in"), QKeySequence::ZoomIn, &TorvQDWorkArea::zoomIn);
+    add(tr("Zoom &out"), QKeySequence::ZoomOut, &TorvQDWorkArea::zoomOut);
+    menu->addSeparator();
+    add(tr("&Copy as picture"), QKeySequence(QStringLiteral("Ctrl+Shift+C")),
+        &TorvQDWorkArea::copyAsPicture);
 }
 
 void MainWindow::restoreLayout() {

@@ -170,6 +170,8 @@ void writeRestoringKeys(JsonWriter& json, TorvQueryBuilder& builder) {
     json.key("sortedRows").beginArray();
     for (const SortList::Line& line : builder.OrderPanel->sortList().lines()) json.value(line.row);
     json.endArray();
+    const QPoint view = area.scrollPosition();
+    json.key("view").beginArray().value(view.x()).value(view.y()).endArray();
 }
 
 void writeState(JsonWriter& json, TorvQueryBuilder& builder, const StateNotes& notes) {

@@ -310,6 +310,13 @@ void readOrder(const Value& root, QueryState& state) {
     for (std::size_t line = 0; line < numbers.size(); ++line) state.order[line].row = numbers[line];
 }
 
+QPoint readView(const Value& value) {
+    const std::vector<int> numbers = value.numbers();
+    if (numbers.empty()) return {};
+    if (numbers.size() != 2) fail(value.path(), QStringLiteral("is no place"));
+    return {numbers[0], numbers[1]};
+}
+
 }  // namespace
 
 QueryState readState(const QByteArray& json) {
@@ -335,6 +342,7 @@ QueryState readState(const QByteArray& json) {
     state.selectedFields = root.key("selectedFields").texts();
     state.allFields = root.key("allFields").texts();
     state.creationOrder = readCreationOrder(root.key("creationOrder"), state);
+    state.view = readView(root.key("view"));
     return state;
 }
 

@@ -63,6 +63,7 @@ struct QueryState {
     std::vector<SortList::Line> order;
     QStringList selectedFields;
     QStringList allFields;
+    QPoint view;  ///< scroll position of the diagram
 };
 
 /// Reads a state that stateJson() wrote. Keys that are missing stand for nothing of their kind;

@@ -192,6 +192,7 @@ void TorvQueryBuilder::RestoreState(const QByteArray& json) {
     OrderPanel->setSortedLines(state.order);
     m_tail = state.tail;
     restoreNames(state.selectedFields, state.allFields);
+    WorkArea->scrollTo(state.view);
     change.finish();
 }
 
