@@ -332,6 +332,7 @@ private:
     void addAlias(TorvQDTable* table);
     void forgetAlias(TorvQDTable* table, const QString& alias);
     [[nodiscard]] int indexOf(const QObject* table) const;
+    void paintTables(QPainter& painter, const QRegion& region, bool fillsGround);
     void updateScrollRange();
     void updateScrollRange(const TorvQDTable& moved);
     [[nodiscard]] QSize viewSize() const;

@@ -127,31 +127,59 @@ void TorvQDWorkArea::invalidate(const QRegion& viewRegion) {
     }
 }
 
-// The boxes from the back to the front, so that each covers those behind it; then the links.
 void TorvQDWorkArea::paintEvent(QPaintEvent* event) {
     orv::guarded([&] {
         QRegion region = event->region();
         QPainter painter(viewport());
-        painter.fillRect(event->rect(), palette().color(QPalette::Window));
+        // Where a pixel of the diagram is a whole number of pixels, boxes cover their ground fully.
+        const qreal scale = m_zoom * devicePixelRatioF();
+        const bool isWhole = scale == std::floor(scale);
+        if (!isWhole) painter.fillRect(event->rect(), palette().color(QPalette::Window));
         if (m_zoom != 1) {
             painter.scale(m_zoom, m_zoom);
             region = QTransform::fromScale(1 / m_zoom, 1 / m_zoom)
                          .mapRect(QRectF(event->rect()))
                          .toAlignedRect();
         }
+        paintTables(painter, region, isWhole);
         const QPoint scroll = scrollPosition();
-        for (std::size_t index = m_tables.size(); index-- > 0;) {
-            TorvQDTable& table = *m_tables[index];
-            if (region.intersects(table.toView(table.GetBoundsRect()).toQRect())) {
-                table.Paint(painter);
-            }
-        }
         for (const auto& [number, link] : m_links) {
             if (region.intersects(link->extent().translated(-scroll))) link->Paint(painter);
         }
         m_gestures->paint(painter);
         m_keys->paint(painter);
     });
+}
+
+// The boxes from the back to the front, so that each covers those behind it. Nothing is painted of
+// what is covered wholly: not of a box, and not of the ground when `fillsGround`.
+void TorvQDWorkArea::paintTables(QPainter& painter, const QRegion& region, bool fillsGround) {
+    struct Visible {
+        TorvQDTable* table;
+        QRect part;
+        bool isWhole;
+    };
+    std::vector<Visible> tables;
+    QRegion rest = region;
+    for (const auto& table : m_tables) {
+        const QRect bounds = table->toView(table->GetBoundsRect()).toQRect();
+        const QRect part = rest.intersected(bounds).boundingRect();
+        if (part.isEmpty()) continue;
+        tables.push_back({table.get(), part, part == bounds});
+        rest -= bounds;
+    }
+    if (fillsGround) {
+        const QColor ground = palette().color(QPalette::Window);
+        for (const QRect& rect : rest) painter.fillRect(rect, ground);
+    }
+    for (auto visible = tables.rbegin(); visible != tables.rend(); ++visible) {
+        if (!visible->isWhole) {
+            painter.save();
+            painter.setClipRect(visible->part, Qt::IntersectClip);
+        }
+        visible->table->Paint(painter);
+        if (!visible->isWhole) painter.restore();
+    }
 }
 
 QRect TorvQDWorkArea::diagramBounds() const {
