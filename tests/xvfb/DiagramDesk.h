@@ -107,10 +107,7 @@ public:
             return table(alias)->GetCaptionRect().toQRect().center() + offset;
         });
     }
-    /// A point of the link's line, in diagram coordinates.
-    [[nodiscard]] Hand::Place linkPoint(int index) const {
-        return at([this, index] { return link()->points()[std::size_t(index)]; });
-    }
+    /// The middle of the link's longest part.
     [[nodiscard]] Hand::Place linkMiddle() const {
         return at([this] { return (link()->points()[1] + link()->points()[2]) / 2; });
     }

@@ -46,8 +46,11 @@ public:
         return add(
             QStringLiteral("move"), [this, place] { point(place()); },
             [this, place] {
-                if (place() != m_target) point(place());
-                return m_seen == m_target;
+                const QPoint wanted = place();
+                if (m_target == wanted) return m_seen == m_target;
+                // What is pointed to has moved meanwhile, or the detour is over.
+                if (!m_makesDetour || m_seen == m_target) moveStraight(wanted);
+                return false;
             });
     }
     Hand& press(int button = 1) {
@@ -162,17 +165,18 @@ private:
         process.waitForFinished(mostMs);
     }
 
-    // A pointer that stands there already is not heard of: it goes away first.
+    // A pointer that stands there already is not heard of: it goes aside first.
     void point(const QPoint& place) {
+        const bool isThere = QCursor::pos() == place;
+        moveStraight(isThere ? place + QPoint(1, 0) : place);
+        m_makesDetour = isThere;
+    }
+
+    void moveStraight(const QPoint& place) {
+        m_makesDetour = false;
         m_target = place;
         m_seen = QPoint(-1, -1);
-        QStringList arguments;
-        const auto move = [&](const QPoint& to) {
-            arguments << "mousemove" << QString::number(to.x()) << QString::number(to.y());
-        };
-        if (QCursor::pos() == place) move(place + QPoint(1, 0));
-        move(place);
-        xdotool(arguments);
+        xdotool({"mousemove", QString::number(place.x()), QString::number(place.y())});
     }
 
     Hand& add(const QString& what, const Action& act, const Condition& isDone = {}) {
@@ -220,6 +224,7 @@ private:
     QElapsedTimer m_clock;
     QString m_failure;
     QPoint m_target;
+    bool m_makesDetour = false;
     QPoint m_seen;
     int m_presses = 0;
     int m_pressesBefore = 0;
