@@ -1,10 +1,11 @@
-# orv_add_test(name source... [LIBS library...] [LABELS label...] [TIMEOUT seconds])
+# orv_add_test(name source... [LIBS library...] [LABELS label...] [TIMEOUT seconds] [WINDOW_MANAGER])
 #
 # Makes a QtTest program and registers it under its name. It runs without a display and writes
 # nowhere but below the build folder. A test labelled "xvfb" runs in a virtual X server of its own
-# instead, for what only a real display shows: drag and drop, focus, window managers.
+# instead, for what only a real display shows: drag and drop, focus, window managers. With
+# WINDOW_MANAGER one runs in that server, and the test has the pointer and the keys of xdotool.
 function(orv_add_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "LIBS;LABELS")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "WINDOW_MANAGER" "TIMEOUT" "LIBS;LABELS")
     if(NOT arg_UNPARSED_ARGUMENTS)
         message(FATAL_ERROR "orv_add_test(${name}): no sources")
     endif()
@@ -18,13 +19,22 @@ function(orv_add_test name)
     set(command $<TARGET_FILE:${name}>)
     set(platform offscreen)
     if("xvfb" IN_LIST arg_LABELS)
-        find_program(ORV_XVFB_RUN xvfb-run)
-        mark_as_advanced(ORV_XVFB_RUN)
-        if(NOT ORV_XVFB_RUN)
-            message(STATUS "Test ${name} is left out: xvfb-run was not found")
-            return()
+        set(tools xvfb-run)
+        if(arg_WINDOW_MANAGER)
+            list(APPEND tools openbox xdotool)
+            list(PREPEND command "${PROJECT_SOURCE_DIR}/tests/xvfb/with-openbox")
         endif()
-        set(command "${ORV_XVFB_RUN}" -a -s "-screen 0 1280x900x24 -dpi 96" ${command})
+        foreach(tool IN LISTS tools)
+            string(MAKE_C_IDENTIFIER "ORV_${tool}" variable)
+            string(TOUPPER "${variable}" variable)
+            find_program(${variable} ${tool})
+            mark_as_advanced(${variable})
+            if(NOT ${variable})
+                message(STATUS "Test ${name} is left out: ${tool} was not found")
+                return()
+            endif()
+        endforeach()
+        list(PREPEND command "${ORV_XVFB_RUN}" -a -s "-screen 0 1280x900x24 -dpi 96")
         set(platform xcb)
     endif()
 

@@ -66,8 +66,9 @@ TorvQueryBuilder::TorvQueryBuilder(QWidget* parent, bool designMode)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(Splitter);
-    createPages(designMode);
+    // The order of their creation is that of the Tab key.
     if (!designMode) createWorkArea();
+    createPages(designMode);
     Splitter->setStretchFactor(Splitter->count() - 1, 0);
 }
 

@@ -103,6 +103,12 @@ TorvQDWorkArea::TorvQDWorkArea(QWidget* AOwner)
 }
 
 TorvQDWorkArea::~TorvQDWorkArea() {
+    // A menu outlives its command, in which the control may die: Qt looks at it afterwards. Closed,
+    // it goes by itself.
+    if (m_menu) {
+        m_menu->close();
+        m_menu->setParent(nullptr, m_menu->windowFlags());
+    }
     m_aliasEdit->committed = nullptr;
     contentsCleared = nullptr;
     m_selected.clear();
