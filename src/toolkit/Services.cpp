@@ -5,6 +5,7 @@
 #include <QDialog>
 #include <QDrag>
 #include <QMessageBox>
+#include <QPointer>
 #include <QTimer>
 
 #include <utility>
@@ -26,13 +27,15 @@ QMessageBox::Icon boxIcon(MessageIcon icon) {
 
 MessageAnswer showMessageBox(const MessageRequest& request) {
     const bool asks = request.buttons == MessageButtons::YesNo;
-    QMessageBox box(request.parent);
-    box.setTextFormat(Qt::PlainText);
-    box.setWindowTitle(request.caption);
-    box.setText(request.text);
-    box.setIcon(boxIcon(request.icon));
-    box.setStandardButtons(asks ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok);
-    const int pressed = box.exec();
+    // It dies with its parent, while it is open, too.
+    const QPointer<QMessageBox> box(new QMessageBox(request.parent));
+    box->setTextFormat(Qt::PlainText);
+    box->setWindowTitle(request.caption);
+    box->setText(request.text);
+    box->setIcon(boxIcon(request.icon));
+    box->setStandardButtons(asks ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok);
+    const int pressed = box->exec();
+    delete box;
     if (!asks) return MessageAnswer::Ok;
     return pressed == QMessageBox::Yes ? MessageAnswer::Yes : MessageAnswer::No;
 }
