@@ -178,6 +178,7 @@ void FieldDrag::leave() {
     m_under.clear();
     m_area.stopTimer(TorvQDWorkArea::rowsUpTimer);
     m_area.stopTimer(TorvQDWorkArea::rowsDownTimer);
+    m_area.stopTimer(TorvQDWorkArea::edgeTimer);
 }
 
 // The effect comes when the drag is over: a message in here would block the one that drags.

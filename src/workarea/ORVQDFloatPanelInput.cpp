@@ -167,7 +167,10 @@ void TorvQDWorkArea::trackMouse(const QMouseEvent& event) {
     viewport()->setCursor(cursorFor(hit));
     if (!object) return;
     TWMMouse message = messageOf(event);
+    const QPointer<TorvQDWorkArea> self(this);
     object->MouseMove(message, hit);
+    // The host may have closed what the mouse is over, or everything.
+    if (!self || !m_hot) return;
     m_hintPoint = m_mouse;
     startTimerNumber(hintTimer);
 }

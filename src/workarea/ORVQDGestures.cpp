@@ -163,6 +163,7 @@ void Gestures::follow() {
 
 void Gestures::reset() {
     setTarget(nullptr);
+    m_area.stopTimer(TorvQDWorkArea::edgeTimer);
     m_kind = Kind::Idle;
     m_object.clear();
     m_hit = htTOutSide;
