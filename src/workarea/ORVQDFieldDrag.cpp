@@ -119,6 +119,7 @@ void FieldDrag::link(const DraggedField& target) {
 
 void FieldDrag::over(QDragMoveEvent& event, const QPoint& viewPoint) {
     m_pointer = viewPoint;
+    m_isOver = true;
     if (draggedField(event.mimeData())) {
         if (!isOwn(event.mimeData())) return event.ignore();
         overOwn(viewPoint);
@@ -164,6 +165,7 @@ void FieldDrag::scrollRows(int timer) {
 }
 
 void FieldDrag::leave() {
+    m_isOver = false;
     setTarget(nullptr);
     m_under.clear();
     m_area.stopTimer(TorvQDWorkArea::rowsUpTimer);
@@ -186,6 +188,7 @@ void FieldDrag::drop(QDropEvent& event, const QPoint& viewPoint) {
         leave();
         return;
     }
+    leave();
     event.acceptProposedAction();
     m_area.foreignDrop(event.source(), viewPoint, *event.mimeData());
 }

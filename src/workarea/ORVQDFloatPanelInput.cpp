@@ -481,6 +481,8 @@ void TorvQDWorkArea::watchEdge(const QPoint& viewPoint) {
 }
 
 void TorvQDWorkArea::scrollAtEdge() {
+    // What was held may have gone meanwhile.
+    if (!m_gestures->movesThings() && !m_fieldDrag->isOver()) return stopTimer(edgeTimer);
     const QSize size = viewSize();
     const auto step = [](int place, int end) {
         return place < edgeBandPx ? -edgeStepPx : place >= end - edgeBandPx ? edgeStepPx : 0;
