@@ -216,6 +216,9 @@ void Gestures::sizeBox(const QPoint& viewPoint) {
     };
     if (isLeft(m_hit)) box.MoveLeft(std::max(0, m_shape.left + way.x()));
     if (isTop(m_hit)) box.MoveUpper(std::max(0, m_shape.top + way.y()));
+    // A box that is smaller than anybody can size it grows at once, beyond its opposite edge where
+    // there is no other room.
+    box.MoveTable(std::max(0, box.Left) - box.Left, std::max(0, box.Top) - box.Top);
     const int right = m_shape.left + m_shape.width;
     const int bottom = m_shape.top + m_shape.height;
     if (isRight(m_hit)) box.SetWidth(limit(right + way.x(), right) - m_shape.left);
