@@ -255,6 +255,7 @@ void TorvQDWorkArea::placeBox(TorvQDTable& box, const QPoint& wanted, const QPoi
 }
 
 void TorvQDWorkArea::arrange() {
+    cancelGesture();
     QHash<const TorvQDTable*, int> indices;
     std::vector<QSize> sizes;
     for (const TorvQDTable* table : m_creation) {
@@ -265,7 +266,6 @@ void TorvQDWorkArea::arrange() {
     for (const TorvQDJoin* join : Joins()) {
         joins.emplace_back(indices.value(join->Table1), indices.value(join->Table2));
     }
-    cancelGesture();
     const std::vector<QPoint> places = orv::arrange(sizes, joins);
     for (const auto& [number, link] : m_links) link->setBendPoints({});
     for (std::size_t index = 0; index < places.size(); ++index) {
