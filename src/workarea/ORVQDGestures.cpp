@@ -135,7 +135,7 @@ void Gestures::move(TWMMouse message) {
     case Kind::Panning: break;
     }
     if (!area || !m_object) return;
-    const bool waits = m_kind == Kind::Pressed && link();
+    const bool waits = m_kind == Kind::Pressed && link() && link()->isBendDragged();
     if (!waits) m_object->MouseMove(message, m_hit);
 }
 
