@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "workarea/ORVQDFieldDrag.h"
 
+#include "contract/ChangeScope.h"
 #include "toolkit/Glyph.h"
 #include "toolkit/Services.h"
 #include "workarea/ORVQDFloatPanel.h"
@@ -111,8 +112,10 @@ void FieldDrag::link(const DraggedField& target) {
     if (!takes(to)) return;
     TorvQDTable* box = to->Table;
     const QPointer<TorvQDTable> chosen(box);
-    m_area.AddLink(from->Table, box, from, to);
-    if (chosen) m_area.selectObject(box);
+    ChangeScope change(&m_area, &m_area);
+    const bool isLinked = m_area.AddLink(from->Table, box, from, to);
+    if (chosen && isLinked) m_area.selectObject(box);
+    change.finish();
 }
 
 // --- over the diagram ---
