@@ -81,13 +81,17 @@ void TorvQDWorkArea::setZoom(qreal zoom, const QPoint& viewportAnchor) {
     const qreal wanted = std::abs(zoom - 1) < 0.01 ? 1 : std::clamp(zoom, leastZoom, mostZoom);
     if (qFuzzyCompare(wanted, m_zoom)) return;
     const QPointF anchor = QPointF(scrollPosition()) + QPointF(viewportAnchor) / m_zoom;
+    const QPoint mouse = toViewport(m_mouse);
     m_zoom = wanted;
+    m_mouse = toViewPoint(mouse);
+    m_gestures->setMouse(m_mouse);
     updateScrollRange();
     const QPointF position = anchor - QPointF(viewportAnchor) / m_zoom;
     horizontalScrollBar()->setValue(int(std::lround(position.x())));
     verticalScrollBar()->setValue(int(std::lround(position.y())));
     placeOverlays();
     viewport()->update();
+    m_gestures->follow();
 }
 
 void TorvQDWorkArea::zoomIn() {

@@ -156,6 +156,11 @@ void Gestures::release(TWMMouse message) {
     if (area) reset();
 }
 
+void Gestures::setMouse(const QPoint& viewPoint) {
+    m_last.XPos = viewPoint.x();
+    m_last.YPos = viewPoint.y();
+}
+
 void Gestures::follow() {
     if (movesThings()) move(m_last);
 }
