@@ -48,6 +48,11 @@ public:
         return hints;
     }
 
+    /// The row on which something that is being dragged would be dropped.
+    [[nodiscard]] TorvQDListItem* markedRow(const QString& alias) const {
+        return table(alias)->dropItem();
+    }
+
     // --- places
 
     static QPoint centre(const TRect& rect) {

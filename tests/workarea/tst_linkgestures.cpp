@@ -373,9 +373,9 @@ private Q_SLOTS:
         on.press(on.end());
         on.moveTo(on.rowTextOf("DEPT", "DEPT_NO"));
         on.moveTo(on.rowTextOf("DEPT", "BUDGET"));
-        QCOMPARE(on.table("DEPT")->dropItem(), on.row("DEPT", "BUDGET"));
+        QCOMPARE(on.markedRow("DEPT"), on.row("DEPT", "BUDGET"));
         on.pressEscape();
-        QVERIFY(!on.table("DEPT")->dropItem());
+        QVERIFY(!on.markedRow("DEPT"));
         QCOMPARE(on.tie->DragIndex, -1);
         on.release(on.rowTextOf("DEPT", "BUDGET"));
         QCOMPARE(on.links(), QStringList("U.A=T.A"));
@@ -392,13 +392,13 @@ private Q_SLOTS:
         const TiedBuilder on;
         on.press(on.end());
         on.moveTo(on.rowTextOf("T", "C"));
-        QCOMPARE(on.table("T")->dropItem(), on.row("T", "C"));
+        QCOMPARE(on.markedRow("T"), on.row("T", "C"));
         on.moveTo(on.rowTextOf("DEPT", "BUDGET"));
-        QVERIFY(!on.table("T")->dropItem());
-        QCOMPARE(on.table("DEPT")->dropItem(), on.row("DEPT", "BUDGET"));
+        QVERIFY(!on.markedRow("T"));
+        QCOMPARE(on.markedRow("DEPT"), on.row("DEPT", "BUDGET"));
         on.moveTo(on.rowTextOf("U", "X"));
-        QVERIFY(!on.table("DEPT")->dropItem());
-        QVERIFY(!on.table("U")->dropItem());
+        QVERIFY(!on.markedRow("DEPT"));
+        QVERIFY(!on.markedRow("U"));
     }
 
     void targetClosedDuringTheDragTakesNoEnd() {
