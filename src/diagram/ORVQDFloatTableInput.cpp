@@ -108,8 +108,11 @@ void TorvQDTable::MouseUp(TWMMouse& Message, TTableHitTest Hit) {
     } else if (Hit == htTClient) {
         TorvQDListItem* item = GetItemAt(point.x(), point.y());
         if (item && item == CurrentItem && item->ParamType == ptOutput) {
+            // The release may lie anywhere, also above the list.
             const TRect rect = GetItemRect(item);
-            if (point.x() >= rect.Left && point.x() < rect.Left + ItemHeight) toggle(item);
+            const bool isInRow = point.y() >= rect.Top - rowGapPx;
+            const bool isInSquare = point.x() >= rect.Left && point.x() < rect.Left + ItemHeight;
+            if (isInRow && isInSquare) toggle(item);
         }
     }
     if (!self) return;
@@ -178,7 +181,8 @@ void TorvQDTable::_RenameTable() {
 void TorvQDTable::KeyDown(int& Key, Qt::KeyboardModifiers Shift) {
     const QPointer<TorvQDTable> self(this);
     TorvQDFloatObject::KeyDown(Key, Shift);
-    if (!self || !canvas()) return;
+    // A handler that sets the key to 0 has used it up.
+    if (!self || !canvas() || Key == 0) return;
     if (Shift & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return;
     switch (Key) {
     case Qt::Key_Return:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "workarea/ORVQDFieldDrag.h"
 
+#include "contract/ChangeScope.h"
 #include "toolkit/Glyph.h"
 #include "toolkit/Services.h"
 #include "workarea/ORVQDFloatPanel.h"
@@ -111,8 +112,10 @@ void FieldDrag::link(const DraggedField& target) {
     if (!takes(to)) return;
     TorvQDTable* box = to->Table;
     const QPointer<TorvQDTable> chosen(box);
-    m_area.AddLink(from->Table, box, from, to);
-    if (chosen) m_area.selectObject(box);
+    ChangeScope change(&m_area, &m_area);
+    const bool isLinked = m_area.AddLink(from->Table, box, from, to);
+    if (chosen && isLinked) m_area.selectObject(box);
+    change.finish();
 }
 
 // --- over the diagram ---
@@ -129,6 +132,7 @@ void FieldDrag::enter(QDragMoveEvent& event, const QPoint& viewPoint) {
 
 void FieldDrag::over(QDragMoveEvent& event, const QPoint& viewPoint) {
     m_pointer = viewPoint;
+    m_isOver = true;
     if (draggedField(event.mimeData())) {
         if (!isOwn(event.mimeData())) return event.ignore();
         overOwn(viewPoint);
@@ -174,6 +178,7 @@ void FieldDrag::scrollRows(int timer) {
 }
 
 void FieldDrag::leave() {
+    m_isOver = false;
     setTarget(nullptr);
     m_under.clear();
     m_area.stopTimer(TorvQDWorkArea::rowsUpTimer);
@@ -197,6 +202,7 @@ void FieldDrag::drop(QDropEvent& event, const QPoint& viewPoint) {
         leave();
         return;
     }
+    leave();
     event.acceptProposedAction();
     m_area.foreignDrop(event.source(), viewPoint, *event.mimeData());
 }

@@ -31,6 +31,8 @@ public:
     void over(QDragMoveEvent& event, const QPoint& viewPoint);
     void leave();
     void drop(QDropEvent& event, const QPoint& viewPoint);
+    /// Whether something is being dragged over the diagram.
+    [[nodiscard]] bool isOver() const { return m_isOver; }
 
     /// Scrolls the rows of the box under the resting pointer: the timers 1 (up) and 2 (down).
     void scrollRows(int timer);
@@ -51,6 +53,7 @@ private:
     std::optional<DraggedField> m_field;   // what is being dragged
     std::optional<DraggedField> m_target;  // where it was dropped
     QPoint m_dropPoint;
+    bool m_isOver = false;
     QPoint m_pointer;       // of the last move
     QPoint m_restingPoint;  // in diagram coordinates, when a row timer was started
     QPointer<TorvQDTable> m_under;

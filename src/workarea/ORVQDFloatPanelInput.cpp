@@ -486,6 +486,8 @@ void TorvQDWorkArea::watchEdge(const QPoint& viewPoint) {
 }
 
 void TorvQDWorkArea::scrollAtEdge() {
+    // What was held may have gone meanwhile.
+    if (!m_gestures->movesThings() && !m_fieldDrag->isOver()) return stopTimer(edgeTimer);
     const QSize size = viewSize();
     const auto step = [](int place, int end) {
         return place < edgeBandPx ? -edgeStepPx : place >= end - edgeBandPx ? edgeStepPx : 0;
@@ -504,10 +506,14 @@ void TorvQDWorkArea::hideHint() {
 void TorvQDWorkArea::showHint() {
     stopTimer(hintTimer);
     if (!m_hot || m_mouse != m_hintPoint) return;
-    // Type names have doubled ampersands.
-    QString text = m_hot->GetHint().replace(QStringLiteral("&&"), QStringLiteral("&"));
+    QString text = m_hot->GetHint();
     if (text.isEmpty()) return;
     const auto* table = qobject_cast<TorvQDTable*>(m_hot.data());
+    if (table && m_hotHit == htTClient) {
+        // Names of types have doubled ampersands; in the name of a field each one counts.
+        const qsizetype type = text.lastIndexOf(QStringLiteral(" ("));
+        text = text.left(type) + text.mid(type).replace(QStringLiteral("&&"), QStringLiteral("&"));
+    }
     if (table && m_hotHit == htTCaption) {
         const TRect room = table->GetCaptionRect();
         if (boldTextWidth(table->GetCaption()) > room.width()) text += u'\n' + table->GetCaption();

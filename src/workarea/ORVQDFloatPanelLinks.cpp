@@ -248,6 +248,7 @@ void TorvQDWorkArea::replaceLink(TorvQDLink* link, bool atStart, TorvQDListItem*
     TorvQDListItem* other = atStart ? link->Item2 : link->Item1;
     const int operation = link->Operator;
     const QString source = link->OperatorSource;
+    const QString text = link->operatorText();
     const TKindOfJoin kind = link->Join->KindOfJoin;
     const bool allowed = m_owner->DoAddRemoveLink(link, araRemove);
     // The host may have removed the box or the link while it was asked.
@@ -259,8 +260,13 @@ void TorvQDWorkArea::replaceLink(TorvQDLink* link, bool atStart, TorvQDListItem*
     TorvQDLink* added = atStart ? AddLink(table, other->Table, item, other)
                                 : AddLink(other->Table, table, other, item);
     if (!self || !added) return;
-    added->Operator = operation;
-    added->OperatorSource = source;
+    if (added->Item1->Table == (atStart ? table.data() : other->Table)) {
+        added->Operator = operation;
+        added->OperatorSource = source;
+    } else {
+        // The join that was there has its boxes the other way round.
+        added->setOperatorText(orv::mirroredOperator(text));
+    }
     if (makesJoin) added->Join->KindOfJoin = kind;
     removeLink(number, true);
     if (self && holds(added)) selectObject(added);

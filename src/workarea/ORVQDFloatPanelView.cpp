@@ -81,12 +81,16 @@ void TorvQDWorkArea::setZoom(qreal zoom, const QPoint& viewportAnchor) {
     const qreal wanted = std::abs(zoom - 1) < 0.01 ? 1 : std::clamp(zoom, leastZoom, mostZoom);
     if (qFuzzyCompare(wanted, m_zoom)) return;
     const QPointF anchor = QPointF(scrollPosition()) + QPointF(viewportAnchor) / m_zoom;
+    const QPoint mouse = toViewport(m_mouse);
     m_zoom = wanted;
+    m_mouse = toViewPoint(mouse);
+    m_gestures->setMouse(m_mouse);
     updateScrollRange();
     const QPointF position = anchor - QPointF(viewportAnchor) / m_zoom;
     scrollTo(position.toPoint());
     placeOverlays();
     viewport()->update();
+    m_gestures->follow();
 }
 
 void TorvQDWorkArea::zoomIn() {
@@ -289,6 +293,7 @@ void TorvQDWorkArea::placeBox(TorvQDTable& box, const QPoint& wanted, const QPoi
 }
 
 void TorvQDWorkArea::arrange() {
+    cancelGesture();
     QHash<const TorvQDTable*, int> indices;
     std::vector<QSize> sizes;
     for (const TorvQDTable* table : m_creation) {
@@ -299,7 +304,6 @@ void TorvQDWorkArea::arrange() {
     for (const TorvQDJoin* join : Joins()) {
         joins.emplace_back(indices.value(join->Table1), indices.value(join->Table2));
     }
-    cancelGesture();
     const std::vector<QPoint> places = orv::arrange(sizes, joins);
     for (const auto& [number, link] : m_links) link->setBendPoints({});
     for (std::size_t index = 0; index < places.size(); ++index) {

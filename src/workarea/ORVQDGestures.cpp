@@ -134,7 +134,7 @@ void Gestures::move(TWMMouse message) {
     case Kind::Panning: break;
     }
     if (!area || !m_object) return;
-    const bool waits = m_kind == Kind::Pressed && link();
+    const bool waits = m_kind == Kind::Pressed && link() && link()->isBendDragged();
     if (!waits) m_object->MouseMove(message, m_hit);
 }
 
@@ -153,6 +153,11 @@ void Gestures::release(TWMMouse message) {
     }
     if (area && object && kind != Kind::Panning) object->MouseUp(message, hit);
     if (area) reset();
+}
+
+void Gestures::setMouse(const QPoint& viewPoint) {
+    m_last.XPos = viewPoint.x();
+    m_last.YPos = viewPoint.y();
 }
 
 void Gestures::follow() {
@@ -216,6 +221,9 @@ void Gestures::sizeBox(const QPoint& viewPoint) {
     };
     if (isLeft(m_hit)) box.MoveLeft(std::max(0, m_shape.left + way.x()));
     if (isTop(m_hit)) box.MoveUpper(std::max(0, m_shape.top + way.y()));
+    // A box that is smaller than anybody can size it grows at once, beyond its opposite edge where
+    // there is no other room.
+    box.MoveTable(std::max(0, box.Left) - box.Left, std::max(0, box.Top) - box.Top);
     const int right = m_shape.left + m_shape.width;
     const int bottom = m_shape.top + m_shape.height;
     if (isRight(m_hit)) box.SetWidth(limit(right + way.x(), right) - m_shape.left);

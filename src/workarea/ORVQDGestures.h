@@ -34,7 +34,9 @@ public:
     void release(TWMMouse message);
     void beginPanning(const QPoint& viewPoint);
 
-    /// The diagram was scrolled under the resting mouse.
+    /// The resting mouse has other view coordinates: the view was magnified.
+    void setMouse(const QPoint& viewPoint);
+    /// The diagram was scrolled or magnified under the resting mouse.
     void follow();
     /// Ends the gesture and restores what was at the press; false when nothing was going on.
     bool cancel();

@@ -1,73 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The work area under a real mouse: everything goes through presses and keys of the view.
-#include "support/BuilderTools.h"
-#include "toolkit/ExitEdit.h"
+#include "support/ShownBuilder.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <QMenu>
 #include <QScrollBar>
 #include <QSignalSpy>
 
-using orvtest::HostedBuilder;
-
-namespace {
-
-/// A shown builder with two boxes; T is in front and selected, U lies beside it.
-class ShownBuilder : public HostedBuilder {
-public:
-    ShownBuilder() {
-        builder.resize(800, 600);
-        addTable("U");
-        addTable("T");
-        builder.show();
-        QCoreApplication::processEvents();
-        changes = 0;
-    }
-
-    QWidget* view() const { return builder.WorkArea->viewport(); }
-    orv::ExitEdit* edit() const { return view()->findChild<orv::ExitEdit*>(); }
-
-    static QPoint centre(const TRect& rect) {
-        return {(rect.Left + rect.Right) / 2, (rect.Top + rect.Bottom) / 2};
-    }
-    /// In view coordinates.
-    QPoint captionOf(const QString& alias) const {
-        const TorvQDTable* box = table(alias);
-        return centre(box->toView(box->GetCaptionRect()));
-    }
-    QPoint captionCheckOf(const QString& alias) const {
-        const TorvQDTable* box = table(alias);
-        return box->toView(box->GetBoundsRect()).toQRect().topLeft() + QPoint(8, 10);
-    }
-    QPoint checkSquareOf(const QString& alias, const QString& field) const {
-        const TorvQDTable* box = table(alias);
-        const TRect row = box->GetItemRect(box->GetFieldItem(field));
-        return {row.Left + 5, row.Top + 8};
-    }
-    QPoint rowTextOf(const QString& alias, const QString& field) const {
-        return checkSquareOf(alias, field) + QPoint(25, 0);
-    }
-
-    void click(const QPoint& point) { QTest::mouseClick(view(), Qt::LeftButton, {}, point); }
-    void doubleClick(const QPoint& point) {
-        click(point);
-        QTest::mouseDClick(view(), Qt::LeftButton, {}, point);
-        QTest::mouseRelease(view(), Qt::LeftButton, {}, point);
-    }
-    void drag(const QPoint& from, const QPoint& by) {
-        QTest::mousePress(view(), Qt::LeftButton, {}, from);
-        moveTo(from + by / 2);
-        moveTo(from + by);
-        QTest::mouseRelease(view(), Qt::LeftButton, {}, from + by);
-    }
-    void moveTo(const QPoint& point) {
-        QMouseEvent event(QEvent::MouseMove, point, view()->mapToGlobal(point), Qt::NoButton,
-                          Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(view(), &event);
-    }
-};
-
-}  // namespace
+using orvtest::ShownBuilder;
 
 class FloatPanelViewTest : public QObject {
     Q_OBJECT
