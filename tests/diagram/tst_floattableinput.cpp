@@ -375,14 +375,14 @@ private Q_SLOTS:
         on.box.setDropItem(on.row(1));
         on.canvas.invalidated.clear();
         on.box.setDropItem(on.row(3));
-        QCOMPARE(on.box.dropItem(), on.row(3));
+        QCOMPARE(on.box.DropItem, on.row(3));
         QCOMPARE(on.canvas.invalidated, (std::vector<TRect>{on.box.GetItemRect(on.row(1)),
                                                             on.box.GetItemRect(on.row(3))}));
         on.canvas.invalidated.clear();
         on.box.setDropItem(on.row(3));
         QVERIFY(on.canvas.invalidated.empty());
         on.box.setDropItem(nullptr);
-        QVERIFY(!on.box.dropItem());
+        QVERIFY(!on.box.DropItem);
     }
 
     // --- double clicks

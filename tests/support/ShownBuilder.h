@@ -50,7 +50,7 @@ public:
 
     /// The row on which something that is being dragged would be dropped.
     [[nodiscard]] TorvQDListItem* markedRow(const QString& alias) const {
-        return table(alias)->dropItem();
+        return table(alias)->DropItem;
     }
 
     // --- places
