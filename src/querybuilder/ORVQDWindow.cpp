@@ -66,8 +66,9 @@ TorvQueryBuilder::TorvQueryBuilder(QWidget* parent, bool designMode)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(Splitter);
-    createPages(designMode);
+    // The diagram comes first for the Tab key, as it does on the screen.
     if (!designMode) createWorkArea();
+    createPages(designMode);
     Splitter->setStretchFactor(Splitter->count() - 1, 0);
 }
 
@@ -129,7 +130,7 @@ TorvQDWherePanel* TorvQueryBuilder::addCriteria(TorvTabSheet* sheet, const QStri
 
 void TorvQueryBuilder::createWorkArea() {
     WorkArea = new TorvQDWorkArea(this);
-    Splitter->insertWidget(0, WorkArea);
+    Splitter->addWidget(WorkArea);
     Splitter->setStretchFactor(0, 1);
     WorkArea->OnCheckItem = [this](QObject* sender, TorvQDListItem* item) {
         _AddRemoveField(sender, item);
