@@ -159,8 +159,9 @@ TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataS
     TorvQDTable* table = adopt(std::move(box));
     if (!self) return nullptr;
     if (m_selected) m_selected->SetSelect(false);  // one that a handler added meanwhile
-    m_selected = table;
+    const QPointer<TorvQDFloatObject> old = std::exchange(m_selected, table);
     table->SetSelect(true);
+    selectionChanged(old);
     // While a statement is loaded its boxes come one by one, and the view stays where it is.
     if (!m_owner->ledger() && viewport()->isVisible()) ensureVisible(table->GetBoundsRect());
     change.finish();
@@ -423,6 +424,7 @@ void TorvQDWorkArea::forget(TorvQDFloatObject* object) {
     if (m_selected != object) return;
     object->SetSelect(false);
     m_selected.clear();
+    selectionChanged(object);
 }
 
 // An object may go from within one of its own handlers: it dies once that has returned.
@@ -476,10 +478,18 @@ void TorvQDWorkArea::selectObject(TorvQDFloatObject* object) {
     if (!self || (object && !wanted)) return;
     if (m_searchEdit->table() != object) m_searchEdit->close();
     beginChange();
+    const QPointer<TorvQDFloatObject> old(m_selected);
     if (m_selected) m_selected->SetSelect(false);
     m_selected = object;
     if (object) object->SetSelect(true);
+    if (self) selectionChanged(old);
     endChange();
+}
+
+// Beside what the objects repaint of themselves: the focus, and a link that keys have begun, may be
+// shown elsewhere now.
+void TorvQDWorkArea::selectionChanged(TorvQDFloatObject* old) {
+    if (!old != !m_selected || m_keys->linkSource()) viewport()->update();
 }
 
 // --- relays ---

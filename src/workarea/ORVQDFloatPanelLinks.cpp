@@ -158,6 +158,7 @@ void TorvQDWorkArea::removeLink(int number, bool invalidates) {
         link->SetSelect(false);
         if (!self || m_links.count(number) == 0) return;  // a handler was faster
         m_selected.clear();
+        selectionChanged(link);
     }
     if (invalidates) invalidate(link->GetClipRgn(0));
     const TorvQDJoin* join = link->Join;
