@@ -8,6 +8,7 @@
 #include "selection/ORVQDSelectOrder.h"
 #include "toolkit/Glyph.h"
 #include "toolkit/Services.h"
+#include "workarea/ORVQDAccessible.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <QEvent>
@@ -51,6 +52,7 @@ TorvQueryBuilder::TorvQueryBuilder(QWidget* parent, bool designMode)
     : TorvBuilder(parent),
       m_tabsHeight(leastTabsHeightPx),
       m_dragIdentity(QRandomGenerator::global()->generate64()) {
+    orv::installAccessibility();
     resize(initialSize);
     setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     setLineWidth(1);

@@ -11,6 +11,7 @@
 #include "parser/ORVQDKeywords.h"
 #include "toolkit/ExitEdit.h"
 #include "toolkit/Services.h"
+#include "workarea/ORVQDAccessible.h"
 #include "workarea/ORVQDDiagramKeys.h"
 #include "workarea/ORVQDFieldDrag.h"
 #include "workarea/ORVQDFieldSearch.h"
@@ -177,6 +178,7 @@ TorvQDTable* TorvQDWorkArea::adopt(std::unique_ptr<TorvQDTable> box) {
     rememberAlias(table);
     indexFields(table);
     updateScrollRange(*table);
+    orv::accessible::tellAdded(table);
     m_owner->statementChanged();
     if (const TAddEvent handler = OnAddTable) handler(this, table);
     return table;
@@ -281,6 +283,8 @@ void TorvQDWorkArea::rememberAlias(TorvQDTable* table) {
     table->aliasChanged = [this](TorvQDTable* changed, const QString& oldAlias) {
         forgetAlias(changed, oldAlias);
         addAlias(changed);
+        orv::accessible::tellRenamed(changed);
+        for (const int join : m_joinsOfTable.value(changed)) tellJoinChanged(m_joins[join]);
     };
 }
 
@@ -401,6 +405,7 @@ void TorvQDWorkArea::removeBox(TorvQDTable* table) {
     m_owner->statementChanged();
     invalidate(table->toView(table->GetBoundsRect()));
     forget(table);
+    orv::accessible::tellRemoved(table);
     forgetAlias(table, table->GetAlias());
     unindexFields(table);
     std::erase(m_creation, table);
@@ -448,6 +453,8 @@ void TorvQDWorkArea::ClearContents() {
     hideHint();
     if (m_menu) m_menu->close();
     m_selected.clear();
+    for (const auto& [number, link] : m_links) orv::accessible::tellRemoved(link.get());
+    for (TorvQDTable* table : m_creation) orv::accessible::tellRemoved(table);
     showRowScrollBar(false);
     m_creation.clear();
     m_creationNumber.clear();
@@ -466,6 +473,7 @@ void TorvQDWorkArea::ClearContents() {
     m_tables.clear();
     updateScrollRange();
     viewport()->update();
+    orv::accessible::tellFocus(*this);
     if (contentsCleared) contentsCleared();
     m_owner->statementChanged();
 }
@@ -490,6 +498,10 @@ void TorvQDWorkArea::selectObject(TorvQDFloatObject* object) {
 // shown elsewhere now.
 void TorvQDWorkArea::selectionChanged(TorvQDFloatObject* old) {
     if (!old != !m_selected || m_keys->linkSource()) viewport()->update();
+    if (old == m_selected) return;
+    if (old) orv::accessible::tellSelected(old, false);
+    if (m_selected) orv::accessible::tellSelected(m_selected, true);
+    orv::accessible::tellFocus(*this);
 }
 
 // --- relays ---

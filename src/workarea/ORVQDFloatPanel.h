@@ -354,6 +354,7 @@ private:
     void showChosenPart();
     void showFocus(bool shows);
     void selectionChanged(TorvQDFloatObject* old);
+    static void tellJoinChanged(const HeldJoin& held);
     void paintFocus(QPainter& painter) const;
     [[nodiscard]] bool scrollRowsByWheel(const QWheelEvent& event);
 

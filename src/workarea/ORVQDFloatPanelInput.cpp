@@ -2,6 +2,7 @@
 // The events of the work area: each finds the object that it is about and goes there.
 #include "contract/DiagramEvents.h"
 #include "toolkit/Services.h"
+#include "workarea/ORVQDAccessible.h"
 #include "workarea/ORVQDDiagramKeys.h"
 #include "workarea/ORVQDFieldDrag.h"
 #include "workarea/ORVQDFieldSearch.h"
@@ -305,8 +306,8 @@ void TorvQDWorkArea::showChosenPart() {
     }
 }
 
-void TorvQDWorkArea::boxChanged(TorvQDTable* table, BoxChange change,
-                                const TorvQDListItem* /*row*/) {
+void TorvQDWorkArea::boxChanged(TorvQDTable* table, BoxChange change, const TorvQDListItem* row) {
+    orv::accessible::tellChange(table, change, row);
     if (change != BoxChange::CurrentRow) return;
     if (m_searchEdit->table() == table && table == m_selected) showChosenPart();
     if (m_keys->linkSource()) viewport()->update();
@@ -341,6 +342,9 @@ void TorvQDWorkArea::focusInEvent(QFocusEvent* event) {
     default: break;
     }
     viewport()->update();
+    // Readers are told of the widget once this event is over, and then where in it the focus is.
+    QMetaObject::invokeMethod(
+        this, [this] { orv::accessible::tellFocus(*this); }, Qt::QueuedConnection);
 }
 
 void TorvQDWorkArea::showFocus(bool shows) {
