@@ -90,6 +90,11 @@ public:
     /// Deletes the link when the host allows it, once the present event is over.
     virtual void postDeleteLink(TorvQDLink* link) = 0;
 
+    /// What the box shows has changed: which row is the current one, the tick of a row or (without
+    /// a row) of its check box, whether its rows are shown, all of its rows.
+    enum class BoxChange { CurrentRow, Tick, Expanded, Rows };
+    virtual void boxChanged(TorvQDTable*, BoxChange, const TorvQDListItem* /*row*/) {}
+
     /// Opens the properties of the link and its join; the link may be gone when this returns.
     virtual void editLink(TorvQDLink* link) = 0;
 

@@ -55,6 +55,10 @@ void TorvQDFloatObject::KeyDown(int& Key, Qt::KeyboardModifiers Shift) {
     if (const KeyEvent handler = OnKeyDown) handler(this, Key, Shift);
 }
 
+bool TorvQDFloatObject::usesKey(int, Qt::KeyboardModifiers, const QString&) const {
+    return false;
+}
+
 void TorvQDFloatObject::KeyUp(int& Key, Qt::KeyboardModifiers Shift) {
     if (const KeyEvent handler = OnKeyUp) handler(this, Key, Shift);
 }

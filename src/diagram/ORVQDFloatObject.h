@@ -85,6 +85,10 @@ public:
     virtual void MouseMove(TWMMouse& Message, TTableHitTest HitTest);
     virtual void MouseUp(TWMMouse& Message, TTableHitTest HitTest);
     virtual void KeyDown(int& Key, Qt::KeyboardModifiers Shift);
+    /// Whether KeyDown means something to the object when the key has that text. The event of the
+    /// host may take other keys, too.
+    [[nodiscard]] virtual bool usesKey(int key, Qt::KeyboardModifiers shift,
+                                       const QString& text) const;
     virtual void KeyUp(int& Key, Qt::KeyboardModifiers Shift);
     virtual void LeaveHit(TWMMouse& Message, TTableHitTest HitTest);
     /// Where the point, in view coordinates, lies on the object.

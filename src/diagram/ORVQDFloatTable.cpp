@@ -26,8 +26,10 @@ TRect TorvQDListItem::GetBoundsRect() const {
 }
 
 void TorvQDListItem::store(bool value) {
-    if (Checked != value && ParamType == ptOutput) Table->m_checkedRows += value ? 1 : -1;
+    if (Checked == value) return;
+    if (ParamType == ptOutput) Table->m_checkedRows += value ? 1 : -1;
     Checked = value;
+    Table->tell(IDiagramCanvas::BoxChange::Tick, this);
 }
 
 void TorvQDListItem::invalidate() const {
@@ -85,6 +87,7 @@ TorvQDTable::TorvQDTable(QWidget* AParent, const TDataSet* DataSet, const QStrin
 TorvQDTable::~TorvQDTable() = default;
 
 void TorvQDTable::AssignItems(const TDataSet* DataSet) {
+    ++m_rowsVersion;
     Items.clear();
     m_rowByName.clear();
     m_rowByWord.clear();
@@ -99,6 +102,11 @@ void TorvQDTable::AssignItems(const TDataSet* DataSet) {
         Items.back()->m_index = int(Items.size()) - 1;
         ++m_outputRows;
     }
+    tell(IDiagramCanvas::BoxChange::Rows);
+}
+
+void TorvQDTable::tell(IDiagramCanvas::BoxChange change, const TorvQDListItem* row) {
+    if (canvas()) canvas()->boxChanged(this, change, row);
 }
 
 void TorvQDTable::SetAlias(const QString& alias) {
@@ -166,6 +174,7 @@ void TorvQDTable::SetCurrentItem(TorvQDListItem* Item) {
     if (CurrentItem) CurrentItem->invalidate();
     CurrentItem = Item;
     CurrentItem->invalidate();
+    tell(IDiagramCanvas::BoxChange::CurrentRow, CurrentItem);
 }
 
 void TorvQDTable::SetFieldState(int State) {
@@ -182,6 +191,7 @@ void TorvQDTable::UpdateFieldState(int State) {
     if (state == FieldState) return;
     FieldState = state;
     invalidate({Left, Top, Left + CaptionHeight, Top + CaptionHeight});
+    tell(IDiagramCanvas::BoxChange::Tick);
 }
 
 // What one row's new tick makes of the check box: all ticked, none ticked, or some.

@@ -134,6 +134,8 @@ public:
     /// Space and Enter tick the current row, the arrows and their like choose it, letters and
     /// digits search a row. Sets `Key` to 0 when it was one of these.
     void KeyDown(int& Key, Qt::KeyboardModifiers Shift) override;
+    [[nodiscard]] bool usesKey(int key, Qt::KeyboardModifiers shift,
+                               const QString& text) const override;
     void LeaveHit(TWMMouse& Message, TTableHitTest HitTest) override;
     [[nodiscard]] TTableHitTest HitTest(const QPoint& P) const override;
     void PopupMenu(QMenu& Menu, int X, int Y, TTableHitTest HitTest) override;
@@ -233,6 +235,9 @@ public:
     /// Width and height of a caption button's glyph.
     static constexpr int captionGlyphPx = 11;
 
+    /// Grows with each AssignItems: rows of before are gone.
+    [[nodiscard]] int rowsVersion() const { return m_rowsVersion; }
+
     /// The canvas is closing the box: a second request is ignored.
     bool closing = false;
 
@@ -247,6 +252,7 @@ private:
     void _RemoveTable();
     void invalidate(const TRect& rect) const;
     void showScrollBar(bool visible) const;
+    void tell(IDiagramCanvas::BoxChange change, const TorvQDListItem* row = nullptr);
     void recountFieldState(bool value);
     [[nodiscard]] TRect captionStrip() const;
     [[nodiscard]] TRect scrolledArea() const;
@@ -262,6 +268,7 @@ private:
     void paintRows(QPainter& painter) const;
 
     QString m_alias;
+    int m_rowsVersion = 0;
     int m_outputRows = 0;
     int m_checkedRows = 0;                      // of the output rows
     static constexpr int rowGapPx = 1;          // between two rows

@@ -234,6 +234,7 @@ void TorvQDTable::SetExpand(int Value) {
     Expanded = Value;
     invalidate(full);
     if (Selected) showScrollBar(Expanded && UpdateScrollBar());
+    tell(IDiagramCanvas::BoxChange::Expanded);
     if (canvas()) canvas()->tableResized(this);
 }
 

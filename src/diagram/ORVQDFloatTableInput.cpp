@@ -178,12 +178,35 @@ void TorvQDTable::_RenameTable() {
 
 // --- the keys ---
 
+bool TorvQDTable::usesKey(int key, Qt::KeyboardModifiers shift, const QString& text) const {
+    if (shift & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return false;
+    switch (key) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Space:
+    case Qt::Key_Right:
+    case Qt::Key_Down:
+    case Qt::Key_Left:
+    case Qt::Key_Up:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+    case Qt::Key_Home:
+    case Qt::Key_End: return true;
+    default: return !text.isEmpty() && text.at(0).isLetterOrNumber();
+    }
+}
+
+// The host's event may change the key: then the text that was typed is another one's.
 void TorvQDTable::KeyDown(int& Key, Qt::KeyboardModifiers Shift) {
     const QPointer<TorvQDTable> self(this);
+    const int pressed = Key;
     TorvQDFloatObject::KeyDown(Key, Shift);
-    // A handler that sets the key to 0 has used it up.
-    if (!self || !canvas() || Key == 0) return;
-    if (Shift & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return;
+    if (!self || !canvas()) return;
+    const bool isPlainKey =
+        (Key >= Qt::Key_0 && Key <= Qt::Key_9) || (Key >= Qt::Key_A && Key <= Qt::Key_Z);
+    QString text = Key == pressed ? canvas()->typedText() : QString();
+    if (text.isEmpty() && isPlainKey) text = QChar(Key);
+    if (Key == 0 || !usesKey(Key, Shift, text)) return;
     switch (Key) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
@@ -201,11 +224,6 @@ void TorvQDTable::KeyDown(int& Key, Qt::KeyboardModifiers Shift) {
     case Qt::Key_End: moveCurrent(std::exchange(Key, 0)); return;
     default: break;
     }
-    QString text = canvas()->typedText();
-    const bool isPlainKey =
-        (Key >= Qt::Key_0 && Key <= Qt::Key_9) || (Key >= Qt::Key_A && Key <= Qt::Key_Z);
-    if (text.isEmpty() && isPlainKey) text = QChar(Key);
-    if (text.isEmpty() || !text.at(0).isLetterOrNumber()) return;
     Key = 0;
     canvas()->beginSearch(this, text);
 }

@@ -19,6 +19,7 @@ constexpr int clipMarkerLengthPx = 7;
 constexpr int clipPiecePx = 64;
 constexpr int mostClipPieces = 128;  // of one segment, however far its ends are apart
 constexpr int selectedWidthPx = 2;
+constexpr int ringRadiusPx = 4;  // of the chosen bend point; repainting covers that much
 
 int middleOf(const TRect& rect) {
     return rect.Top + (rect.Bottom - rect.Top) / 2;
@@ -349,6 +350,11 @@ void TorvQDLink::Paint(QPainter& Painter) {
         drawCircle(bend.x() - markerHalfHeightPx, bend.y());
     }
     Painter.setPen(QPen(Qt::black, 1));
+    if (const int chosen = Selected ? chosenBend() : -1; chosen >= 0) {
+        Painter.setBrush(Qt::white);
+        Painter.drawEllipse(GetPoint(chosen), ringRadiusPx, ringRadiusPx);
+        Painter.setBrush(Qt::black);
+    }
     const TKindOfJoin kind = Join->KindOfJoin;
     drawMarker(GetPoint(0), startsLeft, kind == klLOuterJoin || kind == klFOuterJoin);
     drawMarker(GetPoint(last), endsLeft, kind == klROuterJoin || kind == klFOuterJoin);

@@ -147,6 +147,8 @@ public:
     /// bend point in the middle of the longest segment, the arrows choose one, with Ctrl they move
     /// it, Ctrl+Delete deletes it. Sets `Key` to 0 when it was one of these.
     void KeyDown(int& Key, Qt::KeyboardModifiers Shift) override;
+    [[nodiscard]] bool usesKey(int key, Qt::KeyboardModifiers shift,
+                               const QString& text) const override;
     [[nodiscard]] TTableHitTest HitTest(const QPoint& P) const override;
     void PopupMenu(QMenu& Menu, int X, int Y, TTableHitTest HitTest) override;
 
@@ -158,6 +160,7 @@ private:
     void addAction(QMenu& menu, const QString& text, void (TorvQDLink::*handler)());
     [[nodiscard]] QRegion bandRegion() const;
     void insertPointInTheMiddle();
+    void deleteChosenBend();
     void chooseBend(int step);
     void moveChosenBend(const QPoint& by);
     [[nodiscard]] QPoint toDiagram(const QPoint& viewPoint) const;

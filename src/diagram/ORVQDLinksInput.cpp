@@ -14,6 +14,7 @@ namespace {
 
 constexpr int bandMarginPx = 2;
 constexpr int coarseStepPx = 10;
+constexpr int firstBend = 2;  // index of the first bend point
 
 }  // namespace
 
@@ -140,40 +141,41 @@ void TorvQDLink::_LinkProperties() {
 
 // --- the keys ---
 
-void TorvQDLink::KeyDown(int& Key, Qt::KeyboardModifiers Shift) {
-    const QPointer<TorvQDLink> self(this);
-    TorvQDFloatObject::KeyDown(Key, Shift);
-    if (!self) return;
-    const QPoint arrow = orv::arrowOf(Key);
-    const bool hasControl = Shift & Qt::ControlModifier;
-    if (!arrow.isNull()) {
-        Key = 0;
-        if (hasControl) {
-            moveChosenBend(arrow * (Shift & Qt::ShiftModifier ? 1 : coarseStepPx));
-        } else {
-            chooseBend(arrow.x() + arrow.y());
-        }
-        return;
-    }
-    switch (Key) {
+bool TorvQDLink::usesKey(int key, Qt::KeyboardModifiers shift, const QString&) const {
+    if (shift & (Qt::AltModifier | Qt::MetaModifier)) return false;
+    const bool isPlain = !(shift & Qt::ControlModifier);
+    switch (key) {
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_Delete: return true;
     case Qt::Key_Return:
     case Qt::Key_Enter:
     case Qt::Key_Space:
-        Key = 0;
-        _LinkProperties();
-        break;
-    case Qt::Key_Delete:
-        Key = 0;
-        if (!hasControl) return _DeleteLink();
-        if (chosenBend() < 0) return;
-        DragPoint = GetPoint(chosenBend());
-        _DeletePoint();
-        break;
-    case Qt::Key_Insert:
-        Key = 0;
-        insertPointInTheMiddle();
-        break;
+    case Qt::Key_Insert: return isPlain;
+    default: return false;
+    }
+}
+
+void TorvQDLink::KeyDown(int& Key, Qt::KeyboardModifiers Shift) {
+    const QPointer<TorvQDLink> self(this);
+    TorvQDFloatObject::KeyDown(Key, Shift);
+    if (!self || !usesKey(Key, Shift, QString())) return;
+    const QPoint arrow = orv::arrowOf(Key);
+    const bool hasControl = Shift & Qt::ControlModifier;
+    switch (std::exchange(Key, 0)) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Space: return _LinkProperties();
+    case Qt::Key_Delete: return hasControl ? deleteChosenBend() : _DeleteLink();
+    case Qt::Key_Insert: return insertPointInTheMiddle();
     default: break;
+    }
+    if (hasControl) {
+        moveChosenBend(arrow * (Shift & Qt::ShiftModifier ? 1 : coarseStepPx));
+    } else {
+        chooseBend(arrow.x() + arrow.y());
     }
 }
 
@@ -199,6 +201,7 @@ void TorvQDLink::moveChosenBend(const QPoint& by) {
     invalidateLine();
 }
 
+// The longest segment between the stubs is meant, wherever else the line runs past its middle.
 void TorvQDLink::insertPointInTheMiddle() {
     const auto length = [&](int segment) {
         return (GetPoint(segment + 1) - GetPoint(segment)).manhattanLength();
@@ -207,9 +210,19 @@ void TorvQDLink::insertPointInTheMiddle() {
     for (int segment = 2; segment < GetCountPoints() - 2; ++segment) {
         if (length(segment) > length(longest)) longest = segment;
     }
-    const int count = GetCountPoints();
-    DragPoint = (GetPoint(longest) + GetPoint(longest + 1)) / 2;
-    _InsertPoint();
-    if (GetCountPoints() > count) m_chosenBend = longest + 1;
+    const QPoint middle = toDiagram((GetPoint(longest) + GetPoint(longest + 1)) / 2);
+    invalidateLine();
+    m_points.insert(m_points.begin() + longest + 1, middle);
+    m_chosenBend = longest + 1;
+    invalidateLine();
+}
+
+// The one before it is chosen then; without bend points there is none.
+void TorvQDLink::deleteChosenBend() {
+    const int bend = chosenBend();
+    if (bend < 0) return;
+    invalidateLine();
+    m_points.erase(m_points.begin() + bend);
+    m_chosenBend = GetCountPoints() > firstBend + 2 ? std::max(bend - 1, firstBend) : -1;
     invalidateLine();
 }

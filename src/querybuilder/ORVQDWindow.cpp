@@ -8,6 +8,7 @@
 #include "selection/ORVQDSelectOrder.h"
 #include "toolkit/Glyph.h"
 #include "toolkit/Services.h"
+#include "workarea/ORVQDAccessible.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <QEvent>
@@ -51,6 +52,7 @@ TorvQueryBuilder::TorvQueryBuilder(QWidget* parent, bool designMode)
     : TorvBuilder(parent),
       m_tabsHeight(leastTabsHeightPx),
       m_dragIdentity(QRandomGenerator::global()->generate64()) {
+    orv::installAccessibility();
     resize(initialSize);
     setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     setLineWidth(1);
@@ -66,7 +68,7 @@ TorvQueryBuilder::TorvQueryBuilder(QWidget* parent, bool designMode)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(Splitter);
-    // The order of their creation is that of the Tab key.
+    // The diagram comes first for the Tab key, as it does on the screen.
     if (!designMode) createWorkArea();
     createPages(designMode);
     Splitter->setStretchFactor(Splitter->count() - 1, 0);
@@ -130,7 +132,7 @@ TorvQDWherePanel* TorvQueryBuilder::addCriteria(TorvTabSheet* sheet, const QStri
 
 void TorvQueryBuilder::createWorkArea() {
     WorkArea = new TorvQDWorkArea(this);
-    Splitter->insertWidget(0, WorkArea);
+    Splitter->addWidget(WorkArea);
     Splitter->setStretchFactor(0, 1);
     WorkArea->OnCheckItem = [this](QObject* sender, TorvQDListItem* item) {
         _AddRemoveField(sender, item);

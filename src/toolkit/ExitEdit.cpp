@@ -35,6 +35,21 @@ void ExitEdit::leave(const std::function<void()>& handler) {
     if (copy) guarded(copy);
 }
 
+// Its keys are its own, also where the window has shortcuts on them.
+bool ExitEdit::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto* pressed = static_cast<QKeyEvent*>(event);
+        const int key = pressed->key();
+        const bool isPlain = !(pressed->modifiers() & ~Qt::KeypadModifier);
+        const bool isExit = key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape;
+        if (isPlain && isExit) {
+            event->accept();
+            return true;
+        }
+    }
+    return QLineEdit::event(event);
+}
+
 void ExitEdit::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         leave(committed);

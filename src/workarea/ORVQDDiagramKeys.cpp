@@ -38,91 +38,118 @@ TorvQDLink* DiagramKeys::selectedLink() const {
 }
 
 bool DiagramKeys::wants(const QKeyEvent& event) const {
-    const int key = event.key();
     const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
-    const bool isArrow = !arrowOf(key).isNull();
-    const bool isPage = key == Qt::Key_PageUp || key == Qt::Key_PageDown;
-    if (isArrow) return !(modifiers & (Qt::AltModifier | Qt::MetaModifier));
-    if (isPage) return !(modifiers & Qt::MetaModifier);
-    const TorvQDFloatObject* selected = m_area.selectedObject();
-    switch (key) {
-    case Qt::Key_Home:
-    case Qt::Key_End: return modifiers == Qt::NoModifier;
-    case Qt::Key_Delete:
-    case Qt::Key_Insert:
-    case Qt::Key_F2:
-    case Qt::Key_Space:
-    case Qt::Key_Return:
-    case Qt::Key_Enter: return selected && !(modifiers & (Qt::AltModifier | Qt::MetaModifier));
-    case Qt::Key_Escape: return m_area.isGesturing() || linkSource();
-    case Qt::Key_Plus:
-    case Qt::Key_Equal:
-    case Qt::Key_Minus: return selected || modifiers & Qt::ControlModifier;
-    case Qt::Key_0: return modifiers == Qt::ControlModifier || (selected && modifiers == 0);
-    default: break;
-    }
-    if (modifiers & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return false;
-    const QString text = event.text();
-    return selected && !text.isEmpty() && text.at(0).isLetterOrNumber();
+    const TorvQDFloatObject* object = m_area.keyTarget(event.key(), event.text());
+    if (object && object->usesKey(event.key(), modifiers, event.text())) return true;
+    return commandOf(event.key(), modifiers) != Command::None;
 }
 
-bool DiagramKeys::press(const QKeyEvent& event) {
-    const int key = event.key();
-    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
-    if (key == Qt::Key_Escape) return m_area.cancelGesture() || cancelLink();
+// What a key means beside what the selected object does with it.
+DiagramKeys::Command DiagramKeys::commandOf(int key, Qt::KeyboardModifiers modifiers) const {
+    if (key == Qt::Key_Escape) {
+        return m_area.isGesturing() || linkSource() ? Command::Cancel : Command::None;
+    }
+    // Not every platform makes a context menu event of it.
+    if (key == Qt::Key_F10 && modifiers == Qt::ShiftModifier) return Command::ShowMenu;
     const bool isPage = key == Qt::Key_PageUp || key == Qt::Key_PageDown;
-    const int step = key == Qt::Key_PageDown ? 1 : -1;
     if (isPage && modifiers == Qt::ControlModifier) {
-        selectTable(step);
-        return true;
+        return m_area.TablesCount() > 0 ? Command::SelectTable : Command::None;
     }
     if (isPage && modifiers == Qt::AltModifier) {
-        selectLink(step);
-        return true;
+        return m_area.Links().empty() ? Command::None : Command::SelectLink;
     }
-    TorvQDTable* table = selectedTable();
-    if (table && pressOnTable(*table, key, modifiers)) return true;
-    if (TorvQDLink* link = selectedLink(); link && key == Qt::Key_F2) {
-        link->_LinkProperties();
-        return true;
+    if (modifiers & (Qt::AltModifier | Qt::MetaModifier)) return Command::None;
+    if (const Command command = commandOnSelected(key, modifiers); command != Command::None) {
+        return command;
     }
     if (modifiers & Qt::ControlModifier) {
-        if (pressWithControl(key)) return true;
+        switch (key) {
+        case Qt::Key_Plus:
+        case Qt::Key_Equal: return Command::ZoomIn;
+        case Qt::Key_Minus: return Command::ZoomOut;
+        case Qt::Key_0: return Command::ActualSize;
+        default: break;
+        }
     }
-    return !m_area.selectedObject() && modifiers == Qt::NoModifier && scroll(key);
+    if (m_area.selectedObject()) return Command::None;
+    if (!arrowOf(key).isNull()) {
+        return modifiers & Qt::ShiftModifier ? Command::None : Command::Scroll;
+    }
+    const bool scrolls = isPage || key == Qt::Key_Home;
+    return scrolls && modifiers == Qt::NoModifier ? Command::Scroll : Command::None;
+}
+
+DiagramKeys::Command DiagramKeys::commandOnSelected(int key,
+                                                    Qt::KeyboardModifiers modifiers) const {
+    const bool hasControl = modifiers & Qt::ControlModifier;
+    const bool hasShift = modifiers & Qt::ShiftModifier;
+    if (key == Qt::Key_A && hasControl && hasShift) {
+        return m_area.selectedObject() ? Command::Deselect : Command::None;
+    }
+    if (selectedLink()) {
+        return key == Qt::Key_F2 && !modifiers ? Command::ShowProperties : Command::None;
+    }
+    if (!selectedTable()) return Command::None;
+    if (hasControl && !arrowOf(key).isNull()) return hasShift ? Command::Size : Command::Move;
+    if (hasControl) {
+        if (key == Qt::Key_Space && !hasShift) return Command::TickAll;
+        return key == Qt::Key_Delete && !hasShift ? Command::Unlink : Command::None;
+    }
+    switch (key) {
+    case Qt::Key_F2: return hasShift ? Command::None : Command::Rename;
+    case Qt::Key_Delete: return hasShift ? Command::None : Command::Close;
+    case Qt::Key_Insert: return hasShift ? Command::None : Command::Link;
+    case Qt::Key_Plus: return Command::Expand;
+    case Qt::Key_Minus: return Command::Collapse;
+    default: return Command::None;
+    }
+}
+
+bool DiagramKeys::press(int key, Qt::KeyboardModifiers modifiers) {
+    const Command command = commandOf(key, modifiers);
+    const int step = key == Qt::Key_PageDown ? 1 : -1;
+    switch (command) {
+    case Command::None: return false;
+    case Command::Cancel: m_area.cancelGesture() || cancelLink(); break;
+    case Command::ShowMenu: m_area.showMenuOf(m_area.selectedObject()); break;
+    case Command::SelectTable: selectTable(step); break;
+    case Command::SelectLink: selectLink(step); break;
+    case Command::Deselect: m_area.selectObject(nullptr); break;
+    case Command::ZoomIn: m_area.zoomIn(); break;
+    case Command::ZoomOut: m_area.zoomOut(); break;
+    case Command::ActualSize: m_area.setZoom(1); break;
+    case Command::Scroll: scroll(key, modifiers & Qt::ControlModifier); break;
+    case Command::ShowProperties: selectedLink()->_LinkProperties(); break;
+    case Command::Move:
+    case Command::Size:
+    case Command::TickAll:
+    case Command::Unlink:
+    case Command::Rename:
+    case Command::Close:
+    case Command::Link:
+    case Command::Expand:
+    case Command::Collapse: doOnTable(*selectedTable(), command, key); break;
+    }
+    return true;
 }
 
 // --- the view ---
 
-bool DiagramKeys::pressWithControl(int key) {
-    switch (key) {
-    case Qt::Key_Plus:
-    case Qt::Key_Equal: m_area.zoomIn(); return true;
-    case Qt::Key_Minus: m_area.zoomOut(); return true;
-    case Qt::Key_0: m_area.setZoom(1); return true;
-    default: break;
-    }
-    if (m_area.selectedObject() || arrowOf(key).isNull()) return false;
-    const QPoint by = arrowOf(key) * stepPx;
-    m_area.scrollBy(by.x(), by.y());
-    return true;
-}
-
-bool DiagramKeys::scroll(int key) {
+void DiagramKeys::scroll(int key, bool finely) {
     const QPoint arrow = arrowOf(key);
     QScrollBar* vertical = m_area.verticalScrollBar();
     if (!arrow.isNull()) {
-        m_area.scrollBy(arrow.x() * vertical->singleStep(), arrow.y() * vertical->singleStep());
-        return true;
+        const QPoint by = arrow * (finely ? stepPx : vertical->singleStep());
+        return m_area.scrollBy(by.x(), by.y());
     }
     switch (key) {
-    case Qt::Key_PageUp: vertical->triggerAction(QScrollBar::SliderPageStepSub); return true;
-    case Qt::Key_PageDown: vertical->triggerAction(QScrollBar::SliderPageStepAdd); return true;
+    case Qt::Key_PageUp: vertical->triggerAction(QScrollBar::SliderPageStepSub); break;
+    case Qt::Key_PageDown: vertical->triggerAction(QScrollBar::SliderPageStepAdd); break;
     case Qt::Key_Home:
         m_area.horizontalScrollBar()->setValue(0);
         vertical->setValue(0);
-        return true;
-    default: return false;
+        break;
+    default: break;
     }
 }
 
@@ -151,42 +178,45 @@ void DiagramKeys::selectLink(int step) {
 
 // --- a box ---
 
-bool DiagramKeys::pressOnTable(TorvQDTable& table, int key, Qt::KeyboardModifiers modifiers) {
-    const bool hasControl = modifiers & Qt::ControlModifier;
-    const bool hasShift = modifiers & Qt::ShiftModifier;
-    if (hasControl && !arrowOf(key).isNull()) {
-        return changeShape(table, key, hasShift);
-    }
-    if (hasControl && !hasShift) {
-        switch (key) {
-        case Qt::Key_Space: table.SetFieldState(table.FieldState == 2 ? 0 : 2); return true;
-        case Qt::Key_Delete: table.UnlinkTable(); return true;
-        default: return false;
-        }
-    }
-    if (modifiers & ~Qt::ShiftModifier) return false;
-    switch (key) {
-    case Qt::Key_F2: table._RenameTable(); return true;
-    case Qt::Key_Delete: table.CloseTable(); return true;
-    case Qt::Key_Insert: beginOrEndLink(table); return true;
-    case Qt::Key_Plus: table.SetExpand(-1); return true;
-    case Qt::Key_Minus: table.SetExpand(0); return true;
-    default: return false;
+void DiagramKeys::doOnTable(TorvQDTable& table, Command command, int key) {
+    switch (command) {
+    case Command::Move: moveTable(table, arrowOf(key) * stepPx); break;
+    case Command::Size: sizeTable(table, arrowOf(key) * stepPx); break;
+    case Command::TickAll: table.SetFieldState(table.FieldState == 2 ? 0 : 2); break;
+    case Command::Unlink: table.UnlinkTable(); break;
+    case Command::Rename:
+        m_area.ensureVisible(table.GetBoundsRect());
+        table._RenameTable();
+        break;
+    case Command::Close: table.CloseTable(); break;
+    case Command::Link: beginOrEndLink(table); break;
+    case Command::Expand: table.SetExpand(-1); break;
+    case Command::Collapse: table.SetExpand(0); break;
+    case Command::None:
+    case Command::Cancel:
+    case Command::ShowMenu:
+    case Command::SelectTable:
+    case Command::SelectLink:
+    case Command::Deselect:
+    case Command::ZoomIn:
+    case Command::ZoomOut:
+    case Command::ActualSize:
+    case Command::Scroll:
+    case Command::ShowProperties: break;
     }
 }
 
-bool DiagramKeys::changeShape(TorvQDTable& table, int key, bool sizes) {
-    const QPoint by = arrowOf(key) * stepPx;
-    if (sizes) {
-        if (!table.Expanded) return true;
-        if (by.x() != 0) table.SetWidth(table.Width + by.x());
-        if (by.y() != 0) table.SetHeight(table.Height + by.y());
-    } else {
-        const QPoint place(table.Left, table.Top);
-        m_area.placeBox(table, place + by, place);
-    }
+void DiagramKeys::moveTable(TorvQDTable& table, const QPoint& by) {
+    const QPoint place(table.Left, table.Top);
+    m_area.placeBox(table, place + by, place);
     m_area.ensureVisible(table.GetBoundsRect());
-    return true;
+}
+
+void DiagramKeys::sizeTable(TorvQDTable& table, const QPoint& by) {
+    if (!table.Expanded) return;
+    if (by.x() != 0) table.SetWidth(table.Width + by.x());
+    if (by.y() != 0) table.SetHeight(table.Height + by.y());
+    m_area.ensureVisible(table.GetBoundsRect());
 }
 
 // --- a link by keys ---

@@ -21,7 +21,7 @@ public:
     /// Whether the diagram takes the key from the shortcuts of the window.
     [[nodiscard]] bool wants(const QKeyEvent& event) const;
     /// Does what the key means; false when it means nothing here.
-    bool press(const QKeyEvent& event);
+    bool press(int key, Qt::KeyboardModifiers modifiers);
 
     /// The row from which Insert began a link; none at other times.
     [[nodiscard]] TorvQDListItem* linkSource() const;
@@ -33,15 +33,41 @@ public:
     void paint(QPainter& painter) const;
 
 private:
+    enum class Command {
+        None,
+        Cancel,
+        ShowMenu,
+        SelectTable,
+        SelectLink,
+        Deselect,
+        ZoomIn,
+        ZoomOut,
+        ActualSize,
+        Scroll,
+        ShowProperties,  // of the selected link
+        // of the selected box
+        Move,
+        Size,
+        TickAll,
+        Unlink,
+        Rename,
+        Close,
+        Link,
+        Expand,
+        Collapse
+    };
+
     [[nodiscard]] TorvQDTable* selectedTable() const;
     [[nodiscard]] TorvQDLink* selectedLink() const;
-    bool pressWithControl(int key);
-    bool pressOnTable(TorvQDTable& table, int key, Qt::KeyboardModifiers modifiers);
-    bool changeShape(TorvQDTable& table, int key, bool sizes);
+    [[nodiscard]] Command commandOf(int key, Qt::KeyboardModifiers modifiers) const;
+    [[nodiscard]] Command commandOnSelected(int key, Qt::KeyboardModifiers modifiers) const;
+    void doOnTable(TorvQDTable& table, Command command, int key);
+    void moveTable(TorvQDTable& table, const QPoint& by);
+    void sizeTable(TorvQDTable& table, const QPoint& by);
     void selectTable(int step);
     void selectLink(int step);
     void beginOrEndLink(TorvQDTable& table);
-    bool scroll(int key);
+    void scroll(int key, bool finely);
 
     TorvQDWorkArea& m_area;
     QPointer<TorvQDTable> m_linkTable;

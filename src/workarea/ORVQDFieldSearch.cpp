@@ -39,6 +39,23 @@ void TEditEx::_FindFieldChange() {
     find(key);
 }
 
+// Its keys are its own, also where the window has shortcuts on them.
+bool TEditEx::event(QEvent* event) {
+    const bool isKey = event->type() == QEvent::ShortcutOverride;
+    const auto* key = isKey ? static_cast<QKeyEvent*>(event) : nullptr;
+    if (key && !(key->modifiers() & ~Qt::KeypadModifier)) {
+        switch (key->key()) {
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+        case Qt::Key_Escape:
+        case Qt::Key_Up:
+        case Qt::Key_Down: event->accept(); return true;
+        default: break;
+        }
+    }
+    return QLineEdit::event(event);
+}
+
 void TEditEx::keyPressEvent(QKeyEvent* event) {
     int key = event->key();
     if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape) return close();

@@ -24,6 +24,7 @@ public:
     [[nodiscard]] TorvQDTable* table() const { return m_table; }
 
 protected:
+    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 

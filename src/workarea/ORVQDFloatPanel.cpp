@@ -11,6 +11,7 @@
 #include "parser/ORVQDKeywords.h"
 #include "toolkit/ExitEdit.h"
 #include "toolkit/Services.h"
+#include "workarea/ORVQDAccessible.h"
 #include "workarea/ORVQDDiagramKeys.h"
 #include "workarea/ORVQDFieldDrag.h"
 #include "workarea/ORVQDFieldSearch.h"
@@ -165,8 +166,9 @@ TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataS
     TorvQDTable* table = adopt(std::move(box));
     if (!self) return nullptr;
     if (m_selected) m_selected->SetSelect(false);  // one that a handler added meanwhile
-    m_selected = table;
+    const QPointer<TorvQDFloatObject> old = std::exchange(m_selected, table);
     table->SetSelect(true);
+    selectionChanged(old);
     // While a statement is loaded its boxes come one by one, and the view stays where it is.
     if (!m_owner->ledger() && viewport()->isVisible()) ensureVisible(table->GetBoundsRect());
     change.finish();
@@ -182,6 +184,7 @@ TorvQDTable* TorvQDWorkArea::adopt(std::unique_ptr<TorvQDTable> box) {
     rememberAlias(table);
     indexFields(table);
     updateScrollRange(*table);
+    orv::accessible::tellAdded(table);
     m_owner->statementChanged();
     if (const TAddEvent handler = OnAddTable) handler(this, table);
     return table;
@@ -305,6 +308,8 @@ void TorvQDWorkArea::rememberAlias(TorvQDTable* table) {
     table->aliasChanged = [this](TorvQDTable* changed, const QString& oldAlias) {
         forgetAlias(changed, oldAlias);
         addAlias(changed);
+        orv::accessible::tellRenamed(changed);
+        for (const int join : m_joinsOfTable.value(changed)) tellJoinChanged(m_joins[join]);
     };
 }
 
@@ -425,6 +430,7 @@ void TorvQDWorkArea::removeBox(TorvQDTable* table) {
     m_owner->statementChanged();
     invalidate(table->toView(table->GetBoundsRect()));
     forget(table);
+    orv::accessible::tellRemoved(table);
     forgetAlias(table, table->GetAlias());
     unindexFields(table);
     std::erase(m_creation, table);
@@ -448,6 +454,7 @@ void TorvQDWorkArea::forget(TorvQDFloatObject* object) {
     if (m_selected != object) return;
     object->SetSelect(false);
     m_selected.clear();
+    selectionChanged(object);
 }
 
 // An object may go from within one of its own handlers: it dies once that has returned.
@@ -471,6 +478,8 @@ void TorvQDWorkArea::ClearContents() {
     hideHint();
     if (m_menu) m_menu->close();
     m_selected.clear();
+    for (const auto& [number, link] : m_links) orv::accessible::tellRemoved(link.get());
+    for (TorvQDTable* table : m_creation) orv::accessible::tellRemoved(table);
     showRowScrollBar(false);
     m_creation.clear();
     m_creationNumber.clear();
@@ -489,6 +498,7 @@ void TorvQDWorkArea::ClearContents() {
     m_tables.clear();
     updateScrollRange();
     viewport()->update();
+    orv::accessible::tellFocus(*this);
     if (contentsCleared) contentsCleared();
     m_owner->statementChanged();
 }
@@ -501,10 +511,22 @@ void TorvQDWorkArea::selectObject(TorvQDFloatObject* object) {
     if (!self || (object && !wanted)) return;
     if (m_searchEdit->table() != object) m_searchEdit->close();
     beginChange();
+    const QPointer<TorvQDFloatObject> old(m_selected);
     if (m_selected) m_selected->SetSelect(false);
     m_selected = object;
     if (object) object->SetSelect(true);
+    if (self) selectionChanged(old);
     endChange();
+}
+
+// Beside what the objects repaint of themselves: the focus, and a link that keys have begun, may be
+// shown elsewhere now.
+void TorvQDWorkArea::selectionChanged(TorvQDFloatObject* old) {
+    if (!old != !m_selected || m_keys->linkSource()) viewport()->update();
+    if (old == m_selected) return;
+    if (old) orv::accessible::tellSelected(old, false);
+    if (m_selected) orv::accessible::tellSelected(m_selected, true);
+    orv::accessible::tellFocus(*this);
 }
 
 // --- relays ---

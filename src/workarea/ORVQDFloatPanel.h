@@ -224,6 +224,11 @@ public:
     [[nodiscard]] static Qt::CursorShape cursorFor(TTableHitTest hit);
     /// The object under the mouse, and the part of it.
     [[nodiscard]] TorvQDFloatObject* hotObject() const { return m_hot; }
+    /// The object to which a key of that text goes first; none for none.
+    [[nodiscard]] TorvQDFloatObject* keyTarget(int key, const QString& text) const;
+
+    /// Opens the menu of the object at its place, that of the view for none.
+    void showMenuOf(TorvQDFloatObject* object);
 
     // What drags of fields tell the builder.
     [[nodiscard]] quint64 dragIdentity() const { return m_owner->dragIdentity(); }
@@ -273,6 +278,7 @@ public:
     void startFieldDrag(TorvQDTable* table, TorvQDListItem* item) override;
     void postDeleteLink(TorvQDLink* link) override;
     void editLink(TorvQDLink* link) override;
+    void boxChanged(TorvQDTable* table, BoxChange change, const TorvQDListItem* row) override;
     void beginChange() override;
     void endChange() override;
 
@@ -292,6 +298,7 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void changeEvent(QEvent* event) override;
@@ -350,6 +357,11 @@ private:
     void showHint();
     void showMenu(TorvQDFloatObject* object, const QPoint& viewPoint, TTableHitTest hit);
     void fillViewMenu(QMenu& menu);
+    void showChosenPart();
+    void showFocus(bool shows);
+    void selectionChanged(TorvQDFloatObject* old);
+    static void tellJoinChanged(const HeldJoin& held);
+    void paintFocus(QPainter& painter) const;
     [[nodiscard]] bool scrollRowsByWheel(const QWheelEvent& event);
 
     IWorkAreaOwner* m_owner;
@@ -388,6 +400,7 @@ private:
     QPoint m_mouse;                       // where it was seen last, in view coordinates
     QPoint m_hintPoint;                   // where it rests, waiting for a hint
     bool m_mouseLeads = false;            // over the keyboard: it was used last
+    bool m_showsFocus = false;            // as a frame when nothing is selected
     int m_wheelRest = 0;                  // of a notch, in eighths of a degree
     QString m_typedText;
     qreal m_zoom = 1;

@@ -2,6 +2,7 @@
 // The events of the work area: each finds the object that it is about and goes there.
 #include "contract/DiagramEvents.h"
 #include "toolkit/Services.h"
+#include "workarea/ORVQDAccessible.h"
 #include "workarea/ORVQDDiagramKeys.h"
 #include "workarea/ORVQDFieldDrag.h"
 #include "workarea/ORVQDFieldSearch.h"
@@ -30,6 +31,7 @@ constexpr int hintMs = 500;
 constexpr int hintEndMs = 2000;
 constexpr int edgeBandPx = 12;
 constexpr int edgeStepPx = 20;
+constexpr int bendRoomPx = 10;  // that is seen around a bend point
 constexpr int rowsPerNotch = 3;
 constexpr int eighthsPerNotch = 120;
 constexpr qreal zoomPerNotch = 1.25;
@@ -134,6 +136,7 @@ void TorvQDWorkArea::mousePressEvent(QMouseEvent* event) {
     orv::guarded([&] {
         hideHint();
         m_mouseLeads = true;
+        showFocus(false);
         const TWMMouse message = messageOf(*event);
         m_mouse = {message.XPos, message.YPos};
         if (event->button() == Qt::MiddleButton) {
@@ -261,25 +264,56 @@ bool TorvQDWorkArea::scrollRowsByWheel(const QWheelEvent& event) {
 // --- the keys ---
 
 // The selected object comes first; a letter goes to the box under the mouse when the mouse was used
-// last.
+// last. Escape is nothing for objects: a host's dialog may want it.
+TorvQDFloatObject* TorvQDWorkArea::keyTarget(int key, const QString& text) const {
+    if (key == Qt::Key_Escape) return nullptr;
+    const bool isLetter = !text.isEmpty() && text.at(0).isLetterOrNumber();
+    auto* hot = qobject_cast<TorvQDTable*>(m_hot.data());
+    return isLetter && m_mouseLeads && hot ? hot : m_selected.data();
+}
+
 void TorvQDWorkArea::keyPressEvent(QKeyEvent* event) {
     event->ignore();
     orv::guarded([&] {
         hideHint();
+        showFocus(true);
         const QPointer<TorvQDWorkArea> self(this);
-        m_typedText = event->text();
-        const bool isLetter = !m_typedText.isEmpty() && m_typedText.at(0).isLetterOrNumber();
-        auto* hot = qobject_cast<TorvQDTable*>(m_hot.data());
-        TorvQDFloatObject* object = isLetter && m_mouseLeads && hot ? hot : m_selected.data();
+        const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
         int key = event->key();
-        const bool isEscape = key == Qt::Key_Escape;
-        if (object && !isEscape) object->KeyDown(key, event->modifiers() & ~Qt::KeypadModifier);
-        if (!self) return;
+        m_typedText = event->text();
+        const QPointer<TorvQDFloatObject> object(keyTarget(key, m_typedText));
+        if (object) object->KeyDown(key, modifiers);
+        if (!self) return event->accept();
         m_typedText.clear();
         m_mouseLeads = false;
-        if (key == 0 || m_keys->press(*event)) event->accept();
-        if (self && m_keys->linkSource()) viewport()->update();
+        if (key != 0) {
+            if (m_keys->press(key, modifiers)) event->accept();
+            return;
+        }
+        event->accept();
+        if (object && object == m_selected) showChosenPart();
     });
+}
+
+// The row or the bend point that keys have just chosen may lie beyond the view.
+void TorvQDWorkArea::showChosenPart() {
+    if (const auto* table = qobject_cast<TorvQDTable*>(m_selected.data())) {
+        const QPoint scroll = scrollPosition();
+        if (!table->Expanded || !table->CurrentItem) return;
+        ensureVisible(table->GetItemRect(table->CurrentItem).translated(scroll.x(), scroll.y()));
+    } else if (const auto* link = qobject_cast<TorvQDLink*>(m_selected.data())) {
+        if (link->chosenBend() < 0) return;
+        const QPoint bend = link->points()[std::size_t(link->chosenBend())];
+        ensureVisible({bend.x() - bendRoomPx, bend.y() - bendRoomPx, bend.x() + bendRoomPx,
+                       bend.y() + bendRoomPx});
+    }
+}
+
+void TorvQDWorkArea::boxChanged(TorvQDTable* table, BoxChange change, const TorvQDListItem* row) {
+    orv::accessible::tellChange(table, change, row);
+    if (change != BoxChange::CurrentRow) return;
+    if (m_searchEdit->table() == table && table == m_selected) showChosenPart();
+    if (m_keys->linkSource()) viewport()->update();
 }
 
 void TorvQDWorkArea::keyReleaseEvent(QKeyEvent* event) {
@@ -300,9 +334,32 @@ bool TorvQDWorkArea::cancelGesture() {
     return m_gestures->cancel();
 }
 
+// A press of the mouse shows by itself where the focus is.
+void TorvQDWorkArea::focusInEvent(QFocusEvent* event) {
+    QAbstractScrollArea::focusInEvent(event);
+    switch (event->reason()) {
+    case Qt::TabFocusReason:
+    case Qt::BacktabFocusReason:
+    case Qt::ShortcutFocusReason: showFocus(true); break;
+    case Qt::MouseFocusReason: showFocus(false); break;
+    default: break;
+    }
+    viewport()->update();
+    // Readers are told of the widget once this event is over, and then where in it the focus is.
+    QMetaObject::invokeMethod(
+        this, [this] { orv::accessible::tellFocus(*this); }, Qt::QueuedConnection);
+}
+
+void TorvQDWorkArea::showFocus(bool shows) {
+    if (shows == m_showsFocus) return;
+    m_showsFocus = shows;
+    viewport()->update();
+}
+
 // The mouse is lost to somebody else.
 void TorvQDWorkArea::focusOutEvent(QFocusEvent* event) {
     QAbstractScrollArea::focusOutEvent(event);
+    viewport()->update();
     orv::guarded([&] {
         hideHint();
         stopTimer(edgeTimer);
@@ -333,19 +390,24 @@ void TorvQDWorkArea::changeEvent(QEvent* event) {
 void TorvQDWorkArea::contextMenuEvent(QContextMenuEvent* event) {
     event->accept();
     if (event->reason() != QContextMenuEvent::Keyboard) return;
-    orv::guarded([&] {
-        if (auto* table = qobject_cast<TorvQDTable*>(m_selected.data())) {
-            const TRect caption = table->toView(table->GetCaptionRect());
-            showMenu(table, {caption.Left, caption.Bottom}, htTCaption);
-        } else if (auto* link = qobject_cast<TorvQDLink*>(m_selected.data())) {
-            const int bend = link->chosenBend();
-            const QPoint place =
-                bend < 0 ? (link->GetPoint(1) + link->GetPoint(2)) / 2 : link->GetPoint(bend);
-            showMenu(link, place, bend < 0 ? htTClient : htTPoint);
-        } else {
-            showMenu(nullptr, {viewSize().width() / 2, viewSize().height() / 2}, htTOutSide);
-        }
-    });
+    orv::guarded([&] { showMenuOf(m_selected); });
+}
+
+// The place has to be seen, or the menu would hang in the air.
+void TorvQDWorkArea::showMenuOf(TorvQDFloatObject* object) {
+    if (auto* table = qobject_cast<TorvQDTable*>(object)) {
+        ensureVisible(table->GetBoundsRect());
+        const TRect caption = table->toView(table->GetCaptionRect());
+        showMenu(table, {caption.Left, caption.Bottom}, htTCaption);
+    } else if (auto* link = qobject_cast<TorvQDLink*>(object)) {
+        const int bend = link->chosenBend();
+        const std::vector<QPoint>& points = link->points();
+        const QPoint place = bend < 0 ? (points[1] + points[2]) / 2 : points[std::size_t(bend)];
+        ensureVisible({place.x(), place.y(), place.x() + 1, place.y() + 1});
+        showMenu(link, place - scrollPosition(), bend < 0 ? htTClient : htTPoint);
+    } else {
+        showMenu(nullptr, {viewSize().width() / 2, viewSize().height() / 2}, htTOutSide);
+    }
 }
 
 void TorvQDWorkArea::showMenu(TorvQDFloatObject* object, const QPoint& viewPoint,

@@ -5,6 +5,7 @@
 #include "core/Error.h"
 #include "diagram/Orvqdlnkprop.h"
 #include "parser/ORVQDParser.h"
+#include "workarea/ORVQDAccessible.h"
 #include "workarea/ORVQDFloatPanel.h"
 #include "workarea/ORVQDFromLoader.h"
 #include "workarea/ORVQDGestures.h"
@@ -125,6 +126,7 @@ TorvQDLink* TorvQDWorkArea::adopt(std::unique_ptr<TorvQDLink> link) {
     m_linkNumbers.insert(added, number);
     m_links[number] = std::move(link);
     invalidate(added->GetClipRgn(0));
+    orv::accessible::tellAdded(added);
     m_owner->statementChanged();
     if (const TAddEvent handler = OnAddLink) handler(this, added);
     return added;
@@ -158,8 +160,10 @@ void TorvQDWorkArea::removeLink(int number, bool invalidates) {
         link->SetSelect(false);
         if (!self || m_links.count(number) == 0) return;  // a handler was faster
         m_selected.clear();
+        selectionChanged(link);
     }
     if (invalidates) invalidate(link->GetClipRgn(0));
+    orv::accessible::tellRemoved(link);
     const TorvQDJoin* join = link->Join;
     std::unique_ptr<TorvQDLink> removed = std::move(m_links[number]);
     m_links.erase(number);
@@ -235,6 +239,7 @@ void TorvQDWorkArea::attachLink(TorvQDLink* link, bool atStart, TorvQDListItem* 
     link->SetBoundaryRect();
     invalidate(link->GetClipRgn(0));
     if (wasSelected) link->SetSelect(true);
+    orv::accessible::tellRenamed(link);
     m_owner->statementChanged();
     change.finish();
 }
@@ -282,8 +287,16 @@ void TorvQDWorkArea::editLink(TorvQDLink* link) {
     const QPointer<TorvQDLink> edited(link);
     const bool changed = m_linkDialog->edit(link);
     if (!self || !edited || !holds(edited)) return;
-    for (TorvQDLink* line : linksOf(edited->Join)) invalidate(line->GetClipRgn(0));
+    for (TorvQDLink* line : linksOf(edited->Join)) {
+        invalidate(line->GetClipRgn(0));
+        if (changed) orv::accessible::tellRenamed(line);
+    }
     if (changed) m_owner->statementChanged();
+}
+
+// Names of links are made from those of their boxes.
+void TorvQDWorkArea::tellJoinChanged(const HeldJoin& held) {
+    for (const auto& [number, link] : held.links) orv::accessible::tellRenamed(link);
 }
 
 // The lines of a box that moved, changed its shape or scrolled its rows.

@@ -152,6 +152,7 @@ void TorvQDWorkArea::paintEvent(QPaintEvent* event) {
         }
         m_gestures->paint(painter);
         m_keys->paint(painter);
+        paintFocus(painter);
     });
 }
 
@@ -184,6 +185,16 @@ void TorvQDWorkArea::paintTables(QPainter& painter, const QRegion& region, bool 
         visible->table->Paint(painter);
         if (!visible->isWhole) painter.restore();
     }
+}
+
+// A selected object shows by itself where the focus is. A frame of the style's would tint the whole
+// diagram.
+void TorvQDWorkArea::paintFocus(QPainter& painter) const {
+    if (m_selected || !m_showsFocus || !hasFocus()) return;
+    painter.resetTransform();
+    painter.setPen(QPen(palette().color(QPalette::Highlight), 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(viewport()->rect().adjusted(0, 0, -1, -1));
 }
 
 QRect TorvQDWorkArea::diagramBounds() const {
@@ -326,6 +337,7 @@ void TorvQDWorkArea::tableResized(TorvQDTable* table) {
 
 void TorvQDWorkArea::rowsScrolled(TorvQDTable* table) {
     reroute(table);
+    if (m_keys->linkSource()) viewport()->update();
     if (table != m_selected || !isRowScrollBarVisible()) return;
     const QSignalBlocker silent(m_rowScrollBar);
     m_rowScrollBar->setValue(table->FirstVisibleItem);
