@@ -127,7 +127,11 @@ void FieldDrag::enter(QDragMoveEvent& event, const QPoint& viewPoint) {
     over(event, viewPoint);
     if (!area) return;
     const QMimeData* data = event.mimeData();
-    if (draggedField(data) ? isOwn(data) : m_area.takesForeignDrags()) event.accept();
+    if (draggedField(data) ? isOwn(data) : m_area.takesForeignDrags()) {
+        event.accept();
+    } else {
+        leave();
+    }
 }
 
 void FieldDrag::over(QDragMoveEvent& event, const QPoint& viewPoint) {
