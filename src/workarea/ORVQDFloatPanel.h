@@ -319,6 +319,7 @@ private:
     [[nodiscard]] orv::FromDiagram fromDiagram() const;
     [[nodiscard]] const std::vector<TorvQDTable*>* tablesByField(const QString& name) const;
     [[nodiscard]] QString writeFrom(orv::FromPlaces* places) const;
+    void deselect();
     void removeBox(TorvQDTable* table);
     void forget(TorvQDFloatObject* object);
     void bury(std::unique_ptr<QObject> object);
@@ -367,6 +368,7 @@ private:
     QPointer<TorvQDFloatObject> m_hot;
     TTableHitTest m_hotHit = htTOutSide;
     QPointer<TorvQDFloatObject> m_selected;
+    bool m_deselects = false;
     QPointer<TorvQDTable> m_renamed;
     orv::ExitEdit* m_aliasEdit;
     TEditEx* m_searchEdit;

@@ -361,8 +361,10 @@ void TorvQDWorkArea::beginSearch(TorvQDTable* table, const QString& text) {
     colors.setColor(QPalette::Base, palette().color(QPalette::Window));
     colors.setColor(QPalette::Text, palette().color(QPalette::WindowText));
     m_searchEdit->setPalette(colors);
+    const QPointer<TorvQDWorkArea> self(this);
     m_searchEdit->open(table, text);
-    placeSearchEdit();
+    // Another editor may have lost the focus, and what it told the host may have closed the box.
+    if (self && m_searchEdit->table()) placeSearchEdit();
 }
 
 void TorvQDWorkArea::_EditNameKillFocus() {
