@@ -39,7 +39,9 @@ public:
     virtual void fieldDragEnded(QObject* target, const QPoint& viewPoint) = 0;
 
     /// Something that is no field of a diagram is dragged over the view, or dropped there. Source
-    /// is the object of this program that drags it, if any. Accepted only when the host says so.
+    /// is the object of this program that drags it, if any. Accepted only when the host says so,
+    /// and it says something at all.
+    [[nodiscard]] virtual bool takesForeignDrags() const = 0;
     [[nodiscard]] virtual bool foreignDragOver(QObject* source, const QPoint& viewPoint,
                                                const QMimeData& data) = 0;
     virtual void foreignDrop(QObject* source, const QPoint& viewPoint, const QMimeData& data) = 0;

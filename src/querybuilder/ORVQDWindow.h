@@ -174,6 +174,7 @@ public:
     [[nodiscard]] quint64 dragIdentity() const override { return m_dragIdentity; }
     void fieldDragStarted(const orv::DraggedField& field) override;
     void fieldDragEnded(QObject* target, const QPoint& viewPoint) override;
+    [[nodiscard]] bool takesForeignDrags() const override { return bool(OnDragOver); }
     [[nodiscard]] bool foreignDragOver(QObject* source, const QPoint& viewPoint,
                                        const QMimeData& data) override;
     void foreignDrop(QObject* source, const QPoint& viewPoint, const QMimeData& data) override;

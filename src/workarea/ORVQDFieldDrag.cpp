@@ -117,6 +117,16 @@ void FieldDrag::link(const DraggedField& target) {
 
 // --- over the diagram ---
 
+// A drag that is refused where it enters is not heard of again before it has left; here it depends
+// on the place. The move that follows the entry tells what is refused.
+void FieldDrag::enter(QDragMoveEvent& event, const QPoint& viewPoint) {
+    const QPointer<TorvQDWorkArea> area(&m_area);
+    over(event, viewPoint);
+    if (!area) return;
+    const QMimeData* data = event.mimeData();
+    if (draggedField(data) ? isOwn(data) : m_area.takesForeignDrags()) event.accept();
+}
+
 void FieldDrag::over(QDragMoveEvent& event, const QPoint& viewPoint) {
     m_pointer = viewPoint;
     if (draggedField(event.mimeData())) {

@@ -27,6 +27,7 @@ public:
     void run(const TorvQDListItem& item);
 
     /// A drag came to the diagram, moved or left; it was dropped there.
+    void enter(QDragMoveEvent& event, const QPoint& viewPoint);
     void over(QDragMoveEvent& event, const QPoint& viewPoint);
     void leave();
     void drop(QDropEvent& event, const QPoint& viewPoint);

@@ -225,6 +225,7 @@ public:
     [[nodiscard]] quint64 dragIdentity() const { return m_owner->dragIdentity(); }
     void fieldDragStarted(const orv::DraggedField& field);
     void fieldDragEnded(QObject* target, const QPoint& viewPoint);
+    [[nodiscard]] bool takesForeignDrags() const { return m_owner->takesForeignDrags(); }
     [[nodiscard]] bool foreignDragOver(QObject* source, const QPoint& viewPoint,
                                        const QMimeData& data);
     void foreignDrop(QObject* source, const QPoint& viewPoint, const QMimeData& data);

@@ -409,7 +409,10 @@ void TorvQDWorkArea::foreignDrop(QObject* source, const QPoint& viewPoint, const
 }
 
 void TorvQDWorkArea::dragEnterEvent(QDragEnterEvent* event) {
-    dragMoveEvent(event);
+    orv::guarded([&] {
+        m_mouse = toViewPoint(event->position().toPoint());
+        m_fieldDrag->enter(*event, m_mouse);
+    });
 }
 
 void TorvQDWorkArea::dragMoveEvent(QDragMoveEvent* event) {
