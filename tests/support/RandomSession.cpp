@@ -138,6 +138,7 @@ QString RandomSession::step() {
     for (const QString& text : std::as_const(m_services.errors)) note("  error: " + text);
     settle();
     if (std::exchange(m_isSpoilt, false)) clearAll();
+    if (!m_complaint.isEmpty()) return m_complaint;
     const QString broken = brokenRule(m_on.builder);
     return broken.isEmpty() ? brokenGesture() : broken;
 }
@@ -456,7 +457,7 @@ void RandomSession::answerHost() {
     if (m_dice.chance(20)) (void)errorOf([&] { (void)m_on.builder.GetSQLStatment(); });
     if (!m_dice.chance(3)) return;
     const QString error = errorOf([&] { m_on.builder.Clear(); });
-    if (error != "LoadSQL is running") note("  Clear was not refused in a question");
+    if (error != "LoadSQL is running") m_complaint = "Clear is not refused in a question";
 }
 
 void RandomSession::addTable() {
@@ -549,10 +550,9 @@ void RandomSession::tick() {
 
 void RandomSession::changeGrid() {
     TorvQDSelectGrid& grid = *m_on.grid();
-    const int row = 1 + m_dice.below(std::max(1, grid.RowCount() - 1));
     switch (m_dice.below(4)) {
     case 0:
-        note("the grid is read");
+        note("Validate");
         (void)m_on.builder.Validate();
         break;
     case 1:
@@ -563,14 +563,16 @@ void RandomSession::changeGrid() {
         note("tail");
         m_on.builder.setTailText(m_dice.pick({"", "LIMIT 5"}));
         break;
-    default:
-        note(QStringLiteral("aggregate of row %1").arg(row));
-        if (row < grid.RowCount() - 1) {
-            auto columns = grid.columns();
-            columns[std::size_t(row - 1)].aggregate.clear();
-            m_on.builder.CommitPendingEdits();
-        }
+    default: {
+        orv::OutputColumns columns = grid.columns();
+        if (columns.empty()) return addTable();
+        const int column = m_dice.below(int(columns.size()));
+        note(QStringLiteral("name of column %1").arg(column));
+        columns[std::size_t(column)].name = m_dice.pick({"N", "A", "a b"});
+        grid.setColumns(columns);
+        grid.refreshView();
         break;
+    }
     }
 }
 

@@ -99,8 +99,9 @@ private:
     QPoint m_mouse;  // in coordinates of the viewport
     Qt::MouseButtons m_held;
     QPointer<QWidget> m_grabber;  // gets the mouse from press to release
-    bool m_isSpoilt = false;      // all begins anew after this event
-    QList<QByteArray> m_states;   // saved on the way
+    QString m_complaint;
+    bool m_isSpoilt = false;     // all begins anew after this event
+    QList<QByteArray> m_states;  // saved on the way
 };
 
 }  // namespace orvtest
