@@ -14,7 +14,6 @@
 #include "text/TextFile.h"
 #include "text/TextPosition.h"
 #include "toolkit/Services.h"
-#include "workarea/ORVQDFloatPanel.h"
 
 #include <QFileDevice>
 
@@ -88,7 +87,7 @@ void Batch::runOutput() {
     case Output::Print: write(statement().toUtf8() + '\n'); return;
     case Output::Run: runQueryOfStatement(); return;
     case Output::Render:
-        m_builder->WorkArea->arrange();
+        layOut(*m_builder->WorkArea);
         writePicture(*m_builder->WorkArea, m_options.picture);
         return;
     case Output::State:

@@ -3,6 +3,7 @@
 
 #include "data/ProcessName.h"
 #include "querybuilder/ORVQDWindow.h"
+#include "workarea/ORVQDFloatPanel.h"
 
 namespace orvquery {
 
@@ -18,7 +19,17 @@ void connectTables(TorvQueryBuilder& builder, const TableSource& source) {
 bool addTable(TorvQueryBuilder& builder, const TableSource& source, const QString& name) {
     const std::optional<TableDescription> table = source.describe(name);
     if (!table) return false;
-    return builder.ListOfTables->AddTable(table->name, table->columns) != nullptr;
+    TorvQDTable* box = builder.ListOfTables->AddTable(table->name, table->columns);
+    if (!box) return false;
+    builder.WorkArea->fitWidth(*box);
+    builder.WorkArea->placeAgain({box});
+    builder.WorkArea->ensureVisible(box->GetBoundsRect());
+    return true;
+}
+
+void layOut(TorvQDWorkArea& diagram) {
+    for (TorvQDTable* box : diagram.tablesByCreation()) diagram.fitWidth(*box);
+    diagram.arrange();
 }
 
 }  // namespace orvquery

@@ -3,6 +3,7 @@
 
 #include "tables/TableSource.h"
 
+class TorvQDWorkArea;
 class TorvQueryBuilder;
 
 namespace orvquery {
@@ -14,5 +15,9 @@ void connectTables(TorvQueryBuilder& builder, const TableSource& source);
 /// Adds a box of the table of that name, as tables() of the source gives it; false when there is no
 /// such table or the control does not take it. Raises orv::Error when its columns cannot be read.
 bool addTable(TorvQueryBuilder& builder, const TableSource& source, const QString& name);
+
+/// Lays a query out that nobody has laid out yet: boxes as wide as their texts, placed by their
+/// joins.
+void layOut(TorvQDWorkArea& diagram);
 
 }  // namespace orvquery

@@ -128,7 +128,7 @@ bool MainWindow::loadText(const QString& text) {
         const orv::KeptPlaces places(*m_builder->WorkArea);
         m_builder->LoadSQL(text);
         // Another query: nobody has laid it out yet.
-        if (!places.keepsAny(*m_builder->WorkArea)) m_builder->WorkArea->arrange();
+        if (!places.keepsAny(*m_builder->WorkArea)) layOut(*m_builder->WorkArea);
     } catch (const std::exception& error) {
         m_statement->setRefused(text, QString::fromUtf8(error.what()));
         return false;

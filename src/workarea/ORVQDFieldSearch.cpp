@@ -17,8 +17,9 @@ void TEditEx::open(TorvQDTable* table, const QString& text) {
     setText(text);
     show();
     raise();
+    const QPointer<TEditEx> self(this);
     setFocus();
-    _FindFieldChange();
+    if (self) _FindFieldChange();
 }
 
 // The focus goes first: hiding a focused widget would hand it to the next one of the tab chain.

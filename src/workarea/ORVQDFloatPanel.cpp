@@ -21,6 +21,7 @@
 #include <QFontInfo>
 #include <QFontMetrics>
 #include <QMenu>
+#include <QScopeGuard>
 #include <QScrollBar>
 #include <QTimer>
 #include <queue>
@@ -143,10 +144,11 @@ TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataS
     if (orv::isBlank(name)) {
         throw orv::Error(QStringLiteral("A table must have a name"));
     }
+    const QPointer<TorvQDFloatObject> old(m_selected);
     const QPointer<TorvQDWorkArea> self(this);
     orv::guarded([&] { commitPendingEdit(); });
+    if (self) deselect();
     if (!self) return nullptr;
-    if (m_selected) m_selected->SetSelect(false);
     auto box = std::make_unique<TorvQDTable>(this, dataSet, name);
     if (!writtenName.isEmpty()) box->TableName = writtenName;
     const auto takeFreeAlias = [&] {
@@ -164,9 +166,9 @@ TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataS
 
     ChangeScope change(m_owner, this);
     TorvQDTable* table = adopt(std::move(box));
-    if (!self) return nullptr;
-    if (m_selected) m_selected->SetSelect(false);  // one that a handler added meanwhile
-    const QPointer<TorvQDFloatObject> old = std::exchange(m_selected, table);
+    if (self) deselect();  // one that a handler added meanwhile
+    if (!self || indexOf(table) < 0) return nullptr;
+    m_selected = table;
     table->SetSelect(true);
     selectionChanged(old);
     // While a statement is loaded its boxes come one by one, and the view stays where it is.
@@ -419,7 +421,7 @@ void TorvQDWorkArea::closeTable(TorvQDTable* table) {
         if (const TRemoveEvent handler = OnRemoveTable) handler(this, table);
     });
     tell([&] { unlinkTable(table); });
-    if (self) removeBox(table);
+    if (self && box) removeBox(table);
     if (error) std::rethrow_exception(error);
     change.finish();
 }
@@ -504,19 +506,36 @@ void TorvQDWorkArea::ClearContents() {
 }
 
 void TorvQDWorkArea::selectObject(TorvQDFloatObject* object) {
-    if (m_selected == object && (!object || object->Selected)) return;
+    if (m_deselects || (m_selected == object && (!object || object->Selected))) return;
     const QPointer<TorvQDWorkArea> self(this);
     const QPointer<TorvQDFloatObject> wanted(object);
     orv::guarded([&] { commitPendingEdit(); });
     if (!self || (object && !wanted)) return;
     if (m_searchEdit->table() != object) m_searchEdit->close();
-    beginChange();
+    ChangeScope change(m_owner, this);
     const QPointer<TorvQDFloatObject> old(m_selected);
-    if (m_selected) m_selected->SetSelect(false);
-    m_selected = object;
-    if (object) object->SetSelect(true);
-    if (self) selectionChanged(old);
-    endChange();
+    deselect();
+    if (!self) return;
+    // A handler that was told of it may have closed what is to be selected.
+    m_selected = holds(wanted) ? wanted.data() : nullptr;
+    if (m_selected) m_selected->SetSelect(true);
+    if (!self) return;
+    selectionChanged(old);
+    change.finish();
+}
+
+// The handlers that are told of it cannot select anything meanwhile; a box that they add is no
+// longer selected afterwards.
+void TorvQDWorkArea::deselect() {
+    const QPointer<TorvQDWorkArea> self(this);
+    m_deselects = true;
+    const auto settle = qScopeGuard([&] {
+        if (self) m_deselects = false;
+    });
+    while (self && m_selected) {
+        const QPointer<TorvQDFloatObject> object = std::exchange(m_selected, nullptr);
+        object->SetSelect(false);
+    }
 }
 
 // Beside what the objects repaint of themselves: the focus, and a link that keys have begun, may be

@@ -89,6 +89,8 @@ public:
     /// Adds a join without links, which restoreLink is to give it. Nobody is asked.
     TorvQDJoin* restoreJoin(TorvQDTable* table1, TorvQDTable* table2);
     TorvQDLink* restoreLink(TorvQDJoin* join, TorvQDListItem* item1, TorvQDListItem* item2);
+    /// Makes the box as wide as its caption and its rows need, up to a bearable width.
+    void fitWidth(TorvQDTable& table);
     /// Places boxes of the diagram as if they were added now, one after the other.
     void placeAgain(const std::vector<TorvQDTable*>& tables);
     /// Puts the boxes in that stacking order; they are all there, each once.
@@ -331,6 +333,7 @@ private:
     [[nodiscard]] orv::FromDiagram fromDiagram() const;
     [[nodiscard]] const std::vector<TorvQDTable*>* tablesByField(const QString& name) const;
     [[nodiscard]] QString writeFrom(orv::FromPlaces* places) const;
+    void deselect();
     void removeBox(TorvQDTable* table);
     void forget(TorvQDFloatObject* object);
     void bury(std::unique_ptr<QObject> object);
@@ -385,6 +388,7 @@ private:
     QPointer<TorvQDFloatObject> m_hot;
     TTableHitTest m_hotHit = htTOutSide;
     QPointer<TorvQDFloatObject> m_selected;
+    bool m_deselects = false;
     QPointer<TorvQDTable> m_renamed;
     orv::ExitEdit* m_aliasEdit;
     TEditEx* m_searchEdit;

@@ -99,9 +99,12 @@ TorvQDLink* TorvQDWorkArea::AddLink(TorvQDTable* Table1, TorvQDTable* Table2, To
     }
     auto link = std::make_unique<TorvQDLink>(this, join, Item1, Item2);
     const QPointer<TorvQDWorkArea> self(this);
+    const QPointer<TorvQDTable> first(Table1);
+    const QPointer<TorvQDTable> second(Table2);
     if (!m_owner->DoAddRemoveLink(link.get(), araAdd) || !self) return nullptr;
-    // The host may have closed a box meanwhile, or made or removed the join.
-    if (!takesLinks(Table1) || !takesLinks(Table2)) return nullptr;
+    // The host may have closed a box meanwhile, and added one in its place in memory, or made or
+    // removed the join.
+    if (!first || !second || !takesLinks(Table1) || !takesLinks(Table2)) return nullptr;
     ChangeScope change(m_owner, this);
     join = FindJoin(Table1, Table2, reversed);
     if (!join) {
@@ -228,19 +231,26 @@ void TorvQDWorkArea::unlinkTable(TorvQDTable* table) {
 // --- changing ---
 
 void TorvQDWorkArea::attachLink(TorvQDLink* link, bool atStart, TorvQDListItem* item) {
-    if (m_linkNumbers.value(link, -1) < 0) return;
+    const int number = m_linkNumbers.value(link, -1);
+    if (number < 0) return;
     TorvQDListItem*& end = atStart ? link->Item1 : link->Item2;
     if (end == item || end->Table != item->Table) return;
     ChangeScope change(m_owner, this);
     const bool wasSelected = m_selected == link;
-    if (wasSelected) link->SetSelect(false);
+    const QPointer<TorvQDWorkArea> self(this);
+    const QPointer<TorvQDTable> table(item->Table);
+    const int row = item->GetIndex();
+    if (wasSelected) selectObject(nullptr);
+    // The host may have removed the link, or its boxes with it, when it was told.
+    if (!self || m_linkNumbers.value(link, -1) != number || !table) return;
+    if (row >= int(table->Items.size())) return;
     invalidate(link->GetClipRgn(0));
     end = item;
     link->SetBoundaryRect();
     invalidate(link->GetClipRgn(0));
-    if (wasSelected) link->SetSelect(true);
     orv::accessible::tellRenamed(link);
     m_owner->statementChanged();
+    if (wasSelected) selectObject(link);
     change.finish();
 }
 

@@ -11,6 +11,7 @@
 #include "workarea/ORVQDGestures.h"
 
 #include <QClipboard>
+#include <QFontMetrics>
 #include <QGuiApplication>
 #include <QImage>
 #include <QPaintEvent>
@@ -26,6 +27,8 @@ constexpr int extentMarginPx = 50;
 constexpr int scrollStepPx = 20;
 constexpr int pictureMarginPx = 20;
 constexpr int searchHeightPx = 15;
+constexpr int fitSlackPx = 4;
+constexpr int mostFittedWidthPx = 300;
 constexpr QSize preferredSize(300, 100);
 constexpr qreal leastZoom = 0.25;
 constexpr qreal mostZoom = 4;
@@ -303,6 +306,22 @@ void TorvQDWorkArea::placeBox(TorvQDTable& box, const QPoint& wanted, const QPoi
     box.MoveTable(left - box.Left, top - box.Top);
 }
 
+void TorvQDWorkArea::fitWidth(TorvQDTable& table) {
+    const TRect caption = table.GetCaptionRect();
+    int width = table.Width - caption.width() + boldTextWidth(table.GetCaption()) + fitSlackPx;
+    const QFontMetrics metrics(GetFont());
+    const TRect rows = table.GetClientRect();
+    int beside = table.Width - rows.width() + table.ItemHeight + fitSlackPx;
+    if (int(table.Items.size()) > table.VisibleCount) beside += table.ScrollBarWidth;
+    for (const auto& item : table.Items) {
+        QString text = u' ' + item->Name;
+        if (options().GetShowFieldsType())
+            text += QStringLiteral(" (") + item->GetDataName() + u')';
+        width = std::max(width, beside + metrics.horizontalAdvance(text));
+    }
+    table.SetWidth(std::min(width, mostFittedWidthPx));
+}
+
 void TorvQDWorkArea::arrange() {
     cancelGesture();
     QHash<const TorvQDTable*, int> indices;
@@ -410,8 +429,10 @@ void TorvQDWorkArea::beginSearch(TorvQDTable* table, const QString& text) {
     colors.setColor(QPalette::Base, palette().color(QPalette::Window));
     colors.setColor(QPalette::Text, palette().color(QPalette::WindowText));
     m_searchEdit->setPalette(colors);
+    const QPointer<TorvQDWorkArea> self(this);
     m_searchEdit->open(table, text);
-    placeSearchEdit();
+    // Another editor may have lost the focus, and what it told the host may have closed the box.
+    if (self && m_searchEdit->table()) placeSearchEdit();
 }
 
 void TorvQDWorkArea::_EditNameKillFocus() {

@@ -94,6 +94,7 @@ void Gestures::doubleClick(TorvQDFloatObject* object, TWMMouse message) {
     cancel();
     begin(object, message);
     if (TorvQDTable* box = table()) {
+        if (m_hit == htTRight) m_area.fitWidth(*box);
         box->DblClick(message, m_hit);
     } else if (TorvQDLink* line = link()) {
         reset();

@@ -11,6 +11,7 @@
 #include <QHash>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QScrollBar>
 #include <QSet>
 #include <QStringList>
 
@@ -224,12 +225,117 @@ inline QString brokenGridRule(TorvQueryBuilder& builder) {
     return {};
 }
 
+inline QString brokenLinkRule(TorvQueryBuilder& builder) {
+    const TorvQDWorkArea& area = *builder.WorkArea;
+    const auto isThere = [&](const TorvQDTable* box) {
+        const std::vector<TorvQDTable*>& boxes = area.tablesByCreation();
+        return std::find(boxes.begin(), boxes.end(), box) != boxes.end();
+    };
+    const auto hasRow = [](const TorvQDTable& box, const TorvQDListItem* row) {
+        return std::any_of(box.Items.begin(), box.Items.end(),
+                           [&](const auto& item) { return item.get() == row; });
+    };
+    const std::vector<TorvQDJoin*> joins = area.Joins();
+    QSet<std::pair<const TorvQDTable*, const TorvQDTable*>> pairs;
+    for (const TorvQDJoin* join : joins) {
+        if (!isThere(join->Table1) || !isThere(join->Table2)) return "a join has lost a box";
+        const std::pair pair(join->Table1, join->Table2);
+        if (pairs.contains(pair) || pairs.contains(std::pair(pair.second, pair.first))) {
+            return "two joins between " + pair.first->GetAlias() + " and " +
+                   pair.second->GetAlias();
+        }
+        pairs.insert(pair);
+        bool reversed = true;
+        if (area.FindJoin(join->Table1, join->Table2, reversed) != join) {
+            return "a join is not found by its boxes";
+        }
+        if (area.linksOf(join).empty()) return "a join has no link";
+    }
+    for (TorvQDLink* link : area.Links()) {
+        if (std::find(joins.begin(), joins.end(), link->Join) == joins.end()) {
+            return "the join of a link is gone";
+        }
+        if (!hasRow(*link->Join->Table1, link->Item1) ||
+            !hasRow(*link->Join->Table2, link->Item2)) {
+            return "a row of a link is none of its join's boxes";
+        }
+        const std::vector<TorvQDLink*> own = area.linksOf(link->Join);
+        if (std::find(own.begin(), own.end(), link) == own.end()) {
+            return "a join does not know its link";
+        }
+        if (link->Selected && area.selectedObject() != link) {
+            return "a link is selected that is not known as such";
+        }
+    }
+    return {};
+}
+
+inline QString brokenSelectionRule(TorvQueryBuilder& builder) {
+    const TorvQDWorkArea& area = *builder.WorkArea;
+    if (const TorvQDFloatObject* selected = area.selectedObject()) {
+        if (!area.holds(selected)) return "the selected object is none of the diagram's";
+        if (!selected->Selected) return "the selected object does not know it";
+    }
+    for (const TorvQDTable* box : area.tablesByCreation()) {
+        if (!box->CurrentItem) continue;
+        const bool isOwn = std::any_of(box->Items.begin(), box->Items.end(), [&](const auto& item) {
+            return item.get() == box->CurrentItem;
+        });
+        if (!isOwn) return "the current row is none of its box: " + box->GetAlias();
+    }
+    return {};
+}
+
+// A box as it is made shows its rows, however few; one that somebody sized keeps to the minimums,
+// which here are those of the smallest font.
+inline QString brokenSizeRule(TorvQueryBuilder& builder) {
+    constexpr int leastWidthPx = 20 + 40 + 20;
+    constexpr int leastHeightPx = 20 + 2 * 16 + 4;
+    const TorvQDWorkArea& area = *builder.WorkArea;
+    const QSize view = area.viewport()->size() / area.zoom();
+    const int right = area.horizontalScrollBar()->maximum() + view.width();
+    const int bottom = area.verticalScrollBar()->maximum() + view.height();
+    for (const TorvQDTable* box : area.tablesByCreation()) {
+        const int natural = (box->ItemHeight + 1) * box->VisibleCount + box->CaptionHeight +
+                            box->BorderWidth + 2 * box->Indent;
+        const bool isHighEnough = box->Height >= leastHeightPx || box->Height == natural;
+        if (box->Width < leastWidthPx || !isHighEnough) {
+            return QStringLiteral("%1 is too small: %2 x %3")
+                .arg(box->GetAlias())
+                .arg(box->Width)
+                .arg(box->Height);
+        }
+        // A fraction of a pixel of the view may be rounded off.
+        const TRect bounds = box->GetBoundsRect();
+        if (bounds.Left < 0 || bounds.Top < 0 || bounds.Right > right + 1 ||
+            bounds.Bottom > bottom + 1) {
+            return QStringLiteral("%1 cannot be scrolled to: %2, %3")
+                .arg(box->GetAlias())
+                .arg(bounds.Left)
+                .arg(bounds.Top);
+        }
+    }
+    return {};
+}
+
+inline QString brokenStatementRule(TorvQueryBuilder& builder) {
+    try {
+        const QString text = builder.GetSQLStatment();
+        const bool isEmpty = builder.WorkArea->TablesCount() == 0;
+        return text.isEmpty() && !isEmpty ? "there is no statement" : QString();
+    } catch (const orv::Error& error) {
+        return error.Message().isEmpty() ? "the statement fails without a reason" : QString();
+    }
+}
+
 }  // namespace detail
 
 /// What is wrong between the diagram, the name lists and the grid; empty when all agrees.
 inline QString brokenRule(TorvQueryBuilder& builder) {
-    for (const auto rule : {detail::brokenNameRule, detail::brokenTickRule,
-                            detail::brokenStackingRule, detail::brokenGridRule}) {
+    for (const auto rule :
+         {detail::brokenNameRule, detail::brokenTickRule, detail::brokenStackingRule,
+          detail::brokenGridRule, detail::brokenLinkRule, detail::brokenSelectionRule,
+          detail::brokenSizeRule, detail::brokenStatementRule}) {
         const QString broken = rule(builder);
         if (!broken.isEmpty()) return broken;
     }

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "meaning/Dice.h"
+#include "support/BuilderTools.h"
+
+#include <QPointer>
+#include <QStringList>
+
+#include <functional>
+#include <vector>
+
+class QDrag;
+class QMenu;
+
+namespace orvtest {
+
+/// A user and a host who do one thing after the other to a builder, by chance: mouse, keys, menus,
+/// drags, dialogs and calls. The same seed makes the same session. Events mostly aim at what is
+/// there. The timers of the diagram fire when the session says so, never by the clock.
+class RandomSession : public QObject {
+public:
+    explicit RandomSession(quint32 seed);
+    ~RandomSession() override;
+
+    /// Does the next thing and returns which rule is broken now; empty for none.
+    QString step();
+    /// What the saved state does not bring back; empty for nothing.
+    QString brokenState();
+    /// The last events, one a line, each with its number.
+    [[nodiscard]] QString lastEvents() const { return m_log.join(u'\n'); }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    struct Action {
+        int weight;
+        void (RandomSession::*run)();
+    };
+
+    // What happens.
+    void press();
+    void move();
+    void release();
+    void click();
+    void doubleClick();
+    void rightClick();
+    void dragAbout();
+    void wheel();
+    void key();
+    void letter();
+    void rename();
+    void keyboardMenu();
+    void fireTimer();
+    void loseFocus();
+    void hideOrShow();
+    void resize();
+    void addTable();
+    void deleteTable();
+    void clearAll();
+    void load();
+    void restore();
+    void zoom();
+    void arrangeOrFit();
+    void changeOption();
+    void tick();
+    void changeGrid();
+    void addLinks();
+    void callBox();
+    void keepMeaning();
+    void foreignDrag();
+
+    // Hands and eyes.
+    void note(const QString& text);
+    [[nodiscard]] TorvQDWorkArea& area() const { return *m_on.builder.WorkArea; }
+    [[nodiscard]] TorvQDTable* anyTable();
+    [[nodiscard]] TorvQDLink* anyLink();
+    [[nodiscard]] QPoint anyPoint();
+    [[nodiscard]] QPoint pointOfBox(TorvQDTable& box);
+    [[nodiscard]] QPoint pointOfLink(const TorvQDLink& link);
+    [[nodiscard]] QPoint target();
+    void send(QEvent::Type type, const QPoint& point, Qt::MouseButton button);
+    void pressKey(Qt::Key key, Qt::KeyboardModifiers modifiers, const QString& text);
+    void chooseFromMenu();
+    void keepToMinimums();
+    void answerHost();
+    Qt::DropAction runDrag(QDrag& drag);
+    void settle();
+    [[nodiscard]] QString brokenGesture() const;
+
+    Dice m_dice;
+    HostedBuilder m_on;
+    RecordedServices m_services;
+    orv::DragRunner m_oldDrags;
+    orv::MessageService m_oldMessages;
+    QStringList m_log;
+    int m_count = 0;
+    QPoint m_mouse;  // in coordinates of the viewport
+    Qt::MouseButtons m_held;
+    QPointer<QWidget> m_grabber;  // gets the mouse from press to release
+    QString m_complaint;
+    bool m_isSpoilt = false;     // all begins anew after this event
+    QList<QByteArray> m_states;  // saved on the way
+};
+
+}  // namespace orvtest
