@@ -21,7 +21,7 @@ namespace {
 
 constexpr int rowBandPx = 5;
 // Beside the pointer and below the row to which it points.
-constexpr QPoint pictureOffset(12, 14);
+constexpr QPoint nameOffset(12, 14);
 constexpr int labelMarginPx = 4;
 
 // What hangs on the pointer: the name of the field, or a plate that stands for one.
@@ -70,7 +70,8 @@ void FieldDrag::run(const TorvQDListItem& item) {
     auto* drag = new QDrag(source);
     drag->setMimeData(toMimeData(field).release());
     drag->setPixmap(dragPicture(m_area, field));
-    drag->setHotSpot(-pictureOffset);
+    // The plate leaves room for the pointer itself.
+    drag->setHotSpot(m_area.options().GetDragFieldName() ? -nameOffset : QPoint());
     const QPointer<QDrag> running(drag);
     const Qt::DropAction action = runDrag(*drag);
     QObject* const target = action == Qt::IgnoreAction || !running ? nullptr : running->target();

@@ -439,7 +439,7 @@ void draggingARow(Scene& on, RecordedServices&) {
     const QPoint target = Scene::rowOf(*on.table("WIDE"), 2);
     dragRow(on, [&](QDrag& drag) {
         on.dragTo(drag, target);
-        QVERIFY(on.table("WIDE")->dropItem());
+        QVERIFY(on.table("WIDE")->DropItem);
         on.strikeNow();
         on.dragTo(drag, target + QPoint(0, 1));
         on.drop(drag, target);
@@ -452,7 +452,7 @@ void draggingARowOverTheBox(Scene& on, RecordedServices&) {
     const auto old = orv::setDragRunner([&](QDrag& drag) {
         const QPoint target = Scene::rowOf(*on.box, 2);
         on.dragTo(drag, target);
-        Q_ASSERT(on.box->dropItem());
+        Q_ASSERT(on.box->DropItem);
         on.strikeNow();
         on.dragTo(drag, target + QPoint(0, 1));
         on.drop(drag, target);
