@@ -78,8 +78,11 @@ bool TorvQDWorkArea::event(QEvent* event) {
 // --- what is hit ---
 
 bool TorvQDWorkArea::holds(const TorvQDFloatObject* object) const {
-    return object && (m_creationNumber.contains(static_cast<const TorvQDTable*>(object)) ||
-                      m_linkNumbers.contains(static_cast<const TorvQDLink*>(object)));
+    // It may be dead: it is not to be asked what it is.
+    const auto isObject = [&](const TorvQDFloatObject* other) { return other == object; };
+    const auto isLink = [&](const auto& entry) { return isObject(entry.second.get()); };
+    return object && (std::any_of(m_creation.begin(), m_creation.end(), isObject) ||
+                      std::any_of(m_links.begin(), m_links.end(), isLink));
 }
 
 TorvQDFloatObject* TorvQDWorkArea::objectAt(const QPoint& viewPoint) const {

@@ -81,13 +81,16 @@ RandomSession::RandomSession(quint32 seed) : m_dice(seed) {
         return m_dice.chance(70) ? orv::MessageAnswer::Yes : orv::MessageAnswer::No;
     });
     m_oldDrags = orv::setDragRunner([this](QDrag& drag) { return runDrag(drag); });
-    // Renaming by prefix also takes the names of other boxes that begin alike: the parts of the
-    // control need not agree from then on.
+    // Renaming by prefix also takes the names of other boxes that begin alike, and an alias that is
+    // taken only without its full stops is not refused: the parts of the control need not agree
+    // from then on.
     area().OnChangeAlias = [this, handler = area().OnChangeAlias](QObject* table,
                                                                   const QString& old) {
         handler(table, old);
+        const QString alias = qobject_cast<TorvQDTable*>(table)->GetAlias();
         for (const TorvQDTable* box : area().tablesByCreation()) {
-            if (box != table && box->GetAlias().startsWith(old)) m_isSpoilt = true;
+            if (box == table) continue;
+            if (box->GetAlias().startsWith(old) || box->GetAlias() == alias) m_isSpoilt = true;
         }
     };
     area().installEventFilter(this);
