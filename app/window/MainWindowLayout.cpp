@@ -142,7 +142,7 @@ void MainWindow::buildDiagramMenu() {
             text, area, [area, command] { orv::guarded([&] { (area->*command)(); }); });
         action->setShortcut(shortcut);
     };
-    add(tr("&Arrange"), QKeySequence(QStringLiteral("Ctrl+Shift+A")), &TorvQDWorkArea::arrange);
+    add(tr("&Arrange"), QKeySequence(QStringLiteral("Ctrl+Shift+L")), &TorvQDWorkArea::arrange);
     menu->addSeparator();
     add(tr("&Fit"), QKeySequence(QStringLiteral("Ctrl+9")), &TorvQDWorkArea::fit);
     add(tr("Actual &size"), QKeySequence(QStringLiteral("Ctrl+0")), &TorvQDWorkArea::actualSize);
