@@ -22,6 +22,16 @@ QString buttonHint(int button) {
     }
 }
 
+bool isTickKey(int key) {
+    return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space;
+}
+
+bool isRowKey(int key) {
+    static const int keys[] = {Qt::Key_Right,  Qt::Key_Down,     Qt::Key_Left, Qt::Key_Up,
+                               Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Home, Qt::Key_End};
+    return std::find(std::begin(keys), std::end(keys), key) != std::end(keys);
+}
+
 bool startsWithName(const QString& name, const QString& beginning) {
     return orv::unquotedName(name).startsWith(beginning, Qt::CaseInsensitive);
 }
@@ -180,20 +190,8 @@ void TorvQDTable::_RenameTable() {
 
 bool TorvQDTable::usesKey(int key, Qt::KeyboardModifiers shift, const QString& text) const {
     if (shift & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return false;
-    switch (key) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-    case Qt::Key_Space:
-    case Qt::Key_Right:
-    case Qt::Key_Down:
-    case Qt::Key_Left:
-    case Qt::Key_Up:
-    case Qt::Key_PageUp:
-    case Qt::Key_PageDown:
-    case Qt::Key_Home:
-    case Qt::Key_End: return true;
-    default: return !text.isEmpty() && text.at(0).isLetterOrNumber();
-    }
+    if (isTickKey(key) || isRowKey(key)) return true;
+    return !text.isEmpty() && text.at(0).isLetterOrNumber();
 }
 
 // The host's event may change the key: then the text that was typed is another one's.
@@ -207,25 +205,14 @@ void TorvQDTable::KeyDown(int& Key, Qt::KeyboardModifiers Shift) {
     QString text = Key == pressed ? canvas()->typedText() : QString();
     if (text.isEmpty() && isPlainKey) text = QChar(Key);
     if (Key == 0 || !usesKey(Key, Shift, text)) return;
-    switch (Key) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-    case Qt::Key_Space:
-        Key = 0;
-        if (CurrentItem) toggle(CurrentItem);
-        return;
-    case Qt::Key_Right:
-    case Qt::Key_Down:
-    case Qt::Key_Left:
-    case Qt::Key_Up:
-    case Qt::Key_PageUp:
-    case Qt::Key_PageDown:
-    case Qt::Key_Home:
-    case Qt::Key_End: moveCurrent(std::exchange(Key, 0)); return;
-    default: break;
+    const int key = std::exchange(Key, 0);
+    if (isRowKey(key)) {
+        moveCurrent(key);
+    } else if (!isTickKey(key)) {
+        canvas()->beginSearch(this, text);
+    } else if (CurrentItem) {
+        toggle(CurrentItem);
     }
-    Key = 0;
-    canvas()->beginSearch(this, text);
 }
 
 void TorvQDTable::moveCurrent(int key) {
