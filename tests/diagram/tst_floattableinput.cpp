@@ -1,72 +1,15 @@
 // SPDX-License-Identifier: MIT
-// What a box does with the mouse and the keys, on a canvas that only takes notes.
-#include "diagram/ORVQDFloatTable.h"
-#include "support/FakeCanvas.h"
-#include "support/TestTools.h"
-
-#include <QMenu>
+// What a box does with the mouse, on a canvas that only takes notes.
+#include "diagram/HandledBox.h"
 
 using orvtest::FakeCanvas;
+using orvtest::HandledBox;
 using orvtest::numberedFields;
+using orvtest::oddScroll;
 
 namespace {
 
-constexpr QPoint oddScroll(137, 53);
 constexpr int squarePx = 16;  // the check square of a row
-
-/// A box on a canvas of its own, at (30, 40) and 100 wide, the canvas scrolled to an odd place. The
-/// caption is 20 pixels high and a row 16, and 1 pixel lies between rows; of ten rows six are
-/// visible. Mouse messages are given in coordinates of the diagram.
-struct BoxOnCanvas {
-    explicit BoxOnCanvas(int rows = 10) : BoxOnCanvas(numberedFields(rows)) {}
-    explicit BoxOnCanvas(const TDataSet& dataSet) : box(&canvas, &dataSet, "T") {
-        box.Left = 30;
-        box.Top = 40;
-        canvas.scroll = oddScroll;
-    }
-
-    TorvQDListItem* row(int index) const { return box.Items[std::size_t(index)].get(); }
-    int currentRow() const { return box.CurrentItem ? box.CurrentItem->GetIndex() : -1; }
-    /// A point of a row's first pixel line, so many pixels from its left edge.
-    QPoint inRow(int index, int x) const {
-        return {30 + 2 + 2 + x, 40 + 20 + 1 + (index - box.FirstVisibleItem) * 17};
-    }
-
-    static TWMMouse message(const QPoint& point, Qt::MouseButtons buttons) {
-        const QPoint view = point - oddScroll;
-        return {view.x(), view.y(), buttons};
-    }
-    void down(const QPoint& point, TTableHitTest hit) {
-        TWMMouse mouse = message(point, Qt::LeftButton);
-        box.MouseDown(mouse, hit);
-    }
-    void move(const QPoint& point, TTableHitTest hit, Qt::MouseButtons held = Qt::NoButton) {
-        TWMMouse mouse = message(point, held);
-        box.MouseMove(mouse, hit);
-    }
-    void up(const QPoint& point, TTableHitTest hit) {
-        TWMMouse mouse = message(point, Qt::LeftButton);
-        box.MouseUp(mouse, hit);
-    }
-    void doubleClick(const QPoint& point, TTableHitTest hit) {
-        TWMMouse mouse = message(point, Qt::LeftButton);
-        box.DblClick(mouse, hit);
-    }
-    /// What became of the key: 0 when the box has taken it.
-    int key(int key, const QString& text = {}, Qt::KeyboardModifiers modifiers = {}) {
-        canvas.typed = text;
-        box.KeyDown(key, modifiers);
-        return key;
-    }
-    bool repainted(const TRect& rect) const {
-        const TRect view = rect.translated(-oddScroll.x(), -oddScroll.y());
-        const auto& rects = canvas.invalidated;
-        return std::find(rects.begin(), rects.end(), view) != rects.end();
-    }
-
-    FakeCanvas canvas;
-    TorvQDTable box;
-};
 
 // The caption's buttons lie in x 88 to 127, y 42 to 59.
 constexpr QPoint collapsePoint(90, 50);
@@ -106,7 +49,7 @@ private Q_SLOTS:
     void placesOfTheButtons() {
         QFETCH(QPoint, point);
         QFETCH(int, button);
-        const BoxOnCanvas on;
+        const HandledBox on;
         QCOMPARE(on.box.buttonAt(point - oddScroll), button);
     }
 
@@ -128,7 +71,7 @@ private Q_SLOTS:
         QFETCH(QPoint, released);
         QFETCH(int, button);
         QFETCH(int, action);
-        BoxOnCanvas on;
+        HandledBox on;
         on.down(pressed, htTbutton);
         QCOMPARE(on.box.PressedButton, button);
         QVERIFY(on.repainted(on.box.GetButtonRect()));
@@ -143,7 +86,7 @@ private Q_SLOTS:
     }
 
     void collapseButtonExpandsAgain() {
-        BoxOnCanvas on;
+        HandledBox on;
         for (const bool expanded : {false, true, false}) {
             on.down(collapsePoint, htTbutton);
             on.up(collapsePoint, htTbutton);
@@ -153,13 +96,13 @@ private Q_SLOTS:
     }
 
     void releaseWithoutAPressDoesNothing() {
-        BoxOnCanvas on;
+        HandledBox on;
         on.up(closePoint, htTbutton);
         QVERIFY(on.canvas.closed.empty());
     }
 
     void buttonsOfTheSelectedBoxAreHotUnderTheMouse() {
-        BoxOnCanvas on;
+        HandledBox on;
         on.canvas.selectObject(&on.box);
         const QPoint points[] = {collapsePoint, unlinkPoint, closePoint};
         for (int button = 0; button < 3; ++button) {
@@ -177,14 +120,14 @@ private Q_SLOTS:
     }
 
     void buttonsOfAnotherBoxAreNotHot() {
-        BoxOnCanvas on;
+        HandledBox on;
         on.move(closePoint, htTbutton);
         QCOMPARE(on.box.HotButton, -1);
         QCOMPARE(on.box.GetHint(), QString());
     }
 
     void heldButtonLeavesAndComesBack() {
-        BoxOnCanvas on;
+        HandledBox on;
         on.canvas.selectObject(&on.box);
         on.down(closePoint, htTbutton);
         on.move(unlinkPoint, htTbutton, Qt::LeftButton);
@@ -199,7 +142,7 @@ private Q_SLOTS:
     }
 
     void leavingEndsTheHintAndTheHotButton() {
-        BoxOnCanvas on;
+        HandledBox on;
         on.canvas.selectObject(&on.box);
         on.move(closePoint, htTbutton);
         on.canvas.invalidated.clear();
@@ -223,7 +166,7 @@ private Q_SLOTS:
     void hintsOfButtons() {
         QFETCH(QPoint, point);
         QFETCH(QString, hint);
-        BoxOnCanvas on;
+        HandledBox on;
         on.canvas.selectObject(&on.box);
         on.move(point, htTbutton);
         QCOMPARE(on.box.GetHint(), hint);
@@ -239,7 +182,7 @@ private Q_SLOTS:
     void hintOfTheCheckBoxSaysWhatAPressWillDo() {
         QFETCH(int, ticked);
         QFETCH(QString, hint);
-        BoxOnCanvas on(3);
+        HandledBox on(3);
         for (int index = 0; index < ticked; ++index) on.row(index)->UpdateCheck(-1);
         on.move({36, 50}, htTCheck);
         QCOMPARE(on.box.GetHint(), hint);
@@ -248,7 +191,7 @@ private Q_SLOTS:
     }
 
     void hintOfTheCaption() {
-        BoxOnCanvas on;
+        HandledBox on;
         on.move(captionPoint, htTCaption);
         QCOMPARE(on.box.GetHint(), "Double click for edit alias");
         on.move(captionPoint, htTCaption, Qt::LeftButton);
@@ -257,7 +200,7 @@ private Q_SLOTS:
 
     void hintOfARowIsItsNameAndType() {
         const TDataSet fields({{"NO", ftInteger}, {"MADE", ftDateTime}, {"note", ftString}});
-        BoxOnCanvas on(fields);
+        HandledBox on(fields);
         on.move(on.inRow(0, 3), htTClient);
         QCOMPARE(on.box.GetHint(), "NO (Integer)");
         on.move(on.inRow(1, 50), htTClient);
@@ -269,7 +212,7 @@ private Q_SLOTS:
     }
 
     void otherPlacesHaveNoHint() {
-        BoxOnCanvas on;
+        HandledBox on;
         for (const TTableHitTest hit : {htTLeft, htTRightBottom, htTOutSide}) {
             on.move(captionPoint, htTCaption);
             on.move({30, 100}, hit);
@@ -280,14 +223,14 @@ private Q_SLOTS:
     // --- rows
 
     void pressBelowTheLastRowKeepsTheCurrentOne() {
-        BoxOnCanvas on(3);
+        HandledBox on(3);
         on.box.SetCurrentItem(on.row(1));
         on.down(on.inRow(3, 30), htTClient);
         QCOMPARE(on.currentRow(), 1);
     }
 
     void pressTakesTheFirstRowWhoseBottomIsBelowTheMouse() {
-        BoxOnCanvas on;
+        HandledBox on;
         on.box.SetFirstVisibleItem(2);
         on.down(on.inRow(3, 30) + QPoint(0, 15), htTClient);
         QCOMPARE(on.currentRow(), 3);
@@ -298,7 +241,7 @@ private Q_SLOTS:
     }
 
     void pressElsewhereKeepsTheCurrentRow() {
-        BoxOnCanvas on;
+        HandledBox on;
         on.box.SetCurrentItem(on.row(2));
         for (const TTableHitTest hit : {htTCaption, htTLeft, htTCheck, htTbutton}) {
             on.down(on.inRow(0, 30), hit);
@@ -308,7 +251,7 @@ private Q_SLOTS:
 
     // The mouse belongs to the box from press to release, wherever it goes meanwhile.
     void releaseAboveTheListTicksNothing() {
-        BoxOnCanvas on;
+        HandledBox on;
         on.box.SetFirstVisibleItem(2);
         on.down(on.inRow(2, 5), htTClient);
         for (const int above : {2, 10, 300}) {
@@ -320,7 +263,7 @@ private Q_SLOTS:
     }
 
     void clickDoesNotTickAnInputParameter() {
-        BoxOnCanvas on(2);
+        HandledBox on(2);
         int asked = 0;
         on.canvas.onEnterParameter = [&](TorvQDTable*, TorvQDListItem*) { ++asked; };
         on.row(0)->ParamType = ptInput;
@@ -352,7 +295,7 @@ private Q_SLOTS:
         QFETCH(bool, isHeld);
         QFETCH(int, x);
         QFETCH(bool, isTaken);
-        BoxOnCanvas on;
+        HandledBox on;
         on.row(1)->ParamType = TParamType(type);
         if (current >= 0) on.box.SetCurrentItem(on.row(current));
         on.move(on.inRow(1, x), htTClient, isHeld ? Qt::LeftButton : Qt::NoButton);
@@ -362,7 +305,7 @@ private Q_SLOTS:
     }
 
     void otherPlacesTakeNoRowAlong() {
-        BoxOnCanvas on;
+        HandledBox on;
         on.box.SetCurrentItem(on.row(1));
         for (const TTableHitTest hit : {htTCaption, htTCheck, htTbutton, htTRight}) {
             on.move(on.inRow(1, 50), hit, Qt::LeftButton);
@@ -371,7 +314,7 @@ private Q_SLOTS:
     }
 
     void markedRowIsRepaintedWithTheOneBefore() {
-        BoxOnCanvas on;
+        HandledBox on;
         on.box.setDropItem(on.row(1));
         on.canvas.invalidated.clear();
         on.box.setDropItem(on.row(3));
@@ -388,13 +331,13 @@ private Q_SLOTS:
     // --- double clicks
 
     void doubleClickOnTheCaptionRenames() {
-        BoxOnCanvas on;
+        HandledBox on;
         on.doubleClick(captionPoint, htTCaption);
         QCOMPARE(on.canvas.renames, std::vector<TorvQDTable*>{&on.box});
     }
 
     void doubleClickOnARowTogglesTheCurrentOne() {
-        BoxOnCanvas on;
+        HandledBox on;
         on.doubleClick(on.inRow(2, 50), htTClient);
         QVERIFY(on.canvas.checks.isEmpty());
         on.box.SetCurrentItem(on.row(2));
@@ -405,7 +348,7 @@ private Q_SLOTS:
     }
 
     void doubleClickElsewhereDoesNothing() {
-        BoxOnCanvas on;
+        HandledBox on;
         on.box.SetCurrentItem(on.row(2));
         for (const TTableHitTest hit : {htTbutton, htTCheck, htTLeft, htTOutSide}) {
             on.doubleClick(captionPoint, hit);
@@ -418,7 +361,7 @@ private Q_SLOTS:
     // --- events
 
     void eventsTellPlacesRelativeToTheBox() {
-        BoxOnCanvas on;
+        HandledBox on;
         QStringList told;
         const auto say = [&](const char* name, QObject* sender, int x, int y) {
             if (sender == &on.box) told << QStringLiteral("%1 %2 %3").arg(name).arg(x).arg(y);
@@ -468,244 +411,6 @@ private Q_SLOTS:
         QVERIFY(!box);
     }
 
-    void keysAreToldBeforeTheyAct() {
-        BoxOnCanvas on;
-        QStringList told;
-        on.box.OnKeyDown = [&](QObject*, int& key, Qt::KeyboardModifiers) {
-            told << QStringLiteral("%1 at %2").arg(key == Qt::Key_Down).arg(on.currentRow());
-        };
-        on.box.OnKeyUp = [&](QObject*, int& key, Qt::KeyboardModifiers) {
-            told << QStringLiteral("up %1").arg(key == Qt::Key_Down);
-        };
-        on.key(Qt::Key_Down);
-        int key = Qt::Key_Down;
-        on.box.KeyUp(key, {});
-        QCOMPARE(told, QStringList({"1 at -1", "up 1"}));
-        QCOMPARE(on.currentRow(), 0);
-    }
-
-    void keyThatTheHostSwallowsDoesNothing() {
-        BoxOnCanvas on;
-        on.box.OnKeyDown = [](QObject*, int& key, Qt::KeyboardModifiers) { key = 0; };
-        on.key(Qt::Key_Down);
-        QCOMPARE(on.key(Qt::Key_A, "a"), 0);
-        QVERIFY(!on.box.CurrentItem);
-        QVERIFY(on.canvas.searches.empty());
-    }
-
-    // --- the keys
-
-    void enterAndSpaceToggleTheCurrentRow() {
-        BoxOnCanvas on;
-        QCOMPARE(on.key(Qt::Key_Space, " "), 0);
-        QVERIFY(on.canvas.checks.isEmpty());
-        on.box.SetCurrentItem(on.row(3));
-        for (const int key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter}) {
-            QCOMPARE(on.key(key), 0);
-        }
-        QCOMPARE(on.canvas.checks, QStringList({"F3+", "F3-", "F3+"}));
-        QCOMPARE(on.box.FieldState, 1);
-        QCOMPARE(on.canvas.begun, on.canvas.ended);
-    }
-
-    void enterAndSpaceAskForAParametersValue() {
-        BoxOnCanvas on(2);
-        int asked = 0;
-        on.canvas.onEnterParameter = [&](TorvQDTable*, TorvQDListItem*) { ++asked; };
-        on.row(0)->ParamType = ptInput;
-        on.box.SetCurrentItem(on.row(0));
-        on.key(Qt::Key_Space);
-        on.key(Qt::Key_Return);
-        QCOMPARE(asked, 2);
-    }
-
-    void keysChooseARow_data() {
-        QTest::addColumn<int>("current");
-        QTest::addColumn<int>("first");
-        QTest::addColumn<int>("key");
-        QTest::addColumn<int>("newCurrent");
-        QTest::addColumn<int>("newFirst");
-        const auto row = [](const char* name, int current, int first, int key, int newCurrent,
-                            int newFirst) {
-            QTest::newRow(name) << current << first << key << newCurrent << newFirst;
-        };
-        // Ten rows, six of them visible.
-        row("down", 0, 0, Qt::Key_Down, 1, 0);
-        row("right", 0, 0, Qt::Key_Right, 1, 0);
-        row("up", 2, 0, Qt::Key_Up, 1, 0);
-        row("left", 2, 0, Qt::Key_Left, 1, 0);
-        row("down at the end", 9, 4, Qt::Key_Down, 9, 4);
-        row("up at the beginning", 0, 0, Qt::Key_Up, 0, 0);
-        row("down out of view", 5, 0, Qt::Key_Down, 6, 1);
-        row("up out of view", 3, 3, Qt::Key_Up, 2, 2);
-        row("down from above the view", 0, 4, Qt::Key_Down, 1, 1);
-        row("up from below the view", 9, 0, Qt::Key_Up, 8, 3);
-        row("page down", 0, 0, Qt::Key_PageDown, 5, 0);
-        row("page down to the end", 5, 0, Qt::Key_PageDown, 9, 4);
-        row("page down by a page", 3, 3, Qt::Key_PageDown, 8, 3);
-        row("page up", 9, 4, Qt::Key_PageUp, 4, 4);
-        row("page up to the beginning", 4, 4, Qt::Key_PageUp, 0, 0);
-        row("home", 9, 4, Qt::Key_Home, 0, 0);
-        row("end", 0, 0, Qt::Key_End, 9, 4);
-        row("down without a current row", -1, 3, Qt::Key_Down, 3, 3);
-        row("page up without a current row", -1, 3, Qt::Key_PageUp, 3, 3);
-        row("end without a current row", -1, 3, Qt::Key_End, 3, 3);
-    }
-    void keysChooseARow() {
-        QFETCH(int, current);
-        QFETCH(int, first);
-        QFETCH(int, key);
-        QFETCH(int, newCurrent);
-        QFETCH(int, newFirst);
-        BoxOnCanvas on;
-        if (current >= 0) on.box.SetCurrentItem(on.row(current));
-        on.box.SetFirstVisibleItem(first);
-        QCOMPARE(on.key(key), 0);
-        QCOMPARE(on.currentRow(), newCurrent);
-        QCOMPARE(on.box.FirstVisibleItem, newFirst);
-        QVERIFY(on.canvas.checks.isEmpty());
-    }
-
-    void chosenRowIsRepaintedWithTheOneBefore() {
-        BoxOnCanvas on;
-        on.box.SetCurrentItem(on.row(0));
-        on.canvas.invalidated.clear();
-        on.key(Qt::Key_Down);
-        QCOMPARE(on.canvas.invalidated, (std::vector<TRect>{on.box.GetItemRect(on.row(0)),
-                                                            on.box.GetItemRect(on.row(1))}));
-    }
-
-    void boxWithoutRowsTakesTheKeysAndDoesNothing() {
-        BoxOnCanvas on(0);
-        for (const int key : {Qt::Key_Down, Qt::Key_PageUp, Qt::Key_End, Qt::Key_Space}) {
-            QCOMPARE(on.key(key), 0);
-        }
-        QVERIFY(!on.box.CurrentItem);
-        QCOMPARE(on.box.FirstVisibleItem, 0);
-    }
-
-    // A box higher than its rows may stand on a row in front of its first one.
-    void keysStayOnTheRowsOfAShortBox() {
-        BoxOnCanvas on(3);
-        on.box.SetHeight(200);
-        on.box.SetFirstVisibleItem(1);
-        QVERIFY(on.box.FirstVisibleItem < 0);
-        on.key(Qt::Key_Down);
-        QCOMPARE(on.currentRow(), 0);
-        on.key(Qt::Key_PageDown);
-        QCOMPARE(on.currentRow(), 2);
-        on.key(Qt::Key_PageUp);
-        QCOMPARE(on.currentRow(), 0);
-    }
-
-    void keysWithControlOrAltAreNotTheBoxs() {
-        BoxOnCanvas on;
-        for (const Qt::KeyboardModifier with :
-             {Qt::ControlModifier, Qt::AltModifier, Qt::MetaModifier}) {
-            QCOMPARE(on.key(Qt::Key_Down, {}, with), int(Qt::Key_Down));
-            QCOMPARE(on.key(Qt::Key_C, "c", with), int(Qt::Key_C));
-        }
-        QVERIFY(!on.box.CurrentItem);
-        QVERIFY(on.canvas.searches.empty());
-    }
-
-    void lettersAndDigitsBeginASearch_data() {
-        QTest::addColumn<int>("key");
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("text");
-        const auto row = [](const char* name, int key, const QString& typed, const QString& text) {
-            QTest::newRow(name) << key << typed << text;
-        };
-        row("letter", Qt::Key_A, "a", "a");
-        row("capital letter", Qt::Key_A, "A", "A");
-        row("digit", Qt::Key_7, "7", "7");
-        row("letter with an accent", Qt::Key_Adiaeresis, QStringLiteral("\u00e4"),
-            QStringLiteral("\u00e4"));
-        row("other alphabet", 0x0416, QStringLiteral("\u0436"), QStringLiteral("\u0436"));
-        row("key without a text", Qt::Key_Q, "", "Q");
-        row("comma", Qt::Key_Comma, ",", "");
-        row("at sign between the digits and the letters", Qt::Key_At, "@", "");
-        row("shifted digit", Qt::Key_1, "!", "");
-        row("tabulator", Qt::Key_Tab, "\t", "");
-        row("function key", Qt::Key_F5, "", "");
-    }
-    void lettersAndDigitsBeginASearch() {
-        QFETCH(int, key);
-        QFETCH(QString, typed);
-        QFETCH(QString, text);
-        BoxOnCanvas on;
-        const int left = on.key(key, typed);
-        if (text.isEmpty()) {
-            QVERIFY(on.canvas.searches.empty());
-            QCOMPARE(left, key);
-        } else {
-            QCOMPARE(int(on.canvas.searches.size()), 1);
-            QCOMPARE(on.canvas.searches.front().first, &on.box);
-            QCOMPARE(on.canvas.searches.front().second, text);
-            QCOMPARE(left, 0);
-        }
-    }
-
-    // --- searching a row
-
-    void searchFindsTheFirstRowThatBeginsWithTheText_data() {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("found");
-        QTest::newRow("first letter") << "n" << 0;
-        QTest::newRow("capital letters") << "NU" << 1;
-        QTest::newRow("mixed case") << "nIcK" << 3;
-        QTest::newRow("quoted name") << "my" << 2;
-        QTest::newRow("blank in a quoted name") << "MY F" << 2;
-        QTest::newRow("quote inside a quoted name") << "q\"" << 5;
-        QTest::newRow("inside a name") << "ame" << 4;
-        QTest::newRow("nothing begins with it") << "x" << 4;
-        QTest::newRow("longer than the name") << "NAMES" << 4;
-        QTest::newRow("nothing typed") << "" << 4;
-    }
-    void searchFindsTheFirstRowThatBeginsWithTheText() {
-        QFETCH(QString, text);
-        QFETCH(int, found);
-        BoxOnCanvas on(searchedFields());
-        on.box.SetCurrentItem(on.row(4));
-        int key = 0;
-        on.box._FindField(text, key);
-        QCOMPARE(on.currentRow(), found);
-    }
-
-    void foundRowIsScrolledIntoView() {
-        BoxOnCanvas on;
-        int key = 0;
-        on.box._FindField("F8", key);
-        QCOMPARE(on.currentRow(), 8);
-        QCOMPARE(on.box.FirstVisibleItem, 3);
-        on.box._FindField("F1", key);
-        QCOMPARE(on.box.FirstVisibleItem, 1);
-    }
-
-    void arrowsGoToTheNextAndThePreviousMatch() {
-        BoxOnCanvas on(searchedFields());
-        const auto press = [&](int key) {
-            on.box._FindField("n", key);
-            return key == 0 ? on.currentRow() : -2;
-        };
-        QCOMPARE(press(Qt::Key_Down), 0);
-        QCOMPARE(press(Qt::Key_Down), 1);
-        QCOMPARE(press(Qt::Key_Down), 3);
-        QCOMPARE(press(Qt::Key_Down), 3);
-        QCOMPARE(press(Qt::Key_Up), 1);
-        QCOMPARE(press(Qt::Key_Up), 0);
-        QCOMPARE(press(Qt::Key_Up), 0);
-    }
-
-    void otherKeysSearchFromTheFirstRow() {
-        BoxOnCanvas on(searchedFields());
-        on.box.SetCurrentItem(on.row(3));
-        int key = Qt::Key_N;
-        on.box._FindField("n", key);
-        QCOMPARE(on.currentRow(), 0);
-        QCOMPARE(key, int(Qt::Key_N));
-    }
-
     // --- moving edges, shapes
 
     void leftEdgeMovesAloneAndStopsAtTheLeastWidth_data() {
@@ -721,7 +426,7 @@ private Q_SLOTS:
     void leftEdgeMovesAloneAndStopsAtTheLeastWidth() {
         QFETCH(int, to);
         QFETCH(int, left);
-        BoxOnCanvas on;
+        HandledBox on;
         on.box.MoveLeft(to);
         QCOMPARE(on.box.GetBoundsRect(), TRect({left, 40, 130, 168}));
     }
@@ -739,7 +444,7 @@ private Q_SLOTS:
     void upperEdgeMovesAloneAndStopsAtTheLeastHeight() {
         QFETCH(int, to);
         QFETCH(int, top);
-        BoxOnCanvas on;
+        HandledBox on;
         on.box.MoveUpper(to);
         QCOMPARE(on.box.GetBoundsRect(), TRect({30, top, 130, 168}));
         // One row more than would be counted fits into the height of a new box.
@@ -747,7 +452,7 @@ private Q_SLOTS:
     }
 
     void scrollBarStaysWhenTheLeftEdgeMoves() {
-        BoxOnCanvas on;
+        HandledBox on;
         on.canvas.selectObject(&on.box);
         QVERIFY(on.canvas.scrollBarVisible);
         on.canvas.scrollBarMoves.clear();
@@ -759,7 +464,7 @@ private Q_SLOTS:
 
     // A box of one row is lower than anybody can make it.
     void shapeIsPutBackAsItWas() {
-        BoxOnCanvas on(1);
+        HandledBox on(1);
         const TRect before = on.box.GetBoundsRect();
         const TorvQDTable::Shape shape = on.box.shape();
         on.box.SetHeight(300);
@@ -778,7 +483,7 @@ private Q_SLOTS:
     }
 
     void shapeKnowsTheScrolledRowsAndTheScrollBar() {
-        BoxOnCanvas on;
+        HandledBox on;
         on.canvas.selectObject(&on.box);
         on.box.SetFirstVisibleItem(3);
         const TorvQDTable::Shape shape = on.box.shape();
@@ -789,16 +494,6 @@ private Q_SLOTS:
         QCOMPARE(on.box.VisibleCount, 6);
         QVERIFY(on.canvas.scrollBarVisible);
         QCOMPARE(on.canvas.placed.back().position, 3);
-    }
-
-private:
-    static TDataSet searchedFields() {
-        return TDataSet({{"NAME", ftString},
-                         {"NUMBER", ftInteger},
-                         {"my field", ftString},
-                         {"NICK", ftString},
-                         {"TAIL", ftString},
-                         {"q\"q", ftString}});
     }
 };
 
