@@ -201,7 +201,7 @@ public:
     [[nodiscard]] TorvQDWorkArea* area() const { return qobject_cast<TorvQDWorkArea*>(object()); }
 
     QString text(QAccessible::Text kind) const override {
-        const QString own = QAccessibleWidget::text(kind);
+        QString own = QAccessibleWidget::text(kind);
         if (kind != QAccessible::Description || !own.isEmpty() || !area()) return own;
         return TorvQDWorkArea::tr("Tables: %1, links: %2")
             .arg(area()->TablesCount())
