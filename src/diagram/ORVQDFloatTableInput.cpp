@@ -59,7 +59,8 @@ void TorvQDTable::MouseDown(TWMMouse& Message, TTableHitTest Hit) {
         SetFieldState(FieldState == 2 ? 0 : 2);
         if (!self) return;
     } else if (Hit == htTbutton) {
-        PressedButton = buttonAt({Message.XPos, Message.YPos});
+        // Looks pressed at once, also when the box was not selected before: then no button was hot.
+        HotButton = PressedButton = buttonAt({Message.XPos, Message.YPos});
         invalidate(GetButtonRect());
     } else if (Hit == htTClient) {
         SetCurrentItem(GetItemAt(Message.XPos, Message.YPos));
