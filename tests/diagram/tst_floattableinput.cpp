@@ -126,6 +126,15 @@ private Q_SLOTS:
         QCOMPARE(on.box.GetHint(), QString());
     }
 
+    void pressedButtonOfAnotherBoxLooksPressedAtOnce() {
+        BoxOnCanvas on;
+        on.move(closePoint, htTbutton);
+        on.canvas.selectObject(&on.box);
+        on.down(closePoint, htTbutton);
+        QCOMPARE(on.box.PressedButton, 2);
+        QCOMPARE(on.box.HotButton, 2);
+    }
+
     void heldButtonLeavesAndComesBack() {
         HandledBox on;
         on.canvas.selectObject(&on.box);
