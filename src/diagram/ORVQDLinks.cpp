@@ -200,6 +200,7 @@ void TorvQDLink::_DeletePoint() {
         if (!isClose(GetPoint(index), DragPoint)) continue;
         invalidateLine();
         m_points.erase(m_points.begin() + index);
+        if (index < m_chosenBend) --m_chosenBend;
         invalidateLine();
         return;
     }
@@ -211,6 +212,7 @@ void TorvQDLink::_InsertPoint() {
     if (segment < 1 || segment > GetCountPoints() - 3) return;
     invalidateLine();
     m_points.insert(m_points.begin() + segment + 1, DragPoint);
+    if (segment < m_chosenBend) ++m_chosenBend;
     invalidateLine();
 }
 
