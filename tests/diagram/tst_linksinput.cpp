@@ -472,6 +472,18 @@ private Q_SLOTS:
         QVERIFY(services.messages.isEmpty());
     }
 
+    void chosenBendPointStaysChosenWhenTheMenuChangesOthers() {
+        const Diagram on({{150, 80}, {200, 60}, {250, 90}});
+        on.key(Qt::Key_Left);
+        QCOMPARE(on.link->chosenBend(), 4);
+        on.choose("Delete point", {150, 80}, htTPoint);
+        QCOMPARE(on.link->bendPoints(), Points({{200, 60}, {250, 90}}));
+        QCOMPARE(on.link->chosenBend(), 3);
+        on.choose("Insert point", {226, 76}, htTClient);
+        QCOMPARE(on.link->bendPoints(), Points({{200, 60}, {226, 76}, {250, 90}}));
+        QCOMPARE(on.link->chosenBend(), 4);
+    }
+
     void otherKeysAreNotTheLinks() {
         const Diagram on({{150, 80}});
         for (const int key : {Qt::Key_A, Qt::Key_Tab, Qt::Key_Home, Qt::Key_PageDown}) {
