@@ -184,6 +184,14 @@ void FieldDrag::scrollRows(int timer) {
     setTarget(takes(item) ? item : nullptr);
 }
 
+// The diagram was scrolled under the resting pointer.
+void FieldDrag::follow() {
+    if (!m_isOver || !m_field) return;
+    m_under = qobject_cast<TorvQDTable*>(m_area.objectAt(m_pointer));
+    TorvQDListItem* item = m_area.rowAt(m_pointer);
+    setTarget(takes(item) ? item : nullptr);
+}
+
 void FieldDrag::leave() {
     m_isOver = false;
     setTarget(nullptr);

@@ -30,6 +30,8 @@ public:
     void enter(QDragMoveEvent& event, const QPoint& viewPoint);
     void over(QDragMoveEvent& event, const QPoint& viewPoint);
     void leave();
+    /// The diagram was scrolled under it.
+    void follow();
     void drop(QDropEvent& event, const QPoint& viewPoint);
     /// Whether something is being dragged over the diagram.
     [[nodiscard]] bool isOver() const { return m_isOver; }

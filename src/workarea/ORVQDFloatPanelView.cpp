@@ -6,6 +6,7 @@
 #include "toolkit/Services.h"
 #include "workarea/ORVQDArrange.h"
 #include "workarea/ORVQDDiagramKeys.h"
+#include "workarea/ORVQDFieldDrag.h"
 #include "workarea/ORVQDFieldSearch.h"
 #include "workarea/ORVQDFloatPanel.h"
 #include "workarea/ORVQDGestures.h"
@@ -293,6 +294,7 @@ void TorvQDWorkArea::scrollContentsBy(int dx, int dy) {
         placeOverlays();
         viewport()->update();
         m_gestures->follow();
+        m_fieldDrag->follow();
     });
 }
 
