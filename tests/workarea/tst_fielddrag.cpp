@@ -454,6 +454,29 @@ private Q_SLOTS:
         QCOMPARE(on.links(), QStringList("T.B=WIDE.G"));
     }
 
+    void markFollowsTheScrolledView() {
+        DragBuilder on;
+        on.place("WIDE", {on.view()->width() - 40, 30});
+        const QPoint edge(on.view()->width() - 5, on.rowTextOf("WIDE", "C").y());
+        on.place("U", {on.view()->width() + 5, 30});
+        on.area().TableToFront(on.table("WIDE"));
+        TorvQDListItem* before = nullptr;
+        TorvQDListItem* after = nullptr;
+        TorvQDListItem* left = nullptr;
+        on.take("T", "B", [&](QDrag& drag) {
+            on.enter(edge, drag.mimeData());
+            before = on.markedRow("WIDE");
+            on.area().scrollBy(20, 0);
+            after = on.markedRow("WIDE");
+            on.area().scrollBy(100, 0);
+            left = on.markedRow("WIDE");
+            return Qt::IgnoreAction;
+        });
+        QCOMPARE(before, on.row("WIDE", "C"));
+        QCOMPARE(after, on.row("WIDE", "C"));
+        QCOMPARE(left, nullptr);
+    }
+
     void viewScrollsAtItsEdgeUntilTheDragIsOver() {
         DragBuilder on;
         const QPoint edge(on.view()->width() - 5, 100);
