@@ -56,8 +56,14 @@ bool Gestures::movesThings() const {
            m_kind == Kind::DraggingEnd;
 }
 
+// What the hand has gone since the press, in pixels of the screen: it is as steady over a magnified
+// view as over any other.
+qreal Gestures::wayOfHand(const QPoint& viewPoint) const {
+    return (viewPoint - m_pressPoint).manhattanLength() * m_area.zoom();
+}
+
 bool Gestures::hasLeftPress(const QPoint& viewPoint) const {
-    return (viewPoint - m_pressPoint).manhattanLength() >= moveThresholdPx;
+    return wayOfHand(viewPoint) >= moveThresholdPx;
 }
 
 // --- press, move, release ---
@@ -203,8 +209,7 @@ void Gestures::forget(const TorvQDFloatObject* object) {
 
 bool Gestures::takesRow(const TorvQDListItem* item) const {
     if (m_kind != Kind::Pressed || !item || item->GetIndex() != m_pressedRow) return false;
-    const QPoint way = QPoint(m_last.XPos, m_last.YPos) - m_pressPoint;
-    return way.manhattanLength() >= QApplication::startDragDistance();
+    return wayOfHand({m_last.XPos, m_last.YPos}) >= QApplication::startDragDistance();
 }
 
 // --- boxes ---

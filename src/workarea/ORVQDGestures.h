@@ -55,6 +55,7 @@ private:
     [[nodiscard]] TorvQDTable* table() const;
     [[nodiscard]] TorvQDLink* link() const;
     [[nodiscard]] QPoint toDiagram(const QPoint& viewPoint) const;
+    [[nodiscard]] qreal wayOfHand(const QPoint& viewPoint) const;
     [[nodiscard]] bool hasLeftPress(const QPoint& viewPoint) const;
     void begin(TorvQDFloatObject* object, const TWMMouse& message);
     void moveBox(const QPoint& viewPoint);
