@@ -83,6 +83,22 @@ private Q_SLOTS:
         QCOMPARE(on.boxPlace(), QPoint(200, 61));
     }
 
+    void handIsAsSteadyOverAMagnifiedView() {
+        const BoxedBuilder on;
+        for (const qreal zoom : {0.25, 2.0}) {
+            on.area().setZoom(zoom);
+            on.scrollTo({});
+            const QPoint before = on.boxPlace();
+            const QPoint from = on.area().toViewport(on.caption());
+            on.press(from);
+            on.moveTo(from + QPoint(2, 0));
+            QCOMPARE(on.boxPlace(), before);
+            on.moveTo(from + QPoint(4, 0));
+            QCOMPARE(on.boxPlace(), before + QPoint(int(4 / zoom), 0));
+            on.release(from + QPoint(4, 0));
+        }
+    }
+
     void boxKeepsUpWithAFastHand() {
         const BoxedBuilder on;
         int told = 0;
