@@ -85,7 +85,7 @@ void Gestures::begin(TorvQDFloatObject* object, const TWMMouse& message) {
 }
 
 void Gestures::press(TorvQDFloatObject* object, TWMMouse message) {
-    cancel();
+    giveUp();
     const QPointer<TorvQDFloatObject> pressed(object);
     const QPointer<TorvQDWorkArea> area(&m_area);
     m_area.selectObject(object);
@@ -97,7 +97,7 @@ void Gestures::press(TorvQDFloatObject* object, TWMMouse message) {
 
 // The second press of a double click does not arrive as one; its release does.
 void Gestures::doubleClick(TorvQDFloatObject* object, TWMMouse message) {
-    cancel();
+    giveUp();
     begin(object, message);
     if (TorvQDTable* box = table()) {
         if (m_hit == htTRight) m_area.fitWidth(*box);
@@ -198,8 +198,15 @@ bool Gestures::cancel() {
     if (isIdle()) return false;
     const bool wasMoved = m_kind == Kind::MovingBox || m_kind == Kind::SizingBox;
     if (wasMoved && table()) table()->setShape(m_shape);
+    if (m_kind == Kind::Panning) pan(m_pressPoint);
     end();
     return true;
+}
+
+// Another button takes over. A panned view stays: the press is meant for what it shows.
+void Gestures::giveUp() {
+    if (m_kind == Kind::Panning) return end();
+    cancel();
 }
 
 void Gestures::forget(const TorvQDFloatObject* object) {

@@ -68,6 +68,7 @@ private:
     [[nodiscard]] QPoint endBandStart() const;
     void invalidateEndBand() const;
     void pan(const QPoint& viewPoint);
+    void giveUp();
     void reset();
 
     TorvQDWorkArea& m_area;
