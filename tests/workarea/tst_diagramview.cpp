@@ -144,6 +144,29 @@ private Q_SLOTS:
         QVERIFY(!on.area().isGesturing());
     }
 
+    void escapePutsThePannedViewBack() {
+        const ViewedBuilder on;
+        on.scrollTo({100, 80});
+        ViewedBuilder::middle(QEvent::MouseButtonPress, on.view(), {200, 100});
+        ViewedBuilder::middle(QEvent::MouseMove, on.view(), {160, 80});
+        QCOMPARE(on.area().scrollPosition(), QPoint(140, 100));
+        QTest::keyClick(&on.area(), Qt::Key_Escape);
+        QVERIFY(!on.area().isGesturing());
+        QCOMPARE(on.area().scrollPosition(), QPoint(100, 80));
+        ViewedBuilder::middle(QEvent::MouseMove, on.view(), {100, 80});
+        QCOMPARE(on.area().scrollPosition(), QPoint(100, 80));
+    }
+
+    void pressEndsThePanningWhereItIs() {
+        const ViewedBuilder on;
+        on.scrollTo({100, 0});
+        ViewedBuilder::middle(QEvent::MouseButtonPress, on.view(), {200, 100});
+        ViewedBuilder::middle(QEvent::MouseMove, on.view(), {220, 100});
+        on.press(on.captionOf("WIDE"));
+        QCOMPARE(on.area().scrollPosition(), QPoint(80, 0));
+        QCOMPARE(on.area().selectedObject(), on.box());
+    }
+
     void magnifiedViewIsPannedByTheHandsWay() {
         const ViewedBuilder on;
         on.area().setZoom(2);
