@@ -88,6 +88,7 @@ TorvQDTable::~TorvQDTable() = default;
 
 void TorvQDTable::AssignItems(const TDataSet* DataSet) {
     ++m_rowsVersion;
+    for (std::unique_ptr<TorvQDListItem>& item : Items) m_droppedRows.push_back(std::move(item));
     Items.clear();
     m_rowByName.clear();
     m_rowByWord.clear();
@@ -180,8 +181,10 @@ void TorvQDTable::SetCurrentItem(TorvQDListItem* Item) {
 void TorvQDTable::SetFieldState(int State) {
     UpdateFieldState(State);
     ChangeScope change(canvas(), Parent);
-    for (const std::unique_ptr<TorvQDListItem>& item : Items) {
-        if (item->ParamType == ptOutput) item->SetCheck(State == 2);
+    // The host that is told may assign other rows.
+    const int version = m_rowsVersion;
+    for (std::size_t index = 0; version == m_rowsVersion && index < Items.size(); ++index) {
+        if (Items[index]->ParamType == ptOutput) Items[index]->SetCheck(State == 2);
     }
     change.finish();
 }

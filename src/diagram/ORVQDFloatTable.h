@@ -122,7 +122,8 @@ public:
     /// The same; where that finds nothing, names are compared without their quotes, and a match
     /// that is the only one counts.
     [[nodiscard]] TorvQDListItem* findItem(const QString& name) const;
-    /// Rows made from the data set; the old rows go. The height stays.
+    /// Rows made from the data set; the old rows are of the box no more, but live as long as it.
+    /// The height stays.
     void AssignItems(const TDataSet* DataSet);
 
     void SetSelect(bool Value) override;
@@ -269,6 +270,8 @@ private:
 
     QString m_alias;
     int m_rowsVersion = 0;
+    // Links and handlers may still be about rows of before.
+    std::vector<std::unique_ptr<TorvQDListItem>> m_droppedRows;
     int m_outputRows = 0;
     int m_checkedRows = 0;                      // of the output rows
     static constexpr int rowGapPx = 1;          // between two rows

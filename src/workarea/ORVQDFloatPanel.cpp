@@ -286,14 +286,18 @@ void TorvQDWorkArea::placeAgain(const std::vector<TorvQDTable*>& tables) {
 // --- names ---
 
 void TorvQDWorkArea::indexFields(TorvQDTable* table) {
+    QStringList& names = m_fieldsOfTable[table];
     for (const auto& item : table->Items) {
-        std::vector<TorvQDTable*>& tables = m_byField[looseKey(item->Name)];
-        if (tables.empty() || tables.back() != table) tables.push_back(table);
+        const QString name = looseKey(item->Name);
+        std::vector<TorvQDTable*>& tables = m_byField[name];
+        if (!tables.empty() && tables.back() == table) continue;
+        tables.push_back(table);
+        names.push_back(name);
     }
 }
 
 void TorvQDWorkArea::unindexFields(TorvQDTable* table) {
-    for (const auto& item : table->Items) eraseFrom(m_byField, looseKey(item->Name), table);
+    for (const QString& name : m_fieldsOfTable.take(table)) eraseFrom(m_byField, name, table);
 }
 
 std::vector<TorvQDTable*> TorvQDWorkArea::tablesWithField(const QString& name) const {
@@ -488,6 +492,7 @@ void TorvQDWorkArea::ClearContents() {
     m_byAlias.clear();
     m_byLooseAlias.clear();
     m_byField.clear();
+    m_fieldsOfTable.clear();
     m_joinByPair.clear();
     m_joinNumbers.clear();
     m_linkNumbers.clear();

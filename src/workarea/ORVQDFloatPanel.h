@@ -385,6 +385,7 @@ private:
     QHash<QString, std::vector<TorvQDTable*>> m_byAlias;
     QHash<QString, std::vector<TorvQDTable*>> m_byLooseAlias;  // upper case, without quotes
     QHash<QString, std::vector<TorvQDTable*>> m_byField;       // upper-case names without quotes
+    QHash<const TorvQDTable*, QStringList> m_fieldsOfTable;    // under which it stands there
     QPointer<TorvQDFloatObject> m_hot;
     TTableHitTest m_hotHit = htTOutSide;
     QPointer<TorvQDFloatObject> m_selected;

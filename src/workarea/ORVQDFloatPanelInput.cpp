@@ -314,6 +314,10 @@ void TorvQDWorkArea::showChosenPart() {
 
 void TorvQDWorkArea::boxChanged(TorvQDTable* table, BoxChange change, const TorvQDListItem* row) {
     orv::accessible::tellChange(table, change, row);
+    if (change == BoxChange::Rows && m_creationNumber.contains(table)) {
+        unindexFields(table);
+        indexFields(table);
+    }
     if (change != BoxChange::CurrentRow) return;
     if (m_searchEdit->table() == table && table == m_selected) showChosenPart();
     if (m_keys->linkSource()) viewport()->update();
