@@ -4,6 +4,8 @@
 #include "support/BuilderTools.h"
 #include "workarea/ORVQDFloatPanel.h"
 
+#include <algorithm>
+
 using orvtest::HostedBuilder;
 
 class FloatPanelTest : public QObject {
@@ -386,6 +388,37 @@ private Q_SLOTS:
         QCOMPARE(box->ItemHeight, pixels);
         QVERIFY(box->Height > before);
         QCOMPARE(on.builder.WorkArea->GetFont(), on.builder.WorkAreaOptions->GetFont());
+    }
+
+    void otherRowsOfABoxAreFoundAndTheOldOnesStayWithTheirLinks() {
+        HostedBuilder on;
+        TorvQDWorkArea* area = on.builder.WorkArea;
+        TorvQDTable* box = on.addTable("T");
+        TorvQDTable* other = on.addTable("U");
+        TorvQDListItem* row = box->GetFieldItem("A");
+        const TorvQDLink* link = area->AddLink(box, other, row, other->GetFieldItem("X"));
+        const TDataSet fields = orvtest::stringFields({"N"});
+        box->AssignItems(&fields);
+        QCOMPARE(area->tablesWithField("N"), std::vector<TorvQDTable*>{box});
+        const std::vector<TorvQDTable*> left = area->tablesWithField("B");
+        QVERIFY(std::find(left.begin(), left.end(), box) == left.end());
+        QVERIFY(!box->owns(row));
+        QCOMPARE(link->Item1->Name, QString("A"));
+        box->CloseTable();
+        QVERIFY(area->tablesWithField("N").empty());
+    }
+
+    void hostMayReplaceTheRowsWhileTheyAreTicked() {
+        HostedBuilder on;
+        TorvQDTable* box = on.addTable("T");
+        const TDataSet fields = orvtest::stringFields({"N"});
+        int told = 0;
+        on.builder.WorkArea->OnCheckItem = [&](QObject*, TorvQDListItem*) {
+            if (++told == 1) box->AssignItems(&fields);
+        };
+        box->SetFieldState(2);
+        QCOMPARE(told, 1);
+        QVERIFY(!box->GetFieldItem("N")->Checked);
     }
 
     void emptySlotsAreSkipped() {
