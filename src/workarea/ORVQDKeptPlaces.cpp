@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "workarea/ORVQDKeptPlaces.h"
 
+#include "core/Text.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <algorithm>
@@ -9,22 +10,27 @@ namespace orv {
 
 KeptPlaces::KeptPlaces(const TorvQDWorkArea& area) {
     for (const TorvQDTable* table : area.tablesByCreation()) {
-        m_boxes.insert(table->GetAlias(), {table->TableName, int(table->Items.size()),
-                                           table->shape(), table->Expanded != 0});
+        m_boxes.insert(keyOf(table->GetAlias()), {table->TableName, int(table->Items.size()),
+                                                  table->shape(), table->Expanded != 0});
     }
     for (const TorvQDLink* link : area.Links()) {
         if (!link->bendPoints().empty()) m_bends.insert(keyOf(*link), link->bendPoints());
     }
 }
 
+// Loading writes an alias in upper case.
+QString KeptPlaces::keyOf(const QString& alias) {
+    return unquotedName(alias).toUpper();
+}
+
 // What a link compares, without its operator: its line stays when that is changed.
 QString KeptPlaces::keyOf(const TorvQDLink& link) {
-    return link.Join->Table1->GetAlias() + u'.' + link.Item1->Name + u' ' +
-           link.Join->Table2->GetAlias() + u'.' + link.Item2->Name;
+    return keyOf(link.Join->Table1->GetAlias()) + u'.' + link.Item1->Name + u' ' +
+           keyOf(link.Join->Table2->GetAlias()) + u'.' + link.Item2->Name;
 }
 
 const KeptPlaces::Box* KeptPlaces::find(const TorvQDTable& table) const {
-    const auto found = m_boxes.constFind(table.GetAlias());
+    const auto found = m_boxes.constFind(keyOf(table.GetAlias()));
     const bool isSame = found != m_boxes.constEnd() &&
                         found->tableName.compare(table.TableName, Qt::CaseInsensitive) == 0;
     return isSame ? &*found : nullptr;

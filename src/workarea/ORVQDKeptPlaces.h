@@ -38,9 +38,10 @@ private:
     };
 
     [[nodiscard]] const Box* find(const TorvQDTable& table) const;
+    [[nodiscard]] static QString keyOf(const QString& alias);
     [[nodiscard]] static QString keyOf(const TorvQDLink& link);
 
-    QHash<QString, Box> m_boxes;  // by alias
+    QHash<QString, Box> m_boxes;  // by alias, case and quotes aside
     QHash<QString, std::vector<QPoint>> m_bends;
 };
 

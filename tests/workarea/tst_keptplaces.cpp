@@ -91,6 +91,16 @@ private Q_SLOTS:
         QCOMPARE(QPoint(on.table("X")->Left, on.table("X")->Top), QPoint(50, 20));
     }
 
+    void anAliasMayComeBackInOtherLetters() {
+        HostedBuilder on(true);
+        on.builder.LoadSQL("select e.salary from employee e");
+        on.builder.WorkArea->renameTable(on.table("E"), "boss");
+        on.table("boss")->MoveTable(300, 200);
+        const QRect before = place(on.table("boss"));
+        on.builder.LoadSQL("select boss.salary, boss.emp_no from employee boss");
+        QCOMPARE(place(on.table("BOSS")), before);
+    }
+
     void clearForgetsThePlaces() {
         HostedBuilder on(true);
         on.builder.LoadSQL(joined);
