@@ -170,6 +170,11 @@ void writeRestoringKeys(JsonWriter& json, TorvQueryBuilder& builder) {
     json.key("sortedRows").beginArray();
     for (const SortList::Line& line : builder.OrderPanel->sortList().lines()) json.value(line.row);
     json.endArray();
+    json.key("shownRows").beginArray();
+    for (int index = 0; index < area.TablesCount(); ++index) {
+        json.value(area.Tables(index)->VisibleCount);
+    }
+    json.endArray();
     const QPoint view = area.scrollPosition();
     json.key("view").beginArray().value(view.x()).value(view.y()).endArray();
 }

@@ -310,6 +310,19 @@ void readOrder(const Value& root, QueryState& state) {
     for (std::size_t line = 0; line < numbers.size(); ++line) state.order[line].row = numbers[line];
 }
 
+// One height can show another number of rows in a box that was sized than in one that was not.
+void readShownRows(const Value& value, QueryState& state) {
+    const std::vector<int> numbers = value.numbers();
+    if (numbers.empty()) return;
+    if (numbers.size() != state.tables.size()) {
+        fail(value.path(), QStringLiteral("is not as long as the tables"));
+    }
+    for (std::size_t index = 0; index < numbers.size(); ++index) {
+        if (numbers[index] < 0) fail(value.path(), QStringLiteral("has a number below 0"));
+        state.tables[index].shownRows = numbers[index];
+    }
+}
+
 QPoint readView(const Value& value) {
     const std::vector<int> numbers = value.numbers();
     if (numbers.empty()) return {};
@@ -342,6 +355,7 @@ QueryState readState(const QByteArray& json) {
     state.selectedFields = root.key("selectedFields").texts();
     state.allFields = root.key("allFields").texts();
     state.creationOrder = readCreationOrder(root.key("creationOrder"), state);
+    readShownRows(root.key("shownRows"), state);
     state.view = readView(root.key("view"));
     return state;
 }

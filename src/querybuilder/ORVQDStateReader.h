@@ -26,6 +26,7 @@ struct QueryState {
         std::vector<bool> checked;  ///< by field
         bool collapsed = false;
         int firstRow = 0;
+        int shownRows = -1;  ///< whole rows that the list shows; -1: as many as its height gives
     };
     struct Join {
         TKindOfJoin kind = klInnerJoin;

@@ -37,6 +37,11 @@ public:
             for (std::size_t field = 0; field < saved.checked.size(); ++field) {
                 if (saved.checked[field]) box->Items[field]->UpdateCheck(-1);
             }
+            if (saved.shownRows >= 0) {
+                TorvQDTable::Shape shape = box->shape();
+                shape.visibleCount = saved.shownRows;
+                box->setShape(shape);
+            }
             if (saved.firstRow != 0) box->SetFirstVisibleItem(std::max(0, saved.firstRow));
             if (saved.collapsed) box->SetExpand(0);
             frontToBack[std::size_t(index)] = box;

@@ -30,6 +30,22 @@ class SavedStateTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void aBoxShowsAsManyRowsAsBefore() {
+        HostedBuilder on;
+        on.host.add("WIDE", {"A", "B", "C", "D", "E", "F", "G", "H", "I", "J"});
+        TorvQDTable* box = on.addTable("WIDE");
+        const int height = box->Height;
+        // The same height shows a row less in a box that was sized.
+        box->SetHeight(height + 50);
+        box->SetHeight(height);
+        QCOMPARE(box->VisibleCount, 5);
+        HostedBuilder other;
+        other.builder.RestoreState(on.builder.SaveState());
+        QCOMPARE(other.table("WIDE")->Height, height);
+        QCOMPARE(other.table("WIDE")->VisibleCount, 5);
+        QCOMPARE(other.builder.SaveState(), on.builder.SaveState());
+    }
+
     void comesBackAsItWas_data() {
         QTest::addColumn<bool>("keepMeaning");
         QTest::addColumn<QString>("text");
