@@ -33,7 +33,6 @@ namespace {
 
 constexpr int placementRightPx = 50;
 constexpr int placementDownPx = 20;
-constexpr int placementGapPx = 10;
 const QColor aliasEditColor(0xC0, 0xC0, 0xC0);
 
 // A name that SQL takes for one without quotes.
@@ -230,10 +229,10 @@ QString TorvQDWorkArea::freeAlias(const QString& processedName) const {
     return candidate;
 }
 
-// The box goes right until it is clear of all others, each time 10 pixels behind the first box of
+// The box goes right until it is clear of all others, each time with a gap behind the first box of
 // the list that it meets. Boxes that it has passed can never be met again, so each is looked at
 // once: `reached` holds those whose left edge the place has reached, first of the list on top.
-void TorvQDWorkArea::placeTable(TorvQDTable& table) const {
+void TorvQDWorkArea::placeTable(TorvQDTable& table, int gapPx) const {
     TRect place = table.GetBoundsRect().translated(placementRightPx, placementDownPx);
     struct Obstacle {
         int left;
@@ -258,13 +257,13 @@ void TorvQDWorkArea::placeTable(TorvQDTable& table) const {
         }
         while (!reached.empty() && reached.top().right <= place.Left) reached.pop();
         if (reached.empty()) break;
-        place = place.translated(reached.top().right + placementGapPx - place.Left, 0);
+        place = place.translated(reached.top().right + gapPx - place.Left, 0);
     }
     table.Left = place.Left;
     table.Top = place.Top;
 }
 
-void TorvQDWorkArea::placeAgain(const std::vector<TorvQDTable*>& tables) {
+void TorvQDWorkArea::placeAgain(const std::vector<TorvQDTable*>& tables, int gapPx) {
     // Those that wait for their place are in nobody's way.
     constexpr int outOfTheWay = -100000;
     std::vector<QPoint> before;
@@ -275,7 +274,7 @@ void TorvQDWorkArea::placeAgain(const std::vector<TorvQDTable*>& tables) {
     for (std::size_t index = 0; index < tables.size(); ++index) {
         TorvQDTable& table = *tables[index];
         table.Left = table.Top = 0;
-        placeTable(table);
+        placeTable(table, gapPx);
         const QPoint place(table.Left, table.Top);
         table.Left = before[index].x();
         table.Top = before[index].y();

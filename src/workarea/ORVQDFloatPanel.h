@@ -91,8 +91,9 @@ public:
     TorvQDLink* restoreLink(TorvQDJoin* join, TorvQDListItem* item1, TorvQDListItem* item2);
     /// Makes the box as wide as its caption and its rows need, up to a bearable width.
     void fitWidth(TorvQDTable& table);
-    /// Places boxes of the diagram as if they were added now, one after the other.
-    void placeAgain(const std::vector<TorvQDTable*>& tables);
+    /// Places boxes of the diagram as if they were added now, one after the other, with that room
+    /// between boxes.
+    void placeAgain(const std::vector<TorvQDTable*>& tables, int gapPx = placementGapPx);
     /// Puts the boxes in that stacking order; they are all there, each once.
     void restack(const std::vector<TorvQDTable*>& frontToBack);
 
@@ -323,7 +324,8 @@ private:
     TorvQDTable* adopt(std::unique_ptr<TorvQDTable> box);
     TorvQDLink* adopt(std::unique_ptr<TorvQDLink> link);
     [[nodiscard]] QString freeAlias(const QString& processedName) const;
-    void placeTable(TorvQDTable& table) const;
+    static constexpr int placementGapPx = 10;
+    void placeTable(TorvQDTable& table, int gapPx = placementGapPx) const;
     void reroute(const TorvQDTable* table);
     [[nodiscard]] bool takesLinks(const TorvQDTable* table) const;
     TorvQDJoin* holdJoin(std::unique_ptr<TorvQDJoin> join);
@@ -353,6 +355,7 @@ private:
     [[nodiscard]] TWMMouse messageOf(const QMouseEvent& event) const;
     void setHot(TorvQDFloatObject* object, TTableHitTest hit);
     void leaveHot();
+    void updateCursor();
     void trackMouse(const QMouseEvent& event);
     void watchEdge(const QPoint& viewPoint);
     void scrollAtEdge();
@@ -387,6 +390,7 @@ private:
     QHash<QString, std::vector<TorvQDTable*>> m_byField;       // upper-case names without quotes
     QHash<const TorvQDTable*, QStringList> m_fieldsOfTable;    // under which it stands there
     QPointer<TorvQDFloatObject> m_hot;
+    QPointer<TorvQDFloatObject> m_lastPressed;
     TTableHitTest m_hotHit = htTOutSide;
     QPointer<TorvQDFloatObject> m_selected;
     bool m_deselects = false;

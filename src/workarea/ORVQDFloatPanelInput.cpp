@@ -146,7 +146,8 @@ void TorvQDWorkArea::mousePressEvent(QMouseEvent* event) {
             m_gestures->beginPanning(m_mouse);
             viewport()->setCursor(Qt::ClosedHandCursor);
         } else if (event->button() == Qt::LeftButton) {
-            m_gestures->press(objectAt(m_mouse), message);
+            m_lastPressed = objectAt(m_mouse);
+            m_gestures->press(m_lastPressed, message);
         }
     });
 }
@@ -210,8 +211,7 @@ void TorvQDWorkArea::mouseReleaseEvent(QMouseEvent* event) {
             const QPointer<TorvQDWorkArea> self(this);
             if (!m_gestures->isIdle()) m_gestures->release(message);
             if (!self) return;
-            const TorvQDFloatObject* object = objectAt(m_mouse);
-            viewport()->setCursor(cursorFor(object ? object->HitTest(m_mouse) : htTOutSide));
+            updateCursor();
         }
     });
 }
@@ -223,7 +223,12 @@ void TorvQDWorkArea::mouseDoubleClickEvent(QMouseEvent* event) {
         const TWMMouse message = messageOf(*event);
         m_mouse = {message.XPos, message.YPos};
         TorvQDFloatObject* object = objectAt(m_mouse);
-        if (object) m_gestures->doubleClick(object, message);
+        // The first click may have closed what lay above this one.
+        if (object && object == m_lastPressed) {
+            m_gestures->doubleClick(object, message);
+        } else {
+            m_gestures->press(object, message);
+        }
     });
 }
 
@@ -338,7 +343,14 @@ bool TorvQDWorkArea::isGesturing() const {
 
 bool TorvQDWorkArea::cancelGesture() {
     stopTimer(edgeTimer);
-    return m_gestures->cancel();
+    if (!m_gestures->cancel()) return false;
+    updateCursor();
+    return true;
+}
+
+void TorvQDWorkArea::updateCursor() {
+    const TorvQDFloatObject* object = objectAt(m_mouse);
+    viewport()->setCursor(cursorFor(object ? object->HitTest(m_mouse) : htTOutSide));
 }
 
 // A press of the mouse shows by itself where the focus is.

@@ -243,6 +243,7 @@ void editingTheLinkByDoubleClick(Scene& on, RecordedServices& services) {
         return int(QDialog::Accepted);
     };
     const QPoint at = on.middleOfLink();
+    QTest::mouseClick(on.view(), Qt::LeftButton, {}, at);
     QTest::mouseDClick(on.view(), Qt::LeftButton, {}, at);
     QCOMPARE(services.dialogs.size(), 1);
     on.release(at);
@@ -313,6 +314,7 @@ void havingAskedToDeleteTheLink(Scene& on, RecordedServices&) {
 
 void openingTheCaptionByDoubleClick(Scene& on, RecordedServices&) {
     const QPoint at = Scene::captionOf(*on.box);
+    QTest::mouseClick(on.view(), Qt::LeftButton, {}, at);
     QTest::mouseDClick(on.view(), Qt::LeftButton, {}, at);
     on.strikeNow();
     on.release(at);

@@ -431,6 +431,22 @@ private Q_SLOTS:
 
     // --- clicks
 
+    void secondClickOnAClosedBoxIsAFirstOneOnWhatLayBelow() {
+        ShownBuilder on;
+        TorvQDTable* upper = on.table("T");
+        TorvQDTable* lower = on.table("U");
+        upper->MoveTable(0, 100);
+        lower->MoveTable(upper->Left - lower->Left, upper->Top - 45 - lower->Top);
+        const TRect buttons = upper->toView(upper->GetButtonRect());
+        const QPoint close(buttons.Right - 5, buttons.Top + 8);
+        QCOMPARE(lower->HitTest(close), htTClient);
+        on.doubleClick(close);
+        QCOMPARE(on.tables(), QStringList("U"));
+        QVERIFY(on.table("U")->Selected);
+        QCOMPARE(on.columns(), QStringList());
+        verifyBuilder(on.builder);
+    }
+
     void doubleClickOnARowTogglesIt() {
         BoxedBuilder on;
         on.doubleClick(on.rowTextOf("WIDE", "B"));
