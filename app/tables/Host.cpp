@@ -7,6 +7,12 @@
 
 namespace orvquery {
 
+namespace {
+
+constexpr int roomForLinksPx = 60;
+
+}  // namespace
+
 void connectTables(TorvQueryBuilder& builder, const TableSource& source) {
     lReservedWords() = source.reservedWords();
     builder.OnGetTableFields = [&source](const QString& nameOfTable,
@@ -22,7 +28,7 @@ bool addTable(TorvQueryBuilder& builder, const TableSource& source, const QStrin
     TorvQDTable* box = builder.ListOfTables->AddTable(table->name, table->columns);
     if (!box) return false;
     builder.WorkArea->fitWidth(*box);
-    builder.WorkArea->placeAgain({box});
+    builder.WorkArea->placeAgain({box}, roomForLinksPx);
     builder.WorkArea->ensureVisible(box->GetBoundsRect());
     return true;
 }

@@ -45,6 +45,9 @@ public:
     /// The type as a person reads it.
     [[nodiscard]] QString GetDataName() const { return orv::fieldTypeDisplayName(FieldType); }
 
+    /// The row as it is written in the box: the name, with the type when the options show it.
+    [[nodiscard]] QString caption() const;
+
     /// Ticks or unticks the row and tells the canvas. An input parameter is not ticked: the host is
     /// asked for its value.
     void SetCheck(bool value);

@@ -243,11 +243,13 @@ const orv::TextLine& TorvQDListItem::text() const {
     made.name = Name;
     made.type = FieldType;
     made.showsType = showsType;
-    QString text = u' ' + Name;
-    if (showsType) {
-        text += QStringLiteral(" (") +
-                GetDataName().replace(QStringLiteral("&&"), QStringLiteral("&")) + u')';
-    }
-    made.line.setText(text);
+    made.line.setText(caption());
     return made.line;
+}
+
+QString TorvQDListItem::caption() const {
+    const QString text = u' ' + Name;
+    if (!Table->canvas() || !Table->canvas()->options().GetShowFieldsType()) return text;
+    return text + QStringLiteral(" (") +
+           GetDataName().replace(QStringLiteral("&&"), QStringLiteral("&")) + u')';
 }

@@ -230,6 +230,9 @@ TorvQDListItem* DiagramKeys::linkSource() const {
 // The first Insert takes the current row, the second one links it with the row that is current
 // then.
 void DiagramKeys::beginOrEndLink(TorvQDTable& table) {
+    if (!table.CurrentItem && !table.Items.empty()) {
+        table.SetCurrentItem(table.Items[std::size_t(std::max(0, table.FirstVisibleItem))].get());
+    }
     TorvQDListItem* row = table.CurrentItem;
     if (!row || row->ParamType != ptOutput) return;
     TorvQDListItem* from = linkSource();

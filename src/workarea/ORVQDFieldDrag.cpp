@@ -20,6 +20,9 @@ namespace orv {
 namespace {
 
 constexpr int rowBandPx = 5;
+// The part of the drag cursor that is not transparent: where nothing mixes windows, transparent
+// pixels hide what is below them.
+constexpr QRect plate(10, 17, 21, 12);
 // Beside the pointer and below the row to which it points.
 constexpr QPoint nameOffset(12, 14);
 constexpr int labelMarginPx = 4;
@@ -35,9 +38,9 @@ QPixmap dragPicture(const TorvQDWorkArea& area, const DraggedField& field) {
     };
     if (!area.options().GetDragFieldName()) {
         const Glyph& cursor = glyph(QStringLiteral("DragCursor"));
-        QPixmap pixmap = picture(cursor.size());
+        QPixmap pixmap = picture(plate.size());
         QPainter painter(&pixmap);
-        cursor.paint(painter, QRectF(QPointF(), QSizeF(cursor.size())));
+        cursor.paint(painter, QRectF(-plate.topLeft(), QSizeF(cursor.size())));
         return pixmap;
     }
     const QFontMetrics metrics(area.GetFont());
@@ -70,8 +73,7 @@ void FieldDrag::run(const TorvQDListItem& item) {
     auto* drag = new QDrag(source);
     drag->setMimeData(toMimeData(field).release());
     drag->setPixmap(dragPicture(m_area, field));
-    // The plate leaves room for the pointer itself.
-    drag->setHotSpot(m_area.options().GetDragFieldName() ? -nameOffset : QPoint());
+    drag->setHotSpot(m_area.options().GetDragFieldName() ? -nameOffset : -plate.topLeft());
     const QPointer<QDrag> running(drag);
     const Qt::DropAction action = runDrag(*drag);
     QObject* const target = action == Qt::IgnoreAction || !running ? nullptr : running->target();

@@ -220,6 +220,7 @@ QImage TorvQDWorkArea::picture() const {
     if (bounds.isEmpty()) return {};
     const qreal scale = devicePixelRatioF();
     QImage image((bounds.size() + QSize(2, 2) * pictureMarginPx) * scale, QImage::Format_RGB32);
+    if (image.isNull()) return image;  // too large a diagram
     image.setDevicePixelRatio(scale);
     image.fill(Qt::white);
     QPainter painter(&image);
@@ -293,6 +294,8 @@ void TorvQDWorkArea::scrollContentsBy(int dx, int dy) {
         moveRowScrollBar(dx, dy);
         placeOverlays();
         viewport()->update();
+        // Another thing is under the mouse now.
+        if (m_gestures->isIdle()) leaveHot();
         m_gestures->follow();
         m_fieldDrag->follow();
     });
@@ -316,10 +319,7 @@ void TorvQDWorkArea::fitWidth(TorvQDTable& table) {
     int beside = table.Width - rows.width() + table.ItemHeight + fitSlackPx;
     if (int(table.Items.size()) > table.VisibleCount) beside += table.ScrollBarWidth;
     for (const auto& item : table.Items) {
-        QString text = u' ' + item->Name;
-        if (options().GetShowFieldsType())
-            text += QStringLiteral(" (") + item->GetDataName() + u')';
-        width = std::max(width, beside + metrics.horizontalAdvance(text));
+        width = std::max(width, beside + metrics.horizontalAdvance(item->caption()));
     }
     table.SetWidth(std::min(width, mostFittedWidthPx));
 }

@@ -127,7 +127,7 @@ private Q_SLOTS:
     }
 
     void pressedButtonOfAnotherBoxLooksPressedAtOnce() {
-        BoxOnCanvas on;
+        HandledBox on;
         on.move(closePoint, htTbutton);
         on.canvas.selectObject(&on.box);
         on.down(closePoint, htTbutton);

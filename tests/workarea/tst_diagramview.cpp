@@ -292,7 +292,7 @@ private Q_SLOTS:
 
     void arrangedBoxesDoNotOverlapAndSayTheSame_data() {
         QTest::addColumn<bool>("keepMeaning");
-        QTest::newRow("specified") << false;
+        QTest::newRow("plain rules") << false;
         QTest::newRow("kept meaning") << true;
     }
     void arrangedBoxesDoNotOverlapAndSayTheSame() {

@@ -171,7 +171,12 @@ private Q_SLOTS:
             return picture;
         };
         const QPixmap cursor = pictureOf("T", "B");
-        QCOMPARE(cursor.deviceIndependentSize().toSize(), orv::glyph("DragCursor").size());
+        // All of it is plate: where nothing mixes windows, what is transparent hides the rows.
+        const QImage plate = cursor.toImage().convertToFormat(QImage::Format_ARGB32);
+        for (const QPoint& corner :
+             {QPoint(2, 2), QPoint(plate.width() - 3, 2), QPoint(2, plate.height() - 3)}) {
+            QCOMPARE(plate.pixelColor(corner).alpha(), 255);
+        }
         QCOMPARE(pictureOf("WIDE", "C").toImage(), cursor.toImage());
         on.builder.WorkAreaOptions->SetDragFieldName(true);
         const QPixmap name = pictureOf("T", "B");

@@ -65,14 +65,15 @@ private Q_SLOTS:
         QCOMPARE(on.links(), QStringList("EMPLOYEE.DEPT_NO=DEPT.DEPT_NO"));
     }
 
-    void insertWithoutACurrentRowBeginsNothing() {
+    void insertWithoutACurrentRowBeginsAtTheFirstOne() {
         const Keyboard on;
         on.goTo("EMPLOYEE");
         QVERIFY(!on.table("EMPLOYEE")->CurrentItem);
         on.press(Qt::Key_Insert);
+        QCOMPARE(on.table("EMPLOYEE")->CurrentItem->Name, "EMP_NO");
         on.goTo("DEPT", "DEPT_NO");
         on.press(Qt::Key_Insert);
-        QCOMPARE(on.links(), QStringList());
+        QCOMPARE(on.links(), QStringList("EMPLOYEE.EMP_NO=DEPT.DEPT_NO"));
     }
 
     void begunLinkIsSeen() {
