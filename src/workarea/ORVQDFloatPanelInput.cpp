@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The events of the work area: each finds the object that it is about and goes there.
+#include "contract/ChangeScope.h"
 #include "contract/DiagramEvents.h"
 #include "toolkit/Services.h"
 #include "workarea/ORVQDAccessible.h"
@@ -129,7 +130,10 @@ void TorvQDWorkArea::mousePressEvent(QMouseEvent* event) {
             viewport()->setCursor(Qt::ClosedHandCursor);
         } else if (event->button() == Qt::LeftButton) {
             m_lastPressed = objectAt(m_mouse);
+            // What comes to the front and what is ticked by the same press are one change.
+            ChangeScope change(m_owner, this);
             m_gestures->press(m_lastPressed, message);
+            change.finish();
         }
     });
 }

@@ -197,6 +197,15 @@ private Q_SLOTS:
     }
 
     // Selecting it changed the order of FROM, and the host answered by closing it.
+    void pressThatBringsToTheFrontAndTicksIsOneChange() {
+        ShownBuilder on;
+        on.click(on.captionCheckOf("U"));
+        QCOMPARE(on.stacking(), QStringList({"U", "T"}));
+        QCOMPARE(on.columns().size(), 3);
+        QCOMPARE(on.changes, 1);
+        verifyBuilder(on.builder);
+    }
+
     void boxClosedByTheHostDuringAPressIsNotTicked() {
         ShownBuilder on;
         const QPoint point = on.captionCheckOf("U");
