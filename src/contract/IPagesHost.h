@@ -4,11 +4,16 @@
 #include "data/FieldTypes.h"
 #include "parser/ORVQDLedger.h"
 
+#include <QIcon>
+#include <QList>
 #include <QString>
 #include <QStringList>
 
 #include <optional>
 #include <vector>
+
+class QWidget;
+class TorvQDConditionOptions;
 
 /// One field of a box, as the pages see it.
 struct PageField {
@@ -39,6 +44,19 @@ public:
     /// Whether the text is a name without a table that several boxes have as a field.
     [[nodiscard]] virtual bool isAmbiguous(const QString& text) const = 0;
 
+    /// What is wrong with a name in the text, for one sentence to the user: its table or field is
+    /// not there, or several tables have it. Empty when nothing is.
+    [[nodiscard]] virtual QString nameProblem(const QString& text) const = 0;
+
+    /// Tells the query builders of all running programs apart; the data of a dragged field has it.
+    [[nodiscard]] virtual quint64 dragIdentity() const = 0;
+
+    /// How conditions look. The object lives as long as the host.
+    [[nodiscard]] virtual const TorvQDConditionOptions& conditionOptions() const = 0;
+
+    /// Pictures of a table and of a field, 16 x 16.
+    [[nodiscard]] virtual const QList<QIcon>& fieldImages() const = 0;
+
     /// Whether written statements keep the meaning of loaded ones.
     [[nodiscard]] virtual bool KeepMeaning() const = 0;
 
@@ -51,3 +69,10 @@ public:
     virtual void endChange() = 0;
     virtual void statementChanged() = 0;
 };
+
+namespace orv {
+
+/// The query builder in which a page's widget lies; none in an arrangement without one.
+[[nodiscard]] IPagesHost* pagesHostAbove(const QWidget* page);
+
+}  // namespace orv

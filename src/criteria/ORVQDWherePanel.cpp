@@ -168,10 +168,7 @@ TorvQDWhereRow* TorvQDWherePanel::rootRow() const {
 }
 
 IPagesHost* TorvQDWherePanel::host() const {
-    for (QWidget* widget = parentWidget(); widget; widget = widget->parentWidget()) {
-        if (auto* host = dynamic_cast<IPagesHost*>(widget)) return host;
-    }
-    return nullptr;
+    return orv::pagesHostAbove(this);
 }
 
 QString TorvQDWherePanel::GetSQLStatment() const {

@@ -7,6 +7,7 @@
 #include "parser/ORVQDExpressions.h"
 #include "parser/ORVQDNormalise.h"
 #include "parser/ORVQDTokens.h"
+#include "querybuilder/ORVQDNames.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
 #include "workarea/ORVQDFloatPanel.h"
@@ -20,25 +21,6 @@
 namespace orv {
 
 namespace {
-
-/// Calls `visit` with each name of the text that is qualified by a table; what stands in a
-/// sub-query may mean tables of its own and is passed over.
-void visitQualifiedNames(const QString& text, const std::function<void(const QString&)>& visit) {
-    const SqlTokens tokens = tokenise(text);
-    const TokenRun run(text, tokens.data(), tokens.data() + tokens.size());
-    for (int index = 0; index < run.size();) {
-        const bool isSubQuery = run[index].kind == SqlToken::Open && index + 1 < run.size() &&
-                                run.is(index + 1, u"SELECT");
-        if (isSubQuery || run.is(index, u"SELECT")) {
-            index = isSubQuery ? run.behindBracket(index) : run.size();
-            continue;
-        }
-        const bool isCall = index + 1 < run.size() && run[index + 1].kind == SqlToken::Open;
-        const QString word = run.textOf(index).toString();
-        if (run[index].kind == SqlToken::Word && !isCall && firstFullStop(word) >= 0) visit(word);
-        ++index;
-    }
-}
 
 /// Which tables hang together, by their numbers.
 class Components {
@@ -197,41 +179,13 @@ private:
         for (const QString& argument : row.Arguments) checkNames(argument);
     }
 
-    // Names whose table or field is no longer there; each is told once. A word alone may be
-    // something that databases know by themselves, so only a whole text counts as a field that is
-    // gone.
+    // Each name is told once.
     void checkNames(const QString& text) {
-        if (isFieldName(text) && firstFullStop(text) < 0) checkBareName(text);
-        visitQualifiedNames(text, [this](const QString& name) {
-            const QualifiedName parts = splitQualifiedName(name);
-            const TorvQDTable* table = m_builder.WorkArea->findTable(parts.alias);
-            const bool isWhole = parts.field.isEmpty() || parts.field == u"*";
-            if (table && (isWhole || table->findItem(parts.field))) return;
+        visitNameProblems(m_builder, text, [this](const QString& name, const QString& what) {
             if (m_told.contains(name)) return;
             m_told.insert(name);
-            report(name, table ? QStringLiteral("The table has no such field.")
-                               : QStringLiteral("There is no such table on the diagram."));
+            report(name, what);
         });
-    }
-
-    void checkBareName(const QString& name) {
-        static const QStringList known = {QStringLiteral("CURRENT_DATE"),
-                                          QStringLiteral("CURRENT_TIME"),
-                                          QStringLiteral("CURRENT_TIMESTAMP"),
-                                          QStringLiteral("CURRENT_USER"),
-                                          QStringLiteral("LOCALTIME"),
-                                          QStringLiteral("LOCALTIMESTAMP"),
-                                          QStringLiteral("SESSION_USER"),
-                                          QStringLiteral("SYSDATE"),
-                                          QStringLiteral("USER"),
-                                          QStringLiteral("ROWNUM"),
-                                          QStringLiteral("ROWID")};
-        if (known.contains(name.toUpper()) || m_told.contains(name)) return;
-        if (m_builder.resolveField(name)) return;
-        m_told.insert(name);
-        report(name, m_builder.isAmbiguous(name)
-                         ? QStringLiteral("Several tables have this field.")
-                         : QStringLiteral("No table on the diagram has this field."));
     }
 
     // --- the statement ---

@@ -184,6 +184,11 @@ public:
     [[nodiscard]] std::vector<PageField> fieldsOf(const QString& alias) const override;
     [[nodiscard]] std::optional<PageField> resolveField(const QString& text) const override;
     [[nodiscard]] bool isAmbiguous(const QString& text) const override;
+    [[nodiscard]] QString nameProblem(const QString& text) const override;
+    [[nodiscard]] const TorvQDConditionOptions& conditionOptions() const override {
+        return *ConditionOptions;
+    }
+    [[nodiscard]] const QList<QIcon>& fieldImages() const override { return ImageList; }
     void beginChange() override;
     void endChange() override;
     void statementChanged() override;

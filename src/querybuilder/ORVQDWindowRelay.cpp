@@ -4,6 +4,7 @@
 #include "criteria/ORVQDAliasRename.h"
 #include "criteria/ORVQDWherePanel.h"
 #include "parser/ORVQDExpressions.h"
+#include "querybuilder/ORVQDNames.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
 #include "workarea/ORVQDFloatPanel.h"
@@ -206,4 +207,12 @@ std::vector<PageField> TorvQueryBuilder::fieldsNamed(const QString& name) const 
 
 bool TorvQueryBuilder::isAmbiguous(const QString& text) const {
     return orv::firstFullStop(text) < 0 && fieldsNamed(text).size() > 1;
+}
+
+QString TorvQueryBuilder::nameProblem(const QString& text) const {
+    QString first;
+    orv::visitNameProblems(*this, text, [&](const QString& name, const QString& what) {
+        if (first.isEmpty()) first = name + QStringLiteral(": ") + what;
+    });
+    return first;
 }

@@ -112,10 +112,7 @@ void TorvQDOrderPanel::connectParts() {
 }
 
 IPagesHost* TorvQDOrderPanel::host() const {
-    for (QWidget* widget = parentWidget(); widget; widget = widget->parentWidget()) {
-        if (auto* host = dynamic_cast<IPagesHost*>(widget)) return host;
-    }
-    return nullptr;
+    return orv::pagesHostAbove(this);
 }
 
 TorvQDOrderPanel::Outputs TorvQDOrderPanel::outputs() const {

@@ -21,14 +21,6 @@ constexpr double nameColumnShare = 0.4;
 constexpr double aggregateColumnShare = 0.1;
 constexpr unsigned defaultSeed = 1;
 
-// The query builder in which a page's widget lies; none in an arrangement without one.
-IPagesHost* hostAbove(const QWidget* page) {
-    for (QWidget* widget = page->parentWidget(); widget; widget = widget->parentWidget()) {
-        if (auto* host = dynamic_cast<IPagesHost*>(widget)) return host;
-    }
-    return nullptr;
-}
-
 QString headerText(int column) {
     switch (column) {
     case 0: return QStringLiteral("Name of output field");
@@ -103,7 +95,7 @@ QString TorvQDSelectGrid::Cells(int Col, int Row) const {
 }
 
 IPagesHost* TorvQDSelectGrid::host() const {
-    return hostAbove(this);
+    return orv::pagesHostAbove(this);
 }
 
 void TorvQDSelectGrid::changed() {
@@ -227,7 +219,7 @@ TorvQDSelectPanel::TorvQDSelectPanel(QWidget* AOwner) : QWidget(AOwner) {
     layout->addWidget(m_grid, 1);
     setFocusPolicy(Qt::NoFocus);
     connect(m_distinct, &QCheckBox::toggled, this, [this] {
-        if (IPagesHost* owner = hostAbove(this)) owner->statementChanged();
+        if (IPagesHost* owner = orv::pagesHostAbove(this)) owner->statementChanged();
     });
 }
 
