@@ -5,7 +5,9 @@
 #include "core/Error.h"
 #include "core/Text.h"
 #include "criteria/ORVQDAliasRename.h"
+#include "criteria/ORVQDConditionLayout.h"
 #include "criteria/ORVQDConditionMeaning.h"
+#include "criteria/ORVQDFontWidths.h"
 #include "criteria/ORVQDNodeText.h"
 #include "criteria/ORVQDRowBuilder.h"
 #include "parser/ORVQDExpressions.h"
@@ -14,8 +16,6 @@
 #include "parser/ORVQDParser.h"
 
 #include <QLocale>
-#include <QPlainTextEdit>
-#include <QVBoxLayout>
 
 #include <algorithm>
 #include <cmath>
@@ -139,28 +139,27 @@ int behindLastWholeCondition(const orv::TokenRun& condition, const orv::Conditio
 
 }  // namespace
 
-TorvQDWherePanel::TorvQDWherePanel(QWidget* Parent) : QWidget(Parent) {
+TorvQDWherePanel::TorvQDWherePanel(QWidget* Parent) : QAbstractScrollArea(Parent) {
     if (!Parent) throw orv::Error(QStringLiteral("Invalide parent for conditions panel"));
-    m_outline = new QPlainTextEdit(this);
-    m_outline->setReadOnly(true);
-    m_outline->setFrameStyle(QFrame::NoFrame);
-    m_outline->setLineWrapMode(QPlainTextEdit::NoWrap);
-    m_outline->setTabChangesFocus(true);
-    m_outline->setAccessibleName(tr("Conditions"));
-    m_outline->setPlaceholderText(tr("No conditions."));
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_outline);
+    prepareView();
 }
 
-TorvQDWherePanel::~TorvQDWherePanel() = default;
+TorvQDWherePanel::~TorvQDWherePanel() {
+    m_context.changed = nullptr;
+}
 
 void TorvQDWherePanel::Activate() {
     if (m_root) return;
-    m_catalogues = {Operators, GroupOpers};
-    m_root = std::make_unique<TorvQDWhereRows>(&m_catalogues, nullptr);
+    m_context.operators = Operators;
+    m_context.groupOperators = GroupOpers;
+    m_context.functions = Functions;
+    m_context.widths = m_widths.get();
+    m_context.changed = [this](TorvQDWhereRow* row) { rowsChanged(row); };
+    m_root = std::make_unique<TorvQDWhereRows>(&m_context, nullptr);
+    m_layout = std::make_unique<orv::ConditionLayout>(m_context, *m_root);
     m_root->AddRow();
     ClearContents();
+    createMenus();
 }
 
 TorvQDWhereRow* TorvQDWherePanel::rootRow() const {
@@ -186,46 +185,11 @@ void TorvQDWherePanel::ClearContents() {
 
 void TorvQDWherePanel::clearRows() {
     TorvQDWhereRow* root = rootRow();
-    CurrentElement = nullptr;
+    discardEdit();
     root->SubRows->Clear();
     root->SetGroupOper(QStringLiteral("All"));
-    ActiveElement = root->Controls[1].get();
-}
-
-// --- what is shown ---
-
-namespace {
-
-void addOutline(const TorvQDWhereRow& row, const QString& number, int depth, QStringList& lines) {
-    const QString indent(depth * 4, u' ');
-    const QString label = number.isEmpty() ? QString() : number + QStringLiteral("  ");
-    if (!row.isGroup()) {
-        const QString text = row.GetSQLCondition(false);  // in brackets
-        lines << indent + label + text.mid(1, text.size() - 2);
-        return;
-    }
-    lines << indent + label + row.GroupOper + QStringLiteral(" of the following are met");
-    for (int index = 0; index < row.SubRows->GetCount(); ++index) {
-        addOutline(*row.SubRows->Row(index), number + QString::number(index + 1) + u'.', depth + 1,
-                   lines);
-    }
-}
-
-}  // namespace
-
-void TorvQDWherePanel::refreshView() {
-    m_isOutdated = true;
-    if (!isVisible() || !rootRow()) return;
-    m_isOutdated = false;
-    QStringList lines;
-    if (rootRow()->SubRows->GetCount() > 0) addOutline(*rootRow(), QString(), 0, lines);
-    const QString text = lines.join(u'\n');
-    if (text != m_outline->toPlainText()) m_outline->setPlainText(text);
-}
-
-void TorvQDWherePanel::showEvent(QShowEvent* event) {
-    QWidget::showEvent(event);
-    if (m_isOutdated) refreshView();
+    setCurrentElement(nullptr);
+    setActiveElement(root->Controls[ekGroupOper].get());
 }
 
 orv::ConditionRules TorvQDWherePanel::readingRules(bool keepMeaning) const {
@@ -324,10 +288,15 @@ void TorvQDWherePanel::compareWritten(const std::vector<orv::ConditionElement>& 
 void TorvQDWherePanel::ChangeAlias(const QString& NewAlias, const QString& OldAlias) {
     if (NewAlias == OldAlias || !rootRow()) return;
     visitConditions(*rootRow(), [&](TorvQDWhereRow& row) {
-        row.FieldName = orv::renamedAlias(row.FieldName, NewAlias, OldAlias);
-        for (QString& argument : row.Arguments) {
-            argument = orv::renamedAlias(argument, NewAlias, OldAlias);
-        }
+        bool isRenamed = false;
+        const auto rename = [&](QString& text) {
+            const QString renamed = orv::renamedAlias(text, NewAlias, OldAlias);
+            isRenamed = isRenamed || renamed != text;
+            text = renamed;
+        };
+        rename(row.FieldName);
+        for (QString& argument : row.Arguments) rename(argument);
+        if (isRenamed) row.Changed(false);
     });
 }
 
@@ -349,7 +318,7 @@ void TorvQDWherePanel::ReloadOperators() {
         if (Operators) row->Operator = Operators->Items(0);
         const TOperatorList::Entry same = Operators ? Operators->FindName(name) : nullptr;
         if (same) row->Operator = same;
-        row->refreshTexts();
+        row->Changed(false);
     }
     m_operatorNames.clear();
     refreshView();

@@ -6,23 +6,32 @@
 #include "criteria/ORVQDWhereRows.h"
 #include "data/FieldTypes.h"
 
+#include <QAbstractScrollArea>
 #include <QStringList>
-#include <QWidget>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
 class IPagesHost;
-class QPlainTextEdit;
+class QAction;
+class QMenu;
 class TorvQDParser;
 
 namespace orv {
+class ConditionLayout;
+class FontWidths;
 class LoadLedger;
-}
+}  // namespace orv
 
 /// One boolean condition of the query as a tree of rows: WHERE on one page, HAVING on another. The
-/// root row is a group and always there once the panel is active. Owned by its page.
-class ORV_EXPORT TorvQDWherePanel : public QWidget {
+/// root row is a group and always there once the panel is active. Each row is one line of elements
+/// that are clicked: its button opens a menu of commands, group operators, functions and operators
+/// open menus, fields and arguments an editor in place. Content coordinates are pixels that
+/// scrolling does not change, view coordinates those of the viewport. Owned by its page.
+///
+/// Refused commands raise orv::Error and leave the rows as they were.
+class ORV_EXPORT TorvQDWherePanel : public QAbstractScrollArea {
     Q_OBJECT
 
 public:
@@ -70,12 +79,85 @@ public:
     /// By what conditions are read here; `keepMeaning` binds AND tighter than OR.
     [[nodiscard]] orv::ConditionRules readingRules(bool keepMeaning) const;
 
-    /// The row that commands are about; none at first.
-    TorvQDControl* CurrentElement = nullptr;
-    TorvQDControl* ActiveElement = nullptr;
+    // --- elements ---
+
+    /// The element that commands are about: the one that was clicked or reached by keys last; none
+    /// at first.
+    [[nodiscard]] TorvQDControl* CurrentElement() const;
+    void setCurrentElement(const TorvQDControl* element);
+    /// The element with the frame, which keys start from.
+    [[nodiscard]] TorvQDControl* ActiveElement() const;
+    void setActiveElement(const TorvQDControl* element);
+
+    // --- geometry ---
+
+    [[nodiscard]] int rowHeight() const { return m_context.rowHeight; }
+    void SetRowHeight(int height);
+    /// Size of the rows that are shown, in pixels of the content; with `AllRows` also of those in
+    /// collapsed groups.
+    [[nodiscard]] QRect GetFullExtention(bool AllRows);
+    /// The row whose band contains y, with its top, and the element of a row at x; content
+    /// coordinates. None beside them.
+    [[nodiscard]] TorvQDWhereRow* LookRows(int y, int& top);
+    [[nodiscard]] TorvQDControl* LookControl(const TorvQDWhereRow& row, int x) const;
+    [[nodiscard]] TorvQDControl* elementAt(const QPoint& viewPoint);
+    /// What an element takes up in the view; empty when its row is not shown.
+    [[nodiscard]] QRect elementRect(const TorvQDControl& element);
+    /// The rows from the top, as they are shown.
+    [[nodiscard]] const std::vector<TorvQDWhereRow*>& shownRows();
+    /// Scrolls just enough to show the element.
+    void showElement(const TorvQDControl& element);
+    [[nodiscard]] const orv::ConditionLayout& conditionLayout() const { return *m_layout; }
+
+    // --- commands about the current element ---
+
+    void AddCondition();
+    void MakeCompositCondition();
+    void DeleteCondition();
+    void ExpandCollapse();
+    /// Gives the group of the current element the operator of a menu item, or the side of the
+    /// condition its function; nothing without an item.
+    void SelectGroupFuncs(const QAction* Sender);
+    void SelectAgrFuncs(const QAction* Sender);
+    void SelectOperator(const QAction* Sender);
+    /// Fills the operator menu with what the catalogue has now.
+    void _PopupOpersMenu();
+
+    /// What a click on an element does; `y` is the top of its row in the view.
+    void ButtonClick(const TorvQDControl& Element, int y);
+    void TextClick(const TorvQDControl& Element, int y);
+
+    // --- the editor in place ---
+
+    /// Opens the editor over a field or an argument.
+    void editText(const TorvQDControl& element);
+    /// Takes over what is being typed, or drops it; nothing when nothing is.
+    void commitEdit();
+    void discardEdit();
+    /// Hides the list of fields and takes over what is being typed.
+    void HideFieldList();
+    [[nodiscard]] bool isEditing() const;
+
+    /// What is wrong with a row, as one sentence: something is not filled in, or a name is gone.
+    /// Empty when nothing is.
+    [[nodiscard]] QString rowProblem(const TorvQDWhereRow& row) const;
 
 protected:
+    bool viewportEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool event(QEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
 
 private:
     [[nodiscard]] IPagesHost* host() const;
@@ -86,9 +168,52 @@ private:
     void compareWritten(const std::vector<orv::ConditionElement>& loaded, const orv::TokenRun& run,
                         orv::LoadLedger& ledger) const;
 
-    orv::ConditionCatalogues m_catalogues;
+    // The view.
+    void prepareView();
+    [[nodiscard]] QPoint contentOffset() const;
+    void rowsChanged(TorvQDWhereRow* row);
+    void relay();
+    void settleElements() const;
+    void setScrollRanges();
+    void setHotElement(const TorvQDControl* element);
+    void updateRow(const TorvQDWhereRow* row);
+    [[nodiscard]] QString hintAt(const QPoint& viewPoint);
+    [[nodiscard]] QColor bandColor(const TorvQDWhereRow& row) const;
+    void DrawRow(QPainter& painter, const TorvQDWhereRow& row, int y) const;
+    void DrawButton(QPainter& painter, const TorvQDWhereRow& row, int y) const;
+    void DrawGroupCondition(QPainter& painter, const QString& text, const QPoint& at,
+                            const QColor& ground) const;
+    void DrawActiveElement(QPainter& painter, const QRect& rect, bool isSunken) const;
+    void drawElements(QPainter& painter, const TorvQDWhereRow& row, int y) const;
+
+    void repositionEditor();
+
+    // The hand.
+    [[nodiscard]] TorvQDWhereRow* commandRow(const QString& refusal);
+    void edit(const std::function<void()>& change);
+    void createMenus();
+    void popUp(QMenu* menu, const TorvQDControl& element, int y, QAction* first);
+    bool handleKey(const QKeyEvent& event);
+    void moveActive(int key, bool withCtrl);
+    void jump(int key);
+    [[nodiscard]] TorvQDControl* stepFrom(const TorvQDControl& element, int& key);
+    [[nodiscard]] TorvQDWhereRow* rowBeside(const TorvQDWhereRow& row, int step);
+    [[nodiscard]] TorvQDControl* elementLike(const TorvQDWhereRow& row, int kind) const;
+    void activate(const TorvQDControl& element);
+
+    orv::ConditionContext m_context;
+    std::unique_ptr<orv::FontWidths> m_widths;
+    std::unique_ptr<orv::ConditionLayout> m_layout;  // none before the panel is active
     std::unique_ptr<TorvQDWhereRows> m_root;
     std::vector<std::pair<TorvQDWhereRow*, QString>> m_operatorNames;  // while it is replaced
-    QPlainTextEdit* m_outline;                                         // the rows, to be read
-    bool m_isOutdated = true;  // they changed since they were shown
+    // Brought up to date when they are asked for after rows changed.
+    mutable orv::ElementRef m_current;
+    mutable orv::ElementRef m_active;
+    mutable bool m_isUnsettled = false;
+    orv::ElementRef m_hot;      // under the mouse
+    orv::ElementRef m_pressed;  // where the left button went down
+    QMenu* m_rowMenu = nullptr;
+    QMenu* m_groupMenu = nullptr;
+    QMenu* m_functionMenu = nullptr;
+    QMenu* m_operatorMenu = nullptr;
 };

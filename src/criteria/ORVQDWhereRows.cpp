@@ -12,6 +12,7 @@ constexpr int fixedElements = 5;
 constexpr int longestShownText = 30;
 constexpr int mostOperands = 1000;
 constexpr int indentUnitBlanks = 3;
+constexpr int elementGapPx = 5;
 const QString crLf = QStringLiteral("\r\n");
 
 bool isSet(const QString& text) {
@@ -27,6 +28,8 @@ QString withoutLeadingBlanks(const QString& text) {
 }  // namespace
 
 namespace orv {
+
+TextWidths::~TextWidths() = default;
 
 TOperatorList::Entry expressionOperator() {
     static const TOperatorList::Entry entry =
@@ -62,10 +65,9 @@ void TorvQDControl::SetText(const QString& text) {
 
 // --- collections ---
 
-TorvQDWhereRows::TorvQDWhereRows(const orv::ConditionCatalogues* catalogues,
-                                 TorvQDWhereRow* ownerRow)
+TorvQDWhereRows::TorvQDWhereRows(const orv::ConditionContext* context, TorvQDWhereRow* ownerRow)
     : TCollectionEx([this] { return std::make_unique<TorvQDWhereRow>(this); }),
-      m_catalogues(catalogues),
+      m_context(context),
       m_ownerRow(ownerRow) {}
 
 TorvQDWhereRow* TorvQDWhereRows::Row(int Index) const {
@@ -76,14 +78,42 @@ TorvQDWhereRow* TorvQDWhereRows::AddRow() {
     return static_cast<TorvQDWhereRow*>(Add());
 }
 
+void TorvQDWhereRows::Update(TCollectionItemEx* Item) {
+    if (m_context->changed) m_context->changed(static_cast<TorvQDWhereRow*>(Item));
+}
+
+// --- references ---
+
+namespace orv {
+
+ElementRef::ElementRef(const TorvQDControl* element) {
+    if (!element) return;
+    m_row = element->Row->handle();
+    m_kind = element->Kind;
+}
+
+TorvQDWhereRow* ElementRef::row() const {
+    const std::shared_ptr<TorvQDWhereRow*> row = m_row.lock();
+    return row ? *row : nullptr;
+}
+
+TorvQDControl* ElementRef::get() const {
+    const TorvQDWhereRow* found = row();
+    if (!found || m_kind >= int(found->Controls.size())) return nullptr;
+    return found->Controls[std::size_t(m_kind)].get();
+}
+
+}  // namespace orv
+
 // --- rows ---
 
 TorvQDWhereRow::TorvQDWhereRow(TorvQDWhereRows* collection)
-    : SubRows(std::make_unique<TorvQDWhereRows>(&collection->catalogues(), this)),
+    : SubRows(std::make_unique<TorvQDWhereRows>(&collection->context(), this)),
       FieldFunc(orv::blankText()),
       FieldName(orv::blankText()),
-      ArgFunc(orv::blankText()) {
-    if (collection->catalogues().operators) Operator = collection->catalogues().operators->Items(0);
+      ArgFunc(orv::blankText()),
+      m_handle(std::make_shared<TorvQDWhereRow*>(this)) {
+    if (collection->context().operators) Operator = collection->context().operators->Items(0);
     SetArgumentStrings();
 }
 
@@ -103,6 +133,7 @@ void TorvQDWhereRow::takeSubRows(TorvQDWhereRow& from) {
     SubRows.swap(from.SubRows);
     SubRows->m_ownerRow = this;
     from.SubRows->m_ownerRow = &from;
+    SubRows->Changed();
 }
 
 void TorvQDWhereRow::SetArgumentStrings() {
@@ -114,6 +145,12 @@ void TorvQDWhereRow::SetArgumentStrings() {
     while (Controls.size() < elements) {
         Controls.push_back(std::make_unique<TorvQDControl>(this, int(Controls.size())));
     }
+    contentChanged();
+}
+
+void TorvQDWhereRow::contentChanged() {
+    m_isPlaced = false;
+    if (collection()) Changed(false);
 }
 
 void TorvQDWhereRow::setOperator(const TOperatorList::Entry& entry) {
@@ -124,14 +161,22 @@ void TorvQDWhereRow::setOperator(const TOperatorList::Entry& entry) {
 void TorvQDWhereRow::SetGroupOper(const QString& Name) {
     GroupOper = Name;
     Expanded = true;
+    contentChanged();
+    SubRows->Changed();
 }
 
 void TorvQDWhereRow::SetExpanded(bool Value) {
     Expanded = Value;
+    contentChanged();
+    SubRows->Changed();
 }
 
 void TorvQDWhereRow::refreshTexts() {
-    Controls[0]->SetText(GetFullIndex());
+    refreshTexts(GetFullIndex());
+}
+
+void TorvQDWhereRow::refreshTexts(const QString& number) {
+    Controls[0]->SetText(number);
     if (isGroup()) {
         Controls[1]->SetText(Expanded ? GroupOper : shortCondition(longestShownText + 1));
         return;
@@ -144,6 +189,63 @@ void TorvQDWhereRow::refreshTexts() {
         Controls[std::size_t(fixedElements + index)]->SetText(Arguments[index]);
     }
 }
+
+// --- geometry ---
+
+void TorvQDWhereRow::SetDimentionControls(int left) {
+    placeControls(left, GetFullIndex());
+}
+
+void TorvQDWhereRow::placeControls(int left, const QString& number) {
+    refreshTexts(number);
+    const orv::ConditionContext& context = rows()->context();
+    const auto width = [&](const QString& text, bool isEmphasised = true) {
+        return context.widths ? context.widths->width(text, isEmphasised) : 0;
+    };
+    int x = left;
+    const auto place = [&](TorvQDControl& control, int controlWidth) {
+        control.Left = x;
+        control.Width = controlWidth;
+    };
+    place(*Controls[ekButton], context.rowHeight + width(Controls[ekButton]->GetText()));
+    x += Controls[ekButton]->Width + elementGapPx;
+    const int separator =
+        isGroup() || !Operator ? elementGapPx : width(Operator->Relate, false) + elementGapPx;
+    for (std::size_t index = 1; index < Controls.size(); ++index) {
+        TorvQDControl& control = *Controls[index];
+        const bool isFunction = index == ekFieldFunc || index == ekArgFunc;
+        const bool isShown = isGroup() ? index == ekGroupOper : !isFunction || context.functions;
+        place(control, isShown ? width(control.GetText()) : 0);
+        if (isShown) x += control.Width + (index >= ekArgument ? separator : elementGapPx);
+    }
+    m_isPlaced = true;
+}
+
+int TorvQDWhereRow::GetTopBound() const {
+    return m_shownAt < 0 ? -1 : m_shownAt * rows()->context().rowHeight;
+}
+
+void TorvQDWhereRow::OffsetControls(int fromIndex, int dx) {
+    for (std::size_t index = std::size_t(std::max(0, fromIndex)); index < Controls.size();
+         ++index) {
+        Controls[index]->Left -= dx;
+    }
+}
+
+int TorvQDWhereRow::rightBound() const {
+    int right = 0;
+    for (const auto& control : Controls) right = std::max(right, control->Left + control->Width);
+    return right;
+}
+
+QString* TorvQDWhereRow::textOf(int kind) {
+    if (isGroup()) return nullptr;
+    if (kind == ekFieldName) return &FieldName;
+    const qsizetype index = kind - ekArgument;
+    return index >= 0 && index < Arguments.size() ? &Arguments[index] : nullptr;
+}
+
+// --- where a row stands ---
 
 TorvQDWhereRows* TorvQDWhereRow::rows() const {
     return static_cast<TorvQDWhereRows*>(collection());
@@ -201,6 +303,7 @@ void TorvQDWhereRow::Assign(const TCollectionItemEx& Source) {
     Valid = row->Valid;
     AuxText = row->AuxText;
     Expanded = row->Expanded;
+    contentChanged();
 }
 
 // --- SQL text ---
@@ -243,7 +346,7 @@ void TorvQDWhereRow::append(Writer& writer, int depth) const {
 }
 
 void TorvQDWhereRow::appendGroup(Writer& writer, int depth) const {
-    const TGroupOperators* list = rows()->catalogues().groupOperators;
+    const TGroupOperators* list = rows()->context().groupOperators;
     const TorvQDGroupFunc* group = list ? orv::findGroupOperator(*list, GroupOper) : nullptr;
     const int count = SubRows->GetCount();
     if (!group || count == 0) {

@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -16,11 +17,29 @@ class TorvQDWhereRow;
 
 namespace orv {
 
+class ConditionLayout;
+
+/// How wide texts are in the font of the rows, in pixels.
+class ORV_EXPORT TextWidths {
+public:
+    virtual ~TextWidths();
+    /// Clickable texts are emphasised: bold and underlined.
+    [[nodiscard]] virtual int width(const QString& text, bool isEmphasised) const = 0;
+};
+
 /// What rows need of their panel, and what stands in for it in tests.
-struct ConditionCatalogues {
+struct ConditionContext {
     const TOperatorList* operators = nullptr;         ///< borrowed
     const TGroupOperators* groupOperators = nullptr;  ///< borrowed
+    const QStringList* functions = nullptr;  ///< of the elements 1 and 4; none: these have no width
+    const TextWidths* widths = nullptr;      ///< borrowed; none: texts have no width
+    int rowHeight = 20;                      ///< pixels
+    /// Told of every change: of one row's content, or, with none, of rows that came, went or moved.
+    std::function<void(TorvQDWhereRow* row)> changed = {};
 };
+
+/// Pixels by which a group's rows stand further right than the group.
+inline constexpr int levelIndentPx = 15;
 
 /// The operator of a condition that is text as a whole: no name, no operands, in no list.
 [[nodiscard]] ORV_EXPORT TOperatorList::Entry expressionOperator();
@@ -33,6 +52,17 @@ struct ConditionCatalogues {
 [[nodiscard]] ORV_EXPORT int operandCount(const TOperatorList::Entry& entry);
 
 }  // namespace orv
+
+/// Kinds of elements with names; the arguments follow.
+enum TElementKind : int {
+    ekButton = 0,
+    ekGroupOper = 1,  ///< of a group
+    ekFieldFunc = 1,  ///< of a condition
+    ekFieldName = 2,
+    ekOperator = 3,
+    ekArgFunc = 4,
+    ekArgument = 5  ///< the first one
+};
 
 /// One clickable text element of a row: 0 the row's button, 1 the function or group operator, 2 the
 /// field, 3 the operator, 4 the argument's function, from 5 on the arguments. Owned by its row.
@@ -56,18 +86,20 @@ private:
 /// The rows of one group, or the root of a panel.
 class ORV_EXPORT TorvQDWhereRows : public TCollectionEx {
 public:
-    TorvQDWhereRows(const orv::ConditionCatalogues* catalogues, TorvQDWhereRow* ownerRow);
+    TorvQDWhereRows(const orv::ConditionContext* context, TorvQDWhereRow* ownerRow);
 
     [[nodiscard]] TorvQDWhereRow* Row(int Index) const;
     TorvQDWhereRow* AddRow();
     /// The row whose sub-rows these are; none for a panel's root.
     [[nodiscard]] TorvQDWhereRow* ownerRow() const { return m_ownerRow; }
-    [[nodiscard]] const orv::ConditionCatalogues& catalogues() const { return *m_catalogues; }
+    [[nodiscard]] const orv::ConditionContext& context() const { return *m_context; }
+
+    void Update(TCollectionItemEx* Item) override;
 
 private:
     friend class TorvQDWhereRow;  // exchanges whole collections
 
-    const orv::ConditionCatalogues* m_catalogues;
+    const orv::ConditionContext* m_context;
     TorvQDWhereRow* m_ownerRow;
 };
 
@@ -102,6 +134,22 @@ public:
     /// Brings the elements' texts up to date.
     void refreshTexts();
 
+    /// Brings the elements up to date and places them side by side from `left` on, in pixels of the
+    /// content. Those that are not shown have no width: all but button and group operator of a
+    /// group, functions where the panel has none.
+    void SetDimentionControls(int left);
+    [[nodiscard]] int GetLeftBound() const { return Controls.front()->Left; }
+    /// In pixels of the content, as of the last layout of the panel; -1 while the row is not shown.
+    [[nodiscard]] int GetTopBound() const;
+    /// Moves the elements from a position on to the left, by so many pixels.
+    void OffsetControls(int fromIndex, int dx);
+    /// Where the last element ends, in pixels of the content.
+    [[nodiscard]] int rightBound() const;
+
+    /// Where an element's text is kept, for those that are typed: the field and the arguments; none
+    /// for others.
+    [[nodiscard]] QString* textOf(int kind);
+
     /// Number of the row as its button shows it: "1.2."; a blank for the root row.
     [[nodiscard]] QString GetFullIndex() const;
     /// The rows shown above and below; none at the ends.
@@ -125,10 +173,49 @@ public:
     /// The same on one line, but no more of it than about `limit` characters.
     [[nodiscard]] QString shortCondition(int limit) const;
 
+    /// Dies with the row; for references that outlive it.
+    [[nodiscard]] std::weak_ptr<TorvQDWhereRow*> handle() const { return m_handle; }
+
 private:
+    friend class orv::ConditionLayout;
     struct Writer;
+
+    void contentChanged();
+    void refreshTexts(const QString& number);
+    void placeControls(int left, const QString& number);
 
     void append(Writer& writer, int depth) const;
     void appendGroup(Writer& writer, int depth) const;
     void appendSimple(Writer& writer, int depth) const;
+
+    std::shared_ptr<TorvQDWhereRow*> m_handle;
+    int m_shownAt = -1;       // position among the rows that are shown
+    bool m_isPlaced = false;  // the elements are up to date
 };
+
+namespace orv {
+
+/// Refers to an element of a row without keeping it: rows come and go while a menu or an editor is
+/// open. A plain value.
+class ORV_EXPORT ElementRef {
+public:
+    ElementRef() = default;
+    explicit ElementRef(const TorvQDControl* element);
+    ElementRef(const TorvQDWhereRow& row, int kind) : m_row(row.handle()), m_kind(kind) {}
+
+    /// The row; none when it is gone.
+    [[nodiscard]] TorvQDWhereRow* row() const;
+    /// The element; none when its row is gone or has no such element any more.
+    [[nodiscard]] TorvQDControl* get() const;
+    [[nodiscard]] int kind() const { return m_kind; }
+
+    friend bool operator==(const ElementRef& one, const ElementRef& other) {
+        return one.get() == other.get();
+    }
+
+private:
+    std::weak_ptr<TorvQDWhereRow*> m_row;
+    int m_kind = 0;
+};
+
+}  // namespace orv

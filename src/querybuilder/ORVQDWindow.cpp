@@ -115,6 +115,10 @@ void TorvQueryBuilder::createPages(bool designMode) {
     OrderPanel = new TorvQDOrderPanel(sorting);
     OrderPanel->grid = grid;
     sorting->layout()->addWidget(OrderPanel);
+    ConditionOptions->changed = [this] {
+        WherePanel->refreshView();
+        HavingPanel->refreshView();
+    };
     connect(PageCtrl, &QTabWidget::currentChanged, this, [this] {
         if (OrderPanel) OrderPanel->RefreshFields();
     });

@@ -48,7 +48,7 @@ public:
     QStringList functions;
     bool andBindsTighter = false;
     orv::Nots nots = orv::Nots::Nest;
-    orv::ConditionCatalogues catalogues{&operators, &groups};
+    orv::ConditionContext catalogues{&operators, &groups};
     TorvQDWhereRows rows;
     TorvQDWhereRow* root;
     int groupsExpected = 0;

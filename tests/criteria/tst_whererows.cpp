@@ -39,7 +39,7 @@ public:
 
     TOperatorList operators;
     TGroupOperators groups;
-    orv::ConditionCatalogues catalogues{&operators, &groups};
+    orv::ConditionContext catalogues{&operators, &groups};
     TorvQDWhereRows rows;
     TorvQDWhereRow* root;
 };
