@@ -302,25 +302,30 @@ void TorvQDWherePanel::ChangeAlias(const QString& NewAlias, const QString& OldAl
 
 // --- another catalogue ---
 
-// Rows keep the name of their operator while the list is replaced.
+// Rows keep their operator aside while the list is replaced.
 void TorvQDWherePanel::PrepareToReloadOperators() {
-    m_operatorNames.clear();
+    m_oldOperators.clear();
     if (!rootRow()) return;
+    commitEdit();
     visitConditions(*rootRow(), [this](TorvQDWhereRow& row) {
         if (row.isExpression()) return;
-        m_operatorNames.push_back({&row, row.Operator ? row.Operator->Name : QString()});
+        m_oldOperators.push_back({orv::ElementRef(row, ekOperator), row.Operator});
         row.Operator.reset();
     });
 }
 
+// Where the list has become empty they keep what they had: a list that is filled one by one comes
+// by here each time.
 void TorvQDWherePanel::ReloadOperators() {
-    for (const auto& [row, name] : m_operatorNames) {
-        if (Operators) row->Operator = Operators->Items(0);
-        const TOperatorList::Entry same = Operators ? Operators->FindName(name) : nullptr;
+    for (const auto& [element, old] : std::exchange(m_oldOperators, {})) {
+        TorvQDWhereRow* row = element.row();
+        if (!row) continue;
+        row->Operator = Operators && Operators->Count() > 0 ? Operators->Items(0) : old;
+        const TOperatorList::Entry same =
+            Operators && old ? Operators->FindName(old->Name) : nullptr;
         if (same) row->Operator = same;
         row->Changed(false);
     }
-    m_operatorNames.clear();
     refreshView();
 }
 

@@ -205,7 +205,8 @@ private:
     std::unique_ptr<orv::FontWidths> m_widths;
     std::unique_ptr<orv::ConditionLayout> m_layout;  // none before the panel is active
     std::unique_ptr<TorvQDWhereRows> m_root;
-    std::vector<std::pair<TorvQDWhereRow*, QString>> m_operatorNames;  // while it is replaced
+    // While the list is replaced.
+    std::vector<std::pair<orv::ElementRef, TOperatorList::Entry>> m_oldOperators;
     // Brought up to date when they are asked for after rows changed.
     mutable orv::ElementRef m_current;
     mutable orv::ElementRef m_active;

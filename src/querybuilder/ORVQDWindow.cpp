@@ -86,6 +86,7 @@ void TorvQueryBuilder::fillCatalogues() {
     orv::fillAggregates(AgrFuncs);
     Operators = std::make_unique<TOperatorList>();
     orv::fillOperators(*Operators);
+    watchOperators();
 }
 
 TorvTabSheet* TorvQueryBuilder::addSheet(const QString& caption) {
@@ -236,7 +237,7 @@ void TorvQueryBuilder::setConditionOptions(const TorvQDConditionOptions& options
 }
 
 void TorvQueryBuilder::setOperators(const TOperatorList& operators) {
-    replaceOperators([&] { Operators->Assign(&operators); });
+    Operators->Assign(&operators);
 }
 
 QStringList TorvQueryBuilder::OperatorsList() const {
@@ -245,23 +246,22 @@ QStringList TorvQueryBuilder::OperatorsList() const {
 
 void TorvQueryBuilder::setOperatorsList(const QStringList& texts) {
     if (texts.isEmpty()) return;
-    orv::guarded([&] { replaceOperators([&] { Operators->fromStrings(texts); }); });
+    orv::guarded([&] { Operators->fromStrings(texts); });
 }
 
-// Rows refer to operators: they go over to those of the new list, also when it is damaged.
-void TorvQueryBuilder::replaceOperators(const std::function<void()>& replace) {
-    const std::initializer_list<TorvQDWherePanel*> panels = {WherePanel, HavingPanel};
-    ChangeScope change(this, this);
-    for (TorvQDWherePanel* panel : panels) {
-        if (panel) panel->PrepareToReloadOperators();
-    }
-    const auto reload = qScopeGuard([&] {
-        for (TorvQDWherePanel* panel : panels) {
+// Rows refer to operators: they go over to those of the new list, whoever changes it.
+void TorvQueryBuilder::watchOperators() {
+    Operators->aboutToChange = [this] {
+        for (TorvQDWherePanel* panel : {WherePanel, HavingPanel}) {
+            if (panel) panel->PrepareToReloadOperators();
+        }
+    };
+    Operators->changed = [this] {
+        for (TorvQDWherePanel* panel : {WherePanel, HavingPanel}) {
             if (panel) panel->ReloadOperators();
         }
-    });
-    replace();
-    statementChanged();
+        statementChanged();
+    };
 }
 
 void TorvQueryBuilder::setKeepMeaning(bool keep) {

@@ -209,7 +209,7 @@ private:
     template <typename Handler>
     void showDragged(const QMimeData& data, const Handler& handler);
     void fillCatalogues();
-    void replaceOperators(const std::function<void()>& replace);
+    void watchOperators();
     void createPages(bool designMode);
     TorvTabSheet* addSheet(const QString& caption);
     TorvQDWherePanel* addCriteria(TorvTabSheet* sheet, const QStringList* functions);

@@ -542,6 +542,27 @@ private Q_SLOTS:
         QCOMPARE(on.changes, 3);
     }
 
+    void operatorsAreEditedUnderTheRows() {
+        HostedBuilder on(true);
+        on.builder.LoadSQL("select t.a from t where t.a like 'x' and t.b between 1 and 2");
+        const TorvQDWhereRows& rows = *on.builder.WherePanel->rootRow()->SubRows;
+        const QString text = on.builder.GetSQLStatment();
+        TOperatorList& operators = *on.builder.Operators;
+        // Where there is no operator any more the rows keep theirs; of a list without theirs they
+        // take the first one.
+        const QStringList entries = operators.toStrings();
+        operators.Clear();
+        QCOMPARE(on.builder.GetSQLStatment(), text);
+        operators.fromStrings(entries);
+        QCOMPARE(on.builder.GetSQLStatment(), text);
+        QCOMPARE(rows.Row(1)->Operator, operators.FindName("BETWEEN"));
+        on.builder.LoadSQL("select t.a from t where t.a <> 'x'");
+        on.changes = 0;
+        operators.Delete(1);
+        QCOMPARE(on.changes, 1);
+        QCOMPARE(rows.Row(0)->Operator, operators.FindName("="));
+    }
+
     void deepestConditionIsLoadedWrittenAndCleared() {
         HostedBuilder on(true);
         on.builder.LoadSQL("select t.a from t where " + nested(orv::deepestCondition));
