@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "criteria/ORVQDFieldModel.h"
 
+#include "toolkit/TipText.h"
+
 #include <QCollator>
-#include <QTextDocument>
 
 #include <algorithm>
 #include <utility>
@@ -28,12 +29,6 @@ auto byName(const QCollator& collator, const Name& name) {
     return [&collator, &name](const auto& left, const auto& right) {
         return collator.compare(name(left), name(right)) < 0;
     };
-}
-
-// A name such as "A<B>" is no markup.
-QString plainTip(const QString& text) {
-    return Qt::mightBeRichText(text) ? QStringLiteral("<span>%1</span>").arg(text.toHtmlEscaped())
-                                     : text;
 }
 
 QCollator collatorOfNames() {

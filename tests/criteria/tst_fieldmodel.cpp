@@ -81,10 +81,10 @@ private Q_SLOTS:
         QCOMPARE(picture(model.index(0, 0)), host.fieldImages()[0].cacheKey());
         QCOMPARE(picture(field(0)), host.fieldImages()[1].cacheKey());
         QCOMPARE(textOf(field(0), FieldModel::TypeRole), "Integer");
-        QCOMPARE(textOf(field(0), Qt::ToolTipRole), "T.N: Integer");
+        QCOMPARE(textOf(field(0), Qt::ToolTipRole), "<qt>T.N: Integer</qt>");
         QCOMPARE(textOf(field(1), FieldModel::TypeRole), "Date&Time");
         QCOMPARE(textOf(field(2), FieldModel::TypeRole), "");
-        QCOMPARE(textOf(field(2), Qt::ToolTipRole), "<span>V.A&lt;b&gt;</span>");
+        QCOMPARE(textOf(field(2), Qt::ToolTipRole), "<qt>V.A&lt;b&gt;</qt>");
         QCOMPARE(textOf(model.index(0, 0), FieldModel::TypeRole), "");
     }
 
