@@ -19,6 +19,7 @@ class QMenu;
 class TorvQDParser;
 
 namespace orv {
+class ConditionEditor;
 class ConditionLayout;
 class FontWidths;
 class LoadLedger;
@@ -137,6 +138,21 @@ public:
     /// Hides the list of fields and takes over what is being typed.
     void HideFieldList();
     [[nodiscard]] bool isEditing() const;
+    /// The editor is left: takes over its text, unless the list of fields is shown.
+    void SetFieldText();
+    /// Its text changed: it lies over its element, and what follows that moves aside.
+    void SetBoundText();
+    /// Its keys; swallowed events are accepted.
+    void KeyDownOnFieldText(QKeyEvent* Event);
+    void KeyPressOnFieldText(QKeyEvent* Event);
+    /// Shows the list of fields beside the editor.
+    void InsertField();
+    /// The list is left for another widget, or for none.
+    void SetFieldFromList(QWidget* NewFocus);
+    /// A field of the list is chosen: it replaces the selection of the editor.
+    void DblClickOnFieldList(const QString& Name);
+    /// Escape goes back to the editor.
+    void KeyUpOnFieldList(int Key);
 
     /// What is wrong with a row, as one sentence: something is not filled in, or a name is gone.
     /// Empty when nothing is.
@@ -160,6 +176,8 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
+    friend class orv::ConditionEditor;
+
     [[nodiscard]] IPagesHost* host() const;
     [[nodiscard]] bool fitsType(const QString& text, TFieldType type) const;
     void clearRows();
@@ -187,6 +205,7 @@ private:
     void drawElements(QPainter& painter, const TorvQDWhereRow& row, int y) const;
 
     void repositionEditor();
+    void storeText(const TorvQDControl& element, const QString& text);
 
     // The hand.
     [[nodiscard]] TorvQDWhereRow* commandRow(const QString& refusal);
@@ -205,14 +224,15 @@ private:
     std::unique_ptr<orv::FontWidths> m_widths;
     std::unique_ptr<orv::ConditionLayout> m_layout;  // none before the panel is active
     std::unique_ptr<TorvQDWhereRows> m_root;
+    std::unique_ptr<orv::ConditionEditor> m_editor;  // none before the panel is active
     // While the list is replaced.
     std::vector<std::pair<orv::ElementRef, TOperatorList::Entry>> m_oldOperators;
     // Brought up to date when they are asked for after rows changed.
     mutable orv::ElementRef m_current;
     mutable orv::ElementRef m_active;
     mutable bool m_isUnsettled = false;
-    orv::ElementRef m_hot;      // under the mouse
-    orv::ElementRef m_pressed;  // where the left button went down
+    orv::ElementRef m_hot;       // under the mouse
+    orv::ElementRef m_pressed;   // where the left button went down
     QMenu* m_rowMenu = nullptr;
     QMenu* m_groupMenu = nullptr;
     QMenu* m_functionMenu = nullptr;

@@ -77,6 +77,7 @@ TorvQueryBuilder::TorvQueryBuilder(QWidget* parent, bool designMode)
 // The children go first, while the lists that they refer to are still there.
 TorvQueryBuilder::~TorvQueryBuilder() {
     beginChange();  // nobody is told of what goes
+    discardPageEdits();
     delete WorkArea;
     delete PageCtrl;
 }
@@ -120,6 +121,9 @@ void TorvQueryBuilder::createPages(bool designMode) {
         WherePanel->refreshView();
         HavingPanel->refreshView();
     };
+    // Before the page changes: while it is being hidden is no time to tell the host.
+    connect(PageCtrl, &QTabWidget::tabBarClicked, this,
+            [this] { orv::guarded([this] { commitPageEdits(); }); });
     connect(PageCtrl, &QTabWidget::currentChanged, this, [this] {
         if (OrderPanel) OrderPanel->RefreshFields();
     });
@@ -357,5 +361,19 @@ void TorvQueryBuilder::foreignDrop(QObject* source, const QPoint& viewPoint,
 }
 
 void TorvQueryBuilder::CommitPendingEdits() {
-    if (WorkArea) WorkArea->commitPendingEdit();
+    if (!WorkArea) return;
+    const QPointer<TorvQueryBuilder> self(this);
+    WorkArea->commitPendingEdit();
+    if (self) commitPageEdits();
+}
+
+void TorvQueryBuilder::commitPageEdits() {
+    const QPointer<TorvQueryBuilder> self(this);
+    if (WherePanel) WherePanel->HideFieldList();
+    if (self && HavingPanel) HavingPanel->HideFieldList();
+}
+
+void TorvQueryBuilder::discardPageEdits() {
+    if (WherePanel) WherePanel->discardEdit();
+    if (HavingPanel) HavingPanel->discardEdit();
 }

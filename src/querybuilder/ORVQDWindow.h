@@ -213,6 +213,8 @@ private:
     void createPages(bool designMode);
     TorvTabSheet* addSheet(const QString& caption);
     TorvQDWherePanel* addCriteria(TorvTabSheet* sheet, const QStringList* functions);
+    void commitPageEdits();
+    void discardPageEdits();
     void createWorkArea();
     void applyTabsHeight();
     void applyAlign();
