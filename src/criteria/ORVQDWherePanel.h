@@ -7,6 +7,7 @@
 #include "data/FieldTypes.h"
 
 #include <QAbstractScrollArea>
+#include <QBasicTimer>
 #include <QStringList>
 
 #include <functional>
@@ -16,6 +17,7 @@
 class IPagesHost;
 class QAction;
 class QMenu;
+class QMimeData;
 class TorvQDParser;
 
 namespace orv {
@@ -154,6 +156,14 @@ public:
     /// Escape goes back to the editor.
     void KeyUpOnFieldList(int Key);
 
+    // --- fields that are dropped ---
+
+    /// Whether a field of this builder's diagram is dragged there over an element that takes it;
+    /// the element is marked.
+    [[nodiscard]] bool _DragOver(const QMimeData* Data, const QPoint& Point);
+    /// Stores the dragged field into the element there, once the drop is over.
+    void _DragDrop(const QMimeData* Data, const QPoint& Point);
+
     /// What is wrong with a row, as one sentence: something is not filled in, or a name is gone.
     /// Empty when nothing is.
     [[nodiscard]] QString rowProblem(const TorvQDWhereRow& row) const;
@@ -174,6 +184,11 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
 
 private:
     friend class orv::ConditionEditor;
@@ -207,6 +222,13 @@ private:
     void repositionEditor();
     void storeText(const TorvQDControl& element, const QString& text);
 
+    // Dragged fields.
+    [[nodiscard]] TorvQDControl* dropElement(const QMimeData* data, const QPoint& viewPoint);
+    void markDropElement(const TorvQDControl* element);
+    void drawDropMark(QPainter& painter);
+    void watchEdge(const QPoint& viewPoint);
+    void scrollAtEdge();
+
     // The hand.
     [[nodiscard]] TorvQDWhereRow* commandRow(const QString& refusal);
     void edit(const std::function<void()>& change);
@@ -233,6 +255,9 @@ private:
     mutable bool m_isUnsettled = false;
     orv::ElementRef m_hot;       // under the mouse
     orv::ElementRef m_pressed;   // where the left button went down
+    orv::ElementRef m_dropMark;  // where a dragged field would be dropped
+    QPoint m_dragPoint;          // view coordinates
+    QBasicTimer m_edgeTimer;     // scrolls while something is dragged at the edge of the view
     QMenu* m_rowMenu = nullptr;
     QMenu* m_groupMenu = nullptr;
     QMenu* m_functionMenu = nullptr;

@@ -69,6 +69,7 @@ void TorvQDWherePanel::prepareView() {
     m_widths = std::make_unique<orv::FontWidths>();
     m_widths->setFont(this->font());
     viewport()->setMouseTracking(true);
+    setAcceptDrops(true);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     verticalScrollBar()->setSingleStep(m_context.rowHeight);
     horizontalScrollBar()->setSingleStep(orv::levelIndentPx);
@@ -302,6 +303,7 @@ void TorvQDWherePanel::paintEvent(QPaintEvent* event) {
         for (int index = first; index <= last; ++index) {
             DrawRow(painter, *rows[std::size_t(index)], index * height - top);
         }
+        drawDropMark(painter);
         if (rows.size() != 1 || isEditing()) return;
         painter.setFont(m_widths->plainFont());
         painter.setPen(palette().color(QPalette::PlaceholderText));

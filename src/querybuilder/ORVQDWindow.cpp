@@ -17,6 +17,7 @@
 #include <QRandomGenerator>
 #include <QScopeGuard>
 #include <QShowEvent>
+#include <QTabBar>
 #include <QVBoxLayout>
 
 namespace {
@@ -100,6 +101,7 @@ void TorvQueryBuilder::createPages(bool designMode) {
     PageCtrl = new QTabWidget(Splitter);
     PageCtrl->setObjectName(QStringLiteral("PageCtrl"));
     PageCtrl->setMinimumHeight(1);
+    PageCtrl->tabBar()->setChangeCurrentOnDrag(true);  // fields are dragged to the pages
     TorvTabSheet* criterions = addSheet(QStringLiteral("Criterions"));
     TorvTabSheet* selection = addSheet(QStringLiteral("Selection"));
     TorvTabSheet* grouping = addSheet(QStringLiteral("Grouping criterions"));
