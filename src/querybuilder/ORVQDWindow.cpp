@@ -77,6 +77,7 @@ TorvQueryBuilder::TorvQueryBuilder(QWidget* parent, bool designMode)
 // The children go first, while the lists that they refer to are still there.
 TorvQueryBuilder::~TorvQueryBuilder() {
     beginChange();  // nobody is told of what goes
+    if (SelectPanel) SelectPanel->grid()->discardEdit();
     delete WorkArea;
     delete PageCtrl;
 }
@@ -357,5 +358,7 @@ void TorvQueryBuilder::foreignDrop(QObject* source, const QPoint& viewPoint,
 }
 
 void TorvQueryBuilder::CommitPendingEdits() {
+    const QPointer<TorvQueryBuilder> self(this);
     if (WorkArea) WorkArea->commitPendingEdit();
+    if (self && SelectPanel) SelectPanel->grid()->commitEdit();
 }

@@ -129,6 +129,7 @@ void TorvQueryBuilder::Clear() {
 }
 
 void TorvQueryBuilder::clearAll() {
+    if (SelectPanel) SelectPanel->grid()->discardEdit();
     m_removals.clear();
     m_selectedFields.clear();
     m_givenNames.clear();
