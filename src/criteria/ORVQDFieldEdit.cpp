@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: MIT
+#include "criteria/ORVQDFieldEdit.h"
+
+#include "toolkit/Services.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QFocusEvent>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int marginPx = 1;
+
+bool isEnter(const QKeyEvent& event) {
+    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+}
+
+// Control characters come with keys such as Ctrl+M, too.
+bool typesLineBreak(const QKeyEvent& event) {
+    return event.text() == u"\r" || event.text() == u"\n";
+}
+
+}  // namespace
+
+TMemoEx::TMemoEx(QWidget* parent) : QPlainTextEdit(parent) {
+    QFont arial = font();
+    arial.setFamily(QStringLiteral("Arial"));
+    setFont(arial);
+    setFrameShape(QFrame::NoFrame);
+    setLineWrapMode(QPlainTextEdit::NoWrap);
+    document()->setDocumentMargin(marginPx);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setTabChangesFocus(true);
+    setToolTip(tr("Press Shift+Enter to insert field"));
+    setAccessibleName(tr("Text of the condition"));
+    connect(this, &QPlainTextEdit::textChanged, this, [this] {
+        if (m_isOpen) call(changed);
+    });
+    hide();
+}
+
+void TMemoEx::open(const QString& text) {
+    m_isOpen = false;
+    setPlainText(text);
+    selectAll();
+    m_textAtOpening = this->text();
+    m_isOpen = true;
+    show();
+    setFocus();
+}
+
+// The focus goes first: hiding a focused widget would hand it to the next one of the tab chain.
+void TMemoEx::discard() {
+    m_isOpen = false;
+    const QPointer<TMemoEx> self(this);
+    if (hasFocus() && parentWidget()) parentWidget()->setFocus();
+    if (self) hide();
+}
+
+// The plain text of the base class has blanks for non-breaking ones.
+QString TMemoEx::text() const {
+    return document()->toRawText().replace(QChar(QChar::ParagraphSeparator),
+                                           QStringLiteral("\r\n"));
+}
+
+void TMemoEx::replaceSelection(const QString& text) {
+    textCursor().insertText(text);
+    ensureCursorVisible();
+}
+
+QSize TMemoEx::textSize() const {
+    QStringList lines;
+    qreal height = 0;
+    for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
+        lines << block.text();
+        height += blockBoundingRect(block).height();
+    }
+    const int widest =
+        fontMetrics().size(Qt::TextExpandTabs, lines.join(u'\n'), int(tabStopDistance())).width();
+    return {widest + cursorWidth() + 2 * marginPx, int(std::ceil(height)) + marginPx};
+}
+
+void TMemoEx::call(const std::function<void()>& handler) {
+    const std::function<void()> copy = handler;
+    if (copy) orv::guarded(copy);
+}
+
+// The handler may destroy the edit: nothing of it is touched behind the call.
+void TMemoEx::leave(const std::function<void()>& handler) {
+    if (!m_isOpen) return;
+    const std::function<void()> copy = handler;
+    const QPointer<TMemoEx> self(this);
+    discard();
+    if (self && copy) orv::guarded(copy);
+}
+
+// Its keys are its own, also where the window has shortcuts on them.
+bool TMemoEx::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto& pressed = static_cast<QKeyEvent&>(*event);
+        const bool isPlain = !(pressed.modifiers() & ~Qt::KeypadModifier);
+        if (isEnter(pressed) || (isPlain && pressed.key() == Qt::Key_Escape)) {
+            event->accept();
+            return true;
+        }
+    }
+    return QPlainTextEdit::event(event);
+}
+
+void TMemoEx::keyPressEvent(QKeyEvent* event) {
+    if (isEnter(*event)) {
+        event->accept();
+        pressEnter(event->modifiers() & ~Qt::KeypadModifier);
+    } else if (event->key() == Qt::Key_Escape) {
+        event->accept();
+        leave(dropped);
+    } else if (typesLineBreak(*event)) {
+        event->accept();
+    } else {
+        QPlainTextEdit::keyPressEvent(event);
+    }
+}
+
+void TMemoEx::pressEnter(Qt::KeyboardModifiers modifiers) {
+    if (!modifiers) {
+        leave(committed);
+    } else if (modifiers == Qt::ShiftModifier) {
+        call(insertField);
+    } else {
+        replaceSelection(QStringLiteral("\n"));
+    }
+}
+
+void TMemoEx::focusOutEvent(QFocusEvent* event) {
+    QPlainTextEdit::focusOutEvent(event);
+    const Qt::FocusReason reason = event->reason();
+    if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason) return;
+    QWidget* newFocus = QApplication::focusWidget();
+    const bool isCompanion =
+        m_companion && newFocus && (m_companion == newFocus || m_companion->isAncestorOf(newFocus));
+    if (isCompanion) return;
+    const auto handler = exited;
+    const QPointer<QWidget> there(newFocus == this ? nullptr : newFocus);
+    leave([handler, reason, there] {
+        if (handler) handler(reason, there);
+    });
+}
+
+void TMemoEx::contextMenuEvent(QContextMenuEvent* event) {
+    QMenu* menu = createStandardContextMenu(event->pos());
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    auto* insert = new QAction(tr("InsertField"), menu);
+    connect(insert, &QAction::triggered, this, [this] { call(insertField); });
+    QAction* first = menu->actions().value(0);
+    menu->insertAction(first, insert);
+    menu->insertSeparator(first);
+    const bool isByKey = event->reason() == QContextMenuEvent::Keyboard;
+    const QPoint caret = viewport()->mapToGlobal(cursorRect().bottomLeft());
+    menu->popup(isByKey ? caret : event->globalPos());
+    event->accept();
+}
+
+// It is as large as its text: what lies below scrolls.
+void TMemoEx::wheelEvent(QWheelEvent* event) {
+    event->ignore();
+}
