@@ -5,6 +5,8 @@
 #include "contract/ChangeScope.h"
 #include "core/Error.h"
 #include "criteria/ORVQDWherePanel.h"
+#include "querybuilder/ORVQDTailLine.h"
+#include "querybuilder/ORVQDValidate.h"
 #include "selection/ORVQDSelectOrder.h"
 #include "toolkit/Glyph.h"
 #include "toolkit/Services.h"
@@ -77,6 +79,7 @@ TorvQueryBuilder::TorvQueryBuilder(QWidget* parent, bool designMode)
 // The children go first, while the lists that they refer to are still there.
 TorvQueryBuilder::~TorvQueryBuilder() {
     beginChange();  // nobody is told of what goes
+    showTail({});   // nothing is taken over any more
     delete WorkArea;
     delete PageCtrl;
 }
@@ -115,6 +118,8 @@ void TorvQueryBuilder::createPages(bool designMode) {
     OrderPanel = new TorvQDOrderPanel(sorting);
     OrderPanel->grid = grid;
     sorting->layout()->addWidget(OrderPanel);
+    m_tailLine = new orv::TailLine(sorting);
+    m_tailLine->committed = [this](const QString& text) { setTailText(text); };
     connect(PageCtrl, &QTabWidget::currentChanged, this, [this] {
         if (OrderPanel) OrderPanel->RefreshFields();
     });
@@ -268,8 +273,19 @@ void TorvQueryBuilder::setKeepMeaning(bool keep) {
 
 void TorvQueryBuilder::setTailText(const QString& text) {
     if (text == m_tail) return;
-    m_tail = text;
+    showTail(text);
     statementChanged();
+}
+
+void TorvQueryBuilder::showTail(const QString& text) {
+    m_tail = text;
+    if (m_tailLine) m_tailLine->showText(text);
+}
+
+void TorvQueryBuilder::showTailProblems() {
+    QStringList problems;
+    for (const orv::Finding& finding : orv::tailFindings(*this)) problems << finding.what;
+    m_tailLine->showProblems(problems);
 }
 
 QString TorvQueryBuilder::GetSortedFieldName(int Index) const {
@@ -352,6 +368,16 @@ void TorvQueryBuilder::foreignDrop(QObject* source, const QPoint& viewPoint,
     if (handler) showDragged(data, [&] { handler(this, source, viewPoint.x(), viewPoint.y()); });
 }
 
+// --- what is being typed ---
+
+// The host is told of each; it may destroy the control when it is.
 void TorvQueryBuilder::CommitPendingEdits() {
+    const QPointer<TorvQueryBuilder> self(this);
     if (WorkArea) WorkArea->commitPendingEdit();
+    if (self) commitPages();
+}
+
+// Every editor of the pages has its call here.
+void TorvQueryBuilder::commitPages() {
+    if (m_tailLine) m_tailLine->commit();
 }

@@ -30,6 +30,10 @@ class TorvQDSelectPanel;
 class TorvQDWherePanel;
 class TorvQDWorkArea;
 
+namespace orv {
+class TailLine;
+}
+
 /// The sheet of the page control on which a page's panel lies.
 class ORV_EXPORT TorvTabSheet : public QWidget {
     Q_OBJECT
@@ -214,6 +218,9 @@ private:
     TorvTabSheet* addSheet(const QString& caption);
     TorvQDWherePanel* addCriteria(TorvTabSheet* sheet, const QStringList* functions);
     void createWorkArea();
+    void commitPages();
+    void showTail(const QString& text);
+    void showTailProblems();
     void applyTabsHeight();
     void applyAlign();
     void watchParent();
@@ -254,6 +261,7 @@ private:
     int m_tabsHeight;
     bool m_keepMeaning = false;
     QString m_tail;
+    orv::TailLine* m_tailLine = nullptr;  // none in design mode
     orv::Findings m_report;
     std::unique_ptr<orv::LoadLedger> m_ledger;
     const QMimeData* m_dragData = nullptr;
