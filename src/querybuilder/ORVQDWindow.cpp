@@ -5,6 +5,7 @@
 #include "contract/ChangeScope.h"
 #include "core/Error.h"
 #include "criteria/ORVQDWherePanel.h"
+#include "querybuilder/ORVQDPageTabs.h"
 #include "querybuilder/ORVQDTailLine.h"
 #include "querybuilder/ORVQDValidate.h"
 #include "selection/ORVQDSelectOrder.h"
@@ -98,14 +99,17 @@ TorvTabSheet* TorvQueryBuilder::addSheet(const QString& caption) {
 }
 
 void TorvQueryBuilder::createPages(bool designMode) {
-    PageCtrl = new QTabWidget(Splitter);
+    auto* pages = new orv::PageTabs(Splitter);
+    PageCtrl = pages;
     PageCtrl->setObjectName(QStringLiteral("PageCtrl"));
     PageCtrl->setMinimumHeight(1);
     TorvTabSheet* criterions = addSheet(QStringLiteral("Criterions"));
     TorvTabSheet* selection = addSheet(QStringLiteral("Selection"));
     TorvTabSheet* grouping = addSheet(QStringLiteral("Grouping criterions"));
     TorvTabSheet* sorting = addSheet(QStringLiteral("Sorting"));
+    pages->addNumberKeys(this);
     if (designMode) return;
+    pages->aboutToChange = [this] { HideFieldList(); };
     WherePanel = addCriteria(criterions, nullptr);
     SelectPanel = new TorvQDSelectPanel(selection);
     selection->layout()->addWidget(SelectPanel);
@@ -375,6 +379,10 @@ void TorvQueryBuilder::CommitPendingEdits() {
     const QPointer<TorvQueryBuilder> self(this);
     if (WorkArea) WorkArea->commitPendingEdit();
     if (self) commitPages();
+}
+
+void TorvQueryBuilder::HideFieldList() {
+    commitPages();
 }
 
 // Every editor of the pages has its call here.

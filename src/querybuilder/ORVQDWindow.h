@@ -132,6 +132,9 @@ public:
 
     /// Takes over what is being typed in an open editor.
     void CommitPendingEdits();
+    /// Before the user goes to another page: open lists of the pages close, and what is being typed
+    /// on them is taken over. It refuses no page.
+    void HideFieldList();
 
     [[nodiscard]] bool DoAddRemoveTable(TorvQDTable* Table, TAddRemove Action) override;
     [[nodiscard]] bool DoAddRemoveLink(TorvQDLink* Link, TAddRemove Action) override;
