@@ -12,6 +12,8 @@
 #include <QTimerEvent>
 #include <QWheelEvent>
 
+#include <algorithm>
+
 namespace orv {
 
 namespace {
