@@ -209,6 +209,7 @@ void TorvQDSelectGrid::setColumns(orv::OutputColumns columns) {
 TorvQDSelectPanel::TorvQDSelectPanel(QWidget* AOwner) : QWidget(AOwner) {
     if (!AOwner) throw orv::Error(QStringLiteral("Invalide parent for OrderPanel"));
     m_distinct = new QCheckBox(QStringLiteral("Include only unique records"), this);
+    m_distinct->setToolTip(QStringLiteral("Of equal rows only one comes out (DISTINCT)"));
     m_grid = new TorvQDSelectGrid(this);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -9,6 +9,7 @@
 
 #include <QMenu>
 #include <QPersistentModelIndex>
+#include <QPoint>
 #include <QPointer>
 #include <QSet>
 #include <QTableView>
@@ -17,13 +18,18 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 class IPagesHost;
+class QAbstractItemView;
 class QCheckBox;
 class QDropEvent;
+class QHelpEvent;
+class QKeyEvent;
 class QLabel;
 class QListWidget;
 class QMimeData;
+class QMouseEvent;
 class QPushButton;
 class QTreeWidget;
 class TorvQDParser;
@@ -220,8 +226,8 @@ private:
 };
 
 /// The "Sorting" page: the output names that are not sorted on the left, the sorted ones with their
-/// directions on the right. It knows the output columns through the selection grid only. Owned by
-/// its page.
+/// directions on the right. It knows the output columns through the selection grid only. A double
+/// click does to a name what its button does. Owned by its page.
 class ORV_EXPORT TorvQDOrderPanel : public QWidget {
     Q_OBJECT
 
@@ -269,27 +275,50 @@ private:
     struct Outputs {
         QStringList names;
         QStringList sources;
-
-        friend bool operator==(const Outputs&, const Outputs&) = default;
     };
+    enum class Command { None, Add, Remove, ChangeOrder, MoveUp, MoveDown };
 
     [[nodiscard]] IPagesHost* host() const;
     [[nodiscard]] Outputs outputs() const;
+    [[nodiscard]] bool showsOutputs() const;
     class OutputIndex;
     void loadItems(const orv::TokenRun& run, orv::LoadLedger& ledger);
     void loadNode(const TorvQDParser& node);
     void appendLine(const Outputs& shown, int row, bool descends);
     void connectParts();
+    void nameParts();
     void placeParts();
     void edit(const std::function<void()>& change);
-    void refreshLists();
-    void showLists(int line);
+    void refreshLists(int line);
+    void showLists(int line, int name);
+    void showNames();
+    void showLines();
     [[nodiscard]] int selectedLine() const;
+    [[nodiscard]] int selectedName() const;
+
+    // What the hand does on the lists.
+    [[nodiscard]] QAbstractItemView* listOf(const QObject* part) const;
+    bool handleListEvent(QAbstractItemView* list, QEvent* event);
+    bool handleViewEvent(QAbstractItemView* list, QEvent* event);
+    [[nodiscard]] Command commandOf(const QAbstractItemView* list, const QKeyEvent& event) const;
+    void run(Command command);
+    void runByKey(QAbstractItemView* list, Command command);
+    bool handlePress(QAbstractItemView* list, const QMouseEvent& event);
+    bool handleMove(QAbstractItemView* list, const QMouseEvent& event);
+    bool handleDoubleClick(QAbstractItemView* list, const QMouseEvent& event);
+    void dragOut(QAbstractItemView* list);
     void handleDrop(QDropEvent* event, bool onSorted);
+    [[nodiscard]] QString selectedText(const QAbstractItemView* list) const;
 
     orv::SortList m_list;
-    Outputs m_shownOutputs;  // of the last refresh
+    orv::OutputColumns m_shownColumns;  // of the last refresh
+    QStringList m_shownNames;           // the lists as their widgets have them
+    std::vector<orv::SortList::Line> m_shownLines;
     bool m_editing = false;
+    std::optional<QPoint> m_pressedAt;  // on a name that may be dragged from there
+    QPointer<QObject> m_dragSource;     // the present drag has begun here
+    QAbstractItemView* m_draggedFrom = nullptr;
+    QString m_dragged;
     QLabel* m_outputLabel;
     QListWidget* m_unsorted;
     QTreeWidget* m_sorted;
