@@ -101,7 +101,8 @@ bool ConditionLayout::ensure() {
     for (const ElementRef& stale : std::exchange(m_stale, {})) {
         TorvQDWhereRow* row = stale.row();
         if (!row || row->m_shownAt < 0 || row->m_isPlaced) continue;
-        const bool wasWidest = row->rightBound() >= m_width;
+        // Its widest element may be gone by now.
+        const bool wasWidest = row->m_placedRight >= m_width;
         place(*row, row->depth(), row->GetFullIndex());
         if (wasWidest) {
             m_width = 0;

@@ -218,6 +218,7 @@ void TorvQDWhereRow::placeControls(int left, const QString& number) {
         place(control, isShown ? width(control.GetText()) : 0);
         if (isShown) x += control.Width + (index >= ekArgument ? separator : elementGapPx);
     }
+    m_placedRight = rightBound();
     m_isPlaced = true;
 }
 

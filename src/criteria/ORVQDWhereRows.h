@@ -190,6 +190,7 @@ private:
 
     std::shared_ptr<TorvQDWhereRow*> m_handle;
     int m_shownAt = -1;       // position among the rows that are shown
+    int m_placedRight = 0;    // right bound when the elements were placed last
     bool m_isPlaced = false;  // the elements are up to date
 };
 
