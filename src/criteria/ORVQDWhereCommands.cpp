@@ -25,6 +25,11 @@ QString menuText(const QString& text) {
     return QString(text).replace(u'&', QStringLiteral("&&"));
 }
 
+// What an item stands for; an item of the host's own is known by its caption alone.
+QString choiceOf(const QAction& item) {
+    return item.data().isValid() ? item.data().toString() : item.text();
+}
+
 }  // namespace
 
 void TorvQDWherePanel::createMenus() {
@@ -212,15 +217,14 @@ void TorvQDWherePanel::SelectGroupFuncs(const QAction* Sender) {
     TorvQDWhereRow* row = commandRow(noCondition);
     if (CurrentElement()->Kind != ekGroupOper) throw orv::Error(noCondition);
     if (!Sender) return;
-    edit([&] { row->SetGroupOper(Sender->data().toString()); });
+    edit([&] { row->SetGroupOper(choiceOf(*Sender)); });
 }
 
 void TorvQDWherePanel::SelectAgrFuncs(const QAction* Sender) {
     TorvQDWhereRow* row = commandRow(noCondition);
     if (!Sender) return;
     edit([&] {
-        (CurrentElement()->Kind == ekFieldFunc ? row->FieldFunc : row->ArgFunc) =
-            Sender->data().toString();
+        (CurrentElement()->Kind == ekFieldFunc ? row->FieldFunc : row->ArgFunc) = choiceOf(*Sender);
         row->Changed(false);
     });
 }
