@@ -82,6 +82,12 @@ void TorvQDWhereRows::Update(TCollectionItemEx* Item) {
     if (m_context->changed) m_context->changed(static_cast<TorvQDWhereRow*>(Item));
 }
 
+// Rows that changed meanwhile told nobody.
+void TorvQDWhereRows::EndUpdate() {
+    for (int index = 0; index < GetCount(); ++index) Row(index)->m_isPlaced = false;
+    TCollectionEx::EndUpdate();
+}
+
 // --- references ---
 
 namespace orv {

@@ -95,6 +95,7 @@ public:
     [[nodiscard]] const orv::ConditionContext& context() const { return *m_context; }
 
     void Update(TCollectionItemEx* Item) override;
+    void EndUpdate() override;
 
 private:
     friend class TorvQDWhereRow;  // exchanges whole collections
@@ -178,6 +179,7 @@ public:
 
 private:
     friend class orv::ConditionLayout;
+    friend class TorvQDWhereRows;
     struct Writer;
 
     void contentChanged();
