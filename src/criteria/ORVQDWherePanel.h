@@ -8,6 +8,7 @@
 
 #include <QAbstractScrollArea>
 #include <QStringList>
+#include <QVariant>
 
 #include <functional>
 #include <memory>
@@ -192,7 +193,7 @@ private:
     [[nodiscard]] TorvQDWhereRow* commandRow(const QString& refusal);
     void edit(const std::function<void()>& change);
     void createMenus();
-    void popUp(QMenu* menu, const TorvQDControl& element, int y, QAction* first);
+    void popUp(QMenu* menu, const TorvQDControl& element, int y, const QVariant& chosen);
     bool handleKey(const QKeyEvent& event);
     void moveActive(int key, bool withCtrl);
     void jump(int key);
