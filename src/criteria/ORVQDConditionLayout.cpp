@@ -58,6 +58,15 @@ void ConditionLayout::walk(bool intoCollapsed, const Visit& visit) const {
     }
 }
 
+// A collapsed group shows what is in it, which may have changed with its rows.
+bool ConditionLayout::isInPlace(const TorvQDWhereRow& row, int depth, const QString& number) {
+    if (!row.m_isPlaced || (row.isGroup() && !row.Expanded)) return false;
+    TorvQDControl shownNumber(nullptr, ekButton);
+    shownNumber.SetText(number);
+    return row.GetLeftBound() == depth * levelIndentPx &&
+           row.Controls.front()->GetText() == shownNumber.GetText();
+}
+
 void ConditionLayout::place(TorvQDWhereRow& row, int depth, const QString& number) {
     row.placeControls(depth * levelIndentPx, number);
     ++m_measuredRows;
@@ -67,17 +76,15 @@ void ConditionLayout::collect() {
     // Those that are gone have died; the others may be hidden now.
     m_rows.clear();
     m_width = 0;
-    walk(true, [](TorvQDWhereRow& row, int, const QString&) { row.m_shownAt = -1; });
+    walk(true, [this](TorvQDWhereRow& row, int, const QString&) {
+        row.m_shownAt = -1;
+        // Rows that are hidden now are measured when they are shown again.
+        if (m_areTextsStale) row.m_isPlaced = false;
+    });
     walk(false, [&](TorvQDWhereRow& row, int depth, const QString& number) {
         row.m_shownAt = int(m_rows.size());
         m_rows.push_back(&row);
-        TorvQDControl shownNumber(&row, ekButton);
-        shownNumber.SetText(number);
-        const TorvQDControl& button = *row.Controls.front();
-        const bool isInPlace =
-            row.m_isPlaced && !m_areTextsStale && row.GetLeftBound() == depth * levelIndentPx &&
-            button.GetText() == shownNumber.GetText() && (!row.isGroup() || row.Expanded);
-        if (!isInPlace) place(row, depth, number);
+        if (!isInPlace(row, depth, number)) place(row, depth, number);
         widen(row.rightBound());
     });
     m_areRowsStale = false;
@@ -94,7 +101,8 @@ bool ConditionLayout::ensure() {
     for (const ElementRef& stale : std::exchange(m_stale, {})) {
         TorvQDWhereRow* row = stale.row();
         if (!row || row->m_shownAt < 0 || row->m_isPlaced) continue;
-        const bool wasWidest = row->rightBound() >= m_width;
+        // Its widest element may be gone by now.
+        const bool wasWidest = row->m_placedRight >= m_width;
         place(*row, row->depth(), row->GetFullIndex());
         if (wasWidest) {
             m_width = 0;
@@ -127,7 +135,7 @@ QSize ConditionLayout::fullExtent() {
     int width = 0;
     walk(true, [&](TorvQDWhereRow& row, int depth, const QString& number) {
         ++rows;
-        if (!row.m_isPlaced) place(row, depth, number);
+        if (!isInPlace(row, depth, number)) place(row, depth, number);
         width = std::max(width, row.rightBound());
     });
     return {width, rows * m_context.rowHeight};

@@ -50,6 +50,8 @@ private:
     template <typename Visit>
     void walk(bool intoCollapsed, const Visit& visit) const;
     void collect();
+    [[nodiscard]] static bool isInPlace(const TorvQDWhereRow& row, int depth,
+                                        const QString& number);
     void place(TorvQDWhereRow& row, int depth, const QString& number);
     void widen(int right) { m_width = std::max(m_width, right); }
 

@@ -25,6 +25,11 @@ QString menuText(const QString& text) {
     return QString(text).replace(u'&', QStringLiteral("&&"));
 }
 
+// What an item stands for; an item of the host's own is known by its caption alone.
+QString choiceOf(const QAction& item) {
+    return item.data().isValid() ? item.data().toString() : item.text();
+}
+
 }  // namespace
 
 void TorvQDWherePanel::createMenus() {
@@ -77,13 +82,6 @@ void TorvQDWherePanel::_PopupOpersMenu() {
     }
 }
 
-// `first` is the item that the arrow keys start from.
-void TorvQDWherePanel::popUp(QMenu* menu, const TorvQDControl& element, int y, QAction* first) {
-    const QPoint below(element.Left - horizontalScrollBar()->value(), y + m_context.rowHeight);
-    menu->popup(viewport()->mapToGlobal(below));
-    if (first) menu->setActiveAction(first);
-}
-
 namespace {
 
 QAction* itemWith(const QMenu& menu, const QVariant& data) {
@@ -96,6 +94,16 @@ QAction* itemWith(const QMenu& menu, const QVariant& data) {
 
 }  // namespace
 
+// The arrow keys start from the item with the data that is chosen now. It is looked for when the
+// menu is open: opening fills it.
+void TorvQDWherePanel::popUp(QMenu* menu, const TorvQDControl& element, int y,
+                             const QVariant& chosen) {
+    if (menu->isEmpty()) return;
+    const QPoint below(element.Left - horizontalScrollBar()->value(), y + m_context.rowHeight);
+    menu->popup(viewport()->mapToGlobal(below));
+    if (chosen.isValid()) menu->setActiveAction(itemWith(*menu, chosen));
+}
+
 void TorvQDWherePanel::ButtonClick(const TorvQDControl& Element, int y) {
     const TorvQDWhereRow& row = *Element.Row;
     setCurrentElement(&Element);
@@ -106,7 +114,7 @@ void TorvQDWherePanel::ButtonClick(const TorvQDControl& Element, int y) {
     items[expandItem]->setEnabled(!isRoot && row.isGroup());
     items[expandItem]->setText(row.Expanded ? QStringLiteral("Collapse condition")
                                             : QStringLiteral("Expand condition"));
-    popUp(m_rowMenu, Element, y, nullptr);
+    popUp(m_rowMenu, Element, y, {});
     viewport()->unsetCursor();
 }
 
@@ -115,7 +123,7 @@ void TorvQDWherePanel::TextClick(const TorvQDControl& Element, int y) {
     setCurrentElement(&Element);
     if (row.isGroup()) {
         if (row.Expanded) {
-            popUp(m_groupMenu, Element, y, itemWith(*m_groupMenu, row.GroupOper));
+            popUp(m_groupMenu, Element, y, row.GroupOper);
         } else {
             row.SetExpanded(true);
             relay();
@@ -124,11 +132,10 @@ void TorvQDWherePanel::TextClick(const TorvQDControl& Element, int y) {
     }
     if (Element.Kind == ekFieldFunc || Element.Kind == ekArgFunc) {
         const QString& function = Element.Kind == ekFieldFunc ? row.FieldFunc : row.ArgFunc;
-        popUp(m_functionMenu, Element, y, itemWith(*m_functionMenu, function));
+        popUp(m_functionMenu, Element, y, function);
     } else if (Element.Kind == ekOperator) {
         _PopupOpersMenu();
-        popUp(m_operatorMenu, Element, y,
-              itemWith(*m_operatorMenu, QVariant::fromValue(row.Operator)));
+        popUp(m_operatorMenu, Element, y, QVariant::fromValue(row.Operator));
     } else if (Element.Kind != ekButton) {
         editText(Element);
     }
@@ -218,7 +225,7 @@ void TorvQDWherePanel::SelectGroupFuncs(const QAction* Sender) {
     if (!row) return;
     if (CurrentElement()->Kind != ekGroupOper) throw orv::Error(noCondition);
     if (!Sender) return;
-    edit([&] { row->SetGroupOper(Sender->data().toString()); });
+    edit([&] { row->SetGroupOper(choiceOf(*Sender)); });
 }
 
 void TorvQDWherePanel::SelectAgrFuncs(const QAction* Sender) {
@@ -226,8 +233,7 @@ void TorvQDWherePanel::SelectAgrFuncs(const QAction* Sender) {
     if (!row) return;
     if (!Sender) return;
     edit([&] {
-        (CurrentElement()->Kind == ekFieldFunc ? row->FieldFunc : row->ArgFunc) =
-            Sender->data().toString();
+        (CurrentElement()->Kind == ekFieldFunc ? row->FieldFunc : row->ArgFunc) = choiceOf(*Sender);
         row->Changed(false);
     });
 }

@@ -99,7 +99,8 @@ void TorvQDWherePanel::contextMenuEvent(QContextMenuEvent* event) {
         HideFieldList();
         if (!self) return;
         int top = 0;
-        const TorvQDWhereRow* row = ActiveElement()->Row;
+        const TorvQDControl* active = ActiveElement();
+        const TorvQDWhereRow* row = active ? active->Row : nullptr;
         if (isByMouse) row = LookRows(pos.y() + contentOffset().y(), top);
         if (!row) return;
         if (!isByMouse) showElement(*row->Controls[ekButton]);

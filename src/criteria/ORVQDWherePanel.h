@@ -9,6 +9,7 @@
 #include <QAbstractScrollArea>
 #include <QBasicTimer>
 #include <QStringList>
+#include <QVariant>
 
 #include <functional>
 #include <memory>
@@ -233,7 +234,7 @@ private:
     [[nodiscard]] TorvQDWhereRow* commandRow(const QString& refusal);
     void edit(const std::function<void()>& change);
     void createMenus();
-    void popUp(QMenu* menu, const TorvQDControl& element, int y, QAction* first);
+    void popUp(QMenu* menu, const TorvQDControl& element, int y, const QVariant& chosen);
     bool handleKey(const QKeyEvent& event);
     void moveActive(int key, bool withCtrl);
     void jump(int key);

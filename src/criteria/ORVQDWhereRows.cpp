@@ -82,6 +82,12 @@ void TorvQDWhereRows::Update(TCollectionItemEx* Item) {
     if (m_context->changed) m_context->changed(static_cast<TorvQDWhereRow*>(Item));
 }
 
+// Rows that changed meanwhile told nobody.
+void TorvQDWhereRows::EndUpdate() {
+    for (int index = 0; index < GetCount(); ++index) Row(index)->m_isPlaced = false;
+    TCollectionEx::EndUpdate();
+}
+
 // --- references ---
 
 namespace orv {
@@ -218,6 +224,7 @@ void TorvQDWhereRow::placeControls(int left, const QString& number) {
         place(control, isShown ? width(control.GetText()) : 0);
         if (isShown) x += control.Width + (index >= ekArgument ? separator : elementGapPx);
     }
+    m_placedRight = rightBound();
     m_isPlaced = true;
 }
 

@@ -95,6 +95,7 @@ public:
     [[nodiscard]] const orv::ConditionContext& context() const { return *m_context; }
 
     void Update(TCollectionItemEx* Item) override;
+    void EndUpdate() override;
 
 private:
     friend class TorvQDWhereRow;  // exchanges whole collections
@@ -178,6 +179,7 @@ public:
 
 private:
     friend class orv::ConditionLayout;
+    friend class TorvQDWhereRows;
     struct Writer;
 
     void contentChanged();
@@ -190,6 +192,7 @@ private:
 
     std::shared_ptr<TorvQDWhereRow*> m_handle;
     int m_shownAt = -1;       // position among the rows that are shown
+    int m_placedRight = 0;    // right bound when the elements were placed last
     bool m_isPlaced = false;  // the elements are up to date
 };
 

@@ -247,13 +247,14 @@ void TorvQDWherePanel::setActiveElement(const TorvQDControl* element) {
 }
 
 void TorvQDWherePanel::setHotElement(const TorvQDControl* element) {
+    const Qt::CursorShape shape = element ? Qt::PointingHandCursor : Qt::ArrowCursor;
+    if (viewport()->cursor().shape() != shape) viewport()->setCursor(shape);
     const orv::ElementRef next(element);
     if (next == m_hot) return;
     for (const orv::ElementRef& changed : {std::exchange(m_hot, next), next}) {
         const TorvQDControl* control = changed.get();
         if (control && control->Kind == ekButton) updateRow(control->Row);
     }
-    viewport()->setCursor(element ? Qt::PointingHandCursor : Qt::ArrowCursor);
 }
 
 QString TorvQDWherePanel::rowProblem(const TorvQDWhereRow& row) const {

@@ -54,7 +54,7 @@ public:
         checkRows(*m_builder.WherePanel->rootRow(), QString());
         checkRows(*m_builder.HavingPanel->rootRow(), QString());
         checkWriting();
-        checkTail();
+        for (Finding& finding : tailFindings(m_builder)) m_findings.push_back(std::move(finding));
         return std::move(m_findings);
     }
 
@@ -198,36 +198,41 @@ private:
         }
     }
 
-    static bool isTail(const QString& text) {
-        const QString statement = QStringLiteral("SELECT A FROM T ");
-        const NormalisedSQL whole = NormaliseSQL(statement + text);
-        const StatementParts parts = splitStatement(whole.text, tokenise(whole.text));
-        return parts.tailStart <= statement.size() && parts.restStart >= whole.text.size();
-    }
-
-    void checkTail() {
-        static const QStringList earlier = {QStringLiteral("UNION"), QStringLiteral("INTERSECT"),
-                                            QStringLiteral("EXCEPT"), QStringLiteral("WINDOW")};
-        const SqlTokens tokens = tokenise(m_builder.TailText());
-        if (!tokens.empty() && !isTail(m_builder.TailText())) {
-            report(m_builder.TailText(),
-                   QStringLiteral("This is nothing that may follow a statement."));
-        }
-        if (tokens.empty() || m_builder.OrderPanel->sortList().lines().empty()) return;
-        const QString word = m_builder.TailText().mid(tokens.front().start,
-                                                      tokens.front().end - tokens.front().start);
-        if (!earlier.contains(word.toUpper())) return;
-        report(m_builder.OrderPanel->GetSQLStatment(),
-               QStringLiteral("Sorting cannot stand in front of %1.").arg(word.toUpper()));
-    }
-
     TorvQueryBuilder& m_builder;
     QHash<const TorvQDTable*, int> m_numbers;  // in the order of creation
     QSet<QString> m_told;
     Findings m_findings;
 };
 
+bool isTail(const QString& text) {
+    const QString statement = QStringLiteral("SELECT A FROM T ");
+    const NormalisedSQL whole = NormaliseSQL(statement + text);
+    const StatementParts parts = splitStatement(whole.text, tokenise(whole.text));
+    return parts.tailStart <= statement.size() && parts.restStart >= whole.text.size();
+}
+
 }  // namespace
+
+Findings tailFindings(TorvQueryBuilder& builder) {
+    static const QStringList earlier = {QStringLiteral("UNION"), QStringLiteral("INTERSECT"),
+                                        QStringLiteral("EXCEPT"), QStringLiteral("WINDOW")};
+    const QString& tail = builder.TailText();
+    const SqlTokens tokens = tokenise(tail);
+    if (tokens.empty()) return {};
+    Findings findings;
+    if (!isTail(tail)) {
+        findings.push_back(
+            {0, 0, tail, QStringLiteral("This is nothing that may follow a statement.")});
+    }
+    if (builder.OrderPanel->sortList().lines().empty()) return findings;
+    const QString word =
+        tail.mid(tokens.front().start, tokens.front().end - tokens.front().start).toUpper();
+    if (earlier.contains(word)) {
+        findings.push_back({0, 0, builder.OrderPanel->GetSQLStatment(),
+                            QStringLiteral("Sorting cannot stand in front of %1.").arg(word)});
+    }
+    return findings;
+}
 
 Findings validate(TorvQueryBuilder& builder) {
     return Validator(builder).validate();

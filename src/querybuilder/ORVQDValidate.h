@@ -11,4 +11,7 @@ namespace orv {
 /// what the query builder holds.
 [[nodiscard]] Findings validate(TorvQueryBuilder& builder);
 
+/// What is wrong with the text behind the last clause, or with the clauses in front of it.
+[[nodiscard]] Findings tailFindings(TorvQueryBuilder& builder);
+
 }  // namespace orv

@@ -4,7 +4,11 @@
 
 #include "contract/ChangeScope.h"
 #include "core/Error.h"
+#include "criteria/ORVQDWhereAccessible.h"
 #include "criteria/ORVQDWherePanel.h"
+#include "querybuilder/ORVQDPageTabs.h"
+#include "querybuilder/ORVQDTailLine.h"
+#include "querybuilder/ORVQDValidate.h"
 #include "selection/ORVQDSelectOrder.h"
 #include "toolkit/Glyph.h"
 #include "toolkit/Services.h"
@@ -17,7 +21,6 @@
 #include <QRandomGenerator>
 #include <QScopeGuard>
 #include <QShowEvent>
-#include <QTabBar>
 #include <QVBoxLayout>
 
 namespace {
@@ -54,6 +57,7 @@ TorvQueryBuilder::TorvQueryBuilder(QWidget* parent, bool designMode)
       m_tabsHeight(leastTabsHeightPx),
       m_dragIdentity(QRandomGenerator::global()->generate64()) {
     orv::installAccessibility();
+    orv::installCriteriaAccessibility();
     resize(initialSize);
     setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     setLineWidth(1);
@@ -78,7 +82,7 @@ TorvQueryBuilder::TorvQueryBuilder(QWidget* parent, bool designMode)
 // The children go first, while the lists that they refer to are still there.
 TorvQueryBuilder::~TorvQueryBuilder() {
     beginChange();  // nobody is told of what goes
-    discardPageEdits();
+    discardEdits();
     delete WorkArea;
     delete PageCtrl;
 }
@@ -98,15 +102,17 @@ TorvTabSheet* TorvQueryBuilder::addSheet(const QString& caption) {
 }
 
 void TorvQueryBuilder::createPages(bool designMode) {
-    PageCtrl = new QTabWidget(Splitter);
+    auto* pages = new orv::PageTabs(Splitter);
+    PageCtrl = pages;
     PageCtrl->setObjectName(QStringLiteral("PageCtrl"));
     PageCtrl->setMinimumHeight(1);
-    PageCtrl->tabBar()->setChangeCurrentOnDrag(true);  // fields are dragged to the pages
     TorvTabSheet* criterions = addSheet(QStringLiteral("Criterions"));
     TorvTabSheet* selection = addSheet(QStringLiteral("Selection"));
     TorvTabSheet* grouping = addSheet(QStringLiteral("Grouping criterions"));
     TorvTabSheet* sorting = addSheet(QStringLiteral("Sorting"));
+    pages->addNumberKeys(this);
     if (designMode) return;
+    pages->aboutToChange = [this] { HideFieldList(); };
     WherePanel = addCriteria(criterions, nullptr);
     SelectPanel = new TorvQDSelectPanel(selection);
     selection->layout()->addWidget(SelectPanel);
@@ -123,9 +129,8 @@ void TorvQueryBuilder::createPages(bool designMode) {
         WherePanel->refreshView();
         HavingPanel->refreshView();
     };
-    // Before the page changes: while it is being hidden is no time to tell the host.
-    connect(PageCtrl, &QTabWidget::tabBarClicked, this,
-            [this] { orv::guarded([this] { commitPageEdits(); }); });
+    m_tailLine = new orv::TailLine(sorting);
+    m_tailLine->committed = [this](const QString& text) { setTailText(text); };
     connect(PageCtrl, &QTabWidget::currentChanged, this, [this] {
         if (OrderPanel) OrderPanel->RefreshFields();
     });
@@ -278,8 +283,19 @@ void TorvQueryBuilder::setKeepMeaning(bool keep) {
 
 void TorvQueryBuilder::setTailText(const QString& text) {
     if (text == m_tail) return;
-    m_tail = text;
+    showTail(text);
     statementChanged();
+}
+
+void TorvQueryBuilder::showTail(const QString& text) {
+    m_tail = text;
+    if (m_tailLine) m_tailLine->showText(text);
+}
+
+void TorvQueryBuilder::showTailProblems() {
+    QStringList problems;
+    for (const orv::Finding& finding : orv::tailFindings(*this)) problems << finding.what;
+    m_tailLine->showProblems(problems);
 }
 
 QString TorvQueryBuilder::GetSortedFieldName(int Index) const {
@@ -362,20 +378,33 @@ void TorvQueryBuilder::foreignDrop(QObject* source, const QPoint& viewPoint,
     if (handler) showDragged(data, [&] { handler(this, source, viewPoint.x(), viewPoint.y()); });
 }
 
+// --- what is being typed ---
+
+// The host is told of each; it may destroy the control when it is.
 void TorvQueryBuilder::CommitPendingEdits() {
-    if (!WorkArea) return;
     const QPointer<TorvQueryBuilder> self(this);
-    WorkArea->commitPendingEdit();
-    if (self) commitPageEdits();
+    if (WorkArea) WorkArea->commitPendingEdit();
+    if (self) commitPages();
 }
 
-void TorvQueryBuilder::commitPageEdits() {
-    const QPointer<TorvQueryBuilder> self(this);
-    if (WherePanel) WherePanel->HideFieldList();
-    if (self && HavingPanel) HavingPanel->HideFieldList();
+void TorvQueryBuilder::HideFieldList() {
+    commitPages();
 }
 
-void TorvQueryBuilder::discardPageEdits() {
-    if (WherePanel) WherePanel->discardEdit();
-    if (HavingPanel) HavingPanel->discardEdit();
+// Every editor of the pages has its call here. What the host does about each may end it all.
+void TorvQueryBuilder::commitPages() {
+    if (!SelectPanel) return;
+    const QPointer<TorvQueryBuilder> self(this);
+    WherePanel->HideFieldList();
+    if (self) HavingPanel->HideFieldList();
+    if (self) SelectPanel->grid()->commitEdit();
+    if (self) m_tailLine->commit();
+}
+
+void TorvQueryBuilder::discardEdits() {
+    if (!SelectPanel) return;
+    WherePanel->discardEdit();
+    HavingPanel->discardEdit();
+    SelectPanel->grid()->discardEdit();
+    m_tailLine->showText(m_tail);
 }

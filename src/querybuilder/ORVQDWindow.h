@@ -30,6 +30,10 @@ class TorvQDSelectPanel;
 class TorvQDWherePanel;
 class TorvQDWorkArea;
 
+namespace orv {
+class TailLine;
+}
+
 /// The sheet of the page control on which a page's panel lies.
 class ORV_EXPORT TorvTabSheet : public QWidget {
     Q_OBJECT
@@ -128,6 +132,9 @@ public:
 
     /// Takes over what is being typed in an open editor.
     void CommitPendingEdits();
+    /// Before the user goes to another page: open lists of the pages close, and what is being typed
+    /// on them is taken over. It refuses no page.
+    void HideFieldList();
 
     [[nodiscard]] bool DoAddRemoveTable(TorvQDTable* Table, TAddRemove Action) override;
     [[nodiscard]] bool DoAddRemoveLink(TorvQDLink* Link, TAddRemove Action) override;
@@ -213,9 +220,11 @@ private:
     void createPages(bool designMode);
     TorvTabSheet* addSheet(const QString& caption);
     TorvQDWherePanel* addCriteria(TorvTabSheet* sheet, const QStringList* functions);
-    void commitPageEdits();
-    void discardPageEdits();
     void createWorkArea();
+    void commitPages();
+    void discardEdits();
+    void showTail(const QString& text);
+    void showTailProblems();
     void applyTabsHeight();
     void applyAlign();
     void watchParent();
@@ -256,6 +265,7 @@ private:
     int m_tabsHeight;
     bool m_keepMeaning = false;
     QString m_tail;
+    orv::TailLine* m_tailLine = nullptr;  // none in design mode
     orv::Findings m_report;
     std::unique_ptr<orv::LoadLedger> m_ledger;
     const QMimeData* m_dragData = nullptr;

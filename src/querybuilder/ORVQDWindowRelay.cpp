@@ -25,6 +25,7 @@ void TorvQueryBuilder::endChange() {
         OrderPanel->RefreshFields();
         WherePanel->refreshView();
         HavingPanel->refreshView();
+        showTailProblems();
     }
     m_gridChanged = false;
     if (!m_statementChanged) return;

@@ -129,7 +129,7 @@ void TorvQueryBuilder::Clear() {
 }
 
 void TorvQueryBuilder::clearAll() {
-    discardPageEdits();
+    discardEdits();
     m_removals.clear();
     m_selectedFields.clear();
     m_givenNames.clear();
@@ -141,7 +141,7 @@ void TorvQueryBuilder::clearAll() {
         HavingPanel->ClearContents();
         OrderPanel->ClearContents();
     }
-    m_tail.clear();
+    showTail({});
     m_report.clear();
     statementChanged();
 }
@@ -299,10 +299,10 @@ void TorvQueryBuilder::settleHaving(const TorvQDParser& root) {
 }
 
 void TorvQueryBuilder::loadTail(int tailStart, int tailEnd, int restStart) {
-    m_tail.clear();  // a handler of the host may have set one meanwhile
+    showTail({});  // a handler of the host may have set one meanwhile
     if (tailStart < tailEnd) {
         const orv::TokenRun tail = m_ledger->tokensIn(tailStart, tailEnd);
-        m_tail = m_ledger->givenText(tail.start(), tail.endPosition());
+        showTail(m_ledger->givenText(tail.start(), tail.endPosition()));
         m_ledger->place(tailStart, tailEnd);
     }
     if (restStart < int(m_ledger->text().size())) {

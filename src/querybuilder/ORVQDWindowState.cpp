@@ -195,7 +195,7 @@ void TorvQueryBuilder::RestoreState(const QByteArray& json) {
     SelectPanel->SetDistinct(state.distinct ? -1 : 0);
     SelectPanel->grid()->setColumns(state.columns);
     OrderPanel->setSortedLines(state.order);
-    m_tail = state.tail;
+    showTail(state.tail);
     restoreNames(state.selectedFields, state.allFields);
     WorkArea->scrollTo(state.view);
     change.finish();

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The sorting page: its lists and buttons, the ORDER BY list written and loaded.
+// The sorting page: its lists and buttons, the ORDER BY list written and loaded. Keys, double
+// clicks and drags are in ORVQDOrderPanelInput.cpp.
 #include "contract/IPagesHost.h"
 #include "core/Error.h"
 #include "core/Text.h"
@@ -9,9 +10,10 @@
 #include "selection/ORVQDSelectOrder.h"
 #include "toolkit/Services.h"
 
-#include <QDropEvent>
+#include <QEvent>
 #include <QHash>
 #include <QHeaderView>
+#include <QItemSelectionModel>
 #include <QLabel>
 #include <QListWidget>
 #include <QPointer>
@@ -21,6 +23,8 @@
 #include <QTreeWidget>
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
 #include <optional>
 
 namespace {
@@ -88,10 +92,37 @@ TorvQDOrderPanel::TorvQDOrderPanel(QWidget* AOwner) : QWidget(AOwner) {
         list->setDragDropMode(QAbstractItemView::DragDrop);
         list->setDefaultDropAction(Qt::CopyAction);
         list->setDropIndicatorShown(false);
+        list->installEventFilter(this);
         list->viewport()->installEventFilter(this);
     }
     connectParts();
+    nameParts();
     placeParts();
+}
+
+// The keyboard goes from a list to what is done with its names, and on to the other list.
+void TorvQDOrderPanel::nameParts() {
+    const std::initializer_list<QWidget*> parts = {m_unsorted, m_add,   m_remove, m_up,
+                                                   m_down,     m_order, m_sorted};
+    QWidget* before = nullptr;
+    for (QWidget* part : parts) {
+        if (before) setTabOrder(before, part);
+        before = part;
+    }
+    setFocusProxy(m_unsorted);
+    m_outputLabel->setBuddy(m_unsorted);
+    m_outputLabel->setToolTip(m_outputLabel->text());
+    m_order->setAccessibleName(QStringLiteral("Change the direction"));
+    m_up->setAccessibleName(QStringLiteral("Move up"));
+    m_down->setAccessibleName(QStringLiteral("Move down"));
+    for (QWidget* part : {m_add, m_remove, m_order, m_up, m_down}) {
+        part->setAccessibleDescription(part->toolTip());
+    }
+    m_unsorted->setAccessibleDescription(
+        QStringLiteral("Enter or Insert sorts by the selected field"));
+    m_sorted->setAccessibleDescription(QStringLiteral(
+        "Delete removes the selected field, Space changes its direction, Ctrl with Up or Down "
+        "moves it"));
 }
 
 void TorvQDOrderPanel::connectParts() {
@@ -162,40 +193,115 @@ int TorvQDOrderPanel::selectedLine() const {
     return items.isEmpty() ? -1 : m_sorted->indexOfTopLevelItem(items.front());
 }
 
-// Shows the lists as they are, with a sorted line selected or none.
-void TorvQDOrderPanel::showLists(int line) {
-    const QSignalBlocker silentSorted(m_sorted);
-    const QSignalBlocker silentUnsorted(m_unsorted);
-    const int unsorted = m_unsorted->selectedItems().isEmpty() ? -1 : m_unsorted->currentRow();
-    m_sorted->clear();
-    QList<QTreeWidgetItem*> items;
-    for (const orv::SortList::Line& sorted : m_list.lines()) {
-        items << new QTreeWidgetItem({sorted.name, sorted.direction});
-    }
-    m_sorted->addTopLevelItems(items);
-    if (line >= 0) m_sorted->setCurrentItem(m_sorted->topLevelItem(line));
-    m_unsorted->clear();
-    m_unsorted->addItems(m_list.unsorted());
-    if (unsorted >= 0 && unsorted < m_unsorted->count()) m_unsorted->setCurrentRow(unsorted);
+int TorvQDOrderPanel::selectedName() const {
+    return m_unsorted->selectedItems().isEmpty() ? -1 : m_unsorted->currentRow();
 }
 
-void TorvQDOrderPanel::refreshLists() {
-    m_shownOutputs = outputs();
-    const int line = m_list.refresh(m_shownOutputs.names, m_shownOutputs.sources, selectedLine());
-    showLists(line);
+namespace {
+
+/// Where two lists differ: behind a common beginning and in front of a common end.
+struct Difference {
+    int start = 0;
+    int shown = 0;   // so many of the list as it is
+    int wanted = 0;  // give way to so many of the list as it shall be
+};
+
+template <typename List, typename Equal>
+Difference difference(const List& shown, const List& wanted, const Equal& equal) {
+    const auto [one, other] =
+        std::mismatch(shown.begin(), shown.end(), wanted.begin(), wanted.end(), equal);
+    const auto ends = std::mismatch(shown.rbegin(), std::make_reverse_iterator(one),
+                                    wanted.rbegin(), std::make_reverse_iterator(other), equal);
+    return {int(one - shown.begin()), int(ends.first.base() - one),
+            int(ends.second.base() - other)};
+}
+
+}  // namespace
+
+// Items that stay are left alone, so that a tick costs the item that it adds.
+void TorvQDOrderPanel::showNames() {
+    const QStringList& wanted = m_list.unsorted();
+    const Difference change = difference(m_shownNames, wanted, std::equal_to<>());
+    if (change.shown > 0) m_unsorted->model()->removeRows(change.start, change.shown);
+    if (change.wanted > 0) {
+        m_unsorted->insertItems(change.start, wanted.mid(change.start, change.wanted));
+    }
+    m_shownNames = wanted;
+}
+
+void TorvQDOrderPanel::showLines() {
+    using Line = orv::SortList::Line;
+    const std::vector<Line>& wanted = m_list.lines();
+    const Difference change =
+        difference(m_shownLines, wanted, [](const Line& one, const Line& other) {
+            return one.name == other.name && one.direction == other.direction;
+        });
+    const int kept = std::min(change.shown, change.wanted);
+    const auto line = [&](int index) { return wanted[std::size_t(change.start + index)]; };
+    for (int index = 0; index < kept; ++index) {
+        QTreeWidgetItem* item = m_sorted->topLevelItem(change.start + index);
+        item->setText(0, line(index).name);
+        item->setText(1, line(index).direction);
+    }
+    if (change.shown > kept) {
+        m_sorted->model()->removeRows(change.start + kept, change.shown - kept);
+    }
+    QList<QTreeWidgetItem*> items;
+    for (int index = kept; index < change.wanted; ++index) {
+        items << new QTreeWidgetItem({line(index).name, line(index).direction});
+    }
+    m_sorted->insertTopLevelItems(change.start + kept, items);
+    m_shownLines = wanted;
+}
+
+// Shows the lists as they are, with these of them selected or none.
+void TorvQDOrderPanel::showLists(int line, int name) {
+    const QSignalBlocker silentSorted(m_sorted);
+    const QSignalBlocker silentUnsorted(m_unsorted);
+    showLines();
+    showNames();
+    if (line >= 0) {
+        m_sorted->setCurrentItem(m_sorted->topLevelItem(line));
+    } else {
+        m_sorted->selectionModel()->clear();
+    }
+    if (name >= 0 && name < m_unsorted->count()) {
+        m_unsorted->setCurrentRow(name);
+    } else {
+        m_unsorted->selectionModel()->clear();
+    }
+}
+
+void TorvQDOrderPanel::refreshLists(int line) {
+    m_shownColumns = grid ? grid->columns() : orv::OutputColumns();
+    const Outputs shown = outputs();
+    showLists(m_list.refresh(shown.names, shown.sources, line), selectedName());
     _SelectItem();
+}
+
+bool TorvQDOrderPanel::showsOutputs() const {
+    static const orv::OutputColumns none;
+    const orv::OutputColumns& columns = grid ? grid->columns() : none;
+    return std::equal(columns.begin(), columns.end(), m_shownColumns.begin(), m_shownColumns.end(),
+                      [](const orv::OutputColumn& one, const orv::OutputColumn& other) {
+                          return one.name == other.name && one.source == other.source &&
+                                 one.aggregate == other.aggregate;
+                      });
 }
 
 // A change of the order alone leaves lists and buttons as its command left them.
 void TorvQDOrderPanel::RefreshFields() {
-    if (m_editing && outputs() == m_shownOutputs) return;
-    refreshLists();
+    if (!showsOutputs()) {
+        refreshLists(selectedLine());
+    } else if (!m_editing) {
+        _SelectItem();
+    }
 }
 
 void TorvQDOrderPanel::ClearContents() {
     const bool hadLines = !m_list.lines().empty();
     m_list.clear();
-    refreshLists();
+    refreshLists(-1);
     IPagesHost* owner = host();
     if (hadLines && owner) owner->statementChanged();
 }
@@ -205,7 +311,7 @@ void TorvQDOrderPanel::setSortedLines(const std::vector<orv::SortList::Line>& li
     for (const orv::SortList::Line& line : lines) {
         m_list.append(line.name, line.direction, line.row);
     }
-    RefreshFields();
+    refreshLists(-1);
 }
 
 void TorvQDOrderPanel::_SelectItem() {
@@ -233,11 +339,13 @@ void TorvQDOrderPanel::edit(const std::function<void()>& change) {
     owner->statementChanged();
 }
 
+// What takes the place of a name or line that goes is selected, so that the next one can follow.
 void TorvQDOrderPanel::_AddClick() {
-    if (m_unsorted->selectedItems().isEmpty()) return;
-    edit([this] {
-        m_list.add(m_unsorted->currentRow());
-        showLists(selectedLine());
+    const int name = selectedName();
+    if (name < 0) return;
+    edit([&] {
+        m_list.add(name);
+        showLists(selectedLine(), std::min(name, int(m_list.unsorted().size()) - 1));
         _SelectItem();
     });
 }
@@ -247,8 +355,7 @@ void TorvQDOrderPanel::_RemoveClick() {
     if (line < 0) return;
     edit([&] {
         m_list.remove(line);
-        m_sorted->clearSelection();
-        refreshLists();
+        refreshLists(std::min(line, int(m_list.lines().size()) - 1));
     });
 }
 
@@ -258,7 +365,7 @@ void TorvQDOrderPanel::_ChangeOrder() {
     if (line < 0) return;
     edit([&] {
         m_list.changeOrder(line);
-        showLists(line);
+        showLists(line, selectedName());
     });
 }
 
@@ -267,7 +374,7 @@ void TorvQDOrderPanel::_MoveUp() {
     if (line < 1) return;
     edit([&] {
         m_list.moveUp(line);
-        showLists(line - 1);
+        showLists(line - 1, selectedName());
         _SelectItem();
     });
 }
@@ -277,56 +384,9 @@ void TorvQDOrderPanel::_MoveDown() {
     if (line < 0 || line + 1 >= int(m_list.lines().size())) return;
     edit([&] {
         m_list.moveDown(line);
-        showLists(line + 1);
+        showLists(line + 1, selectedName());
         _SelectItem();
     });
-}
-
-// --- dragging between the lists ---
-
-void TorvQDOrderPanel::_DragOverOrder(const QObject* Source, bool& Accept) const {
-    Accept = Source == m_unsorted;
-}
-
-void TorvQDOrderPanel::_DragDropOrder() {
-    _AddClick();
-}
-
-void TorvQDOrderPanel::_DragOverUnOrder(const QObject* Source, bool& Accept) const {
-    Accept = Source == m_sorted;
-}
-
-void TorvQDOrderPanel::_DragDropUnOrder() {
-    _RemoveClick();
-}
-
-QObject* TorvQDOrderPanel::dragSource(const QDropEvent& event) const {
-    return event.source();
-}
-
-bool TorvQDOrderPanel::eventFilter(QObject* watched, QEvent* event) {
-    switch (event->type()) {
-    case QEvent::DragEnter:
-    case QEvent::DragMove:
-    case QEvent::Drop:
-        handleDrop(static_cast<QDropEvent*>(event), watched == m_sorted->viewport());
-        return true;
-    default: return QWidget::eventFilter(watched, event);
-    }
-}
-
-// The list that a drag came from changes only after the drag is over.
-void TorvQDOrderPanel::handleDrop(QDropEvent* event, bool onSorted) {
-    bool accepted = false;
-    const QObject* source = dragSource(*event);
-    onSorted ? _DragOverOrder(source, accepted) : _DragOverUnOrder(source, accepted);
-    event->setDropAction(Qt::CopyAction);
-    event->setAccepted(accepted);
-    if (!accepted || event->type() != QEvent::Drop) return;
-    const auto drop =
-        onSorted ? &TorvQDOrderPanel::_DragDropOrder : &TorvQDOrderPanel::_DragDropUnOrder;
-    QMetaObject::invokeMethod(
-        this, [this, drop] { orv::guarded([&] { (this->*drop)(); }); }, Qt::QueuedConnection);
 }
 
 // --- ORDER BY ---
@@ -443,7 +503,7 @@ void TorvQDOrderPanel::LoadSQL(const TorvQDParser& Node) {
     } else {
         loadNode(Node);
     }
-    refreshLists();
+    refreshLists(-1);
     owner->statementChanged();
 }
 

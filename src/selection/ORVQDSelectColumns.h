@@ -17,6 +17,8 @@ struct OutputColumn {
     QString aggregate;     ///< aggregate function; blank without one
     QString source;        ///< qualified field name or expression
     bool grouped = false;  ///< its source stood in the GROUP BY list of the loaded statement
+
+    friend bool operator==(const OutputColumn&, const OutputColumn&) = default;
 };
 
 using OutputColumns = std::vector<OutputColumn>;

@@ -5,60 +5,26 @@
 #include "contract/IPagesHost.h"
 #include "core/Error.h"
 #include "core/Text.h"
+#include "selection/ORVQDSelectModel_p.h"
+#include "toolkit/ExitCombo.h"
+#include "toolkit/ExitEdit.h"
+#include "toolkit/Services.h"
 
-#include <QAbstractTableModel>
 #include <QCheckBox>
 #include <QHeaderView>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <random>
 
 namespace {
 
 constexpr int rowHeightPx = 20;
-constexpr int columnCount = 3;
 constexpr double nameColumnShare = 0.4;
 constexpr double aggregateColumnShare = 0.1;
 constexpr unsigned defaultSeed = 1;
 
-QString headerText(int column) {
-    switch (column) {
-    case 0: return QStringLiteral("Name of output field");
-    case 1: return QStringLiteral("Agregate");
-    default: return QStringLiteral("Name source field");
-    }
-}
-
 }  // namespace
-
-/// The grid's rows as a view sees them: data rows and the empty one, without the header.
-class TorvQDSelectGrid::Model : public QAbstractTableModel {
-public:
-    explicit Model(TorvQDSelectGrid* grid) : QAbstractTableModel(grid), m_grid(grid) {}
-
-    [[nodiscard]] int rowCount(const QModelIndex& parent) const override {
-        return parent.isValid() ? 0 : m_grid->RowCount() - 1;
-    }
-    [[nodiscard]] int columnCount(const QModelIndex& parent) const override {
-        return parent.isValid() ? 0 : ::columnCount;
-    }
-    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override {
-        if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
-        return m_grid->Cells(index.column(), index.row() + 1);
-    }
-    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
-                                      int role) const override {
-        if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
-        return headerText(section);
-    }
-    void reset() {
-        beginResetModel();
-        endResetModel();
-    }
-
-private:
-    TorvQDSelectGrid* m_grid;
-};
 
 TorvQDSelectGrid::TorvQDSelectGrid(QWidget* Parent) : QTableView(Parent) {
     if (!Parent) throw orv::Error(QStringLiteral("Invalide parent for SelectGrids"));
@@ -75,21 +41,33 @@ TorvQDSelectGrid::TorvQDSelectGrid(QWidget* Parent) : QTableView(Parent) {
     horizontalHeader()->setHighlightSections(false);
     // A narrow column cuts its caption at the end, not on both sides.
     horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    viewport()->setAcceptDrops(true);
+    setAccessibleName(tr("Output columns"));
+    createEditors();
     randomBelow100 = [generator = std::minstd_rand(defaultSeed)]() mutable {
         return int(generator() % 100);
     };
 }
 
-TorvQDSelectGrid::~TorvQDSelectGrid() = default;
+// A menu outlives its command, in which the grid may die: Qt looks at it afterwards. Closed, it
+// goes by itself.
+TorvQDSelectGrid::~TorvQDSelectGrid() {
+    m_nameEdit->committed = nullptr;
+    m_choice->committed = nullptr;
+    if (m_menu) {
+        m_menu->close();
+        m_menu->setParent(nullptr, m_menu->windowFlags());
+    }
+}
 
 QString TorvQDSelectGrid::Cells(int Col, int Row) const {
-    if (Row == 0) return headerText(Col);
+    if (Row == 0) return orv::gridHeader(Col);
     if (Row < 1 || Row > int(m_columns.size())) return {};
     const orv::OutputColumn& column = m_columns[std::size_t(Row - 1)];
     switch (Col) {
-    case 0: return column.name;
-    case 1: return column.aggregate;
-    case 2: return column.source;
+    case orv::nameColumn: return column.name;
+    case orv::aggregateColumn: return column.aggregate;
+    case orv::sourceColumn: return column.source;
     default: return {};
     }
 }
@@ -108,8 +86,13 @@ void TorvQDSelectGrid::changed() {
 
 void TorvQDSelectGrid::refreshView() {
     const QModelIndex current = currentIndex();
-    m_model->reset();
-    if (current.isValid()) setCurrentIndex(m_model->index(current.row(), current.column()));
+    const int row = current.row();
+    const int column = current.column();
+    m_model->show(m_columns);
+    if (row >= 0 && !currentIndex().isValid()) setCurrentIndex(m_model->index(row, column));
+    const int last = rowAt(viewport()->height() - 1);
+    m_model->refreshProblems(std::max(0, rowAt(0)), last < 0 ? m_model->rowCount() : last);
+    placeEditor();
 }
 
 void TorvQDSelectGrid::resizeEvent(QResizeEvent* event) {
@@ -120,6 +103,7 @@ void TorvQDSelectGrid::resizeEvent(QResizeEvent* event) {
     setColumnWidth(0, names);
     setColumnWidth(1, aggregates);
     setColumnWidth(2, width - names - aggregates);
+    placeEditor();
 }
 
 // --- rows ---
@@ -129,6 +113,7 @@ QString TorvQDSelectGrid::CreateFieldName(const QString& Agg, const QString& Sou
 }
 
 void TorvQDSelectGrid::CheckField(const QString& Name) {
+    commitBefore();
     m_columns.push_back({CreateFieldName(QString(), Name), QString(), Name});
     changed();
 }
@@ -138,30 +123,41 @@ void TorvQDSelectGrid::UnCheckField(const QString& Name) {
 }
 
 void TorvQDSelectGrid::uncheckFields(const QSet<QString>& names) {
-    const std::size_t removed = std::erase_if(
-        m_columns, [&](const orv::OutputColumn& column) { return names.contains(column.source); });
-    if (removed > 0) changed();
+    const auto goes = [&](const orv::OutputColumn& column) {
+        return names.contains(column.source);
+    };
+    if (std::none_of(m_columns.begin(), m_columns.end(), goes)) return;
+    commitBefore();
+    if (std::erase_if(m_columns, goes) > 0) changed();
 }
 
+// The text in an editor is a source like any other. It is taken over at the end, when the names of
+// the diagram are known to it again.
 void TorvQDSelectGrid::ChangeAlias(const QString& NewAlias, const QString& OldAlias) {
     if (NewAlias == OldAlias) return;
     const QString before = OldAlias + u'.';
     const QString after = NewAlias + u'.';
     // Where the new alias contains the old one, the search would find its own result for ever.
     const bool once = after.contains(before);
-    bool found = false;
-    for (orv::OutputColumn& column : m_columns) {
-        found = found || column.source.contains(before);
+    const auto rename = [&](QString& source) {
+        if (!source.contains(before)) return false;
         if (once) {
-            column.source.replace(before, after);
-            continue;
+            source.replace(before, after);
+            return true;
         }
-        for (qsizetype at = column.source.indexOf(before); at >= 0;
-             at = column.source.indexOf(before)) {
-            column.source.replace(at, before.size(), after);
+        for (qsizetype at = source.indexOf(before); at >= 0; at = source.indexOf(before)) {
+            source.replace(at, before.size(), after);
         }
+        return true;
+    };
+    bool found = false;
+    for (orv::OutputColumn& column : m_columns) found = rename(column.source) || found;
+    if (m_edited.column() == orv::sourceColumn) {
+        QString typed = m_choice->currentText();
+        if (rename(typed)) m_choice->setEditText(typed);
     }
     if (found) changed();
+    commitBefore();
 }
 
 QString TorvQDSelectGrid::GetFieldName(int Row) const {
@@ -196,12 +192,14 @@ orv::SelectTexts TorvQDSelectGrid::GetSQLStatment() const {
 }
 
 void TorvQDSelectGrid::ClearContents() {
+    discardEdit();
     if (m_columns.empty()) return;
     m_columns.clear();
     changed();
 }
 
 void TorvQDSelectGrid::setColumns(orv::OutputColumns columns) {
+    discardEdit();
     m_columns = std::move(columns);
     changed();
 }
@@ -211,6 +209,7 @@ void TorvQDSelectGrid::setColumns(orv::OutputColumns columns) {
 TorvQDSelectPanel::TorvQDSelectPanel(QWidget* AOwner) : QWidget(AOwner) {
     if (!AOwner) throw orv::Error(QStringLiteral("Invalide parent for OrderPanel"));
     m_distinct = new QCheckBox(QStringLiteral("Include only unique records"), this);
+    m_distinct->setToolTip(QStringLiteral("Of equal rows only one comes out (DISTINCT)"));
     m_grid = new TorvQDSelectGrid(this);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

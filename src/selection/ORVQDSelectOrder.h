@@ -2,34 +2,51 @@
 #pragma once
 
 #include "core/Export.h"
+#include "data/DraggedField.h"
 #include "data/NameList.h"
 #include "selection/ORVQDSelectColumns.h"
 #include "selection/ORVQDSortList.h"
 
+#include <QMenu>
+#include <QPersistentModelIndex>
+#include <QPoint>
+#include <QPointer>
 #include <QSet>
 #include <QTableView>
 #include <QWidget>
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <vector>
 
 class IPagesHost;
+class QAbstractItemView;
 class QCheckBox;
 class QDropEvent;
+class QHelpEvent;
+class QKeyEvent;
 class QLabel;
 class QListWidget;
+class QMimeData;
+class QMouseEvent;
 class QPushButton;
 class QTreeWidget;
 class TorvQDParser;
 class TorvQDSelectGrid;
 
 namespace orv {
+class ExitCombo;
+class ExitEdit;
 class LoadLedger;
 class TokenRun;
 }  // namespace orv
 
 /// The grid of output columns on the "Selection" page. Rows are counted as the grid shows them: row
-/// 0 is the header, data rows follow, and the last row is always empty. Owned by the select panel.
+/// 0 is the header, data rows follow, and the last row is always empty. Output names are edited in
+/// an edit box over the cell, aggregates and sources in a combo box. What is typed there is taken
+/// over before anything else changes the rows; only Escape, loading and clearing drop it. Owned by
+/// the select panel.
 class ORV_EXPORT TorvQDSelectGrid : public QTableView {
     Q_OBJECT
 
@@ -78,18 +95,112 @@ public:
     /// Shows what changed; the query builder calls it once per change.
     void refreshView();
 
+    // --- editing
+
+    /// Opens the editor over a cell: an edit box for output names, else a combo box. In the last
+    /// row only sources are edited.
+    void _EditText(int Col, int Row);
+    /// Takes the text for the cell that is being edited. An empty source deletes its row; a source
+    /// in the last row makes it a data row.
+    void _SetCellText(const QString& Text);
+    /// Enter in an editor takes what was typed over, Escape drops it.
+    void _CellKeyDown(int Key);
+    /// What a key does in the grid; whether it does anything.
+    bool _StringKeyDown(int Key, Qt::KeyboardModifiers Shift);
+    /// Opens the editor of the current cell.
+    void _StringDblClick();
+    /// Gives the current row the output name that goes with a new aggregate or source, which is the
+    /// value of the current cell, unless the row has a name of its own.
+    void UpdateName(const QString& Value);
+    /// Deletes the current row. Raises orv::Error "Could not delete last row!" for the last one.
+    void _DeleteCurrentRow();
+    /// Moves a data row to the place of another one; nothing with other rows.
+    void moveRow(int From, int To);
+
+    [[nodiscard]] bool isEditing() const { return m_edited.isValid(); }
+    /// Takes over what is being typed in a cell and closes its editor.
+    void commitEdit();
+    /// Closes the editor of a cell without taking anything over.
+    void discardEdit();
+
+    // --- drags; points are those of the viewport
+
+    /// Whether what is dragged may be dropped there: a row of this grid on a data row, a field of
+    /// the same query builder's diagram below the header. A field is remembered for the drop.
+    void _DragOver(const QObject* Source, const QMimeData* Data, int X, int Y, bool& Accept);
+    /// Moves the dragged row, or puts the dragged field into the row; a field only once the drag is
+    /// over.
+    void _DragDrop(const QObject* Source, int X, int Y);
+
 protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+protected Q_SLOTS:
+    void updateEditorGeometries() override;
 
 private:
     friend class SelectLoader;  // reads a select list into the rows
     class Model;
+    enum class RowDrag { None, Pressed, Dragging };
 
     [[nodiscard]] IPagesHost* host() const;
     void changed();
+    void change(const std::function<void()>& body);
+    void tell(const NameEvent& event, const QString& name);
+    [[nodiscard]] bool isDataRow(int row) const { return row >= 1 && row < RowCount() - 1; }
+    [[nodiscard]] bool isDiagramField(const QString& source) const;
+    [[nodiscard]] int currentRow() const { return currentIndex().row() + 1; }
+    void setCurrentCell(int col, int row);
+
+    void createEditors();
+    void commitBefore();
+    [[nodiscard]] bool openEditor(int col, int row);
+    void startTyping(const QString& text);
+    void closeEditor();
+    void placeEditor();
+    [[nodiscard]] QString editedText() const;
+    void setCellText(int col, int row, const QString& text);
+    void setSource(int row, const QString& source);
+    void updateName(int col, int row, const QString& value);
+    void deleteRow(int row);
+    void askToDelete();
+    void showMenu(const QPoint& point);
+    void moveCurrentRow(int by);
+
+    [[nodiscard]] int rowAtPoint(const QPoint& point) const;
+    [[nodiscard]] QRect dropMark() const;
+    void setDropRow(int row);
+    void endRowDrag();
+    [[nodiscard]] bool isOwn(const QMimeData* data) const;
+    void overField(QDragMoveEvent* event);
+    void putField(const orv::DraggedField& field, const QPersistentModelIndex& target);
 
     orv::OutputColumns m_columns;
     Model* m_model;
+    orv::ExitEdit* m_nameEdit;
+    orv::ExitCombo* m_choice;
+    QPersistentModelIndex m_edited;  // the cell under the editor
+    QPointer<QMenu> m_menu;
+    RowDrag m_rowDrag = RowDrag::None;
+    QPersistentModelIndex m_draggedRow;
+    QPoint m_pressPoint;
+    std::optional<orv::DraggedField> m_draggedField;
+    int m_dropRow = 0;  // where a drop would go; 0 when it goes nowhere
 };
 
 /// The "Selection" page: the option of unique records above the grid. Owned by its page.
@@ -115,8 +226,8 @@ private:
 };
 
 /// The "Sorting" page: the output names that are not sorted on the left, the sorted ones with their
-/// directions on the right. It knows the output columns through the selection grid only. Owned by
-/// its page.
+/// directions on the right. It knows the output columns through the selection grid only. A double
+/// click does to a name what its button does. Owned by its page.
 class ORV_EXPORT TorvQDOrderPanel : public QWidget {
     Q_OBJECT
 
@@ -164,27 +275,50 @@ private:
     struct Outputs {
         QStringList names;
         QStringList sources;
-
-        friend bool operator==(const Outputs&, const Outputs&) = default;
     };
+    enum class Command { None, Add, Remove, ChangeOrder, MoveUp, MoveDown };
 
     [[nodiscard]] IPagesHost* host() const;
     [[nodiscard]] Outputs outputs() const;
+    [[nodiscard]] bool showsOutputs() const;
     class OutputIndex;
     void loadItems(const orv::TokenRun& run, orv::LoadLedger& ledger);
     void loadNode(const TorvQDParser& node);
     void appendLine(const Outputs& shown, int row, bool descends);
     void connectParts();
+    void nameParts();
     void placeParts();
     void edit(const std::function<void()>& change);
-    void refreshLists();
-    void showLists(int line);
+    void refreshLists(int line);
+    void showLists(int line, int name);
+    void showNames();
+    void showLines();
     [[nodiscard]] int selectedLine() const;
+    [[nodiscard]] int selectedName() const;
+
+    // What the hand does on the lists.
+    [[nodiscard]] QAbstractItemView* listOf(const QObject* part) const;
+    bool handleListEvent(QAbstractItemView* list, QEvent* event);
+    bool handleViewEvent(QAbstractItemView* list, QEvent* event);
+    [[nodiscard]] Command commandOf(const QAbstractItemView* list, const QKeyEvent& event) const;
+    void run(Command command);
+    void runByKey(QAbstractItemView* list, Command command);
+    bool handlePress(QAbstractItemView* list, const QMouseEvent& event);
+    bool handleMove(QAbstractItemView* list, const QMouseEvent& event);
+    bool handleDoubleClick(QAbstractItemView* list, const QMouseEvent& event);
+    void dragOut(QAbstractItemView* list);
     void handleDrop(QDropEvent* event, bool onSorted);
+    [[nodiscard]] QString selectedText(const QAbstractItemView* list) const;
 
     orv::SortList m_list;
-    Outputs m_shownOutputs;  // of the last refresh
+    orv::OutputColumns m_shownColumns;  // of the last refresh
+    QStringList m_shownNames;           // the lists as their widgets have them
+    std::vector<orv::SortList::Line> m_shownLines;
     bool m_editing = false;
+    std::optional<QPoint> m_pressedAt;  // on a name that may be dragged from there
+    QPointer<QObject> m_dragSource;     // the present drag has begun here
+    QAbstractItemView* m_draggedFrom = nullptr;
+    QString m_dragged;
     QLabel* m_outputLabel;
     QListWidget* m_unsorted;
     QTreeWidget* m_sorted;

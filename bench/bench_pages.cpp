@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: MIT
+// What the pages cost in the hand: one edit, one step of scrolling and a full relay, with few and
+// with many conditions and output columns; and ticking all fields of many boxes. Each case stands
+// beside the same with fewer rows, so that growth can be read off.
+#include "catalogue/ORVQDOperators.h"
+#include "criteria/ORVQDConditionLayout.h"
+#include "criteria/ORVQDWherePanel.h"
+#include "diagram/ORVQDFloatTable.h"
+#include "querybuilder/ORVQDWindow.h"
+#include "selection/ORVQDSelectOrder.h"
+#include "workarea/ORVQDFloatPanel.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QPaintEvent>
+#include <QScrollBar>
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+enum Page { criterions = 0, selection = 1 };
+
+constexpr QSize builderSize(1000, 800);
+constexpr int pagesHeightPx = 400;
+
+TDataSet fields(int count) {
+    TDataSet dataSet;
+    for (int field = 0; field < count; ++field) {
+        dataSet.FieldDefs.push_back({QStringLiteral("FIELD_%1").arg(field), ftInteger});
+    }
+    return dataSet;
+}
+
+/// Counts what a widget paints.
+class PaintCounter : public QObject {
+public:
+    explicit PaintCounter(QWidget* widget) { widget->installEventFilter(this); }
+
+    qint64 pixels = 0;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Paint) {
+            for (const QRect& rect : static_cast<QPaintEvent*>(event)->region()) {
+                pixels += qint64(rect.width()) * rect.height();
+            }
+        }
+        return QObject::eventFilter(watched, event);
+    }
+};
+
+/// A shown builder with one of its pages in front.
+class ShownPages {
+public:
+    explicit ShownPages(Page page) {
+        builder.OnGetTableFields = [](const QString&, std::unique_ptr<TDataSet>& dataSet,
+                                      std::unique_ptr<TParams>&) {
+            dataSet = std::make_unique<TDataSet>(fields(10));
+        };
+        builder.resize(builderSize);
+        builder.PageCtrl->setCurrentIndex(page);
+        builder.show();
+        builder.setTabsHeight(pagesHeightPx);
+    }
+
+    void loadConditions(int count) {
+        QStringList conditions;
+        for (int row = 0; row < count; ++row) {
+            conditions << QStringLiteral("T.FIELD_%1 > %2").arg(row % 10).arg(row);
+        }
+        load(QStringLiteral("SELECT T.FIELD_0 FROM T WHERE ") +
+             conditions.join(QStringLiteral(" AND ")));
+    }
+
+    void loadColumns(int count) {
+        QStringList columns;
+        for (int row = 0; row < count; ++row) {
+            columns << QStringLiteral("T.FIELD_%1 AS COLUMN_%2").arg(row % 10).arg(row);
+        }
+        load(QStringLiteral("SELECT ") + columns.join(QStringLiteral(", ")) +
+             QStringLiteral(" FROM T"));
+    }
+
+    TorvQueryBuilder builder;
+
+private:
+    void load(const QString& text) {
+        builder.LoadSQL(text);
+        for (int round = 0; round < 3; ++round) QCoreApplication::processEvents();
+    }
+};
+
+// --- conditions ---
+
+// Another operator for a row in the middle, with everything that follows from it.
+void editCondition(benchmark::State& state) {
+    ShownPages pages(criterions);
+    pages.loadConditions(int(state.range(0)));
+    TorvQDWherePanel& panel = *pages.builder.WherePanel;
+    const TorvQDWhereRow& row = *panel.rootRow()->SubRows->Row(int(state.range(0)) / 2);
+    panel.showElement(*row.Controls[ekOperator]);
+    QCoreApplication::processEvents();
+    QAction less(nullptr);
+    QAction greater(nullptr);
+    less.setData(QVariant::fromValue(pages.builder.Operators->FindName(QStringLiteral("<="))));
+    greater.setData(QVariant::fromValue(pages.builder.Operators->FindName(QStringLiteral(">"))));
+
+    PaintCounter counter(panel.viewport());
+    const int measuredBefore = panel.conditionLayout().measuredRows();
+    int step = 0;
+    for ([[maybe_unused]] auto _ : state) {
+        panel.setCurrentElement(row.Controls[ekOperator].get());
+        panel.SelectOperator(++step % 2 ? &less : &greater);
+        QCoreApplication::processEvents();
+    }
+    state.counters["measured_rows"] =
+        double(panel.conditionLayout().measuredRows() - measuredBefore) / step;
+    state.counters["painted_px"] = double(counter.pixels) / step;
+}
+BENCHMARK(editCondition)->Arg(20)->Arg(200)->Arg(2000);
+
+void scrollConditions(benchmark::State& state) {
+    ShownPages pages(criterions);
+    pages.loadConditions(int(state.range(0)));
+    TorvQDWherePanel& panel = *pages.builder.WherePanel;
+    QScrollBar& bar = *panel.verticalScrollBar();
+    PaintCounter counter(panel.viewport());
+    int step = 0;
+    for ([[maybe_unused]] auto _ : state) {
+        bar.setValue(++step % 2 ? 3 * panel.rowHeight() : 0);
+        QCoreApplication::processEvents();
+    }
+    state.counters["painted_px"] = double(counter.pixels) / step;
+}
+BENCHMARK(scrollConditions)->Arg(40)->Arg(200)->Arg(2000);
+
+// Another font: every text is measured anew and every row placed.
+void relayConditions(benchmark::State& state) {
+    ShownPages pages(criterions);
+    pages.loadConditions(int(state.range(0)));
+    TorvQDWherePanel& panel = *pages.builder.WherePanel;
+    int step = 0;
+    for ([[maybe_unused]] auto _ : state) {
+        QFont font = panel.font();
+        font.setPointSize(++step % 2 ? 9 : 8);
+        panel.setFont(font);
+    }
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(relayConditions)->RangeMultiplier(2)->Range(250, 16000)->Complexity(benchmark::oN);
+
+// --- many fields ---
+
+void tickAllOfBoxes(benchmark::State& state) {
+    ShownPages pages(selection);
+    const TDataSet dataSet = fields(int(state.range(0)));
+    TorvQDWorkArea& area = *pages.builder.WorkArea;
+    std::vector<TorvQDTable*> boxes;
+    for (int box = 0; box < 100; ++box) {
+        boxes.push_back(area.AddPanel(QStringLiteral("TABLE_%1").arg(box), &dataSet));
+    }
+    for ([[maybe_unused]] auto _ : state) {
+        for (TorvQDTable* box : boxes) box->SetFieldState(2);
+        state.PauseTiming();
+        for (TorvQDTable* box : boxes) box->SetFieldState(0);
+        state.ResumeTiming();
+    }
+    state.SetComplexityN(state.range(0) * 100);
+}
+BENCHMARK(tickAllOfBoxes)
+    ->RangeMultiplier(2)
+    ->Range(12, 200)
+    ->Complexity(benchmark::oN)
+    ->Unit(benchmark::kMillisecond);
+
+void loadStarOverBoxes(benchmark::State& state) {
+    ShownPages pages(selection);
+    pages.builder.OnGetTableFields = [count = int(state.range(0))](
+                                         const QString&, std::unique_ptr<TDataSet>& dataSet,
+                                         std::unique_ptr<TParams>&) {
+        dataSet = std::make_unique<TDataSet>(fields(count));
+    };
+    QStringList tables;
+    for (int box = 0; box < 100; ++box) tables << QStringLiteral("TABLE_%1").arg(box);
+    const QString text = QStringLiteral("SELECT * FROM ") + tables.join(QStringLiteral(", "));
+    for ([[maybe_unused]] auto _ : state) {
+        pages.builder.LoadSQL(text);
+        state.PauseTiming();
+        pages.builder.Clear();
+        state.ResumeTiming();
+    }
+    state.SetComplexityN(state.range(0) * 100);
+}
+BENCHMARK(loadStarOverBoxes)
+    ->RangeMultiplier(2)
+    ->Range(12, 200)
+    ->Complexity(benchmark::oN)
+    ->Unit(benchmark::kMillisecond);
+
+}  // namespace
