@@ -39,15 +39,8 @@ ConditionEditor::ConditionEditor(TorvQDWherePanel& panel)
 
 // The two outlive this for a moment, and lose the focus in it.
 ConditionEditor::~ConditionEditor() {
-    if (m_memo) {
-        m_memo->committed = m_memo->dropped = m_memo->insertField = m_memo->changed = nullptr;
-        m_memo->exited = nullptr;
-    }
-    if (m_list) {
-        m_list->chosen = nullptr;
-        m_list->cancelled = nullptr;
-        m_list->exited = nullptr;
-    }
+    if (m_memo) m_memo->disarm();
+    if (m_list) m_list->disarm();
 }
 
 // --- opening and closing ---

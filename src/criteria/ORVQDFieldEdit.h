@@ -23,6 +23,8 @@ public:
     void open(const QString& text);
     /// Hides the edit without an exit; the parent gets the focus when the edit has it.
     void discard();
+    /// From now on it is left without an exit: its owner is dying.
+    void disarm() { m_isOpen = false; }
     /// Whether the edit was opened and not left since.
     [[nodiscard]] bool isOpen() const { return m_isOpen; }
 

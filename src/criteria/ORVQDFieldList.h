@@ -39,6 +39,8 @@ public:
     void open(const IPagesHost& host);
     /// Hides the list without an exit; the parent gets the focus when it is in the list.
     void discard();
+    /// From now on it is left without an exit: its owner is dying.
+    void disarm() { m_isOpen = false; }
     /// Whether the list was opened and not left since.
     [[nodiscard]] bool isOpen() const { return m_isOpen; }
 
