@@ -2,12 +2,14 @@
 // Editing fields and arguments of conditions in place.
 #include "criteria/EditedPanel.h"
 #include "criteria/ORVQDConditionLayout.h"
+#include "support/PagesHostStandIn.h"
 
 #include <QFocusEvent>
 #include <QSignalSpy>
 #include <QTabBar>
 
 using orvtest::EditedPanel;
+using orvtest::PagesHostStandIn;
 using orvtest::RecordedServices;
 
 namespace {
@@ -168,9 +170,11 @@ private Q_SLOTS:
     }
 
     void viewScrollsToShowWhatIsTyped() {
-        const EditedPanel on("T.C = '" + longName() + "' AND T.I = 1");
-        on.panel()->resize(300, 200);
-        on.type(QString(15, u'W'));
+        const EditedPanel on;
+        on.builder->resize(300, 560);
+        QCoreApplication::processEvents();
+        on.type(QString(20, u'W'));
+        QVERIFY(on.panel()->horizontalScrollBar()->value() > 0);
         QVERIFY(on.view()->rect().contains(on.memo()->geometry()));
         QCOMPARE(on.memo()->pos(), on.rectOf(0, ekArgument).topLeft());
     }
@@ -808,6 +812,36 @@ private Q_SLOTS:
         default: break;
         }
         QVERIFY(!on.builder);
+    }
+
+    // Without a builder there is nobody who disarms the editor first.
+    void panelThatDiesWithAnOpenEditorTakesNothingOver() {
+        for (const bool withList : {false, true}) {
+            const RecordedServices services;
+            const TGroupOperators groups;
+            TOperatorList operators;
+            orv::fillOperators(operators);
+            PagesHostStandIn page;
+            page.addTable("T", {"A"});
+            page.show();
+            QVERIFY(QTest::qWaitForWindowActive(&page));
+            auto panel = std::make_unique<TorvQDWherePanel>(&page);
+            panel->GroupOpers = &groups;
+            panel->Operators = &operators;
+            panel->Activate();
+            TorvQDWhereRow* row = panel->rootRow()->SubRows->AddRow();
+            panel->resize(300, 200);
+            panel->show();
+            page.changes = 0;
+            panel->editText(*row->Controls[ekFieldName]);
+            panel->findChild<TMemoEx*>()->insertPlainText("T.A");
+            if (withList) panel->InsertField();
+            QVERIFY(panel->isAncestorOf(QApplication::focusWidget()));
+            panel.reset();
+            QCOMPARE(page.changes, 0);
+            QCOMPARE(page.openChanges, 0);
+            QVERIFY(services.errors.isEmpty());
+        }
     }
 
     void builderThatDiesWithAnOpenEditorTellsNobody() {

@@ -166,6 +166,17 @@ private Q_SLOTS:
         QCOMPARE(on.row(1)->Arguments[0], "T.J");
     }
 
+    void droppedFieldWinsOverWhatIsBeingTypedThere() {
+        EditedPanel on;
+        on.type("7");
+        const QPoint inside = on.rectOf(0, ekArgument).center();
+        Drag drag(on, "J");
+        QVERIFY(drag.drop(inside));
+        QCoreApplication::processEvents();
+        QCOMPARE(on.row(0)->Arguments[0], "T.J");
+        QVERIFY(!on.panel()->isEditing());
+    }
+
     void elementThatGoesBeforeTheDropIsOverTakesNothing() {
         EditedPanel on;
         Drag drag(on, "J");
