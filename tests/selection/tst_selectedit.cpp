@@ -220,6 +220,39 @@ private Q_SLOTS:
         QCOMPARE(changes, 0);
     }
 
+    void builderMayDieOfWhatWasTaken_data() {
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("call");
+        for (const int column : {0, 2}) {
+            for (const char* call :
+                 {"commit", "check", "uncheck", "alias", "delete", "move", "edit", "menu"}) {
+                QTest::addRow("column %d, %s", column, call) << column << call;
+            }
+        }
+    }
+    void builderMayDieOfWhatWasTaken() {
+        QFETCH(int, column);
+        QFETCH(QString, call);
+        orvtest::RecordedServices services;
+        auto on = std::make_unique<ShownGrid>();
+        on->type(column, 2, "T.C");
+        QVERIFY(on->editor());
+        QObject::connect(&on->builder, &TorvQueryBuilder::StatementChanged, qApp,
+                         [&] { on.reset(); });
+        TorvQDSelectGrid& grid = *on->grid();
+        if (call == "commit") on->builder.CommitPendingEdits();
+        if (call == "check") grid.CheckField("T.D");
+        if (call == "uncheck") grid.UnCheckField("T.A");
+        if (call == "alias") grid.ChangeAlias("TT", "T");
+        if (call == "delete") grid._DeleteCurrentRow();
+        if (call == "move") grid.moveRow(1, 3);
+        if (call == "edit") grid._EditText(0, 1);
+        if (call == "menu") grid._StringKeyDown(Qt::Key_Delete, Qt::ControlModifier);
+        QVERIFY(!on);
+        QCOMPARE(services.errors, QStringList());
+        QCOMPARE(services.messages, QStringList());
+    }
+
     // --- opening
 
     void editorLiesOverItsCellWithItsText_data() {
