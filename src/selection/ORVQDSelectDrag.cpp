@@ -213,7 +213,7 @@ void TorvQDSelectGrid::dropEvent(QDropEvent* event) {
 // Its box, or the row, may be gone since the drop.
 void TorvQDSelectGrid::putField(const orv::DraggedField& field,
                                 const QPersistentModelIndex& target) {
-    commitBefore();
+    if (!commitBefore()) return;
     const QString name = field.qualifiedName();
     if (!target.isValid() || !AllFields || !AllFields->contains(name)) return;
     const int row = target.row() + 1;
