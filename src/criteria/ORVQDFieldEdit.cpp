@@ -8,8 +8,10 @@
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QScrollBar>
 #include <QTextBlock>
 #include <QTextDocument>
+#include <QTextLayout>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -21,11 +23,6 @@ constexpr int marginPx = 1;
 
 bool isEnter(const QKeyEvent& event) {
     return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
-}
-
-// Control characters come with keys such as Ctrl+M, too.
-bool typesLineBreak(const QKeyEvent& event) {
-    return event.text() == u"\r" || event.text() == u"\n";
 }
 
 }  // namespace
@@ -40,6 +37,8 @@ TMemoEx::TMemoEx(QWidget* parent) : QPlainTextEdit(parent) {
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setTabChangesFocus(true);
+    setBackgroundRole(QPalette::Base);  // also around its lines
+    setAutoFillBackground(true);
     setToolTip(tr("Press Shift+Enter to insert field"));
     setAccessibleName(tr("Text of the condition"));
     connect(this, &QPlainTextEdit::textChanged, this, [this] {
@@ -77,16 +76,22 @@ void TMemoEx::replaceSelection(const QString& text) {
     ensureCursorVisible();
 }
 
+// The size of the document would be no smaller than the view.
 QSize TMemoEx::textSize() const {
-    QStringList lines;
+    qreal width = 0;
     qreal height = 0;
     for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
-        lines << block.text();
-        height += blockBoundingRect(block).height();
+        height += blockBoundingRect(block).height();  // lays the line out
+        width = std::max(width, block.layout()->lineAt(0).naturalTextWidth());
     }
-    const int widest =
-        fontMetrics().size(Qt::TextExpandTabs, lines.join(u'\n'), int(tabStopDistance())).width();
-    return {widest + cursorWidth() + 2 * marginPx, int(std::ceil(height)) + marginPx};
+    return {int(std::ceil(width)) + 2 * marginPx + cursorWidth(),
+            viewportMargins().top() + int(std::ceil(height)) + 2 * marginPx};
+}
+
+void TMemoEx::setFirstLineHeight(int pixels) {
+    const int line = fontMetrics().height() + 2 * marginPx;
+    const QMargins margins(0, std::max(0, (pixels - line) / 2), 0, 0);
+    if (margins != viewportMargins()) setViewportMargins(margins);
 }
 
 void TMemoEx::call(const std::function<void()>& handler) {
@@ -117,27 +122,30 @@ bool TMemoEx::event(QEvent* event) {
 }
 
 void TMemoEx::keyPressEvent(QKeyEvent* event) {
-    if (isEnter(*event)) {
-        event->accept();
-        pressEnter(event->modifiers() & ~Qt::KeypadModifier);
-    } else if (event->key() == Qt::Key_Escape) {
-        event->accept();
-        leave(dropped);
-    } else if (typesLineBreak(*event)) {
-        event->accept();
-    } else {
-        QPlainTextEdit::keyPressEvent(event);
-    }
+    event->accept();
+    if (isSwallowed(*event) || keyDown(*event)) return;
+    QPlainTextEdit::keyPressEvent(event);
 }
 
-void TMemoEx::pressEnter(Qt::KeyboardModifiers modifiers) {
-    if (!modifiers) {
+// Line breaks as characters come with keys such as Ctrl+M.
+bool TMemoEx::isSwallowed(const QKeyEvent& event) {
+    return !isEnter(event) && (event.text() == u"\r" || event.text() == u"\n");
+}
+
+bool TMemoEx::keyDown(const QKeyEvent& event) {
+    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    if (event.key() == Qt::Key_Escape) {
+        leave(dropped);
+    } else if (!isEnter(event)) {
+        return false;
+    } else if (!modifiers) {
         leave(committed);
     } else if (modifiers == Qt::ShiftModifier) {
         call(insertField);
     } else {
         replaceSelection(QStringLiteral("\n"));
     }
+    return true;
 }
 
 void TMemoEx::focusOutEvent(QFocusEvent* event) {
@@ -169,7 +177,8 @@ void TMemoEx::contextMenuEvent(QContextMenuEvent* event) {
     event->accept();
 }
 
-// It is as large as its text: what lies below scrolls.
+// As long as it is as large as its text, what lies below scrolls.
 void TMemoEx::wheelEvent(QWheelEvent* event) {
-    event->ignore();
+    const bool isHigher = verticalScrollBar()->maximum() > 0;
+    isHigher ? QPlainTextEdit::wheelEvent(event) : event->ignore();
 }

@@ -34,6 +34,12 @@ public:
     void replaceSelection(const QString& text);
     /// The pixels that the text needs, with the caret behind its last character.
     [[nodiscard]] QSize textSize() const;
+    /// Puts the first line in the middle of so many pixels from the top.
+    void setFirstLineHeight(int pixels);
+
+    /// What keys do; the result is whether the event is used up.
+    bool keyDown(const QKeyEvent& event);
+    [[nodiscard]] static bool isSwallowed(const QKeyEvent& event);
 
     /// The widget that may have the focus while the edit stays open; so may what lies in it.
     void setCompanion(QWidget* companion) { m_companion = companion; }
@@ -57,7 +63,6 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
 private:
-    void pressEnter(Qt::KeyboardModifiers modifiers);
     void call(const std::function<void()>& handler);
     void leave(const std::function<void()>& handler);
 

@@ -13,9 +13,12 @@
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 
 constexpr QSize usualSizePx(240, 180);
+constexpr int leastHeightPx = 100;  // of a list that is not as high as it wants to be
 constexpr int iconPx = 16;
 constexpr int typeGapPx = 8;
 // So many tables and fields are shown at once, more of them with the tables closed.
@@ -128,6 +131,23 @@ FieldList::FieldList(QWidget* parent)
 
 QSize FieldList::sizeWithin(const QSize& area) {
     return usualSizePx.boundedTo(area);
+}
+
+QRect FieldList::rectBeside(const QRect& editor, const QRect& area) {
+    const int below = area.bottom() - editor.bottom();
+    const int above = editor.top() - area.top();
+    const int room = std::max(below, above);
+    QSize size = sizeWithin(area.size());
+    if (room >= leastHeightPx) size.setHeight(std::min(size.height(), room));
+    QRect rect(editor.left(), editor.bottom() + 1, size.width(), size.height());
+    if (size.height() > room) {
+        rect.moveTopLeft(QPoint(editor.right() + 1, area.top()));
+    } else if (size.height() > below) {
+        rect.moveTop(editor.top() - size.height());
+    }
+    rect.moveLeft(std::max(area.left(), std::min(rect.left(), area.right() - rect.width() + 1)));
+    rect.moveTop(std::max(area.top(), std::min(rect.top(), area.bottom() - rect.height() + 1)));
+    return rect;
 }
 
 void FieldList::open(const IPagesHost& host) {

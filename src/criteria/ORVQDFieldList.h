@@ -44,6 +44,9 @@ public:
 
     /// The size that the list wants on an area of that size.
     [[nodiscard]] static QSize sizeWithin(const QSize& area);
+    /// Where it lies on an area, below an editor or above it; where neither has room for a few
+    /// rows, beside it.
+    [[nodiscard]] static QRect rectBeside(const QRect& editor, const QRect& area);
 
     [[nodiscard]] QLineEdit* filter() const { return m_filter; }
     [[nodiscard]] TTreeViewEx* tree() const { return m_tree; }

@@ -143,9 +143,12 @@ void TorvQDWherePanel::TextClick(const TorvQDControl& Element, int y) {
 
 // --- changes ---
 
-// The row that a command is about; what is being typed is taken over first.
+// The row that a command is about. What is being typed is taken over first; none when the panel
+// does not survive what the host does about it.
 TorvQDWhereRow* TorvQDWherePanel::commandRow(const QString& refusal) {
+    const QPointer<TorvQDWherePanel> self(this);
     commitEdit();
+    if (!self) return nullptr;
     const TorvQDControl* element = CurrentElement();
     if (!element) throw orv::Error(refusal);
     return element->Row;
@@ -166,6 +169,7 @@ void TorvQDWherePanel::edit(const std::function<void()>& change) {
 // The new row is where the keys go on.
 void TorvQDWherePanel::AddCondition() {
     TorvQDWhereRow* row = commandRow(noButton);
+    if (!row) return;
     edit([&] {
         TorvQDWhereRows& rows = row->isGroup() ? *row->SubRows : *row->rows();
         if (row->isGroup() && !row->Expanded) row->SetExpanded(true);
@@ -176,6 +180,7 @@ void TorvQDWherePanel::AddCondition() {
 
 void TorvQDWherePanel::MakeCompositCondition() {
     TorvQDWhereRow* row = commandRow(noButton);
+    if (!row) return;
     if (row->isGroup()) throw orv::Error(QStringLiteral("Selected condition already compose"));
     edit([&] {
         row->SubRows->AddRow()->Assign(*row);
@@ -184,9 +189,10 @@ void TorvQDWherePanel::MakeCompositCondition() {
 }
 
 void TorvQDWherePanel::DeleteCondition() {
-    const orv::ElementRef deleted(
-        commandRow(QStringLiteral("There is no active button"))->Controls[ekButton].get());
-    if (!deleted.row()->parentRow()) throw orv::Error(QStringLiteral("Could not delete first row"));
+    const TorvQDWhereRow* current = commandRow(QStringLiteral("There is no active button"));
+    if (!current) return;
+    const orv::ElementRef deleted(*current, ekButton);
+    if (!current->parentRow()) throw orv::Error(QStringLiteral("Could not delete first row"));
     orv::MessageRequest question;
     question.parent = this;
     question.text = QStringLiteral("Are you sure want to delete current condition(s)?");
@@ -205,6 +211,7 @@ void TorvQDWherePanel::DeleteCondition() {
 
 void TorvQDWherePanel::ExpandCollapse() {
     TorvQDWhereRow* row = commandRow(noButton);
+    if (!row) return;
     if (!row->isGroup()) {
         throw orv::Error(QStringLiteral("Can not expand/collapse simple condition"));
     }
@@ -215,6 +222,7 @@ void TorvQDWherePanel::ExpandCollapse() {
 
 void TorvQDWherePanel::SelectGroupFuncs(const QAction* Sender) {
     TorvQDWhereRow* row = commandRow(noCondition);
+    if (!row) return;
     if (CurrentElement()->Kind != ekGroupOper) throw orv::Error(noCondition);
     if (!Sender) return;
     edit([&] { row->SetGroupOper(choiceOf(*Sender)); });
@@ -222,6 +230,7 @@ void TorvQDWherePanel::SelectGroupFuncs(const QAction* Sender) {
 
 void TorvQDWherePanel::SelectAgrFuncs(const QAction* Sender) {
     TorvQDWhereRow* row = commandRow(noCondition);
+    if (!row) return;
     if (!Sender) return;
     edit([&] {
         (CurrentElement()->Kind == ekFieldFunc ? row->FieldFunc : row->ArgFunc) = choiceOf(*Sender);
@@ -231,6 +240,7 @@ void TorvQDWherePanel::SelectAgrFuncs(const QAction* Sender) {
 
 void TorvQDWherePanel::SelectOperator(const QAction* Sender) {
     TorvQDWhereRow* row = commandRow(noCondition);
+    if (!row) return;
     if (CurrentElement()->Kind != ekOperator) throw orv::Error(noCondition);
     const auto entry =
         Sender ? Sender->data().value<TOperatorList::Entry>() : TOperatorList::Entry();

@@ -5,6 +5,7 @@
 #include "core/Error.h"
 #include "core/Text.h"
 #include "criteria/ORVQDAliasRename.h"
+#include "criteria/ORVQDConditionEditor.h"
 #include "criteria/ORVQDConditionLayout.h"
 #include "criteria/ORVQDConditionMeaning.h"
 #include "criteria/ORVQDFontWidths.h"
@@ -16,6 +17,7 @@
 #include "parser/ORVQDParser.h"
 
 #include <QLocale>
+#include <QPointer>
 
 #include <algorithm>
 #include <cmath>
@@ -146,6 +148,7 @@ TorvQDWherePanel::TorvQDWherePanel(QWidget* Parent) : QAbstractScrollArea(Parent
 
 TorvQDWherePanel::~TorvQDWherePanel() {
     m_context.changed = nullptr;
+    m_editor.reset();
 }
 
 void TorvQDWherePanel::Activate() {
@@ -158,6 +161,7 @@ void TorvQDWherePanel::Activate() {
     m_root = std::make_unique<TorvQDWhereRows>(&m_context, nullptr);
     m_layout = std::make_unique<orv::ConditionLayout>(m_context, *m_root);
     m_root->AddRow();
+    m_editor = std::make_unique<orv::ConditionEditor>(*this);
     ClearContents();
     createMenus();
 }
@@ -287,6 +291,9 @@ void TorvQDWherePanel::compareWritten(const std::vector<orv::ConditionElement>& 
 // "PO.X" is not renamed with "O".
 void TorvQDWherePanel::ChangeAlias(const QString& NewAlias, const QString& OldAlias) {
     if (NewAlias == OldAlias || !rootRow()) return;
+    const QPointer<TorvQDWherePanel> self(this);
+    commitEdit();
+    if (!self) return;
     visitConditions(*rootRow(), [&](TorvQDWhereRow& row) {
         bool isRenamed = false;
         const auto rename = [&](QString& text) {
@@ -306,7 +313,9 @@ void TorvQDWherePanel::ChangeAlias(const QString& NewAlias, const QString& OldAl
 void TorvQDWherePanel::PrepareToReloadOperators() {
     m_oldOperators.clear();
     if (!rootRow()) return;
+    const QPointer<TorvQDWherePanel> self(this);
     commitEdit();
+    if (!self) return;
     visitConditions(*rootRow(), [this](TorvQDWhereRow& row) {
         if (row.isExpression()) return;
         m_oldOperators.push_back({orv::ElementRef(row, ekOperator), row.Operator});

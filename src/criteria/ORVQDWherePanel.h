@@ -7,6 +7,7 @@
 #include "data/FieldTypes.h"
 
 #include <QAbstractScrollArea>
+#include <QBasicTimer>
 #include <QStringList>
 #include <QVariant>
 
@@ -17,9 +18,11 @@
 class IPagesHost;
 class QAction;
 class QMenu;
+class QMimeData;
 class TorvQDParser;
 
 namespace orv {
+class ConditionEditor;
 class ConditionLayout;
 class FontWidths;
 class LoadLedger;
@@ -138,6 +141,29 @@ public:
     /// Hides the list of fields and takes over what is being typed.
     void HideFieldList();
     [[nodiscard]] bool isEditing() const;
+    /// The editor is left: takes over its text, unless the list of fields is shown.
+    void SetFieldText();
+    /// Its text changed: it lies over its element, and what follows that moves aside.
+    void SetBoundText();
+    /// Its keys; swallowed events are accepted.
+    void KeyDownOnFieldText(QKeyEvent* Event);
+    void KeyPressOnFieldText(QKeyEvent* Event);
+    /// Shows the list of fields beside the editor.
+    void InsertField();
+    /// The list is left for another widget, or for none.
+    void SetFieldFromList(QWidget* NewFocus);
+    /// A field of the list is chosen: it replaces the selection of the editor.
+    void DblClickOnFieldList(const QString& Name);
+    /// Escape goes back to the editor.
+    void KeyUpOnFieldList(int Key);
+
+    // --- fields that are dropped ---
+
+    /// Whether a field of this builder's diagram is dragged there over an element that takes it;
+    /// the element is marked.
+    [[nodiscard]] bool _DragOver(const QMimeData* Data, const QPoint& Point);
+    /// Stores the dragged field into the element there, once the drop is over.
+    void _DragDrop(const QMimeData* Data, const QPoint& Point);
 
     /// What is wrong with a row, as one sentence: something is not filled in, or a name is gone.
     /// Empty when nothing is.
@@ -159,8 +185,15 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
 
 private:
+    friend class orv::ConditionEditor;
+
     [[nodiscard]] IPagesHost* host() const;
     [[nodiscard]] bool fitsType(const QString& text, TFieldType type) const;
     void clearRows();
@@ -188,6 +221,14 @@ private:
     void drawElements(QPainter& painter, const TorvQDWhereRow& row, int y) const;
 
     void repositionEditor();
+    void storeText(const TorvQDControl& element, const QString& text);
+
+    // Dragged fields.
+    [[nodiscard]] TorvQDControl* dropElement(const QMimeData* data, const QPoint& viewPoint);
+    void markDropElement(const TorvQDControl* element);
+    void drawDropMark(QPainter& painter);
+    void watchEdge(const QPoint& viewPoint);
+    void scrollAtEdge();
 
     // The hand.
     [[nodiscard]] TorvQDWhereRow* commandRow(const QString& refusal);
@@ -206,14 +247,18 @@ private:
     std::unique_ptr<orv::FontWidths> m_widths;
     std::unique_ptr<orv::ConditionLayout> m_layout;  // none before the panel is active
     std::unique_ptr<TorvQDWhereRows> m_root;
+    std::unique_ptr<orv::ConditionEditor> m_editor;  // none before the panel is active
     // While the list is replaced.
     std::vector<std::pair<orv::ElementRef, TOperatorList::Entry>> m_oldOperators;
     // Brought up to date when they are asked for after rows changed.
     mutable orv::ElementRef m_current;
     mutable orv::ElementRef m_active;
     mutable bool m_isUnsettled = false;
-    orv::ElementRef m_hot;      // under the mouse
-    orv::ElementRef m_pressed;  // where the left button went down
+    orv::ElementRef m_hot;       // under the mouse
+    orv::ElementRef m_pressed;   // where the left button went down
+    orv::ElementRef m_dropMark;  // where a dragged field would be dropped
+    QPoint m_dragPoint;          // view coordinates
+    QBasicTimer m_edgeTimer;     // scrolls while something is dragged at the edge of the view
     QMenu* m_rowMenu = nullptr;
     QMenu* m_groupMenu = nullptr;
     QMenu* m_functionMenu = nullptr;

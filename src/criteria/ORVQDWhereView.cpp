@@ -3,6 +3,7 @@
 #include "catalogue/ORVQDOptions.h"
 #include "contract/IPagesHost.h"
 #include "core/Text.h"
+#include "criteria/ORVQDConditionEditor.h"
 #include "criteria/ORVQDConditionLayout.h"
 #include "criteria/ORVQDFontWidths.h"
 #include "criteria/ORVQDWherePanel.h"
@@ -68,6 +69,7 @@ void TorvQDWherePanel::prepareView() {
     m_widths = std::make_unique<orv::FontWidths>();
     m_widths->setFont(this->font());
     viewport()->setMouseTracking(true);
+    setAcceptDrops(true);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     verticalScrollBar()->setSingleStep(m_context.rowHeight);
     horizontalScrollBar()->setSingleStep(orv::levelIndentPx);
@@ -111,7 +113,8 @@ void TorvQDWherePanel::SetRowHeight(int height) {
 }
 
 void TorvQDWherePanel::setScrollRanges() {
-    const QSize rest = m_layout->extent() - viewport()->size();
+    const QSize extent = m_layout->extent().expandedTo(m_editor->contentExtent());
+    const QSize rest = extent - viewport()->size();
     horizontalScrollBar()->setRange(0, std::max(0, rest.width() + frameGapPx + 1));
     horizontalScrollBar()->setPageStep(viewport()->width());
     verticalScrollBar()->setRange(0, std::max(0, rest.height()));
@@ -169,7 +172,7 @@ void TorvQDWherePanel::showElement(const TorvQDControl& element) {
 
 void TorvQDWherePanel::scrollContentsBy(int dx, int dy) {
     viewport()->scroll(dx, dy);
-    repositionEditor();
+    if (m_editor) m_editor->place();
 }
 
 void TorvQDWherePanel::resizeEvent(QResizeEvent* event) {
@@ -301,6 +304,7 @@ void TorvQDWherePanel::paintEvent(QPaintEvent* event) {
         for (int index = first; index <= last; ++index) {
             DrawRow(painter, *rows[std::size_t(index)], index * height - top);
         }
+        drawDropMark(painter);
         if (rows.size() != 1 || isEditing()) return;
         painter.setFont(m_widths->plainFont());
         painter.setPen(palette().color(QPalette::PlaceholderText));

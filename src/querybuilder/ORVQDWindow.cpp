@@ -20,6 +20,7 @@
 #include <QRandomGenerator>
 #include <QScopeGuard>
 #include <QShowEvent>
+#include <QTabBar>
 #include <QVBoxLayout>
 
 namespace {

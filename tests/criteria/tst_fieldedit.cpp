@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPointer>
+#include <QScrollBar>
 #include <QShortcut>
 
 #include <memory>
@@ -464,6 +465,20 @@ private Q_SLOTS:
         QVERIFY(high.height() >= one.height() + form.edit->fontMetrics().height());
     }
 
+    void firstLineStandsInTheMiddleOfARow() {
+        Form form;
+        form.open("A");
+        const QSize plain = form.edit->textSize();
+        form.edit->setFirstLineHeight(plain.height() + 20);
+        QCOMPARE(form.edit->textSize(), plain + QSize(0, 10));
+        form.edit->resize(100, plain.height() + 20);
+        const QPoint top =
+            form.edit->viewport()->mapTo(form.edit, form.edit->cursorRect().topLeft());
+        const QPoint end =
+            form.edit->viewport()->mapTo(form.edit, form.edit->cursorRect().bottomLeft());
+        QVERIFY(std::abs(top.y() - (form.edit->height() - 1 - end.y())) <= 1);
+    }
+
     // In that size nothing is cut off: the view does not scroll when the caret goes to the end.
     void textFitsIntoItsSize() {
         Form form;
@@ -473,17 +488,26 @@ private Q_SLOTS:
                                  QTextCursor::EndOfLine, QTextCursor::End}) {
             form.edit->moveCursor(place);
             QVERIFY(form.edit->viewport()->rect().contains(form.edit->cursorRect()));
+            QCOMPARE(form.edit->horizontalScrollBar()->value(), 0);
         }
-        QCOMPARE(form.edit->cursorRect().bottom() < form.edit->height(), true);
+        QCOMPARE(form.edit->verticalScrollBar()->maximum(), 0);
     }
 
+    void wheelGoesToWhatLiesBelow_data() {
+        QTest::addColumn<bool>("isCut");
+        QTest::newRow("all of the text is seen") << false;
+        QTest::newRow("some of it is cut") << true;
+    }
     void wheelGoesToWhatLiesBelow() {
+        QFETCH(bool, isCut);
         Form form;
         form.open("A\nB\nC\nD\nE\nF");
+        form.edit->moveCursor(QTextCursor::Start);
+        form.edit->resize(form.edit->textSize() - QSize(0, isCut ? 40 : 0));
         QWheelEvent turn(QPointF(5, 5), form.edit->mapToGlobal(QPointF(5, 5)), {}, QPoint(0, -120),
                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(form.edit->viewport(), &turn);
-        QVERIFY(!turn.isAccepted());
+        QCOMPARE(turn.isAccepted(), isCut);
     }
 
     // --- the popup menu
