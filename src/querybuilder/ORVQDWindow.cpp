@@ -20,7 +20,6 @@
 #include <QRandomGenerator>
 #include <QScopeGuard>
 #include <QShowEvent>
-#include <QTabBar>
 #include <QVBoxLayout>
 
 namespace {
