@@ -48,6 +48,7 @@ void TorvQDWherePanel::createMenus() {
     add(QStringLiteral("Delete condition"), &TorvQDWherePanel::DeleteCondition);
     m_rowMenu->addSeparator();
     add(QStringLiteral("Expand condition"), &TorvQDWherePanel::ExpandCollapse);
+    addTextItems();
 
     using Choice = void (TorvQDWherePanel::*)(const QAction*);
     const auto choose = [this](QMenu* menu, Choice choice) {
@@ -114,6 +115,7 @@ void TorvQDWherePanel::ButtonClick(const TorvQDControl& Element, int y) {
     items[expandItem]->setEnabled(!isRoot && row.isGroup());
     items[expandItem]->setText(row.Expanded ? QStringLiteral("Collapse condition")
                                             : QStringLiteral("Expand condition"));
+    enableTextItems(row);
     popUp(m_rowMenu, Element, y, {});
     viewport()->unsetCursor();
 }
