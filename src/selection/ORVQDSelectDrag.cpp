@@ -38,8 +38,10 @@ int TorvQDSelectGrid::rowAtPoint(const QPoint& point) const {
 
 // --- rows ---
 
+// In a window that is not active an editor has no focus to lose.
 void TorvQDSelectGrid::mousePressEvent(QMouseEvent* event) {
     endRowDrag();
+    if (!commitBefore()) return;
     QTableView::mousePressEvent(event);
     const int row = rowAtPoint(event->pos());
     if (event->button() != Qt::LeftButton || !isDataRow(row)) return;

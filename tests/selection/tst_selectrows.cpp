@@ -239,6 +239,21 @@ private Q_SLOTS:
 
     // --- what the view is told
 
+    void editorFollowsItsCell() {
+        TallGrid tall;
+        tall.grid._EditText(0, 1001);
+        auto* edit = tall.grid.viewport()->findChild<orv::ExitEdit*>();
+        const QModelIndex cell = tall.grid.model()->index(1000, 0);
+        QCOMPARE(edit->geometry(), tall.grid.visualRect(cell));
+        tall.grid.verticalScrollBar()->setValue(tall.grid.verticalScrollBar()->value() + 3);
+        QCoreApplication::processEvents();
+        QCOMPARE(edit->geometry(), tall.grid.visualRect(cell));
+        tall.grid.resize(400, 200);
+        QCoreApplication::processEvents();
+        QCOMPARE(edit->geometry(), tall.grid.visualRect(cell));
+        QVERIFY(edit->isVisible());
+    }
+
     void editRefreshesOneRow() {
         TallGrid tall;
         const ModelSpy spy(tall.grid.model());

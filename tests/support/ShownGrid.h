@@ -21,6 +21,7 @@ public:
         tick("U", "X");
         QCoreApplication::processEvents();
         builder.activateWindow();
+        if (!builder.isActiveWindow()) static_cast<void>(QTest::qWaitForWindowActive(&builder));
         grid()->setFocus();
         go(0, 1);
         changes = 0;
