@@ -78,13 +78,6 @@ void TorvQDWherePanel::_PopupOpersMenu() {
     }
 }
 
-// `first` is the item that the arrow keys start from.
-void TorvQDWherePanel::popUp(QMenu* menu, const TorvQDControl& element, int y, QAction* first) {
-    const QPoint below(element.Left - horizontalScrollBar()->value(), y + m_context.rowHeight);
-    menu->popup(viewport()->mapToGlobal(below));
-    if (first) menu->setActiveAction(first);
-}
-
 namespace {
 
 QAction* itemWith(const QMenu& menu, const QVariant& data) {
@@ -97,6 +90,15 @@ QAction* itemWith(const QMenu& menu, const QVariant& data) {
 
 }  // namespace
 
+// The arrow keys start from the item with `data`; it is looked for once the menu has its items,
+// which it may get while it opens.
+void TorvQDWherePanel::popUp(QMenu* menu, const TorvQDControl& element, int y,
+                             const QVariant& data) {
+    const QPoint below(element.Left - horizontalScrollBar()->value(), y + m_context.rowHeight);
+    menu->popup(viewport()->mapToGlobal(below));
+    if (data.isValid()) menu->setActiveAction(itemWith(*menu, data));
+}
+
 void TorvQDWherePanel::ButtonClick(const TorvQDControl& Element, int y) {
     const TorvQDWhereRow& row = *Element.Row;
     setCurrentElement(&Element);
@@ -108,7 +110,7 @@ void TorvQDWherePanel::ButtonClick(const TorvQDControl& Element, int y) {
     items[expandItem]->setText(row.Expanded ? QStringLiteral("Collapse condition")
                                             : QStringLiteral("Expand condition"));
     enableTextItems(row);
-    popUp(m_rowMenu, Element, y, nullptr);
+    popUp(m_rowMenu, Element, y, {});
     viewport()->unsetCursor();
 }
 
@@ -117,7 +119,7 @@ void TorvQDWherePanel::TextClick(const TorvQDControl& Element, int y) {
     setCurrentElement(&Element);
     if (row.isGroup()) {
         if (row.Expanded) {
-            popUp(m_groupMenu, Element, y, itemWith(*m_groupMenu, row.GroupOper));
+            popUp(m_groupMenu, Element, y, row.GroupOper);
         } else {
             row.SetExpanded(true);
             relay();
@@ -126,11 +128,10 @@ void TorvQDWherePanel::TextClick(const TorvQDControl& Element, int y) {
     }
     if (Element.Kind == ekFieldFunc || Element.Kind == ekArgFunc) {
         const QString& function = Element.Kind == ekFieldFunc ? row.FieldFunc : row.ArgFunc;
-        popUp(m_functionMenu, Element, y, itemWith(*m_functionMenu, function));
+        popUp(m_functionMenu, Element, y, function);
     } else if (Element.Kind == ekOperator) {
         _PopupOpersMenu();
-        popUp(m_operatorMenu, Element, y,
-              itemWith(*m_operatorMenu, QVariant::fromValue(row.Operator)));
+        popUp(m_operatorMenu, Element, y, QVariant::fromValue(row.Operator));
     } else if (Element.Kind != ekButton) {
         editText(Element);
     }

@@ -208,7 +208,7 @@ private:
     void runTextKey(int key);
     [[nodiscard]] QString textOfRow(const TorvQDWhereRow& row) const;
     [[nodiscard]] bool keepsMeaning() const;
-    void popUp(QMenu* menu, const TorvQDControl& element, int y, QAction* first);
+    void popUp(QMenu* menu, const TorvQDControl& element, int y, const QVariant& data);
     bool handleKey(const QKeyEvent& event);
     void moveActive(int key, bool withCtrl);
     void jump(int key);
