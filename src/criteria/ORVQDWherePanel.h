@@ -20,6 +20,7 @@ class TorvQDParser;
 
 namespace orv {
 class ConditionLayout;
+class ConditionTeller;
 class FontWidths;
 class LoadLedger;
 }  // namespace orv
@@ -220,6 +221,7 @@ private:
     orv::ConditionContext m_context;
     std::unique_ptr<orv::FontWidths> m_widths;
     std::unique_ptr<orv::ConditionLayout> m_layout;  // none before the panel is active
+    std::unique_ptr<orv::ConditionTeller> m_teller;
     std::unique_ptr<TorvQDWhereRows> m_root;
     std::vector<std::pair<TorvQDWhereRow*, QString>> m_operatorNames;  // while it is replaced
     // Brought up to date when they are asked for after rows changed.

@@ -5,6 +5,7 @@
 #include "core/Text.h"
 #include "criteria/ORVQDConditionLayout.h"
 #include "criteria/ORVQDFontWidths.h"
+#include "criteria/ORVQDWhereAccessible.h"
 #include "criteria/ORVQDWherePanel.h"
 #include "toolkit/Edges.h"
 #include "toolkit/Glyph.h"
@@ -67,6 +68,7 @@ void TorvQDWherePanel::prepareView() {
     setFont(font);
     m_widths = std::make_unique<orv::FontWidths>();
     m_widths->setFont(this->font());
+    m_teller = std::make_unique<orv::ConditionTeller>(*this);
     viewport()->setMouseTracking(true);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     verticalScrollBar()->setSingleStep(m_context.rowHeight);
@@ -78,6 +80,7 @@ void TorvQDWherePanel::prepareView() {
 void TorvQDWherePanel::rowsChanged(TorvQDWhereRow* row) {
     if (!m_layout) return;
     m_isUnsettled = true;
+    m_teller->rowsChanged(row);
     row ? m_layout->rowChanged(*row) : m_layout->rowsChanged();
 }
 
@@ -96,6 +99,7 @@ void TorvQDWherePanel::relay() {
     setScrollRanges();
     repositionEditor();
     viewport()->update();
+    m_teller->tell();
 }
 
 void TorvQDWherePanel::refreshView() {
@@ -241,6 +245,8 @@ void TorvQDWherePanel::setActiveElement(const TorvQDControl* element) {
     updateRow(m_active.row());
     m_active = next;
     updateRow(m_active.row());
+    // While rows change, all is told at the end.
+    if (m_layout && !m_layout->isStale()) m_teller->tell();
 }
 
 void TorvQDWherePanel::setHotElement(const TorvQDControl* element) {

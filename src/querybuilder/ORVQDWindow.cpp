@@ -4,6 +4,7 @@
 
 #include "contract/ChangeScope.h"
 #include "core/Error.h"
+#include "criteria/ORVQDWhereAccessible.h"
 #include "criteria/ORVQDWherePanel.h"
 #include "selection/ORVQDSelectOrder.h"
 #include "toolkit/Glyph.h"
@@ -53,6 +54,7 @@ TorvQueryBuilder::TorvQueryBuilder(QWidget* parent, bool designMode)
       m_tabsHeight(leastTabsHeightPx),
       m_dragIdentity(QRandomGenerator::global()->generate64()) {
     orv::installAccessibility();
+    orv::installCriteriaAccessibility();
     resize(initialSize);
     setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     setLineWidth(1);
