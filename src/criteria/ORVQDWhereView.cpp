@@ -425,31 +425,52 @@ void TorvQDWherePanel::DrawButton(QPainter& painter, const TorvQDWhereRow& row, 
 
 // --- tool tips ---
 
+namespace {
+
+QString tipOf(const QString& text) {
+    return text.size() > longestTip ? text.left(longestTip) + QStringLiteral("...") : text;
+}
+
+// What an element of a condition stands for, in full.
+QString fullText(TorvQDWhereRow& row, int kind) {
+    switch (kind) {
+    case ekFieldFunc: return row.FieldFunc;
+    case ekArgFunc: return row.ArgFunc;
+    case ekOperator: return row.Operator ? row.Operator->Caption : QString();
+    default: break;
+    }
+    const QString* text = row.textOf(kind);
+    return text ? *text : QString();
+}
+
+}  // namespace
+
 // What is cut in the row, what a group means in SQL, and what is wrong.
 QString TorvQDWherePanel::hintAt(const QPoint& viewPoint) {
     const QPoint point = viewPoint + contentOffset();
     int top = 0;
-    const TorvQDWhereRow* row = LookRows(point.y(), top);
+    TorvQDWhereRow* row = LookRows(point.y(), top);
     if (!row) return {};
-    const TorvQDControl* element = LookControl(*row, point.x());
-    if (!element || element->Kind == ekButton) return rowProblem(*row);
-    if (row->isGroup()) {
-        const bool isWritten = row->SubRows->GetCount() > 0;
-        QString text = isWritten ? orv::orvTrim(row->shortCondition(longestTip)) : QString();
-        if (text.size() > longestTip) text = text.left(longestTip) + QStringLiteral("...");
-        return text;
+    // The words of a group go on behind its element.
+    if (row->isGroup() && point.x() >= row->Controls[ekGroupOper]->Left &&
+        row->SubRows->GetCount() > 0) {
+        return tipOf(orv::orvTrim(row->shortCondition(longestTip)));
     }
-    auto* editable = const_cast<TorvQDWhereRow*>(row);
-    const QString* full = editable->textOf(element->Kind);
-    const bool isCut = full && *full != element->GetText() && !orv::isBlank(*full);
-    return isCut ? full->left(longestTip) : rowProblem(*row);
+    const TorvQDControl* element = LookControl(*row, point.x());
+    if (row->isGroup() || !element || element->Kind == ekButton) return rowProblem(*row);
+    const QString full = fullText(*row, element->Kind);
+    const bool isCut = full != element->GetText() && !orv::isBlank(full);
+    return isCut ? tipOf(full) : rowProblem(*row);
 }
 
 bool TorvQDWherePanel::viewportEvent(QEvent* event) {
     if (event->type() == QEvent::ToolTip && m_layout) {
         const auto* help = static_cast<QHelpEvent*>(event);
         orv::guarded([&] {
-            QToolTip::showText(help->globalPos(), orv::plainTip(hintAt(help->pos())), viewport());
+            // It goes when the mouse leaves what it is about.
+            const TorvQDControl* element = elementAt(help->pos());
+            QToolTip::showText(help->globalPos(), orv::plainTip(hintAt(help->pos())), viewport(),
+                               element ? elementRect(*element) : QRect());
         });
         return true;
     }
