@@ -5,6 +5,7 @@
 #include "core/Error.h"
 #include "core/Text.h"
 #include "criteria/ORVQDConditionLayout.h"
+#include "criteria/ORVQDWhereAccessible.h"
 #include "criteria/ORVQDWherePanel.h"
 #include "toolkit/Services.h"
 
@@ -65,7 +66,7 @@ void TorvQDWherePanel::createMenus() {
     for (const QString& function : Functions ? *Functions : QStringList()) {
         QAction* item = m_functionMenu->addAction(menuText(function));
         item->setData(function);
-        if (orv::isBlank(function)) item->setToolTip(QStringLiteral("no function"));
+        if (orv::isBlank(function)) orv::setReadName(*item, QStringLiteral("no function"));
     }
     choose(m_functionMenu, &TorvQDWherePanel::SelectAgrFuncs);
     m_operatorMenu = makeMenu(QStringLiteral("OperatorMenu"));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Mouse and keyboard of a criteria panel.
 #include "criteria/ORVQDConditionLayout.h"
+#include "criteria/ORVQDWhereAccessible.h"
 #include "criteria/ORVQDWherePanel.h"
 #include "toolkit/Services.h"
 
@@ -255,6 +256,9 @@ void TorvQDWherePanel::activate(const TorvQDControl& element) {
 void TorvQDWherePanel::focusInEvent(QFocusEvent* event) {
     QAbstractScrollArea::focusInEvent(event);
     updateRow(m_active.row());
+    // Readers are told of the widget once this event is over, and then where in it the focus is.
+    QMetaObject::invokeMethod(
+        this, [this] { m_teller->focusCame(); }, Qt::QueuedConnection);
 }
 
 void TorvQDWherePanel::focusOutEvent(QFocusEvent* event) {

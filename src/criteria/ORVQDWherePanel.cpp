@@ -11,6 +11,7 @@
 #include "criteria/ORVQDFontWidths.h"
 #include "criteria/ORVQDNodeText.h"
 #include "criteria/ORVQDRowBuilder.h"
+#include "criteria/ORVQDWhereAccessible.h"
 #include "parser/ORVQDExpressions.h"
 #include "parser/ORVQDLedger.h"
 #include "parser/ORVQDNormalise.h"

@@ -24,6 +24,7 @@ class TorvQDParser;
 namespace orv {
 class ConditionEditor;
 class ConditionLayout;
+class ConditionTeller;
 class FontWidths;
 class LoadLedger;
 }  // namespace orv
@@ -262,6 +263,7 @@ private:
     orv::ConditionContext m_context;
     std::unique_ptr<orv::FontWidths> m_widths;
     std::unique_ptr<orv::ConditionLayout> m_layout;  // none before the panel is active
+    std::unique_ptr<orv::ConditionTeller> m_teller;
     std::unique_ptr<TorvQDWhereRows> m_root;
     std::unique_ptr<orv::ConditionEditor> m_editor;  // none before the panel is active
     // While the list is replaced.

@@ -4,6 +4,7 @@
 
 #include "contract/ChangeScope.h"
 #include "core/Error.h"
+#include "criteria/ORVQDWhereAccessible.h"
 #include "criteria/ORVQDWherePanel.h"
 #include "querybuilder/ORVQDPageTabs.h"
 #include "querybuilder/ORVQDTailLine.h"
@@ -56,6 +57,7 @@ TorvQueryBuilder::TorvQueryBuilder(QWidget* parent, bool designMode)
       m_tabsHeight(leastTabsHeightPx),
       m_dragIdentity(QRandomGenerator::global()->generate64()) {
     orv::installAccessibility();
+    orv::installCriteriaAccessibility();
     resize(initialSize);
     setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     setLineWidth(1);
