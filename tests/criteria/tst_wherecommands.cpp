@@ -194,6 +194,7 @@ private Q_SLOTS:
         on.panel->DeleteCondition();
         orv::setMessageService(old);
         QCOMPARE(on.rows(), rows);
+        QCOMPARE(on.current(), "none");
     }
 
     void builderMayDieDuringTheQuestion() {

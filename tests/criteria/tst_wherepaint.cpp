@@ -382,7 +382,7 @@ private Q_SLOTS:
     // --- scrolling and regions
 
     void scrolledRowsArePaintedAtTheirPlaces() {
-        QStringList many = {nested};
+        QStringList many = {nested, "t.gone = 7"};
         for (int index = 0; index < 40; ++index) many << "t.a = " + QString::number(index);
         many << "'" + QString(30, u'W') + "' = '" + QString(30, u'W') + "' and t.b = ''";
         Painted on(many.join(" and "));
