@@ -674,6 +674,17 @@ std::vector<ConditionElement> readConditions(const TokenRun& run, const Conditio
     return Reader(rules, run).read(run);
 }
 
+int conditionEnd(const TokenRun& condition, const TOperatorList* operators) {
+    const int end = endOfCondition(condition);
+    if (end == condition.size() || !operators) return end;
+    const QString word = condition.textOf(end).toString().toUpper();
+    for (int index = 0; index < operators->Count(); ++index) {
+        const QStringList words = operators->Items(index)->Name.toUpper().split(u' ');
+        if (words.contains(word)) return condition.size();
+    }
+    return end;
+}
+
 std::vector<const ConditionElement*> andsBehindOr(const std::vector<ConditionElement>& level) {
     std::vector<const ConditionElement*> found;
     bool isBehindOr = false;

@@ -52,6 +52,11 @@ inline constexpr int deepestCondition = 2000;
 [[nodiscard]] ORV_EXPORT std::vector<ConditionElement> readConditions(const TokenRun& run,
                                                                       const ConditionRules& rules);
 
+/// Where something stands behind the condition that is no part of it, as orv::endOfCondition tells;
+/// words of the operators are parts of conditions.
+[[nodiscard]] ORV_EXPORT int conditionEnd(const TokenRun& condition,
+                                          const TOperatorList* operators);
+
 /// Upper bound of the groups that the condition becomes, one inside the other, in either reading of
 /// AND and OR. Looks at brackets and connectives alone.
 [[nodiscard]] ORV_EXPORT int mostGroupsBelow(const TokenRun& run);

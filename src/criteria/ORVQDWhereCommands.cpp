@@ -5,6 +5,7 @@
 #include "core/Error.h"
 #include "core/Text.h"
 #include "criteria/ORVQDConditionLayout.h"
+#include "criteria/ORVQDWhereAccessible.h"
 #include "criteria/ORVQDWherePanel.h"
 #include "toolkit/Services.h"
 
@@ -48,6 +49,7 @@ void TorvQDWherePanel::createMenus() {
     add(QStringLiteral("Delete condition"), &TorvQDWherePanel::DeleteCondition);
     m_rowMenu->addSeparator();
     add(QStringLiteral("Expand condition"), &TorvQDWherePanel::ExpandCollapse);
+    addTextItems();
 
     using Choice = void (TorvQDWherePanel::*)(const QAction*);
     const auto choose = [this](QMenu* menu, Choice choice) {
@@ -64,7 +66,7 @@ void TorvQDWherePanel::createMenus() {
     for (const QString& function : Functions ? *Functions : QStringList()) {
         QAction* item = m_functionMenu->addAction(menuText(function));
         item->setData(function);
-        if (orv::isBlank(function)) item->setToolTip(QStringLiteral("no function"));
+        if (orv::isBlank(function)) orv::setReadName(*item, QStringLiteral("no function"));
     }
     choose(m_functionMenu, &TorvQDWherePanel::SelectAgrFuncs);
     m_operatorMenu = makeMenu(QStringLiteral("OperatorMenu"));
@@ -114,6 +116,7 @@ void TorvQDWherePanel::ButtonClick(const TorvQDControl& Element, int y) {
     items[expandItem]->setEnabled(!isRoot && row.isGroup());
     items[expandItem]->setText(row.Expanded ? QStringLiteral("Collapse condition")
                                             : QStringLiteral("Expand condition"));
+    enableTextItems(row);
     popUp(m_rowMenu, Element, y, {});
     viewport()->unsetCursor();
 }

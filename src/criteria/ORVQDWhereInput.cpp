@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Mouse and keyboard of a criteria panel.
 #include "criteria/ORVQDConditionLayout.h"
+#include "criteria/ORVQDWhereAccessible.h"
 #include "criteria/ORVQDWherePanel.h"
 #include "toolkit/Services.h"
 
@@ -26,13 +27,14 @@ Qt::KeyboardModifiers modifiersOf(const QKeyEvent& event) {
 bool isCommand(const QKeyEvent& event) {
     const Qt::KeyboardModifiers modifiers = modifiersOf(event);
     const bool isPlain = modifiers == Qt::NoModifier;
-    const bool isPlainOrCtrl = isPlain || modifiers == Qt::ControlModifier;
+    const bool isCtrl = modifiers == Qt::ControlModifier;
+    const bool isPlainOrCtrl = isPlain || isCtrl;
     switch (event.key()) {
     case Qt::Key_Left:
     case Qt::Key_Right:
     case Qt::Key_Insert: return isPlainOrCtrl;
     case Qt::Key_Up:
-    case Qt::Key_Down:
+    case Qt::Key_Down: return isPlain || modifiers == Qt::AltModifier;
     case Qt::Key_Return:
     case Qt::Key_Enter:
     case Qt::Key_F2:
@@ -40,7 +42,24 @@ bool isCommand(const QKeyEvent& event) {
     case Qt::Key_End:
     case Qt::Key_PageUp:
     case Qt::Key_PageDown: return isPlain;
-    case Qt::Key_Delete: return modifiers == Qt::ControlModifier;
+    case Qt::Key_Delete:
+    case Qt::Key_C:
+    case Qt::Key_X:
+    case Qt::Key_V:
+    case Qt::Key_D: return isCtrl;
+    default: return false;
+    }
+}
+
+// Those that copy and move rows as they are.
+bool isTextKey(const QKeyEvent& event) {
+    switch (event.key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down: return modifiersOf(event) == Qt::AltModifier;
+    case Qt::Key_C:
+    case Qt::Key_X:
+    case Qt::Key_V:
+    case Qt::Key_D: return true;
     default: return false;
     }
 }
@@ -132,6 +151,12 @@ bool TorvQDWherePanel::handleKey(const QKeyEvent& event) {
     if (!active || !isCommand(event)) return false;
     const bool withCtrl = modifiersOf(event) == Qt::ControlModifier;
     const int key = event.key();
+    if (isTextKey(event)) {
+        // While something is being typed these keys are the editor's.
+        if (isEditing()) return false;
+        runTextKey(key);
+        return true;
+    }
     if (isEnter(key) || key == Qt::Key_F2) {
         showElement(*active);
         TextClick(*active, elementRect(*active).top());
@@ -231,6 +256,9 @@ void TorvQDWherePanel::activate(const TorvQDControl& element) {
 void TorvQDWherePanel::focusInEvent(QFocusEvent* event) {
     QAbstractScrollArea::focusInEvent(event);
     updateRow(m_active.row());
+    // Readers are told of the widget once this event is over, and then where in it the focus is.
+    QMetaObject::invokeMethod(
+        this, [this] { m_teller->focusCame(); }, Qt::QueuedConnection);
 }
 
 void TorvQDWherePanel::focusOutEvent(QFocusEvent* event) {

@@ -11,6 +11,7 @@
 #include "criteria/ORVQDFontWidths.h"
 #include "criteria/ORVQDNodeText.h"
 #include "criteria/ORVQDRowBuilder.h"
+#include "criteria/ORVQDWhereAccessible.h"
 #include "parser/ORVQDExpressions.h"
 #include "parser/ORVQDLedger.h"
 #include "parser/ORVQDNormalise.h"
@@ -116,18 +117,6 @@ bool isCutOff(const orv::TokenRun& condition, const orv::LoadLedger& ledger) {
     return !followers.contains(behind.textOf(0).toString().toUpper());
 }
 
-// The same with words of the operators, which are parts of conditions.
-int endOfCondition(const orv::TokenRun& condition, const TOperatorList* operators) {
-    const int end = orv::endOfCondition(condition);
-    if (end == condition.size() || !operators) return end;
-    const QString word = condition.textOf(end).toString().toUpper();
-    for (int index = 0; index < operators->Count(); ++index) {
-        const QStringList words = operators->Items(index)->Name.toUpper().split(u' ');
-        if (words.contains(word)) return condition.size();
-    }
-    return end;
-}
-
 // Where the last connective of the condition stands.
 int behindLastWholeCondition(const orv::TokenRun& condition, const orv::ConditionRules& rules) {
     const auto elements = orv::readConditions(condition, rules);
@@ -223,7 +212,7 @@ void TorvQDWherePanel::loadRun(const orv::TokenRun& run, orv::LoadLedger* ledger
     if (!root) return;
     orv::TokenRun condition = run.mid(std::min(1, run.size()));
     checkDepth(condition, keepsMeaning);
-    const int end = endOfCondition(condition, Operators);
+    const int end = orv::conditionEnd(condition, Operators);
     orv::TokenRun rest = condition.mid(end);
     condition = condition.mid(0, end);
     if (ledger && rest.isEmpty() && isCutOff(condition, *ledger)) {

@@ -24,6 +24,7 @@ class TorvQDParser;
 namespace orv {
 class ConditionEditor;
 class ConditionLayout;
+class ConditionTeller;
 class FontWidths;
 class LoadLedger;
 }  // namespace orv
@@ -124,6 +125,17 @@ public:
     void SelectGroupFuncs(const QAction* Sender);
     void SelectAgrFuncs(const QAction* Sender);
     void SelectOperator(const QAction* Sender);
+    /// A copy of the row with all below it, right behind it. Raises orv::Error for the root row.
+    void DuplicateCondition();
+    /// Moves the row up (-1) or down (1) among the conditions of its group; nothing at the ends.
+    void MoveCondition(int step);
+    /// The row with all below it as text on the clipboard; cutting deletes it then, after the
+    /// question. Raises orv::Error for a group without conditions.
+    void CopyCondition();
+    void CutCondition();
+    /// The text of the clipboard as rows: into the group, or behind the condition. Raises
+    /// orv::Error when the text is no condition as a whole; the rows stay as they were then.
+    void PasteCondition();
     /// Fills the operator menu with what the catalogue has now.
     void _PopupOpersMenu();
 
@@ -235,6 +247,11 @@ private:
     void edit(const std::function<void()>& change);
     void createMenus();
     void popUp(QMenu* menu, const TorvQDControl& element, int y, const QVariant& chosen);
+    void addTextItems();
+    void enableTextItems(const TorvQDWhereRow& row);
+    void runTextKey(int key);
+    [[nodiscard]] QString textOfRow(const TorvQDWhereRow& row) const;
+    [[nodiscard]] bool keepsMeaning() const;
     bool handleKey(const QKeyEvent& event);
     void moveActive(int key, bool withCtrl);
     void jump(int key);
@@ -246,6 +263,7 @@ private:
     orv::ConditionContext m_context;
     std::unique_ptr<orv::FontWidths> m_widths;
     std::unique_ptr<orv::ConditionLayout> m_layout;  // none before the panel is active
+    std::unique_ptr<orv::ConditionTeller> m_teller;
     std::unique_ptr<TorvQDWhereRows> m_root;
     std::unique_ptr<orv::ConditionEditor> m_editor;  // none before the panel is active
     // While the list is replaced.

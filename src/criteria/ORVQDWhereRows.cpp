@@ -343,6 +343,12 @@ QString TorvQDWhereRow::shortCondition(int limit) const {
     return writer.text;
 }
 
+QString TorvQDWhereRow::conditionAsRoot() const {
+    Writer writer{{}, true, std::numeric_limits<qsizetype>::max()};
+    append(writer, 1);
+    return writer.text;
+}
+
 void TorvQDWhereRow::append(Writer& writer, int depth) const {
     if (writer.isFull()) return;
     if (isGroup()) {

@@ -174,6 +174,9 @@ public:
     /// The same on one line, but no more of it than about `limit` characters.
     [[nodiscard]] QString shortCondition(int limit) const;
 
+    /// The same over several lines, indented as if the row were the root row.
+    [[nodiscard]] QString conditionAsRoot() const;
+
     /// Dies with the row; for references that outlive it.
     [[nodiscard]] std::weak_ptr<TorvQDWhereRow*> handle() const { return m_handle; }
 

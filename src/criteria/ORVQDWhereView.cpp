@@ -6,6 +6,7 @@
 #include "criteria/ORVQDConditionEditor.h"
 #include "criteria/ORVQDConditionLayout.h"
 #include "criteria/ORVQDFontWidths.h"
+#include "criteria/ORVQDWhereAccessible.h"
 #include "criteria/ORVQDWherePanel.h"
 #include "toolkit/Edges.h"
 #include "toolkit/Glyph.h"
@@ -68,6 +69,7 @@ void TorvQDWherePanel::prepareView() {
     setFont(font);
     m_widths = std::make_unique<orv::FontWidths>();
     m_widths->setFont(this->font());
+    m_teller = std::make_unique<orv::ConditionTeller>(*this);
     viewport()->setMouseTracking(true);
     setAcceptDrops(true);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
@@ -80,6 +82,7 @@ void TorvQDWherePanel::prepareView() {
 void TorvQDWherePanel::rowsChanged(TorvQDWhereRow* row) {
     if (!m_layout) return;
     m_isUnsettled = true;
+    m_teller->rowsChanged(row);
     row ? m_layout->rowChanged(*row) : m_layout->rowsChanged();
 }
 
@@ -98,6 +101,7 @@ void TorvQDWherePanel::relay() {
     setScrollRanges();
     repositionEditor();
     viewport()->update();
+    m_teller->tell();
 }
 
 void TorvQDWherePanel::refreshView() {
@@ -244,6 +248,8 @@ void TorvQDWherePanel::setActiveElement(const TorvQDControl* element) {
     updateRow(m_active.row());
     m_active = next;
     updateRow(m_active.row());
+    // While rows change, all is told at the end.
+    if (m_layout && !m_layout->isStale()) m_teller->tell();
 }
 
 void TorvQDWherePanel::setHotElement(const TorvQDControl* element) {
@@ -424,31 +430,52 @@ void TorvQDWherePanel::DrawButton(QPainter& painter, const TorvQDWhereRow& row, 
 
 // --- tool tips ---
 
+namespace {
+
+QString tipOf(const QString& text) {
+    return text.size() > longestTip ? text.left(longestTip) + QStringLiteral("...") : text;
+}
+
+// What an element of a condition stands for, in full.
+QString fullText(TorvQDWhereRow& row, int kind) {
+    switch (kind) {
+    case ekFieldFunc: return row.FieldFunc;
+    case ekArgFunc: return row.ArgFunc;
+    case ekOperator: return row.Operator ? row.Operator->Caption : QString();
+    default: break;
+    }
+    const QString* text = row.textOf(kind);
+    return text ? *text : QString();
+}
+
+}  // namespace
+
 // What is cut in the row, what a group means in SQL, and what is wrong.
 QString TorvQDWherePanel::hintAt(const QPoint& viewPoint) {
     const QPoint point = viewPoint + contentOffset();
     int top = 0;
-    const TorvQDWhereRow* row = LookRows(point.y(), top);
+    TorvQDWhereRow* row = LookRows(point.y(), top);
     if (!row) return {};
-    const TorvQDControl* element = LookControl(*row, point.x());
-    if (!element || element->Kind == ekButton) return rowProblem(*row);
-    if (row->isGroup()) {
-        const bool isWritten = row->SubRows->GetCount() > 0;
-        QString text = isWritten ? orv::orvTrim(row->shortCondition(longestTip)) : QString();
-        if (text.size() > longestTip) text = text.left(longestTip) + QStringLiteral("...");
-        return text;
+    // The words of a group go on behind its element.
+    if (row->isGroup() && point.x() >= row->Controls[ekGroupOper]->Left &&
+        row->SubRows->GetCount() > 0) {
+        return tipOf(orv::orvTrim(row->shortCondition(longestTip)));
     }
-    auto* editable = const_cast<TorvQDWhereRow*>(row);
-    const QString* full = editable->textOf(element->Kind);
-    const bool isCut = full && *full != element->GetText() && !orv::isBlank(*full);
-    return isCut ? full->left(longestTip) : rowProblem(*row);
+    const TorvQDControl* element = LookControl(*row, point.x());
+    if (row->isGroup() || !element || element->Kind == ekButton) return rowProblem(*row);
+    const QString full = fullText(*row, element->Kind);
+    const bool isCut = full != element->GetText() && !orv::isBlank(full);
+    return isCut ? tipOf(full) : rowProblem(*row);
 }
 
 bool TorvQDWherePanel::viewportEvent(QEvent* event) {
     if (event->type() == QEvent::ToolTip && m_layout) {
         const auto* help = static_cast<QHelpEvent*>(event);
         orv::guarded([&] {
-            QToolTip::showText(help->globalPos(), orv::plainTip(hintAt(help->pos())), viewport());
+            // It goes when the mouse leaves what it is about.
+            const TorvQDControl* element = elementAt(help->pos());
+            QToolTip::showText(help->globalPos(), orv::plainTip(hintAt(help->pos())), viewport(),
+                               element ? elementRect(*element) : QRect());
         });
         return true;
     }

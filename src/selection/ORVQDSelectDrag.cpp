@@ -38,8 +38,10 @@ int TorvQDSelectGrid::rowAtPoint(const QPoint& point) const {
 
 // --- rows ---
 
+// In a window that is not active an editor has no focus to lose.
 void TorvQDSelectGrid::mousePressEvent(QMouseEvent* event) {
     endRowDrag();
+    if (!commitBefore()) return;
     QTableView::mousePressEvent(event);
     const int row = rowAtPoint(event->pos());
     if (event->button() != Qt::LeftButton || !isDataRow(row)) return;
@@ -213,7 +215,7 @@ void TorvQDSelectGrid::dropEvent(QDropEvent* event) {
 // Its box, or the row, may be gone since the drop.
 void TorvQDSelectGrid::putField(const orv::DraggedField& field,
                                 const QPersistentModelIndex& target) {
-    commitBefore();
+    if (!commitBefore()) return;
     const QString name = field.qualifiedName();
     if (!target.isValid() || !AllFields || !AllFields->contains(name)) return;
     const int row = target.row() + 1;

@@ -103,7 +103,7 @@ void TorvQDSelectGrid::_EditText(int Col, int Row) {
 bool TorvQDSelectGrid::openEditor(int col, int row) {
     const int rows = RowCount();
     const int editedRow = m_edited.row() + 1;
-    commitEdit();
+    if (!commitBefore()) return false;
     if (RowCount() < rows && row > editedRow) --row;
     const bool isLast = row == RowCount() - 1;
     if (col < 0 || col >= orv::gridColumns || row < 1 || row >= RowCount()) return false;
@@ -175,9 +175,12 @@ void TorvQDSelectGrid::discardEdit() {
     if (isEditing()) closeEditor();
 }
 
-// What somebody else does to the rows happens also when taking over the text fails.
-void TorvQDSelectGrid::commitBefore() {
+// What somebody else does to the rows happens also when taking over the text fails; but not when
+// the grid died of what the host made of it.
+bool TorvQDSelectGrid::commitBefore() {
+    const QPointer<TorvQDSelectGrid> self(this);
     if (isEditing()) orv::guarded([this] { commitEdit(); });
+    return self;
 }
 
 void TorvQDSelectGrid::_CellKeyDown(int Key) {
@@ -265,7 +268,7 @@ void TorvQDSelectGrid::deleteRow(int row) {
 }
 
 void TorvQDSelectGrid::_DeleteCurrentRow() {
-    commitBefore();
+    if (!commitBefore()) return;
     const int row = currentRow();
     if (!isDataRow(row)) throw orv::Error(QStringLiteral("Could not delete last row!"));
     deleteRow(row);
@@ -273,8 +276,8 @@ void TorvQDSelectGrid::_DeleteCurrentRow() {
 
 void TorvQDSelectGrid::moveRow(int From, int To) {
     const int rows = RowCount();
-    commitBefore();
-    if (RowCount() < rows || From == To || !isDataRow(From) || !isDataRow(To)) return;
+    if (!commitBefore() || RowCount() < rows || From == To || !isDataRow(From) || !isDataRow(To))
+        return;
     const QPointer<TorvQDSelectGrid> self(this);
     const int col = std::max(0, currentIndex().column());
     change([&] {
@@ -370,7 +373,7 @@ private:
 }  // namespace
 
 void TorvQDSelectGrid::askToDelete() {
-    commitBefore();
+    if (!commitBefore()) return;
     const KeptRow row(*this);
     const QPointer<TorvQDSelectGrid> self(this);
     const orv::MessageAnswer answer = orv::showMessage(
@@ -389,7 +392,7 @@ void TorvQDSelectGrid::contextMenuEvent(QContextMenuEvent* event) {
     const QModelIndex cell = isMouse ? indexAt(point) : currentIndex();
     if (!cell.isValid() || (isMouse && !viewport()->rect().contains(point))) return;
     orv::guarded([&] {
-        commitBefore();
+        if (!commitBefore()) return;
         if (isMouse) setCurrentIndex(indexAt(point));
         showMenu(isMouse ? point : visualRect(currentIndex()).center());
     });
@@ -431,6 +434,6 @@ void TorvQDSelectGrid::showMenu(const QPoint& point) {
 // A page that is left takes what was typed over; a window that is closed may be about to die.
 void TorvQDSelectGrid::hideEvent(QHideEvent* event) {
     endRowDrag();
-    if (!event->spontaneous() && !window()->isHidden()) commitBefore();
     QTableView::hideEvent(event);
+    if (!event->spontaneous() && !window()->isHidden()) static_cast<void>(commitBefore());
 }

@@ -113,7 +113,7 @@ QString TorvQDSelectGrid::CreateFieldName(const QString& Agg, const QString& Sou
 }
 
 void TorvQDSelectGrid::CheckField(const QString& Name) {
-    commitBefore();
+    if (!commitBefore()) return;
     m_columns.push_back({CreateFieldName(QString(), Name), QString(), Name});
     changed();
 }
@@ -127,8 +127,7 @@ void TorvQDSelectGrid::uncheckFields(const QSet<QString>& names) {
         return names.contains(column.source);
     };
     if (std::none_of(m_columns.begin(), m_columns.end(), goes)) return;
-    commitBefore();
-    if (std::erase_if(m_columns, goes) > 0) changed();
+    if (commitBefore() && std::erase_if(m_columns, goes) > 0) changed();
 }
 
 // The text in an editor is a source like any other. It is taken over at the end, when the names of
@@ -156,8 +155,9 @@ void TorvQDSelectGrid::ChangeAlias(const QString& NewAlias, const QString& OldAl
         QString typed = m_choice->currentText();
         if (rename(typed)) m_choice->setEditText(typed);
     }
+    const QPointer<TorvQDSelectGrid> self(this);
     if (found) changed();
-    commitBefore();
+    if (self) static_cast<void>(commitBefore());
 }
 
 QString TorvQDSelectGrid::GetFieldName(int Row) const {

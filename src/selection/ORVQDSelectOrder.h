@@ -168,7 +168,7 @@ private:
     void setCurrentCell(int col, int row);
 
     void createEditors();
-    void commitBefore();
+    [[nodiscard]] bool commitBefore();
     [[nodiscard]] bool openEditor(int col, int row);
     void startTyping(const QString& text);
     void closeEditor();

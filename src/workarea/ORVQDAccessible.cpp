@@ -260,36 +260,6 @@ QAccessibleInterface* makeInterface(const QString&, QObject* object) {
     return area && area->viewport() == view ? new ViewAccessible(view) : nullptr;
 }
 
-AccessibleListener& listener() {
-    static AccessibleListener present;
-    return present;
-}
-
-// Whether somebody listens, without whom nothing is looked up.
-bool isHeard() {
-    return listener() || QAccessible::isActive();
-}
-
-void send(QAccessibleEvent& event) {
-    if (const AccessibleListener present = listener()) {
-        present(event);
-    } else {
-        QAccessible::updateAccessibility(&event);
-    }
-}
-
-void tell(QAccessibleInterface* about, QAccessible::Event what) {
-    if (!about) return;
-    QAccessibleEvent event(about, what);
-    send(event);
-}
-
-void tell(QAccessibleInterface* about, QAccessible::State changed) {
-    if (!about) return;
-    QAccessibleStateChangeEvent event(about, changed);
-    send(event);
-}
-
 }  // namespace
 
 void tellFocus(TorvQDWorkArea& area) {
@@ -347,10 +317,6 @@ void tellChange(TorvQDTable* table, IDiagramCanvas::BoxChange change, const Torv
 
 void installAccessibility() {
     QAccessible::installFactory(accessible::makeInterface);
-}
-
-AccessibleListener setAccessibleListener(AccessibleListener present) {
-    return std::exchange(accessible::listener(), std::move(present));
 }
 
 }  // namespace orv

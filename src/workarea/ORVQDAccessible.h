@@ -3,10 +3,8 @@
 
 #include "contract/IDiagramCanvas.h"
 #include "core/Export.h"
+#include "toolkit/AccessibleEvents.h"
 
-#include <functional>
-
-class QAccessibleEvent;
 class TorvQDWorkArea;
 
 /// What screen readers know of the diagram: the work area with its boxes and links, a box with its
@@ -19,13 +17,6 @@ namespace orv {
 
 /// Makes Qt ask for these interfaces. Further calls do nothing.
 ORV_EXPORT void installAccessibility();
-
-using AccessibleListener = std::function<void(QAccessibleEvent& event)>;
-
-/// Replaces the listener, to whom events about the diagram go (a platform without screen readers
-/// drops them, and a test must see them); an empty function brings Qt's own way back. Returns the
-/// listener that was there.
-ORV_EXPORT AccessibleListener setAccessibleListener(AccessibleListener present);
 
 /// Telling screen readers, where there are any, what has changed. Objects are on the diagram.
 namespace accessible {

@@ -203,7 +203,10 @@ private Q_SLOTS:
         HostedBuilder on;
         on.addTable("T");
         int refreshed = 0;
-        connect(on.grid()->model(), &QAbstractItemModel::modelReset, this, [&] { ++refreshed; });
+        const QAbstractItemModel* model = on.grid()->model();
+        connect(model, &QAbstractItemModel::modelReset, this, [&] { ++refreshed; });
+        connect(model, &QAbstractItemModel::rowsInserted, this, [&] { ++refreshed; });
+        connect(model, &QAbstractItemModel::rowsRemoved, this, [&] { ++refreshed; });
         on.table("T")->SetFieldState(2);
         QCOMPARE(refreshed, 1);
         on.builder.LoadSQL("select * from t, u");
