@@ -150,6 +150,42 @@ void relayConditions(benchmark::State& state) {
 }
 BENCHMARK(relayConditions)->RangeMultiplier(2)->Range(250, 16000)->Complexity(benchmark::oN);
 
+// --- output columns ---
+
+// Another output name for a row in the middle: typed, taken over and shown.
+void editColumn(benchmark::State& state) {
+    ShownPages pages(selection);
+    pages.loadColumns(int(state.range(0)));
+    TorvQDSelectGrid& grid = *pages.builder.SelectPanel->grid();
+    const int row = int(state.range(0)) / 2;
+    grid.scrollTo(grid.model()->index(row, 0));
+    QCoreApplication::processEvents();
+    PaintCounter counter(grid.viewport());
+    int step = 0;
+    for ([[maybe_unused]] auto _ : state) {
+        grid._EditText(0, row);
+        grid._SetCellText(++step % 2 ? QStringLiteral("SHORT") : QStringLiteral("LONGER"));
+        grid.commitEdit();
+        QCoreApplication::processEvents();
+    }
+    state.counters["painted_px"] = double(counter.pixels) / step;
+}
+BENCHMARK(editColumn)->Arg(20)->Arg(200)->Arg(2000);
+
+void scrollColumns(benchmark::State& state) {
+    ShownPages pages(selection);
+    pages.loadColumns(int(state.range(0)));
+    TorvQDSelectGrid& grid = *pages.builder.SelectPanel->grid();
+    PaintCounter counter(grid.viewport());
+    int step = 0;
+    for ([[maybe_unused]] auto _ : state) {
+        grid.verticalScrollBar()->setValue(++step % 2 ? 3 : 0);
+        QCoreApplication::processEvents();
+    }
+    state.counters["painted_px"] = double(counter.pixels) / step;
+}
+BENCHMARK(scrollColumns)->Arg(40)->Arg(200)->Arg(2000);
+
 // --- many fields ---
 
 void tickAllOfBoxes(benchmark::State& state) {
@@ -169,6 +205,29 @@ void tickAllOfBoxes(benchmark::State& state) {
     state.SetComplexityN(state.range(0) * 100);
 }
 BENCHMARK(tickAllOfBoxes)
+    ->RangeMultiplier(2)
+    ->Range(12, 200)
+    ->Complexity(benchmark::oN)
+    ->Unit(benchmark::kMillisecond);
+
+// The same fields in ever more boxes, each ticked by itself.
+void tickMoreBoxes(benchmark::State& state) {
+    ShownPages pages(selection);
+    const TDataSet dataSet = fields(100);
+    TorvQDWorkArea& area = *pages.builder.WorkArea;
+    std::vector<TorvQDTable*> boxes;
+    for (int box = 0; box < int(state.range(0)); ++box) {
+        boxes.push_back(area.AddPanel(QStringLiteral("TABLE_%1").arg(box), &dataSet));
+    }
+    for ([[maybe_unused]] auto _ : state) {
+        for (TorvQDTable* box : boxes) box->SetFieldState(2);
+        state.PauseTiming();
+        for (TorvQDTable* box : boxes) box->SetFieldState(0);
+        state.ResumeTiming();
+    }
+    state.SetComplexityN(state.range(0) * 100);
+}
+BENCHMARK(tickMoreBoxes)
     ->RangeMultiplier(2)
     ->Range(12, 200)
     ->Complexity(benchmark::oN)

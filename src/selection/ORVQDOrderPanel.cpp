@@ -146,10 +146,11 @@ IPagesHost* TorvQDOrderPanel::host() const {
     return orv::pagesHostAbove(this);
 }
 
-TorvQDOrderPanel::Outputs TorvQDOrderPanel::outputs() const {
+TorvQDOrderPanel::Outputs TorvQDOrderPanel::outputs(std::size_t first) const {
     Outputs outputs;
     if (!grid) return outputs;
-    for (const orv::OutputColumn& column : grid->columns()) {
+    for (std::size_t index = first; index < grid->columns().size(); ++index) {
+        const orv::OutputColumn& column = grid->columns()[index];
         outputs.names << column.name;
         outputs.sources << orv::orvTrim(column.aggregate) + u'|' + column.source;
     }
@@ -279,20 +280,33 @@ void TorvQDOrderPanel::refreshLists(int line) {
     _SelectItem();
 }
 
-bool TorvQDOrderPanel::showsOutputs() const {
-    static const orv::OutputColumns none;
-    const orv::OutputColumns& columns = grid ? grid->columns() : none;
-    return std::equal(columns.begin(), columns.end(), m_shownColumns.begin(), m_shownColumns.end(),
-                      [](const orv::OutputColumn& one, const orv::OutputColumn& other) {
-                          return one.name == other.name && one.source == other.source &&
-                                 one.aggregate == other.aggregate;
-                      });
+// How many output columns are as they were at the last refresh, from the first one on.
+std::size_t TorvQDOrderPanel::unchangedOutputs() const {
+    if (!grid) return 0;
+    const orv::OutputColumns& columns = grid->columns();
+    const auto equal = [](const orv::OutputColumn& one, const orv::OutputColumn& other) {
+        return one.name == other.name && one.source == other.source &&
+               one.aggregate == other.aggregate;
+    };
+    const auto differ = std::mismatch(columns.begin(), columns.end(), m_shownColumns.begin(),
+                                      m_shownColumns.end(), equal);
+    return std::size_t(differ.first - columns.begin());
 }
 
-// A change of the order alone leaves lists and buttons as its command left them.
+// A change of the order alone leaves lists and buttons as its command left them. Columns that came
+// behind the others, as ticked fields do, cost what they are.
 void TorvQDOrderPanel::RefreshFields() {
-    if (!showsOutputs()) {
+    const std::size_t unchanged = unchangedOutputs();
+    const std::size_t columns = grid ? grid->columns().size() : 0;
+    if (unchanged < m_shownColumns.size()) {
         refreshLists(selectedLine());
+    } else if (unchanged < columns) {
+        const Outputs added = outputs(unchanged);
+        m_shownColumns.insert(m_shownColumns.end(), grid->columns().begin() + unchanged,
+                              grid->columns().end());
+        m_list.appendOutputs(added.names, added.sources, int(unchanged) + 1);
+        showLists(selectedLine(), selectedName());
+        _SelectItem();
     } else if (!m_editing) {
         _SelectItem();
     }

@@ -279,8 +279,8 @@ private:
     enum class Command { None, Add, Remove, ChangeOrder, MoveUp, MoveDown };
 
     [[nodiscard]] IPagesHost* host() const;
-    [[nodiscard]] Outputs outputs() const;
-    [[nodiscard]] bool showsOutputs() const;
+    [[nodiscard]] Outputs outputs(std::size_t first = 0) const;
+    [[nodiscard]] std::size_t unchangedOutputs() const;
     class OutputIndex;
     void loadItems(const orv::TokenRun& run, orv::LoadLedger& ledger);
     void loadNode(const TorvQDParser& node);

@@ -3,8 +3,6 @@
 
 #include "core/Text.h"
 
-#include <QSet>
-
 #include <utility>
 
 namespace orv {
@@ -73,12 +71,25 @@ int SortList::refresh(const QStringList& outputNames, const QStringList& sources
     m_unsorted.clear();
     m_unsortedLines.clear();
     for (int row = 1; row <= int(outputNames.size()); ++row) {
-        const QString& name = outputNames[row - 1];
-        if (sorted.contains(name) || isBlank(name)) continue;
-        m_unsorted << name;
-        m_unsortedLines.push_back({name, ascendingText(), row, sources.value(row - 1)});
+        list(outputNames[row - 1], sources.value(row - 1), row, sorted);
     }
     return position;
+}
+
+void SortList::appendOutputs(const QStringList& names, const QStringList& sources, int firstRow) {
+    QSet<QString> sorted;
+    for (const Line& line : m_lines) sorted.insert(line.name);
+    for (qsizetype index = 0; index < names.size(); ++index) {
+        list(names[index], sources.value(index), firstRow + int(index), sorted);
+    }
+}
+
+// Lists the output name of a row as unsorted, unless it is sorted or blank.
+void SortList::list(const QString& name, const QString& source, int row,
+                    const QSet<QString>& sorted) {
+    if (sorted.contains(name) || isBlank(name)) return;
+    m_unsorted << name;
+    m_unsortedLines.push_back({name, ascendingText(), row, source});
 }
 
 int SortList::rowOf(const Line& line, const QStringList& outputNames, const QStringList& sources) {

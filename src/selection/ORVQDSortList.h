@@ -4,6 +4,7 @@
 #include "core/Export.h"
 
 #include <QHash>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -48,12 +49,18 @@ public:
     /// is the new position of the line `followed`; -1 when there is none any more.
     int refresh(const QStringList& outputNames, const QStringList& sources = {}, int followed = -1);
 
+    /// The same when output names came behind those of the last refresh; `firstRow` is the row of
+    /// the first of them. Costs what they cost.
+    void appendOutputs(const QStringList& names, const QStringList& sources, int firstRow);
+
     /// The output row of a line: the one that it came from while that still has its name, wherever
     /// it was moved; else the first of its name; 0 when there is none.
     [[nodiscard]] static int rowOf(const Line& line, const QStringList& outputNames,
                                    const QStringList& sources = {});
 
 private:
+    void list(const QString& name, const QString& source, int row, const QSet<QString>& sorted);
+
     std::vector<Line> m_lines;
     QStringList m_unsorted;
     std::vector<Line> m_unsortedLines;  // as they will be when they are added

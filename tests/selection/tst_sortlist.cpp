@@ -152,6 +152,32 @@ private Q_SLOTS:
         list.refresh({"A", "A"}, {"U.A", "V.A"});
         QCOMPARE(SortList::rowOf(list.lines()[0], {"A", "A"}, {"U.A", "V.A"}), 1);
     }
+
+    // Behind a list, names are listed as a refresh of all of them lists them.
+    void appendedNamesAreListedAsByARefresh() {
+        const QStringList names = {"A", "B", "A", " ", "C", "B", "D"};
+        const QStringList sources = {"1", "2", "3", "4", "5", "6", "7"};
+        for (int known = 0; known <= int(names.size()); ++known) {
+            orv::SortList grown;
+            orv::SortList whole;
+            for (orv::SortList* list : {&grown, &whole}) {
+                list->append("B", orv::descendingText(), 2, "2");
+                (void)list->refresh(names.mid(0, std::max(known, 2)),
+                                    sources.mid(0, std::max(known, 2)));
+            }
+            const int from = std::max(known, 2);
+            grown.appendOutputs(names.mid(from), sources.mid(from), from + 1);
+            (void)whole.refresh(names, sources);
+            QCOMPARE(grown.unsorted(), whole.unsorted());
+            QVERIFY(grown.lines() == whole.lines());
+            // They sort by the rows that they stand for.
+            for (int index = 0; index < int(whole.unsorted().size()); ++index) {
+                grown.add(0);
+                whole.add(0);
+            }
+            QVERIFY(grown.lines() == whole.lines());
+        }
+    }
 };
 
 QTEST_MAIN(SortListTest)
