@@ -311,7 +311,13 @@ void TorvQDWherePanel::paintEvent(QPaintEvent* event) {
             DrawRow(painter, *rows[std::size_t(index)], index * height - top);
         }
         drawDropMark(painter);
-        if (rows.size() != 1 || isEditing()) return;
+        if (isEditing()) {
+            // The editor has no border of its own and is as white as the active row.
+            const QRect frame = m_editor->memo().geometry().adjusted(-1, -1, 1, 1);
+            drawTwoTone(painter, frame, grey, grey);
+            return;
+        }
+        if (rows.size() != 1) return;
         painter.setFont(m_widths->plainFont());
         painter.setPen(palette().color(QPalette::PlaceholderText));
         painter.drawText(QRect(2 * orv::levelIndentPx, height - top, viewport()->width(), height),

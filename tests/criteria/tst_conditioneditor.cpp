@@ -858,6 +858,20 @@ private Q_SLOTS:
             QVERIFY(services.errors.isEmpty());
         }
     }
+
+    // It has no border of its own, and lies on a row as white as itself.
+    void editorIsSeenOnTheActiveRow() {
+        const EditedPanel on;
+        on.open();
+        const QRect text = on.memo()->geometry();
+        const QImage picture = on.view()->grab().toImage();
+        const QPoint beside(text.left() - 1, text.center().y());
+        QCOMPARE(picture.pixelColor(beside), QColor(128, 128, 128));
+        QCOMPARE(picture.pixelColor(text.center().x(), text.bottom() + 1), QColor(128, 128, 128));
+        on.panel()->discardEdit();
+        QVERIFY(on.view()->grab().toImage().pixelColor(text.center().x(), text.bottom() + 1) !=
+                QColor(128, 128, 128));
+    }
 };
 
 QTEST_MAIN(ConditionEditorTest)
