@@ -39,14 +39,17 @@ bool TorvQDWherePanel::_DragOver(const QMimeData* Data, const QPoint& Point) {
 void TorvQDWherePanel::_DragDrop(const QMimeData* Data, const QPoint& Point) {
     const orv::ElementRef target(dropElement(Data, Point));
     if (!target.get()) return;
-    const QString name = orv::draggedField(Data)->qualifiedName();
-    const auto drop = [this, target, name] {
+    const orv::DraggedField field = *orv::draggedField(Data);
+    const auto drop = [this, target, field] {
         orv::guarded([&] {
             const QPointer<TorvQDWherePanel> self(this);
             commitEdit();
             const TorvQDControl* element = self ? target.get() : nullptr;
             if (!element || !element->Row->textOf(element->Kind)) return;
-            storeText(*element, name);
+            // Its box may be gone by now.
+            const IPagesHost* owner = host();
+            if (!owner || !owner->tableAliases().contains(field.alias)) return;
+            storeText(*element, field.qualifiedName());
             if (self) setFocus();
         });
     };

@@ -139,8 +139,9 @@ bool TorvQDWherePanel::event(QEvent* event) {
     return QAbstractScrollArea::event(event);
 }
 
+// A command that is refused has used its key up all the same.
 void TorvQDWherePanel::keyPressEvent(QKeyEvent* event) {
-    bool isHandled = false;
+    bool isHandled = true;
     orv::guarded([&] { isHandled = handleKey(*event); });
     if (!isHandled) event->ignore();
 }

@@ -149,6 +149,7 @@ void TorvQueryBuilder::_ChangeAlias(QObject* Table, const QString& OldAlias) {
     flushRemovals();
     m_selectedFields.transform(renamed);
     m_allFields.transform(renamed);
+    for (QString& given : m_givenNames) given = renamed(given);
     for (TorvQDJoin* join : WorkArea->Joins()) {
         join->Text = orv::renamedAlias(join->Text, alias, OldAlias);
     }

@@ -218,7 +218,8 @@ TorvQDSelectPanel::TorvQDSelectPanel(QWidget* AOwner) : QWidget(AOwner) {
     layout->addWidget(m_grid, 1);
     setFocusPolicy(Qt::NoFocus);
     connect(m_distinct, &QCheckBox::toggled, this, [this] {
-        if (IPagesHost* owner = orv::pagesHostAbove(this)) owner->statementChanged();
+        IPagesHost* owner = orv::pagesHostAbove(this);
+        if (owner) orv::guarded([owner] { owner->statementChanged(); });
     });
 }
 

@@ -20,7 +20,7 @@ public:
 
     /// Shows the edit where it lies, with the text, and takes the focus.
     void open(const QString& text);
-    /// Hides the edit without an exit; `focusTo` gets the focus when the edit has it.
+    /// Hides the edit without an exit; its parent gets the focus when the edit has it.
     void discard();
 
     std::function<void()> committed;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Conditions as text on the clipboard, copied and moved.
+#include "criteria/EditedPanel.h"
 #include "criteria/ORVQDConditionClipboard.h"
 #include "criteria/ORVQDConditionMeaning.h"
 #include "criteria/ORVQDWherePanel.h"
@@ -724,6 +725,36 @@ private Q_SLOTS:
         QTest::keyClick(window.windowHandle(), Qt::Key_D, Qt::ControlModifier);
         QCOMPARE(fired, 1);
         on.builder.setParent(nullptr);
+    }
+
+    // What is being typed is taken over first, and the host is told of that.
+    void hostMayDestroyTheBuilderBeforeACommand_data() {
+        QTest::addColumn<int>("command");
+        QTest::newRow("copy") << 0;
+        QTest::newRow("cut") << 1;
+        QTest::newRow("paste") << 2;
+        QTest::newRow("duplicate") << 3;
+        QTest::newRow("move") << 4;
+    }
+    void hostMayDestroyTheBuilderBeforeACommand() {
+        QFETCH(int, command);
+        const orvtest::RecordedServices services;
+        orvtest::EditedPanel on;
+        on.type("7");
+        TorvQDWherePanel* panel = on.panel();
+        panel->setCurrentElement(&on.element(0, ekArgument));
+        connect(on.builder, &TorvQueryBuilder::StatementChanged, on.form.get(),
+                [&] { delete on.builder; });
+        switch (command) {
+        case 0: panel->CopyCondition(); break;
+        case 1: panel->CutCondition(); break;
+        case 2: panel->PasteCondition(); break;
+        case 3: panel->DuplicateCondition(); break;
+        default: panel->MoveCondition(1);
+        }
+        QVERIFY(!on.builder);
+        QCOMPARE(services.errors, QStringList());
+        QCOMPARE(services.messages, QStringList());
     }
 
 private:

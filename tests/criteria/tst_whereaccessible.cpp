@@ -143,6 +143,16 @@ private Q_SLOTS:
                  "This group has no conditions.");
     }
 
+    // It keeps the mark of the condition that it was made of, which has that mark itself.
+    void groupHasNoTypes() {
+        const Read on("t.a = 1");
+        on.row(1)->Valid = false;
+        on.panel().setCurrentElement(on.row(1)->Controls[ekButton].get());
+        on.panel().MakeCompositCondition();
+        QCOMPARE(nameOf(on.readRow(1)), "1. All of following are met, 1 condition, expanded");
+        QCOMPARE(nameOf(on.readRow(2)), "1.1. T.A = 1, type mismatch");
+    }
+
     void rowsTellTheirLevelAndState() {
         const Read on(condition);
         const auto level = [&](int index) {

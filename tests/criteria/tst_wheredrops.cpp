@@ -187,6 +187,17 @@ private Q_SLOTS:
         QCOMPARE(on.changes, 0);
     }
 
+    void fieldWhoseBoxGoesBeforeTheDropIsOverIsNotTaken() {
+        EditedPanel on;
+        Drag drag(on, "J");
+        QVERIFY(drag.drop(on.rectOf(0, ekArgument).center()));
+        on.builder->ListOfTables->DeleteTable(0);
+        on.changes = 0;
+        QCoreApplication::processEvents();
+        QCOMPARE(on.row(0)->Arguments[0], "1");
+        QCOMPARE(on.changes, 0);
+    }
+
     void builderMayDieBeforeTheDropIsOver() {
         EditedPanel on;
         Drag drag(on, "J");

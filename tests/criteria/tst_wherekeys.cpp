@@ -460,6 +460,23 @@ private Q_SLOTS:
         QCOMPARE(around.keys, QList<int>());
     }
 
+    void keysOfRefusedCommandsAreSwallowedToo() {
+        const ShownConditions on;
+        KeyTaker around;
+        TorvQDWherePanel panel(&around);
+        panel.Operators = on.builder.Operators.get();
+        panel.GroupOpers = &on.builder.GroupOpers;
+        panel.Activate();
+        for (const int key : {Qt::Key_Delete, Qt::Key_Left, Qt::Key_D}) {
+            QKeyEvent event(QEvent::KeyPress, key, Qt::ControlModifier);
+            QCoreApplication::sendEvent(&panel, &event);
+        }
+        QCOMPARE(on.services.errors,
+                 QStringList({"Could not delete first row", "Can not collapse first condition",
+                              "Could not duplicate first row"}));
+        QCOMPARE(around.keys, QList<int>());
+    }
+
     void tabLeavesThePanel() {
         const ShownConditions on("t.a = 1");
         QCOMPARE(on.panel->focusPolicy(), Qt::StrongFocus);

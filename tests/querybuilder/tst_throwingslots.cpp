@@ -3,6 +3,8 @@
 // that may be inside StatementChanged.
 #include "support/BuilderTools.h"
 
+#include <QCheckBox>
+
 using orvtest::HostedBuilder;
 
 class ThrowingSlotsTest : public QObject {
@@ -44,6 +46,19 @@ private Q_SLOTS:
                 [&] { (void)on.builder.GetSQLStatment(); });
         QCOMPARE(orvtest::errorOf([&] { on.builder.LoadSQL(unwritable); }), error);
         QCOMPARE(on.columns().size(), 2);
+        verifyBuilder(on.builder);
+    }
+
+    void errorOfASlotDoesNotPassThroughTheOptionOfUniqueRecords() {
+        const orvtest::RecordedServices services;
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t");
+        connect(&on.builder, &TorvQueryBuilder::StatementChanged, this,
+                [] { throw orv::Error(QStringLiteral("slot")); });
+        QCOMPARE(orvtest::errorOf([&] { on.builder.SelectPanel->distinctBox()->click(); }),
+                 "(no error)");
+        QCOMPARE(services.errors, QStringList("slot"));
+        QCOMPARE(on.builder.SelectPanel->GetDistinct(), -1);
         verifyBuilder(on.builder);
     }
 };

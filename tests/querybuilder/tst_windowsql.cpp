@@ -415,6 +415,18 @@ private Q_SLOTS:
         verifyBuilder(on.builder);
     }
 
+    void quotedKeywordIsUntickedUnderANewAlias() {
+        HostedBuilder on(true);
+        on.host.add("L", {"SELECT", "PLAIN"});
+        on.builder.LoadSQL("select l.\"SELECT\", l.\"PLAIN\" from l");
+        on.builder.WorkArea->renameTable(on.table("L"), "X");
+        QCOMPARE(on.builder.SelectedFields().names(), QStringList({"X.\"SELECT\"", "X.PLAIN"}));
+        on.tick("X", "SELECT", false);
+        QCOMPARE(on.columns(), QStringList("PLAIN||X.PLAIN"));
+        QCOMPARE(on.builder.SelectedFields().names(), QStringList("X.PLAIN"));
+        verifyBuilder(on.builder);
+    }
+
     // --- handlers that call back
 
     void clearAndLoadAreRefusedInsideAQuestion_data() {
