@@ -50,9 +50,9 @@ public:
             QStringLiteral("move"), [this, place] { point(place()); },
             [this, place] {
                 const QPoint wanted = place();
-                if (m_target == wanted) return m_seen == m_target;
+                if (m_target == wanted) return isSeen();
                 // What is pointed to has moved meanwhile, or the detour is over.
-                if (!m_makesDetour || m_seen == m_target) moveStraight(wanted);
+                if (!m_makesDetour || isSeen()) moveStraight(wanted);
                 return false;
             });
     }
@@ -201,6 +201,13 @@ private:
         const bool isThere = QCursor::pos() == place;
         moveStraight(isThere ? place + QPoint(1, 0) : place);
         m_makesDetour = isThere;
+    }
+
+    // During drags a scale is rounded at several places.
+    [[nodiscard]] bool isSeen() const {
+        const QPoint off = m_seen - m_target;
+        const int most = qApp->devicePixelRatio() > 1 ? 1 : 0;
+        return qAbs(off.x()) <= most && qAbs(off.y()) <= most;
     }
 
     void moveStraight(const QPoint& place) {
