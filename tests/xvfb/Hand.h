@@ -6,6 +6,7 @@
 #include <QDrag>
 #include <QDropEvent>
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QMouseEvent>
 #include <QPoint>
 #include <QProcess>
@@ -37,6 +38,8 @@ public:
     ~Hand() override {
         qApp->removeEventFilter(this);
         if (QGuiApplication::mouseButtons() != Qt::NoButton) letGo();
+        m_tool.closeWriteChannel();
+        m_tool.waitForFinished(mostMs);
     }
 
     // --- what to do ---
@@ -47,16 +50,16 @@ public:
             QStringLiteral("move"), [this, place] { point(place()); },
             [this, place] {
                 const QPoint wanted = place();
-                if (m_target == wanted) return m_seen == m_target;
+                if (m_target == wanted) return isSeen();
                 // What is pointed to has moved meanwhile, or the detour is over.
-                if (!m_makesDetour || m_seen == m_target) moveStraight(wanted);
+                if (!m_makesDetour || isSeen()) moveStraight(wanted);
                 return false;
             });
     }
     Hand& press(int button = 1) {
         return add(
             QStringLiteral("press"),
-            [button] {
+            [this, button] {
                 xdotool({"mousedown", QString::number(button)});
             },
             [button] { return QGuiApplication::mouseButtons().testFlag(qtButton(button)); });
@@ -64,7 +67,7 @@ public:
     Hand& release(int button = 1) {
         return add(
             QStringLiteral("release"),
-            [button] {
+            [this, button] {
                 xdotool({"mouseup", QString::number(button)});
             },
             [button] { return !QGuiApplication::mouseButtons().testFlag(qtButton(button)); });
@@ -98,15 +101,33 @@ public:
             },
             [this] { return m_wheels > m_wheelsBefore; });
     }
+    /// Turns it until the condition holds.
+    Hand& wheelUntil(const std::function<int()>& button, const Condition& condition) {
+        return add(
+            QStringLiteral("wheel until"), [this] { m_wheelsBefore = m_wheels - 1; },
+            [this, button, condition] {
+                if (condition()) return true;
+                if (m_wheels == m_wheelsBefore) return false;
+                m_wheelsBefore = m_wheels;
+                xdotool({"click", QString::number(button())});
+                return false;
+            });
+    }
     /// Keys as xdotool has them: "Escape", "ctrl+a". What they do is to be waited for.
     Hand& key(const QString& keys) {
-        return add("key " + keys, [keys] { xdotool({"key", "--delay", "0", keys}); });
+        return add("key " + keys, [this, keys] { xdotool({"key", "--delay", "0", keys}); });
+    }
+    /// A text without double quotes, character by character. What it does is to be waited for.
+    Hand& type(const QString& text) {
+        return add("type " + text, [this, text] {
+            xdotool({"type", "--delay", "0", u'"' + text + u'"'});
+        });
     }
     Hand& keyDown(const QString& name) {
-        return add("key down " + name, [name] { xdotool({"keydown", name}); });
+        return add("key down " + name, [this, name] { xdotool({"keydown", name}); });
     }
     Hand& keyUp(const QString& name) {
-        return add("key up " + name, [name] { xdotool({"keyup", name}); });
+        return add("key up " + name, [this, name] { xdotool({"keyup", name}); });
     }
     Hand& until(const QString& what, const Condition& condition) {
         return add("until " + what, {}, condition);
@@ -117,10 +138,15 @@ public:
     [[nodiscard]] QString perform() {
         m_failure.clear();
         m_isStarted = false;
+        // Waiting as QTest does sleeps between the events.
+        QEventLoop loop;
+        m_loop = &loop;
+        QTimer::singleShot(60000, &loop, &QEventLoop::quit);
         m_poll.start();
-        const bool isDone = QTest::qWaitFor([this] { return m_steps.empty(); }, 60000);
+        if (!m_steps.empty()) loop.exec();
         m_poll.stop();
-        return isDone ? m_failure : QStringLiteral("never came back");
+        m_loop = nullptr;
+        return m_steps.empty() ? m_failure : QStringLiteral("never came back");
     }
 
     /// Drags that the pointer was seen over one of the program's windows with.
@@ -159,10 +185,15 @@ private:
         return button == 1 ? Qt::LeftButton : button == 2 ? Qt::MiddleButton : Qt::RightButton;
     }
 
-    static void xdotool(const QStringList& arguments) {
-        QProcess process;
-        process.start(QStringLiteral("xdotool"), arguments);
-        process.waitForFinished(mostMs);
+    // One program does it all: it takes a line for each command. Starting one takes longer than
+    // most steps do.
+    void xdotool(const QStringList& arguments) {
+        if (m_tool.state() == QProcess::NotRunning) {
+            m_tool.start(QStringLiteral("xdotool"), {QStringLiteral("-")});
+            m_tool.waitForStarted(mostMs);
+        }
+        m_tool.write(arguments.join(u' ').toUtf8() + '\n');
+        m_tool.waitForBytesWritten(mostMs);
     }
 
     // A pointer that stands there already is not heard of: it goes aside first.
@@ -172,11 +203,20 @@ private:
         m_makesDetour = isThere;
     }
 
+    // During drags a scale is rounded at several places.
+    [[nodiscard]] bool isSeen() const {
+        const QPoint off = m_seen - m_target;
+        const int most = qApp->devicePixelRatio() > 1 ? 1 : 0;
+        return qAbs(off.x()) <= most && qAbs(off.y()) <= most;
+    }
+
     void moveStraight(const QPoint& place) {
         m_makesDetour = false;
         m_target = place;
         m_seen = QPoint(-1, -1);
-        xdotool({"mousemove", QString::number(place.x()), QString::number(place.y())});
+        // The server knows nothing of a scale.
+        const QPoint pixels = place * qApp->devicePixelRatio();
+        xdotool({"mousemove", QString::number(pixels.x()), QString::number(pixels.y())});
     }
 
     Hand& add(const QString& what, const Action& act, const Condition& isDone = {}) {
@@ -206,16 +246,20 @@ private:
             m_steps.clear();
             letGo();
         }
+        if (m_steps.empty() && m_loop) m_loop->quit();
     }
 
     // Ends every loop that may be running, so that the test function returns.
-    static void letGo() {
+    void letGo() {
         QDrag::cancel();
-        xdotool({"mouseup", "1", "mouseup", "2", "mouseup", "3", "keyup", "ctrl"});
+        for (const char* button : {"1", "2", "3"}) xdotool({"mouseup", button});
+        xdotool({"keyup", "ctrl"});
         while (QWidget* popup = QApplication::activePopupWidget()) popup->close();
         if (QWidget* modal = QApplication::activeModalWidget()) modal->close();
     }
 
+    QProcess m_tool;
+    QEventLoop* m_loop = nullptr;  // while it is at work
     QTimer m_poll;
     std::deque<Step> m_steps;
     int m_added = 0;
