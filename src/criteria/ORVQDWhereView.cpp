@@ -52,6 +52,20 @@ void drawTwoTone(QPainter& painter, const QRect& rect, const QColor& upper, cons
     painter.fillRect(rect.right(), rect.top(), 1, rect.height(), lower);
 }
 
+// A gap in a row tells what belongs there.
+QString whatIsMissing(int kind) {
+    switch (kind) {
+    case ekFieldFunc: return QStringLiteral("No function: a click chooses one for the field.");
+    case ekFieldName: return QStringLiteral("A field or an expression belongs here.");
+    case ekOperator: return QStringLiteral("A click chooses an operator.");
+    case ekArgFunc: return QStringLiteral("No function: a click chooses one for the value.");
+    default:
+        return QStringLiteral(
+            "A value belongs here: a number, a text in quotes, a field or an "
+            "expression.");
+    }
+}
+
 // What is behind the last row when there is no condition yet.
 QString invitation() {
     return QStringLiteral("No conditions. A click on the button, or Insert, adds one.");
@@ -470,8 +484,8 @@ QString TorvQDWherePanel::hintAt(const QPoint& viewPoint) {
     const TorvQDControl* element = LookControl(*row, point.x());
     if (row->isGroup() || !element || element->Kind == ekButton) return rowProblem(*row);
     const QString full = fullText(*row, element->Kind);
-    const bool isCut = full != element->GetText() && !orv::isBlank(full);
-    return isCut ? tipOf(full) : rowProblem(*row);
+    if (orv::isBlank(full) && !row->isExpression()) return whatIsMissing(element->Kind);
+    return full != element->GetText() ? tipOf(full) : rowProblem(*row);
 }
 
 bool TorvQDWherePanel::viewportEvent(QEvent* event) {

@@ -82,7 +82,7 @@ private Q_SLOTS:
         const QString tip = on.tip(2, ekArgument);
         QCOMPARE(QString(tip).replace(QChar::Nbsp, u' '), argument);
         // As long as what is shown at the most.
-        on.row(1)->FieldName = QString(30, u'G');
+        on.row(1)->FieldName = u'\'' + QString(28, u'G') + u'\'';
         on.row(1)->Changed(false);
         QCOMPARE(on.tip(1, ekFieldName), QString());
     }
@@ -139,7 +139,8 @@ private Q_SLOTS:
         QCOMPARE(on.tipOfMark(1), unfilled);
         QCOMPARE(on.tip(1, ekButton), unfilled);
         QCOMPARE(on.tip(1, ekFieldName), unfilled);
-        QCOMPARE(on.tip(1, ekArgument), unfilled);
+        QCOMPARE(on.tip(1, ekOperator), unfilled);
+        QVERIFY(on.tip(1, ekArgument).startsWith("A value belongs here"));
         QCOMPARE(on.tipOfMark(2), on.panel().rowProblem(*on.row(2)));
         QVERIFY(!on.tipOfMark(2).isEmpty());
         QCOMPARE(on.tipOfMark(3), QString());

@@ -76,7 +76,7 @@ private Q_SLOTS:
         on.root()->SubRows->AddRow()->SetGroupOper("Any");
         on.panel->refreshView();
         QCOMPARE(tipAt(on, "2.", 0), "This condition is not filled in.");
-        QCOMPARE(tipAt(on, "2.", 2), "This condition is not filled in.");
+        QCOMPARE(tipAt(on, "2.", 2), "A field or an expression belongs here.");
         QCOMPARE(tipAt(on, QPoint(5, on.at("2.", 0).y())), "This condition is not filled in.");
         QCOMPARE(tipAt(on, "3.", 0), "This group has no conditions.");
         QCOMPARE(tipAt(on, "", 0), "");
