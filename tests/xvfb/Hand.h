@@ -17,6 +17,9 @@
 
 #include <deque>
 #include <functional>
+#include <memory>
+#include <optional>
+#include <type_traits>
 #include <utility>
 
 namespace orvtest {
@@ -116,6 +119,20 @@ public:
     /// Keys as xdotool has them: "Escape", "ctrl+a". What they do is to be waited for.
     Hand& key(const QString& keys) {
         return add("key " + keys, [this, keys] { xdotool({"key", "--delay", "0", keys}); });
+    }
+    /// Presses them until the state is the wanted one. Each press waits until it has changed it.
+    template <typename State>
+    Hand& keyUntil(const QString& keys, const std::function<State()>& state,
+                   const std::type_identity_t<State>& wanted) {
+        const auto before = std::make_shared<std::optional<State>>();
+        return add("key until " + keys, {}, [this, keys, state, wanted, before] {
+            const State now = state();
+            if (now == wanted) return true;
+            if (*before == now) return false;
+            *before = now;
+            xdotool({"key", "--delay", "0", keys});
+            return false;
+        });
     }
     /// A text without double quotes, character by character. What it does is to be waited for.
     Hand& type(const QString& text) {
@@ -226,7 +243,13 @@ private:
     }
 
     void proceed() {
-        if (m_steps.empty() || m_isActing) return;
+        if (m_isActing) return;
+        if (m_steps.empty()) {
+            // A loop that was ended may have been followed by another one.
+            if (!m_failure.isEmpty()) letGo();
+            if (m_loop) m_loop->quit();
+            return;
+        }
         if (!m_isStarted) {
             m_isStarted = true;
             m_clock.start();
