@@ -149,10 +149,8 @@ private:
         for (const OutputColumn& column : grid.columns()) {
             if (isBlank(column.source)) continue;
             checkNames(column.source);
-            const QString name = writtenOutputName(column, rules);
-            if (!name.isEmpty() && !isValidOutputName(name)) {
-                report(name, QStringLiteral("This is no valid name of an output column."));
-            }
+            const QString problem = outputNameProblem(column, rules);
+            if (!problem.isEmpty()) report(writtenOutputName(column, rules), problem);
         }
     }
 

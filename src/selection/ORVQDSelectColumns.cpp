@@ -71,6 +71,12 @@ bool isValidOutputName(const QString& name) {
     return isPlainIdentifier(name) || isQuotedName(name) || isText;
 }
 
+QString outputNameProblem(const OutputColumn& column, const SelectTextRules& rules) {
+    const QString name = writtenOutputName(column, rules);
+    if (name.isEmpty() || isValidOutputName(name)) return {};
+    return QStringLiteral("This is no valid name of an output column.");
+}
+
 QString columnText(const OutputColumn& column, const SelectTextRules& rules) {
     QString text = orvTrim(column.source);
     if (!isBlank(column.aggregate)) {

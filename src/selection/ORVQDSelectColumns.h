@@ -53,6 +53,10 @@ struct SelectTexts {
 /// Whether a name can stand behind AS: an identifier, or a name in quotes.
 [[nodiscard]] ORV_EXPORT bool isValidOutputName(const QString& name);
 
+/// What is wrong with the name behind AS, as one sentence; empty when nothing is.
+[[nodiscard]] ORV_EXPORT QString outputNameProblem(const OutputColumn& column,
+                                                   const SelectTextRules& rules);
+
 /// The text of one column as the select list has it.
 [[nodiscard]] ORV_EXPORT QString columnText(const OutputColumn& column,
                                             const SelectTextRules& rules);

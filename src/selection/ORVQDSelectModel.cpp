@@ -106,7 +106,16 @@ QString TorvQDSelectGrid::Model::toolTip(const QModelIndex& index) const {
 
 QString TorvQDSelectGrid::Model::askProblem(const orv::OutputColumn& column) const {
     const IPagesHost* host = m_grid->host();
-    return host && !orv::isBlank(column.source) ? host->nameProblem(column.source) : QString();
+    if (!host || orv::isBlank(column.source)) return {};
+    const QString gone = host->nameProblem(column.source);
+    if (!gone.isEmpty()) return gone;
+    const orv::SelectTextRules rules = m_grid->textRules();
+    const QString badName = orv::outputNameProblem(column, rules);
+    if (!badName.isEmpty()) return column.name + QStringLiteral(": ") + badName;
+    if (!m_isAggregated || orv::fitsAggregation(column, rules)) return {};
+    return QStringLiteral(
+        "This column has no aggregate and cannot be grouped: no statement can be "
+        "written.");
 }
 
 QString TorvQDSelectGrid::Model::problem(const QModelIndex& index) const {
@@ -119,6 +128,7 @@ QString TorvQDSelectGrid::Model::problem(const QModelIndex& index) const {
 // --- what changed ---
 
 void TorvQDSelectGrid::Model::refreshProblems(int first, int last) {
+    m_isAggregated = orv::isAggregated(m_grid->columns(), m_grid->textRules());
     for (int row = 0; row < int(m_rows.size()); ++row) {
         Row& shown = m_rows[std::size_t(row)];
         const std::optional<QString> before = std::exchange(shown.problem, std::nullopt);

@@ -33,14 +33,14 @@ public:
 
     /// Shows these columns; the view hears of no more than what differs.
     void show(const orv::OutputColumns& columns);
-    /// Asks anew for what is wrong with the sources of the rows from `first` to `last`, which are
-    /// on the screen; the others are asked about when they come there.
+    /// Asks anew for what is wrong with the rows from `first` to `last`, which are on the screen;
+    /// the others are asked about when they come there.
     void refreshProblems(int first, int last);
 
 private:
     struct Row {
         orv::OutputColumn column;
-        mutable std::optional<QString> problem;  // of its source, once it was asked for
+        mutable std::optional<QString> problem;  // once it was asked for
     };
     struct Run {
         int first;
@@ -59,4 +59,5 @@ private:
 
     TorvQDSelectGrid* m_grid;
     std::vector<Row> m_rows;
+    bool m_isAggregated = false;  // the selection as a whole, at the last refresh
 };

@@ -392,7 +392,7 @@ private Q_SLOTS:
         QTest::addColumn<bool>("own");
         for (const bool keep : {false, true}) {
             for (const bool own : {false, true}) {
-                QTest::addRow("%s, %s", keep ? "meaning kept" : "as specified",
+                QTest::addRow("%s, %s", keep ? "meaning kept" : "meaning not kept",
                               own ? "own operators" : "default operators")
                     << keep << own;
             }

@@ -396,7 +396,7 @@ private Q_SLOTS:
 
     void conditionsOfAUserComeBack_data() {
         QTest::addColumn<bool>("keep");
-        QTest::newRow("as specified") << false;
+        QTest::newRow("meaning not kept") << false;
         QTest::newRow("meaning kept") << true;
     }
     void conditionsOfAUserComeBack() {

@@ -161,8 +161,8 @@ private Q_SLOTS:
     void everyOrderOfJoins_data() {
         QTest::addColumn<bool>("keepMeaning");
         QTest::addColumn<bool>("newTableFirst");
-        QTest::newRow("as specified") << false << false;
-        QTest::newRow("as specified, joined table first in ON") << false << true;
+        QTest::newRow("meaning not kept") << false << false;
+        QTest::newRow("meaning not kept, joined table first in ON") << false << true;
         QTest::newRow("meaning kept") << true << false;
         QTest::newRow("meaning kept, joined table first in ON") << true << true;
     }

@@ -269,7 +269,7 @@ private Q_SLOTS:
         QTest::addColumn<bool>("keepMeaning");
         QTest::addColumn<double>("leastKept");  // just below what is held today
         QTest::newRow("meaning kept") << true << 0.8;
-        QTest::newRow("as specified") << false << 0.47;
+        QTest::newRow("meaning not kept") << false << 0.47;
     }
     void emptyReportMeansTheSameRows() {
         QFETCH(bool, keepMeaning);

@@ -147,7 +147,7 @@ private Q_SLOTS:
         QTest::addColumn<bool>("keep");
         QTest::addColumn<int>("states");
         QTest::newRow("meaning kept") << true << orvtest::fewerIfSanitized(1400, 4);
-        QTest::newRow("as specified") << false << orvtest::fewerIfSanitized(600, 4);
+        QTest::newRow("meaning not kept") << false << orvtest::fewerIfSanitized(600, 4);
     }
     void ownTextComesBack() {
         QFETCH(bool, keep);

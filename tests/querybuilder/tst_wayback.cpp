@@ -103,8 +103,8 @@ private:
             }
             if (plain && text != m_statement) return "another text:\n" + text;
         }
-        // A NOT in front of the first of several brackets keeps a group of its own as specified, so
-        // that there one group of one row may still come or go.
+        // Where the meaning is not kept, a NOT in front of the first of several brackets keeps a
+        // group of its own, so that there one group of one row may still come or go.
         const StateForm form = m_setting.keepMeaning ? StateForm::Exact : StateForm::Normal;
         found = faultOfLoading(m_second, m_third, form);
         if (!found.isEmpty()) return "the loaded one's text\n" + text + "\nloaded:\n" + found;

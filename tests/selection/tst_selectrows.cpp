@@ -195,16 +195,51 @@ private Q_SLOTS:
         QCOMPARE(on.cell(2, 2).data(Qt::ToolTipRole).toString(), QString());
     }
 
+    void columnWithoutAValidNameIsMarked() {
+        ShownGrid on;
+        const auto tip = [&] { return on.cell(0, 2).data(Qt::ToolTipRole).toString(); };
+        on.enter(0, 2, "my-name");
+        QVERIFY(tip().contains("my-name: This is no valid name of an output column."));
+        QVERIFY(on.cell(2, 2).data(Qt::DecorationRole).isValid());
+        QVERIFY(on.cell(0, 2).data(Qt::ForegroundRole).isValid());
+        QCOMPARE(on.cell(0, 1).data(Qt::ForegroundRole), QVariant());
+        // Then it is written in quotes.
+        on.builder.setKeepMeaning(true);
+        QCOMPARE(tip(), QString());
+        QCOMPARE(on.cell(0, 2).data(Qt::ForegroundRole), QVariant());
+    }
+
+    // As soon as another column makes the selection an aggregated one, and as long as that lasts.
+    void columnThatCannotBeGroupedIsMarked() {
+        ShownGrid on;
+        on.enter(2, 2, "T.B + 1");
+        const auto isMarked = [&](int row) {
+            return on.cell(2, row).data(Qt::ToolTipRole).toString().contains("cannot be grouped");
+        };
+        QVERIFY(!isMarked(2));
+        on.enter(1, 1, "SUM");
+        QVERIFY(!isMarked(1));
+        QVERIFY(isMarked(2));
+        QVERIFY(!isMarked(3));
+        on.enter(1, 2, "MAX");
+        QVERIFY(!isMarked(2));
+        on.enter(1, 2, "");
+        QVERIFY(isMarked(2));
+        on.enter(1, 1, "");
+        QVERIFY(!isMarked(2));
+    }
+
     // Its row was asked about before; only that one is told of.
     void marksFollowTheDiagram() {
         ShownGrid on;
         on.enter(2, 1, "T.A + U.Y");
+        on.enter(1, 1, "MIN");
         on.enter(1, 3, "MAX");
         for (int row = 1; row <= 4; ++row)
             QVERIFY(!on.cell(0, row).data(Qt::ForegroundRole).isValid());
         const ModelSpy spy(&on.model());
         on.builder.ListOfTables->DeleteTable(on.table("U"));
-        QCOMPARE(on.columns()[0], "A||T.A + U.Y");
+        QCOMPARE(on.columns()[0], "A|MIN|T.A + U.Y");
         QVERIFY(on.cell(0, 1).data(Qt::ForegroundRole).isValid());
         QVERIFY(!on.cell(0, 2).data(Qt::ForegroundRole).isValid());
         QVERIFY(spy.changes.count() > 0);

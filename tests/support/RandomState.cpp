@@ -61,7 +61,7 @@ void RandomState::makeTables() {
         const bool isTwice = std::any_of(m_tables.begin(), m_tables.end(), [&](const auto& other) {
             return other.name == table.name;
         });
-        // As specified, a second box of a table may be taken for the first: seldom made then.
+        // A second box of a table may be taken for the first then: it is seldom made.
         if (isTwice && !m_setting.keepMeaning && !oneIn(6)) {
             table.name = texts::plainTables[index % int(texts::plainTables.size())];
         }
@@ -143,7 +143,7 @@ RandomState::Column RandomState::makeColumn(bool aggregates) {
     if (aggregates) {
         column.expression = withFields(oneOf(texts::aggregates));
         column.aggregates = true;
-        // As specified, the name that is made from a quoted field or "*" is none in SQL.
+        // The name that is made from a quoted field or "*" is written as it is, and none in SQL.
         const bool named = m_setting.keepMeaning ? oneIn(2) : !oneIn(10);
         if (named) column.alias = aliasOfColumn();
         if (!m_setting.keepMeaning && !oneIn(10) && column.alias.isEmpty()) {
