@@ -51,6 +51,7 @@ std::vector<const TorvQDWhereRow*> rowsFor(const orv::LooseConditions& text,
 
 void TorvQDWherePanel::DuplicateCondition() {
     const TorvQDWhereRow* row = commandRow(noButton);
+    if (!row) return;
     if (!row->parentRow()) throw orv::Error(QStringLiteral("Could not duplicate first row"));
     edit([&] {
         const TorvQDWhereRow* copy = orv::copyRow(*row, *row->rows(), row->GetIndex() + 1);
@@ -60,6 +61,7 @@ void TorvQDWherePanel::DuplicateCondition() {
 
 void TorvQDWherePanel::MoveCondition(int step) {
     TorvQDWhereRow* row = commandRow(noButton);
+    if (!row) return;
     const int to = row->GetIndex() + step;
     if (!row->parentRow() || to < 0 || to >= row->rows()->GetCount()) return;
     edit([&] {
@@ -70,12 +72,14 @@ void TorvQDWherePanel::MoveCondition(int step) {
 
 void TorvQDWherePanel::CopyCondition() {
     const TorvQDWhereRow* row = commandRow(noButton);
+    if (!row) return;
     QGuiApplication::clipboard()->setText(textOfRow(*row));
 }
 
 // What is not deleted after all is not copied either.
 void TorvQDWherePanel::CutCondition() {
     const TorvQDWhereRow* row = commandRow(noButton);
+    if (!row) return;
     const QString text = row->parentRow() ? textOfRow(*row) : QString();
     const orv::ElementRef cut(*row, ekButton);
     DeleteCondition();
@@ -93,6 +97,7 @@ bool TorvQDWherePanel::keepsMeaning() const {
 
 void TorvQDWherePanel::PasteCondition() {
     TorvQDWhereRow* row = commandRow(noButton);
+    if (!row) return;
     const QString text = QGuiApplication::clipboard()->text();
     const orv::LooseConditions pasted(text, readingRules(keepsMeaning()), GroupOpers);
     TorvQDWhereRow& group = row->isGroup() ? *row : *row->parentRow();
