@@ -146,7 +146,12 @@ void TorvQDWhereRow::SetArgumentStrings() {
     const int count = orv::operandCount(Operator);
     while (Arguments.size() > count) Arguments.removeLast();
     while (Arguments.size() < count) Arguments << orv::blankText();
-    const std::size_t elements = std::size_t(fixedElements + count);
+    setArguments(Arguments);
+}
+
+void TorvQDWhereRow::setArguments(const QStringList& texts) {
+    Arguments = texts;
+    const std::size_t elements = std::size_t(fixedElements + texts.size());
     if (Controls.size() > elements) Controls.resize(elements);
     while (Controls.size() < elements) {
         Controls.push_back(std::make_unique<TorvQDControl>(this, int(Controls.size())));

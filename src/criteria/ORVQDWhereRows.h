@@ -117,8 +117,8 @@ public:
     QString FieldName;
     QString ArgFunc;
     TOperatorList::Entry Operator;  ///< none when the catalogue is empty
-    QStringList Arguments;          ///< as many as the operator has operands
-    bool Valid = true;              ///< the last type check succeeded
+    QStringList Arguments;  ///< as many as the operator has operands, or had that it came from
+    bool Valid = true;      ///< the last type check succeeded
     QString AuxText;
     bool Expanded = false;
     std::vector<std::unique_ptr<TorvQDControl>> Controls;
@@ -130,6 +130,8 @@ public:
     /// Brings arguments and elements in line with the operator; the first arguments stay.
     void SetArgumentStrings();
     void setOperator(const TOperatorList::Entry& entry);
+    /// Takes arguments as they are: a row whose operator was replaced keeps those that it had.
+    void setArguments(const QStringList& texts);
     void SetGroupOper(const QString& Name);
     void SetExpanded(bool Value);
     /// Brings the elements' texts up to date.

@@ -204,6 +204,14 @@ void TorvQDWherePanel::showEvent(QShowEvent* event) {
     orv::guarded([this] { relay(); });
 }
 
+// A page that is left takes what was typed over, also where the editor had no focus to lose; a
+// window that is closed may be about to die.
+void TorvQDWherePanel::hideEvent(QHideEvent* event) {
+    QAbstractScrollArea::hideEvent(event);
+    if (event->spontaneous() || window()->isHidden()) return;
+    orv::guarded([this] { commitEdit(); });
+}
+
 void TorvQDWherePanel::changeEvent(QEvent* event) {
     QAbstractScrollArea::changeEvent(event);
     if (event->type() == QEvent::FontChange && m_widths) {

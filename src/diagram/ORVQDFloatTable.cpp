@@ -186,6 +186,8 @@ void TorvQDTable::SetFieldState(int State) {
     for (std::size_t index = 0; version == m_rowsVersion && index < Items.size(); ++index) {
         if (Items[index]->ParamType == ptOutput) Items[index]->SetCheck(State == 2);
     }
+    // What was being typed in the grid is taken over on the way, and may have unticked a row.
+    if (State == 2 && m_checkedRows == m_outputRows) UpdateFieldState(2);
     change.finish();
 }
 

@@ -109,11 +109,17 @@ void TorvQueryBuilder::_SelectField(const QString& FullName) {
     endChange();
 }
 
+// It goes under whatever names it is listed.
 void TorvQueryBuilder::_UnselectField(const QString& FullName) {
     TorvQDListItem* item = resolveItem(FullName);
     if (!item) return;
     item->UpdateCheck(0);
-    m_selectedFields.remove({FullName});
+    QSet<QString> names = {FullName, item->Table->GetAlias() + u'.' + item->Name};
+    const auto given = m_givenNames.values(item);
+    for (const QString& name : given) {
+        if (resolveItem(name) == item) names.insert(name);
+    }
+    m_selectedFields.remove(names);
 }
 
 // --- tables ---

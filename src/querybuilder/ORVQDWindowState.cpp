@@ -118,6 +118,8 @@ void checkDiagram(const orv::QueryState& state) {
     }
 }
 
+constexpr int mostOperands = 1000;
+
 /// Condition rows of a state, put into a panel.
 class ConditionRestorer {
 public:
@@ -126,8 +128,8 @@ public:
 
     void check(const orv::QueryState::Row& saved) const {
         if (saved.group.isEmpty()) {
-            const TOperatorList::Entry entry = operatorOf(saved);
-            if (saved.arguments.size() > orv::operandCount(entry)) {
+            (void)operatorOf(saved);
+            if (saved.arguments.size() > mostOperands) {
                 fail(QStringLiteral("too many operands for the operator ") + saved.operation);
             }
             return;
@@ -145,12 +147,13 @@ public:
             return;
         }
         row.setOperator(operatorOf(saved));
+        QStringList arguments;
+        for (const QString& text : saved.arguments) arguments << filled(text);
+        // Those of an operator that was taken out of the catalogue stay with their row.
+        row.setArguments(arguments);
         row.FieldFunc = filled(saved.func);
         row.FieldName = filled(saved.field);
         row.ArgFunc = filled(saved.argFunc);
-        for (qsizetype index = 0; index < saved.arguments.size(); ++index) {
-            row.Arguments[index] = filled(saved.arguments[index]);
-        }
     }
 
 private:

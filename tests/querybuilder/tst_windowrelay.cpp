@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // How changes travel between the diagram and the grid, and how often the host hears of them.
 #include "support/BuilderTools.h"
+#include "toolkit/ExitCombo.h"
 
 #include <QCheckBox>
+#include <QTabWidget>
 
 using orvtest::HostedBuilder;
 
@@ -96,6 +98,36 @@ private Q_SLOTS:
         QVERIFY(on.builder.SelectedFields().isEmpty());
         QCOMPARE(on.columns(), QStringList());
         verifyBuilder(on.builder);
+    }
+
+    void fieldListedUnderTwoNamesIsUntickedUnderBoth() {
+        HostedBuilder on;
+        on.addTable("T");
+        on.grid()->setColumns({{"ONE", "", "T.B"}, {"TWO", "", "B"}});
+        on.grid()->OnFieldChosen("T.B");
+        on.grid()->OnFieldChosen("B");
+        QCOMPARE(on.builder.SelectedFields().names(), QStringList({"T.B", "B"}));
+        on.grid()->setCurrentIndex(on.grid()->model()->index(1, 0));
+        on.grid()->_DeleteCurrentRow();
+        QVERIFY(!on.table("T")->GetFieldItem("B")->Checked);
+        QCOMPARE(on.builder.SelectedFields().names(), QStringList());
+    }
+
+    void tickingAllCountsWhatAnOpenEditorUnticks() {
+        HostedBuilder on;
+        TorvQDTable* box = on.addTable("T");
+        on.tick("T", "C");
+        on.builder.resize(800, 600);
+        on.builder.PageCtrl->setCurrentIndex(1);
+        on.builder.show();
+        on.grid()->_EditText(2, 1);
+        on.grid()->viewport()->findChild<orv::ExitCombo*>()->setEditText("7");
+        box->SetFieldState(2);
+        QCOMPARE(box->FieldState, 2);
+        QCOMPARE(on.columns().front(), QString("C||7"));
+        QCOMPARE(on.builder.SelectedFields().names().size(), 5);
+        on.tick("T", "C", false);
+        QCOMPARE(box->FieldState, 1);
     }
 
     void bareNameCountsWhenAllAreTicked() {
