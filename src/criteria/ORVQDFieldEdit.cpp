@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "criteria/ORVQDFieldEdit.h"
 
+#include "toolkit/MenuBarFocus.h"
 #include "toolkit/Services.h"
 
 #include <QApplication>
@@ -53,6 +54,7 @@ void TMemoEx::open(const QString& text) {
     selectAll();
     m_textAtOpening = this->text();
     m_isOpen = true;
+    setFocusProxy(nullptr);
     show();
     setFocus();
 }
@@ -156,6 +158,7 @@ void TMemoEx::focusOutEvent(QFocusEvent* event) {
     const bool isCompanion =
         m_companion && newFocus && (m_companion == newFocus || m_companion->isAncestorOf(newFocus));
     if (isCompanion) return;
+    orv::handOnFocus(*this, parentWidget(), reason);
     const auto handler = exited;
     const QPointer<QWidget> there(newFocus == this ? nullptr : newFocus);
     leave([handler, reason, there] {

@@ -2,6 +2,7 @@
 #include "criteria/ORVQDFieldList.h"
 
 #include "criteria/ORVQDFieldModel.h"
+#include "toolkit/MenuBarFocus.h"
 #include "toolkit/Services.h"
 
 #include <QApplication>
@@ -155,6 +156,8 @@ void FieldList::open(const IPagesHost& host) {
     m_filter->clear();
     m_model->fill(host);
     expandFew();
+    for (QWidget* part : std::initializer_list<QWidget*>{m_filter, m_tree})
+        part->setFocusProxy(nullptr);
     m_isOpen = true;
     raise();
     show();
@@ -270,6 +273,9 @@ void FieldList::loseFocus(Qt::FocusReason reason) {
     if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason) return;
     QWidget* newFocus = QApplication::focusWidget();
     if (!m_isOpen || (newFocus && (newFocus == this || isAncestorOf(newFocus)))) return;
+    for (QWidget* part : std::initializer_list<QWidget*>{m_filter, m_tree}) {
+        handOnFocus(*part, parentWidget(), reason);
+    }
     const QPointer<QWidget> there(newFocus);
     const auto handler = exited;
     const QPointer<FieldList> self(this);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/ExitCombo.h"
 
+#include "toolkit/MenuBarFocus.h"
 #include "toolkit/Services.h"
 
 #include <QFocusEvent>
@@ -47,6 +48,7 @@ void ExitCombo::open(const QStringList& items, const QString& text) {
     setEditText(text);
     lineEdit()->selectAll();
     m_open = true;
+    setFocusProxy(nullptr);
     show();
     setFocus();
 }
@@ -107,6 +109,7 @@ void ExitCombo::focusOutEvent(QFocusEvent* event) {
     // The list takes the focus for itself, for whatever reason.
     const bool isPopup = event->reason() == Qt::PopupFocusReason || view()->isVisible();
     if (isPopup || event->reason() == Qt::ActiveWindowFocusReason) return;
+    handOnFocus(*this, parentWidget(), event->reason());
     leave([handler = committed, typed] {
         if (handler) handler(typed);
     });

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/ExitEdit.h"
 
+#include "toolkit/MenuBarFocus.h"
 #include "toolkit/Services.h"
 
 #include <QFocusEvent>
@@ -17,6 +18,7 @@ void ExitEdit::open(const QString& text) {
     setText(text);
     selectAll();
     m_open = true;
+    setFocusProxy(nullptr);
     show();
     setFocus();
 }
@@ -65,6 +67,7 @@ void ExitEdit::focusOutEvent(QFocusEvent* event) {
     if (event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason) {
         return;
     }
+    handOnFocus(*this, parentWidget(), event->reason());
     leave(committed);
 }
 

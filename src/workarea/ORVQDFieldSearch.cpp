@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "workarea/ORVQDFieldSearch.h"
 
+#include "toolkit/MenuBarFocus.h"
 #include "toolkit/Services.h"
 
 #include <QKeyEvent>
@@ -15,6 +16,7 @@ TEditEx::TEditEx(QWidget* parent) : QLineEdit(parent) {
 void TEditEx::open(TorvQDTable* table, const QString& text) {
     m_table = table;
     setText(text);
+    setFocusProxy(nullptr);
     show();
     raise();
     const QPointer<TEditEx> self(this);
@@ -73,5 +75,6 @@ void TEditEx::focusOutEvent(QFocusEvent* event) {
     if (event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason) {
         return;
     }
+    orv::handOnFocus(*this, parentWidget(), event->reason());
     _FindFieldKillFocus();
 }
