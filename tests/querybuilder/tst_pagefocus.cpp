@@ -247,6 +247,21 @@ private Q_SLOTS:
         verifyBuilder(on.builder);
     }
 
+    void menuOfAHiddenPageEditsNothing() {
+        Typing on;
+        on.builder.PageCtrl->setCurrentIndex(1);
+        on.grid()->setCurrentIndex(on.grid()->model()->index(0, 0));
+        QTest::keyClick(on.grid(), Qt::Key_F10, Qt::ShiftModifier);
+        QMenu* menu = on.grid()->findChild<QMenu*>();
+        QVERIFY(menu && menu->isVisible());
+        on.builder.PageCtrl->setCurrentIndex(0);
+        for (QAction* item : menu->actions()) {
+            if (item->text() == "Edit") item->trigger();
+        }
+        QVERIFY(!on.grid()->isEditing());
+        verifyPages(on.builder);
+    }
+
     // --- the end
 
     void commandsEndWithTheBuilder_data() {

@@ -136,8 +136,7 @@ QString PageHand::operandText() {
         return oddWord + dice().pick({" (", " 'x", " )", " AND", "\n--", ",", " = "});
     }
     return dice().pick({"1", "-5", "'x y'", "", "LOWER(T.A)", "T.A + 1", "(SELECT X FROM U)",
-                        "NULL", "1 +\n2", ":P", "1.5",
-                        "a very long operand + with + many + names"});
+                        "NULL", "1 +\n2", ":P", "1.5", "T.A + T.B + T.C + T.D + T.E + T.A + T.B"});
 }
 
 // --- mouse and keys ---
@@ -188,7 +187,8 @@ void PageHand::doubleClick(QWidget* view, const QPoint& point) {
     const QPointer<QWidget> target(child ? child : view);
     if (!target->isVisible()) return;
     mouse(QEvent::MouseButtonDblClick, target, view, point, Qt::LeftButton);
-    if (target && target->isVisible()) mouse(QEvent::MouseButtonRelease, target, view, point, Qt::LeftButton);
+    if (target && target->isVisible())
+        mouse(QEvent::MouseButtonRelease, target, view, point, Qt::LeftButton);
     answerMenu();
 }
 
