@@ -242,6 +242,7 @@ private:
     [[nodiscard]] QString listedGivenName(const TorvQDListItem* item) const;
     [[nodiscard]] bool isListed(const QString& name) const;
     void flushRemovals();
+    void commitCellBefore(TorvQDListItem& item);
 
     void refuseWhileBusy() const;
     [[nodiscard]] bool isShown(const QString& text);

@@ -7,6 +7,7 @@
 #include "querybuilder/ORVQDNames.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
+#include "toolkit/Services.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <QThread>
@@ -61,13 +62,22 @@ const orv::NameList& TorvQueryBuilder::SelectedFields() {
     return m_selectedFields;
 }
 
+// What is being typed in the grid may name the very field: it is taken over before the tick counts.
+void TorvQueryBuilder::commitCellBefore(TorvQDListItem& item) {
+    if (!SelectPanel || !SelectPanel->grid()->isEditing()) return;
+    const bool isChecked = item.Checked;
+    orv::guarded([this] { SelectPanel->grid()->commitEdit(); });
+    if (item.Checked != isChecked) item.UpdateCheck(isChecked ? -1 : 0);
+}
+
 // A field that a loaded statement names in a way of its own is listed under that name.
 void TorvQueryBuilder::_AddRemoveField(QObject* Sender, TorvQDListItem* Item) {
     auto* table = qobject_cast<TorvQDTable*>(Sender);
     if (!table) return;
     const QString name = table->GetAlias() + u'.' + Item->Name;
-    const QString given = listedGivenName(Item);
     beginChange();
+    commitCellBefore(*Item);
+    const QString given = listedGivenName(Item);
     if (!Item->Checked) {
         const bool listed = isListed(name);
         if (listed) m_removals.insert(name);

@@ -103,7 +103,8 @@ void TorvQDSelectGrid::_EditText(int Col, int Row) {
 bool TorvQDSelectGrid::openEditor(int col, int row) {
     const int rows = RowCount();
     const int editedRow = m_edited.row() + 1;
-    if (!commitBefore()) return false;
+    // The page may have gone while the menu was open.
+    if (!commitBefore() || !isVisibleTo(window())) return false;
     if (RowCount() < rows && row > editedRow) --row;
     const bool isLast = row == RowCount() - 1;
     if (col < 0 || col >= orv::gridColumns || row < 1 || row >= RowCount()) return false;

@@ -10,6 +10,8 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include <vector>
+
 namespace orvtest {
 
 namespace {
@@ -361,7 +363,13 @@ const Moment moments[] = {
 }  // namespace
 
 std::span<const Moment> allMoments() {
-    return moments;
+    static const std::vector<Moment> all = [] {
+        std::vector<Moment> both(std::begin(moments), std::end(moments));
+        const std::span<const Moment> pages = pageMoments();
+        both.insert(both.end(), pages.begin(), pages.end());
+        return both;
+    }();
+    return all;
 }
 
 void answerDialog(const QPointer<TdlgLnkProp>& dialog) {

@@ -18,6 +18,9 @@ struct Moment {
 
 [[nodiscard]] std::span<const Moment> allMoments();
 
+/// Those of them that are on the pages.
+[[nodiscard]] std::span<const Moment> pageMoments();
+
 /// Makes the join a left outer one and the operator another, and accepts.
 void answerDialog(const QPointer<TdlgLnkProp>& dialog);
 

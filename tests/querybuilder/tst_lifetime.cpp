@@ -4,6 +4,7 @@
 #include "diagram/Orvqdlnkprop.h"
 #include "querybuilder/LifetimeEnds.h"
 #include "querybuilder/LifetimeMoments.h"
+#include "support/PageRules.h"
 
 #include <QScrollBar>
 
@@ -60,11 +61,15 @@ private Q_SLOTS:
         QVERIFY(!on.link);
         if (!on.builder) return;
         QVERIFY(!on.area()->isGesturing());
-        verifyBuilder(*on.builder);
+        verifyAgrees(*on.builder);
+        verifyPages(*on.builder);
         verifyGoesOn(on);
     }
 
 private:
+    static void verifyAgrees(TorvQueryBuilder& builder) {
+        QCOMPARE(orvtest::brokenRule(builder, orvtest::aggregatedFields(builder)), QString());
+    }
     /// A box can be added, ticked and moved as ever.
     static void verifyGoesOn(Scene& on) {
         on.area()->horizontalScrollBar()->setValue(0);
@@ -84,7 +89,7 @@ private:
         on.release(caption + QPoint(10, 10));
         QCOMPARE(added->Left, 50);
         on.view()->grab();
-        verifyBuilder(*on.builder);
+        verifyAgrees(*on.builder);
     }
 
 private Q_SLOTS:

@@ -130,6 +130,25 @@ private Q_SLOTS:
         QCOMPARE(box->FieldState, 1);
     }
 
+    void cellThatNamesTheFieldIsTakenOverBeforeItsTick() {
+        HostedBuilder on;
+        on.addTable("T");
+        on.tick("T", "A");
+        on.tick("T", "B");
+        on.builder.resize(800, 600);
+        on.builder.PageCtrl->setCurrentIndex(1);
+        on.builder.show();
+        on.grid()->_EditText(2, 1);
+        on.grid()->viewport()->findChild<orv::ExitCombo*>()->setEditText("T.B");
+        on.changes = 0;
+        on.table("T")->toggle(on.table("T")->GetFieldItem("B"));
+        QCOMPARE(on.columns(), QStringList());
+        QCOMPARE(on.builder.SelectedFields().names(), QStringList());
+        QVERIFY(!on.table("T")->GetFieldItem("B")->Checked);
+        QCOMPARE(on.changes, 1);
+        verifyBuilder(on.builder);
+    }
+
     void bareNameCountsWhenAllAreTicked() {
         HostedBuilder on;
         on.builder.LoadSQL("select salary from employee");

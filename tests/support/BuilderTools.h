@@ -133,6 +133,32 @@ inline QByteArray visibleState(TorvQueryBuilder& builder) {
     return QJsonDocument(state).toJson();
 }
 
+/// The fields whose tick and whose plain output column are not there together.
+inline QSet<QString> looseFields(TorvQueryBuilder& builder) {
+    QSet<QString> ticked;
+    for (const TorvQDTable* box : builder.WorkArea->tablesByCreation()) {
+        for (const auto& item : box->Items) {
+            if (item->Checked) ticked.insert(box->GetAlias() + u'.' + item->Name);
+        }
+    }
+    QSet<QString> columns;
+    for (const orv::OutputColumn& column : builder.SelectPanel->grid()->columns()) {
+        const std::optional<PageField> field = builder.resolveField(column.source);
+        if (field && orv::isBlank(column.aggregate)) columns.insert(field->qualifiedName());
+    }
+    return (ticked - columns) + (columns - ticked);
+}
+
+/// The fields with a column that has an aggregate: it leaves their ticks alone.
+inline QSet<QString> aggregatedFields(TorvQueryBuilder& builder) {
+    QSet<QString> names;
+    for (const orv::OutputColumn& column : builder.SelectPanel->grid()->columns()) {
+        const std::optional<PageField> field = builder.resolveField(column.source);
+        if (field && !orv::isBlank(column.aggregate)) names.insert(field->qualifiedName());
+    }
+    return names;
+}
+
 namespace detail {
 
 inline QString brokenNameRule(TorvQueryBuilder& builder) {
@@ -155,7 +181,8 @@ inline QString brokenNameRule(TorvQueryBuilder& builder) {
     return {};
 }
 
-inline QString brokenTickRule(TorvQueryBuilder& builder) {
+// Fields of which it is in order that their tick and the grid say different things are `loose`.
+inline QString brokenTickRule(TorvQueryBuilder& builder, const QSet<QString>& loose) {
     QSet<QString> ticked;
     for (const TorvQDTable* box : builder.WorkArea->tablesByCreation()) {
         int count = 0;
@@ -182,16 +209,9 @@ inline QString brokenTickRule(TorvQueryBuilder& builder) {
         return "SelectedFields is " + builder.SelectedFields().names().join(u' ') +
                ", ticked are " + QStringList(ticked.begin(), ticked.end()).join(u' ');
     }
-    QSet<QString> columns;
-    for (const orv::OutputColumn& column : builder.SelectPanel->grid()->columns()) {
-        const QString name = resolved(column.source);
-        if (orv::orvTrim(column.aggregate).isEmpty() && !name.isEmpty()) columns.insert(name);
-    }
-    if (columns != ticked) {
-        return "columns are " + QStringList(columns.begin(), columns.end()).join(u' ') +
-               ", ticked are " + QStringList(ticked.begin(), ticked.end()).join(u' ');
-    }
-    return {};
+    const QSet<QString> different = looseFields(builder) - loose;
+    if (different.isEmpty()) return {};
+    return "tick and columns differ: " + QStringList(different.begin(), different.end()).join(u' ');
 }
 
 inline QString brokenStackingRule(TorvQueryBuilder& builder) {
@@ -331,11 +351,13 @@ inline QString brokenStatementRule(TorvQueryBuilder& builder) {
 }  // namespace detail
 
 /// What is wrong between the diagram, the name lists and the grid; empty when all agrees.
-inline QString brokenRule(TorvQueryBuilder& builder) {
+inline QString brokenRule(TorvQueryBuilder& builder, const QSet<QString>& loose = {}) {
+    const QString ticks = detail::brokenTickRule(builder, loose);
+    if (!ticks.isEmpty()) return ticks;
     for (const auto rule :
-         {detail::brokenNameRule, detail::brokenTickRule, detail::brokenStackingRule,
-          detail::brokenGridRule, detail::brokenLinkRule, detail::brokenSelectionRule,
-          detail::brokenSizeRule, detail::brokenStatementRule}) {
+         {detail::brokenNameRule, detail::brokenStackingRule, detail::brokenGridRule,
+          detail::brokenLinkRule, detail::brokenSelectionRule, detail::brokenSizeRule,
+          detail::brokenStatementRule}) {
         const QString broken = rule(builder);
         if (!broken.isEmpty()) return broken;
     }

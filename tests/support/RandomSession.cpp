@@ -2,6 +2,7 @@
 #include "support/RandomSession.h"
 
 #include "diagram/Orvqdlnkprop.h"
+#include "support/PageRules.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -20,38 +21,18 @@ namespace orvtest {
 namespace {
 
 constexpr int loggedEvents = 20;
-constexpr int mostTables = 8;
 constexpr int mostPicturePx = 2000;
-
-const QStringList statements = {
-    "SELECT T.A FROM T",
-    "SELECT T.A, U.X FROM T, U WHERE T.B = 1 AND U.Y LIKE 'x%' ORDER BY U.X DESC",
-    "SELECT T.A FROM T INNER JOIN U ON (T.A = U.A) AND (T.B = U.X)",
-    "SELECT E.SALARY, SUM(D.BUDGET) AS S FROM EMPLOYEE E LEFT JOIN DEPT D "
-    "ON E.DEPT_NO = D.DEPT_NO GROUP BY E.SALARY HAVING SUM(D.BUDGET) > 5",
-    "SELECT * FROM WIDE, \"my table\"",
-    "SELECT A.W1, B.W2 FROM WIDE A FULL JOIN WIDE B ON A.W1 = B.W2 WHERE A.W3 > -5",
-    "SELECT X.A FROM T X JOIN T Y ON X.A = Y.B JOIN T Z ON Y.B = Z.C",
-    "SELECT COUNT(*), T.A FROM T, GONE WHERE EXISTS (SELECT 1 FROM U) GROUP BY T.A",
-    "UPDATE T SET A = 1",
-};
-
-const QStringList tables = {"T", "U", "EMPLOYEE", "DEPT", "ORDERS", "my table", "S.T", "WIDE"};
 
 QString textOf(const QPoint& point) {
     return QStringLiteral("%1,%2").arg(point.x()).arg(point.y());
 }
 
-// Without the report of the last load, which is not restored.
-QStringList stateLines(const QByteArray& json) {
-    QJsonObject state = QJsonDocument::fromJson(json).object();
-    state.remove(QStringLiteral("report"));
-    return QString::fromUtf8(QJsonDocument(state).toJson()).split(u'\n');
-}
-
 }  // namespace
 
-RandomSession::RandomSession(quint32 seed) : m_dice(seed) {
+RandomSession::RandomSession(quint32 seed)
+    : m_dice(seed),
+      m_pages({m_dice, m_on, m_disturbances, [this](const QString& text) { note(text); },
+               [this] { disturb(); }}) {
     m_on.host.add("WIDE", {"W1", "W2", "W3", "W4", "W5", "W6", "W7", "W8", "W9", "X1", "X2"});
     m_on.builder.OnAddRemoveTable = [this](QObject*, TorvQDTable*, TAddRemove, bool& allowed) {
         answerHost();
@@ -76,25 +57,39 @@ RandomSession::RandomSession(quint32 seed) : m_dice(seed) {
         return int(QDialog::Accepted);
     };
     m_oldMessages = orv::setMessageService([this](const orv::MessageRequest& request) {
+        if (m_dice.chance(5)) disturb();
         if (request.buttons == orv::MessageButtons::Ok) return orv::MessageAnswer::Ok;
-        if (m_dice.chance(10)) deleteTable();
+        if (m_dice.chance(10)) disturb();
         return m_dice.chance(70) ? orv::MessageAnswer::Yes : orv::MessageAnswer::No;
     });
     m_oldDrags = orv::setDragRunner([this](QDrag& drag) { return runDrag(drag); });
-    // Renaming by prefix also takes the names of other boxes that begin alike, and an alias that is
+    // Renaming also takes the names of other boxes that begin or end alike, and an alias that is
     // taken only without its full stops is not refused: the parts of the control need not agree
     // from then on.
     area().OnChangeAlias = [this, handler = area().OnChangeAlias](QObject* table,
                                                                   const QString& old) {
         handler(table, old);
         const QString alias = qobject_cast<TorvQDTable*>(table)->GetAlias();
+        renameLoose(alias, old);
         for (const TorvQDTable* box : area().tablesByCreation()) {
             if (box == table) continue;
-            if (box->GetAlias().startsWith(old) || box->GetAlias() == alias) m_isSpoilt = true;
+            const bool isAlike = box->GetAlias().startsWith(old) || box->GetAlias().endsWith(old);
+            if (isAlike || box->GetAlias() == alias) m_isSpoilt = true;
+        }
+    };
+    // One of several equal columns that goes takes the tick along.
+    m_on.grid()->OnFieldRemoved = [this, tell = m_on.grid()->OnFieldRemoved](const QString& name) {
+        tell(name);
+        const std::optional<PageField> field = m_on.builder.resolveField(name);
+        if (field && columnsOfFields().contains(field->qualifiedName())) {
+            m_loose.insert(field->qualifiedName());
         }
     };
     area().installEventFilter(this);
+    QObject::connect(&m_on.builder, &TorvQueryBuilder::StatementChanged, this,
+                     [this] { disturbAtChange(); });
     m_on.builder.resize(900, 650);
+    m_on.builder.setTabsHeight(220);
     m_on.builder.show();
     QCoreApplication::processEvents();
     area().setFocus();
@@ -128,6 +123,7 @@ QString RandomSession::step() {
         {3, &Session::zoom},       {1, &Session::arrangeOrFit}, {2, &Session::changeOption},
         {4, &Session::tick},       {3, &Session::changeGrid},   {6, &Session::addLinks},
         {3, &Session::callBox},    {1, &Session::keepMeaning},  {1, &Session::foreignDrag},
+        {150, &Session::usePages},
     };
     int sum = 0;
     for (const Action& action : actions) sum += action.weight;
@@ -136,13 +132,18 @@ QString RandomSession::step() {
     while (chosen >= action->weight) chosen -= (action++)->weight;
     ++m_count;
     m_services.errors.clear();
+    const QHash<QString, bool> before = columnsOfFields();
+    const QSet<QString> unknown = unknownSources();
     const QString error = errorOf([&] { (this->*action->run)(); });
     if (error != "(no error)") note("  raised: " + error);
     for (const QString& text : std::as_const(m_services.errors)) note("  error: " + text);
     settle();
     if (std::exchange(m_isSpoilt, false)) clearAll();
     if (!m_complaint.isEmpty()) return m_complaint;
-    const QString broken = brokenRule(m_on.builder);
+    if (!m_pages.complaint().isEmpty()) return m_pages.complaint();
+    watchTicks(before, unknown);
+    QString broken = brokenRule(m_on.builder, m_loose);
+    if (broken.isEmpty()) broken = brokenPageRule(m_on.builder);
     return broken.isEmpty() ? brokenGesture() : broken;
 }
 
@@ -157,19 +158,6 @@ QString RandomSession::brokenGesture() const {
         return "the view scrolls at its edge without a button";
     }
     return {};
-}
-
-QString RandomSession::brokenState() {
-    const QByteArray saved = m_on.builder.SaveState();
-    HostedBuilder other(m_on.builder.KeepMeaning());
-    other.builder.setWorkAreaOptions(*m_on.builder.WorkAreaOptions);
-    other.builder.RestoreState(saved);
-    const QStringList before = stateLines(saved);
-    const QStringList after = stateLines(other.builder.SaveState());
-    if (after == before) return {};
-    qsizetype line = 0;
-    while (line < before.size() && line < after.size() && before[line] == after[line]) ++line;
-    return "the restored state differs: " + before.value(line) + " became " + after.value(line);
 }
 
 // --- where ---
@@ -453,167 +441,6 @@ void RandomSession::resize() {
     m_on.builder.resize(size);
 }
 
-// --- the host ---
-
-// Inside a question of the control.
-void RandomSession::answerHost() {
-    if (m_dice.chance(20)) (void)errorOf([&] { (void)m_on.builder.GetSQLStatment(); });
-    if (!m_dice.chance(3)) return;
-    const QString error = errorOf([&] { m_on.builder.Clear(); });
-    if (error != "LoadSQL is running") m_complaint = "Clear is not refused in a question";
-}
-
-void RandomSession::addTable() {
-    if (area().TablesCount() >= mostTables) return deleteTable();
-    const QString name = m_dice.pick(tables);
-    note("AddTable " + name);
-    m_on.addTable(name);
-}
-
-void RandomSession::deleteTable() {
-    TorvQDTable* box = anyTable();
-    if (!box) return;
-    note("DeleteTable " + box->GetAlias());
-    m_on.builder.ListOfTables->DeleteTable(box);
-}
-
-void RandomSession::clearAll() {
-    note("Clear");
-    m_on.builder.Clear();
-}
-
-void RandomSession::load() {
-    const QString text = m_dice.pick(statements);
-    note("LoadSQL " + text);
-    m_on.builder.LoadSQL(text);
-}
-
-void RandomSession::restore() {
-    if (m_states.isEmpty() || m_dice.chance(50)) m_states << m_on.builder.SaveState();
-    note("RestoreState");
-    const QByteArray state = m_states[m_dice.below(int(m_states.size()))];
-    while (m_states.size() > 5) m_states.removeFirst();
-    m_on.builder.RestoreState(state);
-}
-
-void RandomSession::zoom() {
-    const qreal zoom = m_dice.chance(50) ? 1 : m_dice.between(20, 420) / 100.0;
-    note(QStringLiteral("zoom %1").arg(zoom));
-    area().setZoom(zoom);
-}
-
-void RandomSession::arrangeOrFit() {
-    const bool arranges = m_dice.chance(50);
-    note(arranges ? "arrange" : "fit");
-    if (arranges) {
-        area().arrange();
-    } else {
-        area().fit();
-    }
-}
-
-void RandomSession::changeOption() {
-    TorvQDWorkAreaOptions& options = *m_on.builder.WorkAreaOptions;
-    const bool on = m_dice.chance(50);
-    switch (m_dice.below(6)) {
-    case 0: {
-        const int points = m_dice.between(6, 14);
-        note(QStringLiteral("font of %1 points").arg(points));
-        options.SetFont(QFont("Arial", points));
-        keepToMinimums();
-        return;
-    }
-    case 1: options.SetHideSelection(on); break;
-    case 2: options.SetDragFieldName(on); break;
-    case 3: options.SetFlat(on); break;
-    case 4: options.SetShowFieldsType(on); break;
-    default: options.SetTableBorder(TBorderKind(m_dice.below(4))); break;
-    }
-    note("option");
-}
-
-// Another font may leave boxes that were sized below its minimums, to which a restored state keeps.
-void RandomSession::keepToMinimums() {
-    constexpr int mostRowsOfNewBox = 6;
-    for (TorvQDTable* box : area().tablesByCreation()) {
-        box->SetWidth(box->Width);
-        if (box->VisibleCount != std::min(int(box->Items.size()), mostRowsOfNewBox)) {
-            box->SetHeight(box->Height + box->ItemHeight);
-        }
-    }
-}
-
-void RandomSession::tick() {
-    TorvQDTable* box = anyTable();
-    if (!box || box->Items.empty()) return addTable();
-    TorvQDListItem* item = box->Items[std::size_t(m_dice.below(int(box->Items.size())))].get();
-    note("tick " + box->GetAlias() + u'.' + item->Name);
-    box->toggle(item);
-}
-
-void RandomSession::changeGrid() {
-    TorvQDSelectGrid& grid = *m_on.grid();
-    switch (m_dice.below(4)) {
-    case 0:
-        note("Validate");
-        (void)m_on.builder.Validate();
-        break;
-    case 1:
-        note("DISTINCT");
-        m_on.builder.SelectPanel->SetDistinct(m_dice.chance(50) ? -1 : 0);
-        break;
-    case 2:
-        note("tail");
-        m_on.builder.setTailText(m_dice.pick({"", "LIMIT 5"}));
-        break;
-    default: {
-        orv::OutputColumns columns = grid.columns();
-        if (columns.empty()) return addTable();
-        const int column = m_dice.below(int(columns.size()));
-        note(QStringLiteral("name of column %1").arg(column));
-        columns[std::size_t(column)].name = m_dice.pick({"N", "A", "a b"});
-        grid.setColumns(columns);
-        grid.refreshView();
-        break;
-    }
-    }
-}
-
-void RandomSession::addLinks() {
-    TorvQDTable* first = anyTable();
-    TorvQDTable* second = anyTable();
-    if (!first || first == second || first->Items.empty() || second->Items.empty()) {
-        return addTable();
-    }
-    TorvQDListItem* row1 = first->Items[std::size_t(m_dice.below(int(first->Items.size())))].get();
-    TorvQDListItem* row2 =
-        second->Items[std::size_t(m_dice.below(int(second->Items.size())))].get();
-    note("AddLink " + first->GetAlias() + u'.' + row1->Name + " to " + second->GetAlias() + u'.' +
-         row2->Name);
-    TorvQDLink* link = area().AddLink(first, second, row1, row2);
-    if (link && m_dice.chance(50)) link->setBendPoints({anyPoint(), anyPoint()});
-}
-
-void RandomSession::callBox() {
-    TorvQDTable* box = anyTable();
-    if (!box) return addTable();
-    note("call of " + box->GetAlias());
-    switch (m_dice.below(7)) {
-    case 0: box->SetExpand(box->Expanded ? 0 : -1); break;
-    case 1: box->UnlinkTable(); break;
-    case 2: box->SetFieldState(m_dice.chance(50) ? 2 : 0); break;
-    case 3: box->SetWidth(m_dice.between(1, 400)); break;
-    case 4: box->SetHeight(m_dice.between(1, 400)); break;
-    case 5: box->SetLeft(m_dice.between(0, 6000)); break;
-    default: area().cancelGesture(); break;
-    }
-}
-
-void RandomSession::keepMeaning() {
-    note("KeepMeaning");
-    m_on.builder.setKeepMeaning(!m_on.builder.KeepMeaning());
-}
-
 // --- drags ---
 
 void RandomSession::foreignDrag() {
@@ -651,6 +478,11 @@ Qt::DropAction RandomSession::runDrag(QDrag& drag) {
         if (m_dice.chance(20)) fireTimer();
         if (m_dice.chance(4)) deleteTable();
         if (m_dice.chance(2)) clearAll();
+    }
+    if (m_dice.chance(25)) {
+        QDragLeaveEvent leave;
+        QCoreApplication::sendEvent(area().viewport(), &leave);
+        return m_pages.dragHere(*drag.mimeData()) ? Qt::CopyAction : Qt::IgnoreAction;
     }
     if (accepted && m_dice.chance(85)) {
         note("  dropped");

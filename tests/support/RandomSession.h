@@ -3,8 +3,11 @@
 
 #include "meaning/Dice.h"
 #include "support/BuilderTools.h"
+#include "support/PageHand.h"
 
+#include <QHash>
 #include <QPointer>
+#include <QSet>
 #include <QStringList>
 
 #include <functional>
@@ -16,8 +19,9 @@ class QMenu;
 namespace orvtest {
 
 /// A user and a host who do one thing after the other to a builder, by chance: mouse, keys, menus,
-/// drags, dialogs and calls. The same seed makes the same session. Events mostly aim at what is
-/// there. The timers of the diagram fire when the session says so, never by the clock.
+/// drags, dialogs and calls, at the diagram and on the pages. The same seed makes the same session.
+/// Events mostly aim at what is there. The timers of the diagram fire when the session says so,
+/// never by the clock.
 class RandomSession : public QObject {
 public:
     explicit RandomSession(quint32 seed);
@@ -25,7 +29,7 @@ public:
 
     /// Does the next thing and returns which rule is broken now; empty for none.
     QString step();
-    /// What the saved state does not bring back; empty for nothing.
+    /// What the saved state does not bring back, or the loaded statement; empty for nothing.
     QString brokenState();
     /// The last events, one a line, each with its number.
     [[nodiscard]] QString lastEvents() const { return m_log.join(u'\n'); }
@@ -37,6 +41,10 @@ private:
     struct Action {
         int weight;
         void (RandomSession::*run)();
+    };
+    struct Saved {
+        QByteArray state;
+        QSet<QString> loose;
     };
 
     // What happens.
@@ -70,6 +78,9 @@ private:
     void callBox();
     void keepMeaning();
     void foreignDrag();
+    void usePages();
+    void disturb();
+    void disturbAtChange();
 
     // Hands and eyes.
     void note(const QString& text);
@@ -88,9 +99,17 @@ private:
     Qt::DropAction runDrag(QDrag& drag);
     void settle();
     [[nodiscard]] QString brokenGesture() const;
+    /// The fields that have output columns, and whether one of them has an aggregate.
+    [[nodiscard]] QHash<QString, bool> columnsOfFields();
+    /// Sources that are no field of the diagram.
+    [[nodiscard]] QSet<QString> unknownSources();
+    void watchTicks(const QHash<QString, bool>& before, const QSet<QString>& unknown);
+    void renameLoose(const QString& alias, const QString& old);
+    [[nodiscard]] QString brokenWayBack(const QByteArray& saved) const;
 
     Dice m_dice;
     HostedBuilder m_on;
+    PageHand m_pages;
     RecordedServices m_services;
     orv::DragRunner m_oldDrags;
     orv::MessageService m_oldMessages;
@@ -100,8 +119,11 @@ private:
     Qt::MouseButtons m_held;
     QPointer<QWidget> m_grabber;  // gets the mouse from press to release
     QString m_complaint;
-    bool m_isSpoilt = false;     // all begins anew after this event
-    QList<QByteArray> m_states;  // saved on the way
+    bool m_isSpoilt = false;  // all begins anew after this event
+    QList<Saved> m_states;    // saved on the way
+    QSet<QString> m_loose;    // fields whose tick and column need not agree
+    int m_disturbances = 0;   // how often the host did something inside of an event
+    bool m_isDisturbing = false;
 };
 
 }  // namespace orvtest
