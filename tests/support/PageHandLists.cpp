@@ -83,6 +83,8 @@ void PageHand::editCell() {
 }
 
 void PageHand::openChoice() {
+    // One cell after the other: between two of them the ticks are looked at.
+    if (grid().isEditing()) return grid().commitEdit();
     const int row = dice().below(grid().model()->rowCount());
     grid().setCurrentIndex(grid().model()->index(row, dice().between(1, 2)));
     note("choice in the grid");
