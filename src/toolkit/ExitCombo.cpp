@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
+#include <QPointer>
 #include <QStringListModel>
 #include <QWheelEvent>
 
@@ -57,15 +58,17 @@ void ExitCombo::open(const QStringList& items, const QString& text) {
 void ExitCombo::discard() {
     m_open = false;
     hidePopup();
+    const QPointer<ExitCombo> self(this);
     if (hasFocus() && parentWidget()) parentWidget()->setFocus();
-    hide();
+    if (self) hide();
 }
 
 void ExitCombo::leave(const std::function<void()>& handler) {
     if (!m_open) return;
     const std::function<void()> copy = handler;
+    const QPointer<ExitCombo> self(this);
     discard();
-    if (copy) guarded(copy);
+    if (self && copy) guarded(copy);
 }
 
 void ExitCombo::showPopup() {

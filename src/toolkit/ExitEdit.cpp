@@ -6,6 +6,7 @@
 
 #include <QFocusEvent>
 #include <QKeyEvent>
+#include <QPointer>
 
 namespace orv {
 
@@ -26,15 +27,17 @@ void ExitEdit::open(const QString& text) {
 // The focus goes first: hiding a focused widget would hand it to the next one of the tab chain.
 void ExitEdit::discard() {
     m_open = false;
+    const QPointer<ExitEdit> self(this);
     if (hasFocus() && parentWidget()) parentWidget()->setFocus();
-    hide();
+    if (self) hide();
 }
 
 void ExitEdit::leave(const std::function<void()>& handler) {
     if (!m_open) return;
     const std::function<void()> copy = handler;
+    const QPointer<ExitEdit> self(this);
     discard();
-    if (copy) guarded(copy);
+    if (self && copy) guarded(copy);
 }
 
 // Its keys are its own, also where the window has shortcuts on them.
