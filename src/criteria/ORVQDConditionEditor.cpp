@@ -48,8 +48,10 @@ ConditionEditor::~ConditionEditor() {
 void ConditionEditor::open(const TorvQDControl& given) {
     const ElementRef element(&given);
     const QPointer<TorvQDWherePanel> panel(&m_panel);
+    const bool wasVisible = m_panel.isVisible();
     commit();
-    const TorvQDControl* control = panel ? element.get() : nullptr;
+    if (!panel || panel->isVisible() != wasVisible) return;  // the host went to another page
+    const TorvQDControl* control = element.get();
     const QString* text = control ? control->Row->textOf(control->Kind) : nullptr;
     if (!text) return;
     m_panel.showElement(*control);

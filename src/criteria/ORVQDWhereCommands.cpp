@@ -185,6 +185,7 @@ void TorvQDWherePanel::MakeCompositCondition() {
     TorvQDWhereRow* row = commandRow(noButton);
     if (!row) return;
     if (row->isGroup()) throw orv::Error(QStringLiteral("Selected condition already compose"));
+    if (row->depth() - 1 > orv::deepestCondition) orv::raiseTooDeep();
     edit([&] {
         row->SubRows->AddRow()->Assign(*row);
         row->SetGroupOper(QStringLiteral("All"));

@@ -131,7 +131,10 @@ int behindLastWholeCondition(const orv::TokenRun& condition, const orv::Conditio
 }  // namespace
 
 TorvQDWherePanel::TorvQDWherePanel(QWidget* Parent) : QAbstractScrollArea(Parent) {
-    if (!Parent) throw orv::Error(QStringLiteral("Invalide parent for conditions panel"));
+    // The sheets belong to the query builder, above.
+    if (!Parent || !Parent->inherits("TorvTabSheet")) {
+        throw orv::Error(QStringLiteral("Invalide parent for conditions panel"));
+    }
     prepareView();
 }
 

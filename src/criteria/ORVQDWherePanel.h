@@ -40,7 +40,8 @@ class ORV_EXPORT TorvQDWherePanel : public QAbstractScrollArea {
     Q_OBJECT
 
 public:
-    /// Raises orv::Error "Invalide parent for conditions panel" without a parent.
+    /// Raises orv::Error "Invalide parent for conditions panel" unless the parent is a
+    /// TorvTabSheet.
     explicit TorvQDWherePanel(QWidget* Parent);
     ~TorvQDWherePanel() override;
 

@@ -218,7 +218,7 @@ void TorvQDWherePanel::changeEvent(QEvent* event) {
         m_widths->setFont(font());
         if (m_layout) m_layout->textsChanged();
     }
-    if (m_layout) refreshView();
+    if (m_layout) orv::guarded([this] { refreshView(); });
 }
 
 // --- elements ---
@@ -493,7 +493,9 @@ QString TorvQDWherePanel::hintAt(const QPoint& viewPoint) {
     if (row->isGroup() || !element || element->Kind == ekButton) return rowProblem(*row);
     const QString full = fullText(*row, element->Kind);
     if (orv::isBlank(full) && !row->isExpression()) return whatIsMissing(element->Kind);
-    return full != element->GetText() ? tipOf(full) : rowProblem(*row);
+    const QString problem = rowProblem(*row);
+    if (full == element->GetText()) return problem;
+    return problem.isEmpty() ? tipOf(full) : tipOf(full) + u'\n' + problem;
 }
 
 bool TorvQDWherePanel::viewportEvent(QEvent* event) {

@@ -227,10 +227,19 @@ bool TorvQueryBuilder::isAmbiguous(const QString& text) const {
     return orv::firstFullStop(text) < 0 && fieldsNamed(text).size() > 1;
 }
 
+namespace {
+
+constexpr qsizetype longestToldName = 100;
+
+}  // namespace
+
 QString TorvQueryBuilder::nameProblem(const QString& text) const {
     QString first;
     orv::visitNameProblems(*this, text, [&](const QString& name, const QString& what) {
-        if (first.isEmpty()) first = name + QStringLiteral(": ") + what;
+        if (!first.isEmpty()) return;
+        const bool isLong = name.size() > longestToldName;
+        first = name.left(longestToldName) +
+                (isLong ? QStringLiteral("...: ") : QStringLiteral(": ")) + what;
     });
     return first;
 }

@@ -825,7 +825,10 @@ private Q_SLOTS:
             page.addTable("T", {"A"});
             page.show();
             QVERIFY(QTest::qWaitForWindowActive(&page));
-            auto panel = std::make_unique<TorvQDWherePanel>(&page);
+            TorvTabSheet sheet(&page);
+            sheet.resize(page.size());
+            sheet.show();
+            auto panel = std::make_unique<TorvQDWherePanel>(&sheet);
             panel->GroupOpers = &groups;
             panel->Operators = &operators;
             panel->Activate();
@@ -871,6 +874,16 @@ private Q_SLOTS:
         on.panel()->discardEdit();
         QVERIFY(on.view()->grab().toImage().pixelColor(text.center().x(), text.bottom() + 1) !=
                 QColor(128, 128, 128));
+    }
+
+    void editorDoesNotOpenOnAPageThatTheHostLeft() {
+        const EditedPanel on;
+        on.type("2");
+        QObject::connect(on.builder, &TorvQueryBuilder::StatementChanged, on.form.get(),
+                         [&] { on.builder->PageCtrl->setCurrentIndex(1); });
+        on.open(1, ekArgument);
+        QCOMPARE(on.row(0)->Arguments, QStringList("2"));
+        QVERIFY(!on.panel()->isEditing());
     }
 };
 

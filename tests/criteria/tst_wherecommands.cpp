@@ -462,8 +462,8 @@ private Q_SLOTS:
 
     void panelOfNoBuilderWorksToo() {
         const ShownConditions on;
-        QWidget window;
-        TorvQDWherePanel alone(&window);
+        TorvTabSheet sheet;
+        TorvQDWherePanel alone(&sheet);
         alone.Operators = on.builder.Operators.get();
         alone.GroupOpers = &on.builder.GroupOpers;
         alone.Activate();
@@ -471,12 +471,12 @@ private Q_SLOTS:
         alone.AddCondition();
         alone.MakeCompositCondition();
         QCOMPARE(orvtest::rowText(*alone.rootRow()), "All(All( =[]))");
-        window.grab();
+        sheet.grab();
     }
 
     void commandsOfAPanelThatIsNotActiveAreRefused() {
-        QWidget window;
-        TorvQDWherePanel panel(&window);
+        TorvTabSheet sheet;
+        TorvQDWherePanel panel(&sheet);
         QCOMPARE(errorOf([&] { panel.AddCondition(); }), noButton);
         QCOMPARE(errorOf([&] { panel.DeleteCondition(); }), "There is no active button");
     }
@@ -495,6 +495,24 @@ private Q_SLOTS:
         on.panel->DeleteCondition();
         QCOMPARE(bar.maximum(), 30 * 20 - on.view()->height());
         QVERIFY(bar.pageStep() == on.view()->height());
+    }
+
+    // As deep as what can be loaded again.
+    void groupsNestAsDeepAsTheyCanBeLoaded() {
+        const ShownConditions on("t.a = 1");
+        TorvQDWhereRow* row = on.root()->SubRows->Row(0);
+        for (int depth = 1; depth < orv::deepestCondition; ++depth) {
+            row->SetGroupOper("Any");
+            row = row->SubRows->AddRow();
+        }
+        on.panel->setCurrentElement(row->Controls[0].get());
+        on.panel->MakeCompositCondition();
+        QVERIFY(row->isGroup());
+        row = row->SubRows->Row(0);
+        on.panel->setCurrentElement(row->Controls[0].get());
+        const QString tooDeep = errorOf([] { orv::raiseTooDeep(); });
+        QCOMPARE(errorOf([&] { on.panel->MakeCompositCondition(); }), tooDeep);
+        QVERIFY(!row->isGroup());
     }
 };
 

@@ -92,7 +92,8 @@ private Q_SLOTS:
         on.row(1)->FieldName = QString(50'000, u'F');
         const QString tip = on.tip(1, ekFieldName);
         QVERIFY(tip.size() > 1000 && tip.size() < 5000);
-        QVERIFY(tip.endsWith("F..."));
+        QVERIFY(tip.contains("F...\n"));
+        QVERIFY(tip.endsWith("F...: No table on the diagram has this field."));
     }
 
     void lineBreaksOfATextAreShown() {
@@ -182,6 +183,15 @@ private Q_SLOTS:
         on.panel().horizontalScrollBar()->setValue(0);
         QCOMPARE(on.tipOfMark(20), "This condition is not filled in.");
         QCOMPARE(on.tipOfMark(19), QString());
+    }
+
+    void problemStandsBelowTheTextThatIsCut() {
+        const Hinted on("t.a = 1");
+        on.row(1)->FieldName = "X.Y || " + QString(40, u'F');
+        on.panel().refreshView();
+        const QString tip = on.tip(1, ekFieldName);
+        QVERIFY2(tip.startsWith(on.row(1)->FieldName + u'\n'), qPrintable(tip));
+        QVERIFY2(tip.endsWith(on.panel().rowProblem(*on.row(1))), qPrintable(tip));
     }
 };
 

@@ -441,7 +441,8 @@ private Q_SLOTS:
     void keysAreSwallowedOnlyWhereTheyMeanSomething() {
         const ShownConditions on;
         KeyTaker around;
-        TorvQDWherePanel panel(&around);
+        TorvTabSheet sheet(&around);
+        TorvQDWherePanel panel(&sheet);
         panel.Operators = on.builder.Operators.get();
         panel.GroupOpers = &on.builder.GroupOpers;
         panel.Activate();
@@ -463,7 +464,8 @@ private Q_SLOTS:
     void keysOfRefusedCommandsAreSwallowedToo() {
         const ShownConditions on;
         KeyTaker around;
-        TorvQDWherePanel panel(&around);
+        TorvTabSheet sheet(&around);
+        TorvQDWherePanel panel(&sheet);
         panel.Operators = on.builder.Operators.get();
         panel.GroupOpers = &on.builder.GroupOpers;
         panel.Activate();

@@ -500,11 +500,11 @@ private Q_SLOTS:
     }
 
     void panelThatIsNotActiveIsBlank() {
-        QWidget window;
+        TorvTabSheet sheet;
         QPalette palette;
         palette.setColor(QPalette::Window, ground);
-        window.setPalette(palette);
-        TorvQDWherePanel panel(&window);
+        sheet.setPalette(palette);
+        TorvQDWherePanel panel(&sheet);
         panel.resize(200, 100);
         QVERIFY(isPlain(panel.viewport()->grab().toImage(), ground));
     }

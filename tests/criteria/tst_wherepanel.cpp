@@ -51,8 +51,10 @@ private Q_SLOTS:
     // --- the panel
 
     void mustHaveAParent() {
-        QCOMPARE(orvtest::errorOf([] { TorvQDWherePanel panel(nullptr); }),
-                 "Invalide parent for conditions panel");
+        const QString refusal = "Invalide parent for conditions panel";
+        QCOMPARE(orvtest::errorOf([] { TorvQDWherePanel panel(nullptr); }), refusal);
+        QWidget noSheet;
+        QCOMPARE(orvtest::errorOf([&] { TorvQDWherePanel panel(&noSheet); }), refusal);
     }
 
     void emptyPanelWritesNineBlanks() {
@@ -63,8 +65,8 @@ private Q_SLOTS:
     }
 
     void panelThatIsNotActiveHasNoRoot() {
-        QWidget window;
-        TorvQDWherePanel panel(&window);
+        TorvTabSheet sheet;
+        TorvQDWherePanel panel(&sheet);
         QCOMPARE(panel.rootRow(), nullptr);
         QCOMPARE(panel.GetSQLStatment(), blanks);
         panel.ClearContents();
@@ -261,8 +263,8 @@ private Q_SLOTS:
         on.builder.WherePanel->LoadSQL(*root.Clause(inWhere));
         QCOMPARE(where(on), rows);
         QCOMPARE(on.changes, 1);
-        QWidget window;
-        TorvQDWherePanel alone(&window);
+        TorvTabSheet sheet;
+        TorvQDWherePanel alone(&sheet);
         alone.Operators = on.builder.Operators.get();
         alone.GroupOpers = &on.builder.GroupOpers;
         alone.Activate();

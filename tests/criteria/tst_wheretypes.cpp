@@ -47,8 +47,8 @@ private Q_SLOTS:
     }
 
     void panelOutsideABuilderKnowsNoTypes() {
-        QWidget window;
-        const TorvQDWherePanel panel(&window);
+        TorvTabSheet sheet;
+        const TorvQDWherePanel panel(&sheet);
         TFieldType type = ftUnknown;
         QCOMPARE(orvtest::errorOf([&] { (void)panel.GetFieldType("T.A", type); }),
                  "Fatal Error! Class TorvQueryBuilder not found");
