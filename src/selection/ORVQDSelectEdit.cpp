@@ -203,16 +203,31 @@ void TorvQDSelectGrid::_SetCellText(const QString& Text) {
 
 // --- what an edit does ---
 
+// A field is typed in any case, with or without its table.
+QString TorvQDSelectGrid::ownSpelling(const QString& source) const {
+    const IPagesHost* owner = host();
+    if (!owner || !AllFields || AllFields->contains(source)) return source;
+    const std::optional<PageField> field = owner->resolveField(source);
+    return field && AllFields->contains(field->qualifiedName()) ? field->qualifiedName() : source;
+}
+
+QString TorvQDSelectGrid::listedAggregate(const QString& name) const {
+    for (const QString& listed : AgrFuncs ? *AgrFuncs : QStringList()) {
+        if (listed.compare(name, Qt::CaseInsensitive) == 0) return listed;
+    }
+    return name;
+}
+
 // A text that nobody touched stays as it is, be it as it may.
 void TorvQDSelectGrid::setCellText(int col, int row, const QString& text) {
     if (text == Cells(col, row)) return;
-    if (col == orv::sourceColumn) return setSource(row, orv::orvTrim(text));
+    if (col == orv::sourceColumn) return setSource(row, ownSpelling(orv::orvTrim(text)));
     if (!isDataRow(row)) return;
     orv::OutputColumn& column = m_columns[std::size_t(row - 1)];
     if (col == orv::nameColumn) {
         column.name = withoutBlanks(text);
     } else {
-        const QString aggregate = orv::orvTrim(text);
+        const QString aggregate = listedAggregate(orv::orvTrim(text));
         if (aggregate == orv::orvTrim(column.aggregate)) return;
         updateName(col, row, aggregate);
         column.aggregate = aggregate;

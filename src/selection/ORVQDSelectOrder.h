@@ -164,6 +164,8 @@ private:
     void tell(const NameEvent& event, const QString& name);
     [[nodiscard]] bool isDataRow(int row) const { return row >= 1 && row < RowCount() - 1; }
     [[nodiscard]] bool isDiagramField(const QString& source) const;
+    [[nodiscard]] QString ownSpelling(const QString& source) const;
+    [[nodiscard]] QString listedAggregate(const QString& name) const;
     [[nodiscard]] int currentRow() const { return currentIndex().row() + 1; }
     void setCurrentCell(int col, int row);
 

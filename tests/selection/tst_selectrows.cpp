@@ -357,6 +357,22 @@ private Q_SLOTS:
         QCOMPARE(shown, after);
         QCOMPARE(spy.resets.count(), 0);
     }
+
+    void fieldsAndAggregatesAreTypedInAnyCase() {
+        const ShownGrid on;
+        on.enter(2, 4, "u.y");
+        QCOMPARE(on.grid()->Cells(2, 4), "U.Y");
+        QCOMPARE(on.grid()->Cells(0, 4), "Y");
+        QVERIFY(on.isTicked("U", "Y"));
+        on.enter(1, 4, "sum");
+        QCOMPARE(on.grid()->Cells(1, 4), "SUM");
+        QCOMPARE(on.grid()->Cells(0, 4), "SUM_OF_Y");
+        // What is no field stays as it was typed.
+        on.enter(2, 5, "u.y + 1");
+        QCOMPARE(on.grid()->Cells(2, 5), "u.y + 1");
+        on.enter(1, 5, "total");
+        QCOMPARE(on.grid()->Cells(1, 5), "total");
+    }
 };
 
 QTEST_MAIN(SelectRowsTest)
