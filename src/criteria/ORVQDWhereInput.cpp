@@ -86,8 +86,14 @@ void TorvQDWherePanel::mousePressEvent(QMouseEvent* event) {
         setHotElement(element);
         setCurrentElement(element);
         m_pressed = orv::ElementRef(element);
-        if (!element) return;
-        element->Kind == ekButton ? updateRow(element->Row) : setActiveElement(element);
+        if (element) {
+            element->Kind == ekButton ? updateRow(element->Row) : setActiveElement(element);
+            return;
+        }
+        // Beside its texts a row is meant as a whole.
+        int top = 0;
+        const TorvQDWhereRow* row = LookRows(pos.y() + contentOffset().y(), top);
+        if (row && m_active.row() != row) setActiveElement(elementLike(*row, ekFieldName));
     });
 }
 
@@ -150,11 +156,11 @@ void TorvQDWherePanel::keyPressEvent(QKeyEvent* event) {
 bool TorvQDWherePanel::handleKey(const QKeyEvent& event) {
     const TorvQDControl* active = m_layout ? ActiveElement() : nullptr;
     if (!active || !isCommand(event)) return false;
+    // What the editor or its list has no use for, at the end of a text or list, moves nothing here.
+    if (isEditing()) return !isTextKey(event);
     const bool withCtrl = modifiersOf(event) == Qt::ControlModifier;
     const int key = event.key();
     if (isTextKey(event)) {
-        // While something is being typed these keys are the editor's.
-        if (isEditing()) return false;
         runTextKey(key);
         return true;
     }

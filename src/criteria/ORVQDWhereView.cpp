@@ -68,7 +68,8 @@ QString whatIsMissing(int kind) {
 
 // What is behind the last row when there is no condition yet.
 QString invitation() {
-    return QStringLiteral("No conditions. A click on the button, or Insert, adds one.");
+    return QStringLiteral(
+        "No conditions. The menu of the button adds one, and so does the Insert key.");
 }
 
 }  // namespace
@@ -493,7 +494,10 @@ QString TorvQDWherePanel::hintAt(const QPoint& viewPoint) {
     if (row->isGroup() || !element || element->Kind == ekButton) return rowProblem(*row);
     const QString full = fullText(*row, element->Kind);
     if (orv::isBlank(full) && !row->isExpression()) return whatIsMissing(element->Kind);
-    const QString problem = rowProblem(*row);
+    QString problem = rowProblem(*row);
+    if (problem.isEmpty() && !row->Valid) {
+        problem = QStringLiteral("The types of the two sides do not go together.");
+    }
     if (full == element->GetText()) return problem;
     return problem.isEmpty() ? tipOf(full) : tipOf(full) + u'\n' + problem;
 }

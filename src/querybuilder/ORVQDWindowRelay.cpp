@@ -240,6 +240,9 @@ QString TorvQueryBuilder::nameProblem(const QString& text) const {
         const bool isLong = name.size() > longestToldName;
         first = name.left(longestToldName) +
                 (isLong ? QStringLiteral("...: ") : QStringLiteral(": ")) + what;
+        if (orv::firstFullStop(name) < 0 && !isAmbiguous(name)) {
+            first += QStringLiteral(" A text stands in quotes: 'abc'.");
+        }
     });
     return first;
 }

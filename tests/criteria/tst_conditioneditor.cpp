@@ -885,6 +885,25 @@ private Q_SLOTS:
         QCOMPARE(on.row(0)->Arguments, QStringList("2"));
         QVERIFY(!on.panel()->isEditing());
     }
+
+    // At the end of a list or text an arrow key has nothing more to do there, and none elsewhere.
+    void arrowKeysOfTheEditorMoveNothingInThePanel() {
+        const EditedPanel on;
+        on.open(0, ekArgument);
+        on.panel()->setActiveElement(&on.element(0, ekArgument));
+        on.panel()->InsertField();
+        QTest::keyClicks(QApplication::focusWidget(), "c");
+        for (int step = 0; step < 4; ++step) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+        }
+        QCOMPARE(on.panel()->ActiveElement(), &on.element(0, ekArgument));
+        on.panel()->KeyUpOnFieldList(Qt::Key_Escape);
+        for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Up, Qt::Key_Home, Qt::Key_PageDown}) {
+            QTest::keyClick(on.memo(), key);
+            QVERIFY(on.panel()->isEditing());
+            QCOMPARE(on.panel()->ActiveElement(), &on.element(0, ekArgument));
+        }
+    }
 };
 
 QTEST_MAIN(ConditionEditorTest)

@@ -93,7 +93,9 @@ private Q_SLOTS:
         const QString tip = on.tip(1, ekFieldName);
         QVERIFY(tip.size() > 1000 && tip.size() < 5000);
         QVERIFY(tip.contains("F...\n"));
-        QVERIFY(tip.endsWith("F...: No table on the diagram has this field."));
+        QVERIFY(
+            tip.endsWith("F...: No table on the diagram has this field. A text stands in quotes: "
+                         "'abc'."));
     }
 
     void lineBreaksOfATextAreShown() {
