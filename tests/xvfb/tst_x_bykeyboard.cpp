@@ -215,8 +215,8 @@ void tst_x_bykeyboard::setGroupConditions() {
     chooseFromMenu("Any");
     addCondition(panel, "1.");
     chooseField(panel, "ORDERS", "TOTAL");
-    m_hand->key("Left");
-    goToElement(panel, ekFieldFunc);
+    m_hand->key("Left").until("the function has the frame",
+                              [&panel] { return panel.ActiveElement()->Kind == ekFieldFunc; });
     chooseFromMenu("SUM");
     goToElement(panel, ekOperator);
     chooseFromMenu(">");
@@ -224,8 +224,8 @@ void tst_x_bykeyboard::setGroupConditions() {
     typeValue(panel, "6000");
     addCondition(panel, "2.");
     chooseField(panel, "ORDERS", "ORDER_NO");
-    m_hand->key("Left");
-    goToElement(panel, ekFieldFunc);
+    m_hand->key("Left").until("the function has the frame",
+                              [&panel] { return panel.ActiveElement()->Kind == ekFieldFunc; });
     chooseFromMenu("COUNT");
     goToElement(panel, ekArgument);
     typeValue(panel, "0");
