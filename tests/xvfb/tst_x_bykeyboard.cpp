@@ -303,7 +303,9 @@ void tst_x_bykeyboard::goToField(const QString& alias, const QString& field) {
         return item ? item->Name : QString();
     };
     m_hand->key("Home")
-        .until("a row is chosen", [state] { return !state().isEmpty(); })
+        .until(
+            "the first row is chosen",
+            [this, state, alias] { return state() == m_desk->table(alias)->Items.front()->Name; })
         .keyUntil<QString>("Down", state, field);
 }
 
