@@ -126,6 +126,13 @@ public:
     /// names an operator that the catalogue has not, or contradicts itself.
     void RestoreState(const QByteArray& json);
 
+    /// Lets the user edit the operator catalogue in a dialog, without the forbidden edits. What is
+    /// being typed elsewhere is taken over first, and open menus close. OK replaces the catalogue;
+    /// conditions go over to the operators of the same names, or to the first one, of which the
+    /// user is told. While the dialog is open another call only brings it to the front. Raises
+    /// orv::Error while a statement is loaded or a handler of the host is asked for something.
+    void ModifyOperators(TEditRestrictions Restrictions = {});
+
     /// Takes over what is being typed in an open editor.
     void CommitPendingEdits();
     /// Before the user goes to another page: open lists of the pages close, and what is being typed
@@ -213,6 +220,8 @@ private:
     void showDragged(const QMimeData& data, const Handler& handler);
     void fillCatalogues();
     void watchOperators();
+    void closeMenus() const;
+    [[nodiscard]] QStringList lostOperators(const TOperatorList& operators) const;
     void createPages(bool designMode);
     TorvTabSheet* addSheet(const QString& caption);
     TorvQDWherePanel* addCriteria(TorvTabSheet* sheet, const QStringList* functions);
