@@ -330,6 +330,15 @@ void TorvQDWherePanel::ReloadOperators() {
     refreshView();
 }
 
+QStringList TorvQDWherePanel::operatorNames() const {
+    QStringList names;
+    if (!rootRow()) return names;
+    visitConditions(*rootRow(), [&](const TorvQDWhereRow& row) {
+        if (row.Operator && !row.isExpression()) names << row.Operator->Name;
+    });
+    return names;
+}
+
 const TorvQDGroupFunc* TorvQDWherePanel::FindGroupFunc(const QString& Name) const {
     return GroupOpers ? orv::findGroupOperator(*GroupOpers, Name) : nullptr;
 }

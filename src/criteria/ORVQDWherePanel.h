@@ -71,6 +71,8 @@ public:
     /// name, or to the first one. Arguments stay as they are.
     void PrepareToReloadOperators();
     void ReloadOperators();
+    /// Names of the operators that the conditions have, one for each condition.
+    [[nodiscard]] QStringList operatorNames() const;
 
     [[nodiscard]] const TorvQDGroupFunc* FindGroupFunc(const QString& Name) const;
     /// Data type of a qualified field of the diagram. Raises orv::Error "Fatal Error! Class

@@ -6,6 +6,7 @@
 #include "core/Error.h"
 #include "criteria/ORVQDWhereAccessible.h"
 #include "criteria/ORVQDWherePanel.h"
+#include "querybuilder/ORVQDOpersEditor.h"
 #include "querybuilder/ORVQDPageTabs.h"
 #include "querybuilder/ORVQDTailLine.h"
 #include "querybuilder/ORVQDValidate.h"
@@ -15,12 +16,14 @@
 #include "workarea/ORVQDAccessible.h"
 #include "workarea/ORVQDFloatPanel.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QLayout>
 #include <QPointer>
 #include <QRandomGenerator>
 #include <QScopeGuard>
 #include <QShowEvent>
+#include <QThread>
 #include <QVBoxLayout>
 
 namespace {
@@ -273,6 +276,57 @@ void TorvQueryBuilder::watchOperators() {
         }
         statementChanged();
     };
+}
+
+// The dialog is a child of the control: it dies with it, and lies above its window. Whatever else
+// happens while it is open, a statement that is loaded for one, finds the old catalogue.
+void TorvQueryBuilder::ModifyOperators(TEditRestrictions Restrictions) {
+    Q_ASSERT(thread() == QThread::currentThread());
+    refuseWhileBusy();
+    if (auto* open = findChild<TorvQDOperatorsPropertyDlg*>({}, Qt::FindDirectChildrenOnly)) {
+        open->raise();
+        open->activateWindow();
+        return;
+    }
+    const QPointer<TorvQueryBuilder> self(this);
+    closeMenus();
+    CommitPendingEdits();
+    if (!self) return;
+    const std::unique_ptr<TOperatorList> edited =
+        orv::editOperators(*Operators, Restrictions, {}, this);
+    if (!self || !edited) return;
+    const QStringList lost = lostOperators(*edited);
+    setOperators(*edited);
+    if (!self || lost.isEmpty()) return;
+    orv::showMessage({this,
+                      QStringLiteral("These operators are no longer in the list: %1.\nConditions "
+                                     "that had them now have %2.")
+                          .arg(lost.join(QStringLiteral(", ")), edited->Items(0)->Name),
+                      QStringLiteral("Attention!"), orv::MessageIcon::Exclamation,
+                      orv::MessageButtons::Ok});
+}
+
+void TorvQueryBuilder::closeMenus() const {
+    const auto isOwn = [this](const QObject* object) {
+        while (object && object != this) object = object->parent();
+        return object != nullptr;
+    };
+    QWidget* last = nullptr;
+    for (QWidget* popup = QApplication::activePopupWidget(); popup && popup != last && isOwn(popup);
+         popup = QApplication::activePopupWidget()) {
+        last = popup;
+        popup->close();
+    }
+}
+
+// Operators of conditions that the list has not. An empty list takes none away.
+QStringList TorvQueryBuilder::lostOperators(const TOperatorList& operators) const {
+    QStringList names;
+    if (!WherePanel || operators.Count() == 0) return names;
+    for (const TorvQDWherePanel* panel : {WherePanel, HavingPanel}) names += panel->operatorNames();
+    names.removeDuplicates();
+    names.removeIf([&](const QString& name) { return operators.FindName(name) != nullptr; });
+    return names;
 }
 
 void TorvQueryBuilder::setKeepMeaning(bool keep) {

@@ -11,6 +11,7 @@
 #include "data/Events.h"
 #include "data/NameList.h"
 #include "parser/ORVQDFindings.h"
+#include "querybuilder/ORVQDEditRestrictions.h"
 #include "querybuilder/ORVQDListOfTables.h"
 
 #include <QHash>
@@ -41,11 +42,6 @@ class ORV_EXPORT TorvTabSheet : public QWidget {
 public:
     explicit TorvTabSheet(QWidget* parent = nullptr);
 };
-
-/// Edits of the operator catalogue that a host may forbid.
-enum ORVQDWindow__1 : quint8 { erAdd = 0, erDelete = 1, erName = 2, erArgument = 3 };
-static_assert(erAdd == 0 && erDelete == 1 && erName == 2 && erArgument == 3);
-Q_DECLARE_FLAGS(TEditRestrictions, ORVQDWindow__1)
 
 /// The query builder: a diagram of tables above pages for the rest of a query. What is drawn and
 /// ticked becomes one SELECT statement, and a SELECT statement becomes the picture. It knows no
@@ -129,6 +125,13 @@ public:
     /// notifications. Raises orv::Error, with everything left as it was, when the text is no state,
     /// names an operator that the catalogue has not, or contradicts itself.
     void RestoreState(const QByteArray& json);
+
+    /// Lets the user edit the operator catalogue in a dialog, without the forbidden edits. What is
+    /// being typed elsewhere is taken over first, and open menus close. OK replaces the catalogue;
+    /// conditions go over to the operators of the same names, or to the first one, of which the
+    /// user is told. While the dialog is open another call only brings it to the front. Raises
+    /// orv::Error while a statement is loaded or a handler of the host is asked for something.
+    void ModifyOperators(TEditRestrictions Restrictions = {});
 
     /// Takes over what is being typed in an open editor.
     void CommitPendingEdits();
@@ -217,6 +220,8 @@ private:
     void showDragged(const QMimeData& data, const Handler& handler);
     void fillCatalogues();
     void watchOperators();
+    void closeMenus() const;
+    [[nodiscard]] QStringList lostOperators(const TOperatorList& operators) const;
     void createPages(bool designMode);
     TorvTabSheet* addSheet(const QString& caption);
     TorvQDWherePanel* addCriteria(TorvTabSheet* sheet, const QStringList* functions);
