@@ -11,6 +11,7 @@
 #include "data/Events.h"
 #include "data/NameList.h"
 #include "parser/ORVQDFindings.h"
+#include "querybuilder/ORVQDEditRestrictions.h"
 #include "querybuilder/ORVQDListOfTables.h"
 
 #include <QHash>
@@ -41,11 +42,6 @@ class ORV_EXPORT TorvTabSheet : public QWidget {
 public:
     explicit TorvTabSheet(QWidget* parent = nullptr);
 };
-
-/// Edits of the operator catalogue that a host may forbid.
-enum ORVQDWindow__1 : quint8 { erAdd = 0, erDelete = 1, erName = 2, erArgument = 3 };
-static_assert(erAdd == 0 && erDelete == 1 && erName == 2 && erArgument == 3);
-Q_DECLARE_FLAGS(TEditRestrictions, ORVQDWindow__1)
 
 /// The query builder: a diagram of tables above pages for the rest of a query. What is drawn and
 /// ticked becomes one SELECT statement, and a SELECT statement becomes the picture. It knows no
