@@ -9,8 +9,84 @@ namespace {
 
 constexpr int textsPerEntry = 6;
 
-QString damagedStream() {
-    return QStringLiteral("The stored operator list is damaged");
+QString damage(const QString& what) {
+    return QStringLiteral("The stored operator list is damaged: ") + what;
+}
+
+QString noNumber(qsizetype entry) {
+    return QStringLiteral("the count of operator %1 is no number").arg(entry);
+}
+
+/// What stands in front of each value of a stored list.
+enum class Mark : quint8 { ListEnd = 0, ListBegin = 1, Number = 2, Text = 3 };
+
+QDataStream& operator<<(QDataStream& stream, Mark mark) {
+    return stream << quint8(mark);
+}
+
+/// Reads the entries of a stored list. Raises orv::Error where it is damaged.
+class EntryReader {
+public:
+    explicit EntryReader(QDataStream& stream) : m_stream(stream) {}
+
+    void read(std::vector<TOperatorList::Entry>& entries) {
+        if (readMark() != Mark::ListBegin) fail(QStringLiteral("it does not begin as one"));
+        for (m_number = 1;; ++m_number) {
+            const Mark mark = readMark();
+            if (mark == Mark::ListEnd) return;
+            auto entry = std::make_shared<TorvQDOperator>();
+            readText(mark, entry->Name, "name");
+            readText(readMark(), entry->Caption, "caption");
+            readText(readMark(), entry->Relate, "relate text");
+            readText(readMark(), entry->Prefix, "prefix");
+            readText(readMark(), entry->Postfix, "postfix");
+            entry->Count = readCount();
+            entries.push_back(std::move(entry));
+        }
+    }
+
+private:
+    [[noreturn]] void fail(const QString& what) {
+        if (m_stream.status() == QDataStream::Ok) m_stream.setStatus(QDataStream::ReadCorruptData);
+        throw orv::Error(damage(what));
+    }
+
+    template <typename Value>
+    [[nodiscard]] Value readValue() {
+        Value value = {};
+        m_stream >> value;
+        if (m_stream.status() == QDataStream::Ok) return value;
+        fail(m_number == 0 ? QStringLiteral("it is empty")
+                           : QStringLiteral("it breaks off at operator %1").arg(m_number));
+    }
+
+    [[nodiscard]] Mark readMark() { return Mark(readValue<quint8>()); }
+
+    void readText(Mark mark, QString& text, const char* name) {
+        if (mark != Mark::Text) {
+            fail(QStringLiteral("the %1 of operator %2 is no text")
+                     .arg(QLatin1String(name))
+                     .arg(m_number));
+        }
+        text = readValue<QString>();
+    }
+
+    [[nodiscard]] int readCount() {
+        if (readMark() != Mark::Number) fail(noNumber(m_number));
+        return readValue<qint32>();
+    }
+
+    QDataStream& m_stream;
+    qsizetype m_number = 0;  // of the entry that is being read, from 1
+};
+
+std::vector<TOperatorList::Entry> copies(const std::vector<TOperatorList::Entry>& entries) {
+    std::vector<TOperatorList::Entry> result;
+    result.reserve(entries.size());
+    for (const TOperatorList::Entry& entry : entries) {
+        result.push_back(std::make_shared<TorvQDOperator>(*entry));
+    }
+    return result;
 }
 
 TorvQDOperator plainOperator(const QString& name) {
@@ -36,6 +112,7 @@ TOperatorList::Entry TOperatorList::Items(int Index) const {
 }
 
 int TOperatorList::Add(Entry Operator) {
+    Q_ASSERT(Operator);
     change([&] { m_items.push_back(std::move(Operator)); });
     return Count() - 1;
 }
@@ -65,13 +142,19 @@ void TOperatorList::Assign(const TPersistent* Source) {
         TPersistent::Assign(Source);
         return;
     }
-    if (list == this) return;
-    change([&] {
-        m_items.clear();
-        for (const Entry& entry : list->m_items) {
-            m_items.push_back(std::make_shared<TorvQDOperator>(*entry));
-        }
-    });
+    if (list != this) Assign(list->m_items);
+}
+
+void TOperatorList::Assign(const std::vector<Entry>& Source) {
+    replace(copies(Source));
+}
+
+void TOperatorList::AssignTo(std::vector<Entry>& Dest) const {
+    Dest = copies(m_items);
+}
+
+void TOperatorList::replace(std::vector<Entry> entries) {
+    change([&] { m_items = std::move(entries); });
 }
 
 void TOperatorList::AssignTo(TPersistent* Dest) const {
@@ -93,44 +176,47 @@ QStringList TOperatorList::toStrings() const {
 }
 
 void TOperatorList::fromStrings(const QStringList& texts) {
-    bool whole = true;
-    change([&] {
-        m_items.clear();
-        for (qsizetype at = 0; whole && at < texts.size(); at += textsPerEntry) {
-            bool isNumber = false;
-            const int count = texts.value(at + textsPerEntry - 1).toInt(&isNumber);
-            whole = isNumber && at + textsPerEntry <= texts.size();
-            if (!whole) break;
-            m_items.push_back(std::make_shared<TorvQDOperator>(TorvQDOperator{
+    std::vector<Entry> entries;
+    QString problem;
+    for (qsizetype at = 0; problem.isEmpty() && at < texts.size(); at += textsPerEntry) {
+        const qsizetype number = at / textsPerEntry + 1;
+        bool isNumber = false;
+        const int count = texts.value(at + textsPerEntry - 1).toInt(&isNumber);
+        if (texts.size() - at < textsPerEntry) {
+            problem = QStringLiteral("it breaks off at operator %1").arg(number);
+        } else if (!isNumber) {
+            problem = noNumber(number);
+        } else {
+            entries.push_back(std::make_shared<TorvQDOperator>(TorvQDOperator{
                 texts[at], texts[at + 1], texts[at + 2], texts[at + 4], texts[at + 3], count}));
         }
-    });
-    if (!whole) throw orv::Error(damagedStream());
+    }
+    replace(std::move(entries));
+    if (!problem.isEmpty()) throw orv::Error(damage(problem));
 }
 
 QDataStream& operator<<(QDataStream& stream, const TOperatorList& list) {
-    stream << qint32(list.Count());
+    stream << Mark::ListBegin;
     for (int index = 0; index < list.Count(); ++index) {
         const TOperatorList::Entry entry = list.Items(index);
-        stream << entry->Name << entry->Caption << entry->Relate << entry->Prefix << entry->Postfix
-               << qint32(entry->Count);
+        for (const QString& text :
+             {entry->Name, entry->Caption, entry->Relate, entry->Prefix, entry->Postfix}) {
+            stream << Mark::Text << text;
+        }
+        stream << Mark::Number << qint32(entry->Count);
     }
-    return stream;
+    return stream << Mark::ListEnd;
 }
 
 QDataStream& operator>>(QDataStream& stream, TOperatorList& list) {
-    list.Clear();
-    qint32 entries = 0;
-    stream >> entries;
-    for (qint32 index = 0; index < entries && stream.status() == QDataStream::Ok; ++index) {
-        TorvQDOperator entry;
-        qint32 count = 0;
-        stream >> entry.Name >> entry.Caption >> entry.Relate >> entry.Prefix >> entry.Postfix >>
-            count;
-        entry.Count = count;
-        if (stream.status() == QDataStream::Ok) list.Add(entry);
+    std::vector<TOperatorList::Entry> entries;
+    try {
+        EntryReader(stream).read(entries);
+    } catch (const orv::Error&) {
+        list.replace(std::move(entries));
+        throw;
     }
-    if (stream.status() != QDataStream::Ok || entries < 0) throw orv::Error(damagedStream());
+    list.replace(std::move(entries));
     return stream;
 }
 

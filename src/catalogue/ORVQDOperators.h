@@ -58,11 +58,15 @@ public:
     void Assign(const TPersistent* Source) override;
     void AssignTo(TPersistent* Dest) const override;
 
+    /// The same with a plain list of entries: whoever holds it has copies of their own.
+    void Assign(const std::vector<Entry>& Source);
+    void AssignTo(std::vector<Entry>& Dest) const;
+
     /// The entries as six texts each: name, caption, relate, prefix, postfix, count.
     [[nodiscard]] QStringList toStrings() const;
 
-    /// Replaces the entries by those of `texts`. Raises orv::Error at the first text that is no
-    /// count, or when the last entry is not whole; entries read before stay in the list.
+    /// Replaces the entries by those of `texts`, in one change. Raises orv::Error at the first text
+    /// that is no count, or when the last entry is not whole; entries read before stay in the list.
     void fromStrings(const QStringList& texts);
 
     /// Called in front of and behind every change, for owners that show entries.
@@ -72,13 +76,17 @@ public:
 private:
     template <typename Change>
     void change(const Change& apply);
+    void replace(std::vector<Entry> entries);
+
+    friend ORV_EXPORT QDataStream& operator>>(QDataStream& stream, TOperatorList& list);
 
     std::vector<Entry> m_items;
 };
 
-/// Writes and reads the list as a stream: the number of entries, then for each name, caption,
-/// relate, prefix, postfix and count. Reading replaces the entries; it raises orv::Error when the
-/// stream is damaged, and entries read before stay in the list.
+/// Writes and reads the list as a stream: a mark that it begins; for each entry its name, caption,
+/// relate, prefix and postfix as texts and its count as a number, each behind a mark of its type; a
+/// mark that it ends. Reading replaces the entries in one change. It raises orv::Error when the
+/// stream is damaged, whose text says where; entries read before stay in the list.
 ORV_EXPORT QDataStream& operator<<(QDataStream& stream, const TOperatorList& list);
 ORV_EXPORT QDataStream& operator>>(QDataStream& stream, TOperatorList& list);
 
