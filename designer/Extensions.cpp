@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Extensions.h"
 
-#include "OperatorsPropertySheet.h"
 #include "OperatorsTaskMenu.h"
+#include "QueryBuilderSheet.h"
 #include "querybuilder/ORVQDWindow.h"
 
 #include <QScopedValueRollback>
@@ -34,7 +34,7 @@ QObject* Extensions::createExtension(QObject* object, const QString& iid, QObjec
     const QScopedValueRollback<bool> asking(m_asksOthers, true);
     auto* sheet =
         qobject_cast<QDesignerPropertySheetExtension*>(extensionManager()->extension(object, iid));
-    return sheet ? new OperatorsPropertySheet(builder, sheet, parent) : nullptr;
+    return sheet ? new QueryBuilderSheet(builder, sheet, parent) : nullptr;
 }
 
 }  // namespace orvdesigner

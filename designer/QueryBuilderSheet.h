@@ -8,17 +8,23 @@ class TorvQueryBuilder;
 
 namespace orvdesigner {
 
-/// The properties of a query builder on a form: those of the form designer's own sheet, but the
-/// operators, which are written into the form only when they are others than the defaults and
-/// there are any. The form designer's extension manager owns it.
-class OperatorsPropertySheet : public QObject, public QDesignerPropertySheetExtension {
+/// The properties of a query builder on a form: those of the form designer's own sheet, with what
+/// only the control knows. Operators are written into the form when they are others than the
+/// defaults and there are any, the text behind the statement when there is one, the height of the
+/// pages when it is not the first one, to which the property alone cannot go back. The form
+/// designer's extension manager owns it.
+///
+/// Operators and the text behind the statement are SQL, nothing to translate. A control from the
+/// widget box says so; the designer's sheet keeps that beside the value, out of reach, so operators
+/// are set past it.
+class QueryBuilderSheet : public QObject, public QDesignerPropertySheetExtension {
     Q_OBJECT
     Q_INTERFACES(QDesignerPropertySheetExtension)
 
 public:
     /// `sheet` is the designer's own, which lives as long as the builder; borrowed.
-    OperatorsPropertySheet(TorvQueryBuilder* builder, QDesignerPropertySheetExtension* sheet,
-                           QObject* parent);
+    QueryBuilderSheet(TorvQueryBuilder* builder, QDesignerPropertySheetExtension* sheet,
+                      QObject* parent);
 
     [[nodiscard]] int count() const override;
     [[nodiscard]] int indexOf(const QString& name) const override;
@@ -38,7 +44,8 @@ public:
     [[nodiscard]] bool isEnabled(int index) const override;
 
 private:
-    [[nodiscard]] bool isOperators(int index) const;
+    [[nodiscard]] bool is(const char* name, int index) const;
+    void setOperators(const QStringList& texts);
 
     TorvQueryBuilder* m_builder;
     QDesignerPropertySheetExtension* m_sheet;
