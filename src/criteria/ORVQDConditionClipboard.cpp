@@ -36,7 +36,7 @@ QStringList wordsOf(const QString& text) {
     return words;
 }
 
-bool matches(const TokenRun& run, int index, const QStringList& words) {
+bool matchesAt(const TokenRun& run, int index, const QStringList& words) {
     if (words.isEmpty() || index < 0 || index + words.size() > run.size()) return false;
     for (qsizetype word = 0; word < words.size(); ++word) {
         if (!run.is(index + int(word), words[word])) return false;
@@ -202,7 +202,7 @@ private:
     [[nodiscard]] const OperatorWords* operatorAt(const TokenRun& run, int index) const {
         const auto found =
             std::find_if(m_operators.begin(), m_operators.end(),
-                         [&](const auto& known) { return matches(run, index, known.name); });
+                         [&](const auto& known) { return matchesAt(run, index, known.name); });
         return found == m_operators.end() ? nullptr : &*found;
     }
 
@@ -220,14 +220,14 @@ private:
         if (known.count <= 0) return false;
         int first = behindName;
         int last = run.size();
-        if (matches(run, first, known.prefix)) first += int(known.prefix.size());
+        if (matchesAt(run, first, known.prefix)) first += int(known.prefix.size());
         const int postfix = last - int(known.postfix.size());
-        if (postfix >= first && matches(run, postfix, known.postfix)) last = postfix;
+        if (postfix >= first && matchesAt(run, postfix, known.postfix)) last = postfix;
         if (first >= last) return true;
         if (known.count == 1 || known.relate.isEmpty()) return false;
         int start = first;
         for (int index = first; index < last; ++index) {
-            if (run[index].depth != run[first].depth || !matches(run, index, known.relate)) {
+            if (run[index].depth != run[first].depth || !matchesAt(run, index, known.relate)) {
                 continue;
             }
             if (index == start) return true;

@@ -13,7 +13,7 @@ void raiseTooDeep() {
 
 namespace {
 
-bool isWord(const TokenRun& run, int index, QStringView word) {
+bool isKeyword(const TokenRun& run, int index, QStringView word) {
     return index >= 0 && index < run.size() && run[index].kind == SqlToken::Word &&
            run.is(index, word);
 }
@@ -47,9 +47,9 @@ int mostGroupsBelow(const TokenRun& run) {
             const int groups = levels.back().groups() + 1;
             levels.pop_back();
             levels.back().below = std::max(levels.back().below, groups);
-        } else if (isWord(run, index, u"AND") || isWord(run, index, u"OR")) {
+        } else if (isKeyword(run, index, u"AND") || isKeyword(run, index, u"OR")) {
             levels.back().connect(run.is(index, u"AND") ? 1 : 2);
-        } else if (isWord(run, index, u"NOT")) {
+        } else if (isKeyword(run, index, u"NOT")) {
             levels.back().negate();
         }
     }

@@ -17,7 +17,7 @@ namespace {
 // The items of the row menu, behind those of the commands.
 enum TextItem { duplicateItem = 6, copyItem = 7, pasteItem = 8 };
 
-const QString noButton = QStringLiteral("There are no active button");
+const QString noActiveRow = QStringLiteral("There are no active button");
 
 bool isAnd(const QString& groupOper) {
     return groupOper == QStringLiteral("All") || groupOper == QStringLiteral("None");
@@ -50,7 +50,7 @@ std::vector<const TorvQDWhereRow*> rowsFor(const orv::LooseConditions& text,
 // --- commands ---
 
 void TorvQDWherePanel::DuplicateCondition() {
-    const TorvQDWhereRow* row = commandRow(noButton);
+    const TorvQDWhereRow* row = commandRow(noActiveRow);
     if (!row) return;
     if (!row->parentRow()) throw orv::Error(QStringLiteral("Could not duplicate first row"));
     edit([&] {
@@ -60,7 +60,7 @@ void TorvQDWherePanel::DuplicateCondition() {
 }
 
 void TorvQDWherePanel::MoveCondition(int step) {
-    TorvQDWhereRow* row = commandRow(noButton);
+    TorvQDWhereRow* row = commandRow(noActiveRow);
     if (!row) return;
     const int to = row->GetIndex() + step;
     if (!row->parentRow() || to < 0 || to >= row->rows()->GetCount()) return;
@@ -71,13 +71,13 @@ void TorvQDWherePanel::MoveCondition(int step) {
 }
 
 void TorvQDWherePanel::CopyCondition() {
-    const TorvQDWhereRow* row = commandRow(noButton);
+    const TorvQDWhereRow* row = commandRow(noActiveRow);
     if (row) QGuiApplication::clipboard()->setText(textOfRow(*row));
 }
 
 // What is not deleted after all is not copied either.
 void TorvQDWherePanel::CutCondition() {
-    const TorvQDWhereRow* row = commandRow(noButton);
+    const TorvQDWhereRow* row = commandRow(noActiveRow);
     if (!row) return;
     const QString text = row->parentRow() ? textOfRow(*row) : QString();
     const orv::ElementRef cut(*row, ekButton);
@@ -95,7 +95,7 @@ bool TorvQDWherePanel::keepsMeaning() const {
 }
 
 void TorvQDWherePanel::PasteCondition() {
-    TorvQDWhereRow* row = commandRow(noButton);
+    TorvQDWhereRow* row = commandRow(noActiveRow);
     if (!row) return;
     const QString text = QGuiApplication::clipboard()->text();
     const orv::LooseConditions pasted(text, readingRules(keepsMeaning()), GroupOpers);
