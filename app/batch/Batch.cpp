@@ -2,8 +2,8 @@
 #include "batch/Batch.h"
 
 #include "batch/Picture.h"
+#include "database/OpenDatabase.h"
 #include "database/RunQuery.h"
-#include "database/SqliteDatabase.h"
 #include "querybuilder/ORVQDState.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "sample/SampleDatabase.h"
@@ -70,7 +70,7 @@ void Batch::openTables() {
         m_tables = SchemaFile::read(*m_options.schema);
     } else {
         const QString path = m_options.database ? *m_options.database : sampleDatabasePath();
-        auto database = std::make_unique<SqliteDatabase>(path);
+        auto database = orvquery::openDatabase(path);
         m_database = database.get();
         m_tables = std::move(database);
     }

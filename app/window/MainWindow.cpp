@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "window/MainWindow.h"
 
-#include "database/SqliteDatabase.h"
+#include "database/OpenDatabase.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "sample/SampleDatabase.h"
 #include "tables/Host.h"
@@ -61,7 +61,7 @@ void MainWindow::begin(const Options& options) {
 
 bool MainWindow::openDatabase(const QString& path) {
     return tryTo([&] {
-        auto database = std::make_unique<SqliteDatabase>(path);
+        auto database = orvquery::openDatabase(path);
         Database* const opened = database.get();
         useTables(std::move(database), opened);
     });

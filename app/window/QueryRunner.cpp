@@ -3,7 +3,6 @@
 
 #include "core/Error.h"
 #include "database/SqlErrorText.h"
-#include "database/StopSwitch.h"
 
 #include <QElapsedTimer>
 #include <QThread>
@@ -47,7 +46,7 @@ void QueryRunner::Job::run() {
         Connection connection(settings);
         const QSqlError error = connection.open();
         if (error.isValid()) throw orv::Error(sqlErrorText(error));
-        letStop(connection.database(), isStopped);
+        const StopCall call = connection.letStop(isStopped);
         runOn(connection.database());
     } catch (const orv::Error& error) {
         outcome->error = error.Message();
