@@ -15,6 +15,10 @@ public:
     /// How to open further connections that run queries.
     [[nodiscard]] const ConnectionSettings& settings() const { return m_settings; }
 
+    /// Whether a comparison with a value of another type than the column's is an error, or worse,
+    /// made into one of that type.
+    [[nodiscard]] virtual bool hasStrictTypes() const { return true; }
+
     [[nodiscard]] std::vector<TableEntry> tables() const final;
     [[nodiscard]] std::optional<TableDescription> find(const QString& nameInStatement) const final;
     [[nodiscard]] std::optional<TableDescription> describe(const QString& name) const final;

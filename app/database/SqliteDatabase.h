@@ -13,6 +13,7 @@ public:
     explicit SqliteDatabase(const QString& path);
 
     [[nodiscard]] QString title() const override;
+    [[nodiscard]] bool hasStrictTypes() const override { return false; }
 
 protected:
     [[nodiscard]] std::vector<TableEntry> readEntries() const override;
