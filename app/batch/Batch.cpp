@@ -2,8 +2,11 @@
 #include "batch/Batch.h"
 
 #include "batch/Picture.h"
+#include "database/OpenDatabase.h"
 #include "database/RunQuery.h"
-#include "database/SqliteDatabase.h"
+#include "database/SqlErrorText.h"
+#include "parameters/DiagramParameters.h"
+#include "parameters/ParameterText.h"
 #include "querybuilder/ORVQDState.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "sample/SampleDatabase.h"
@@ -30,6 +33,14 @@ QString shortText(const QString& text) {
     const qsizetype cut =
         line[mostFindingText - 1].isHighSurrogate() ? mostFindingText - 1 : mostFindingText;
     return line.left(cut) + QStringLiteral("...");
+}
+
+QVariant parameterValue(const ParameterDescription& parameter, const std::optional<QString>& text) {
+    if (!text) return QVariant(QMetaType::fromType<QString>());
+    const ParameterReading reading = readParameter(*text, parameter.type, QLocale::c());
+    if (reading.problem.isEmpty()) return reading.value;
+    throw orv::Error(QStringLiteral("The value of :%1 cannot be \"%2\". %3")
+                         .arg(parameter.name, *text, reading.problem));
 }
 
 }  // namespace
@@ -70,7 +81,7 @@ void Batch::openTables() {
         m_tables = SchemaFile::read(*m_options.schema);
     } else {
         const QString path = m_options.database ? *m_options.database : sampleDatabasePath();
-        auto database = std::make_unique<SqliteDatabase>(path);
+        auto database = orvquery::openDatabase(path);
         m_database = database.get();
         m_tables = std::move(database);
     }
@@ -119,13 +130,44 @@ void Batch::runQueryOfStatement() {
     const QString text = statement();
     const QString missing = whatIsMissing(text);
     if (!missing.isEmpty()) throw orv::Error(missing);
+    const PlaceholderValues values = parameterValues(text);
     for (const QString& line : findingLines(m_builder->Validate())) tell(line);
     Connection connection(m_database->settings());
     const QSqlError error = connection.open();
-    if (error.isValid()) throw orv::Error(error.databaseText());
+    if (error.isValid()) throw orv::Error(sqlErrorText(error));
     const std::unique_ptr<RowWriter> writer = makeRowWriter(m_options.format, m_output);
-    runQuery(connection.database(), text, *writer);
+    runQuery(connection.database(), text, *writer, values);
     writer->finish();
+}
+
+PlaceholderValues Batch::parameterValues(const QString& statement) const {
+    const std::vector<ParameterDescription> parameters = describeParameters(
+        statement, *m_builder,
+        m_database->hasStrictTypes() ? ColumnTypes::AreStrict : ColumnTypes::AreLoose);
+    PlaceholderValues values;
+    QStringList missing;
+    QStringList unknown = m_options.parameters.keys();
+    for (const ParameterDescription& parameter : parameters) {
+        unknown.removeAll(parameter.name);
+        const auto given = m_options.parameters.constFind(parameter.name);
+        if (given != m_options.parameters.cend()) {
+            values.insert(parameter.name, parameterValue(parameter, *given));
+        } else if (parameter.byDefault.isValid()) {
+            values.insert(parameter.name, parameter.byDefault);
+        } else {
+            missing += u':' + parameter.name;
+        }
+    }
+    if (!missing.isEmpty()) {
+        throw orv::Error(QStringLiteral("There is no value for %1; --param NAME=VALUE or "
+                                        "--param-null NAME gives one.")
+                             .arg(missing.join(QStringLiteral(", "))));
+    }
+    if (!unknown.isEmpty()) {
+        throw orv::Error(QStringLiteral("The statement has no parameter :%1.")
+                             .arg(unknown.join(QStringLiteral(", :"))));
+    }
+    return values;
 }
 
 QString Batch::load(const QString& path) {

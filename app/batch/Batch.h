@@ -2,6 +2,7 @@
 #pragma once
 
 #include "batch/Options.h"
+#include "parameters/Placeholders.h"
 #include "parser/ORVQDFindings.h"
 #include "querybuilder/ORVQDState.h"
 #include "tables/TableSource.h"
@@ -35,6 +36,7 @@ private:
     void runState();
     void runList();
     void runQueryOfStatement();
+    [[nodiscard]] PlaceholderValues parameterValues(const QString& statement) const;
 
     [[nodiscard]] QString load(const QString& path);
     void writeState(const QString& error, orv::JsonLayout layout);

@@ -4,6 +4,7 @@
 #include "batch/RowsText.h"
 #include "core/Error.h"
 
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -17,12 +18,14 @@ enum class Output { Window, Print, State, StateOfEach, Run, Render, Help, Versio
 /// The command line, taken apart. A plain value.
 struct Options {
     Output output = Output::Window;
-    std::optional<QString> database;  ///< an SQLite file; the sample database without one
+    std::optional<QString> database;  ///< a file or an address; the sample database without one
     std::optional<QString> schema;    ///< a JSON file that describes tables
     std::optional<QString> load;      ///< a file with a statement; "-" is standard input
     QString list;                     ///< for StateOfEach: a file with names of statement files
     QString picture;                  ///< for Render
     RowFormat format = RowFormat::Table;
+    /// For Run: the values of placeholders by their names in upper case; none is NULL.
+    QMap<QString, std::optional<QString>> parameters;
     bool keepMeaning = true;
     bool strict = false;
 };

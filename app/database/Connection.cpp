@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "database/Connection.h"
 
-#include <atomic>
-
 namespace orvquery {
 
 namespace {
@@ -14,13 +12,20 @@ QString newConnectionName() {
 
 }  // namespace
 
-Connection::Connection(const ConnectionSettings& settings)
-    : m_name(newConnectionName()), m_database(QSqlDatabase::addDatabase(settings.driver, m_name)) {
-    m_database.setDatabaseName(settings.databaseName);
-    m_database.setConnectOptions(settings.options);
+Connection::Connection(ConnectionSettings settings)
+    : m_settings(std::move(settings)),
+      m_name(newConnectionName()),
+      m_database(QSqlDatabase::addDatabase(m_settings.driver, m_name)) {
+    m_database.setDatabaseName(m_settings.databaseName);
+    m_database.setConnectOptions(m_settings.options);
+    m_database.setHostName(m_settings.host);
+    m_database.setPort(m_settings.port);
+    m_database.setUserName(m_settings.user);
+    m_database.setPassword(m_settings.password);
 }
 
 Connection::~Connection() {
+    if (m_settings.isTakenBack && m_database.isOpen()) m_database.rollback();
     m_database.close();
     // Qt counts the handles of a name and warns when one is left.
     m_database = QSqlDatabase();
@@ -28,8 +33,14 @@ Connection::~Connection() {
 }
 
 QSqlError Connection::open() {
-    if (m_database.open()) return {};
-    return m_database.lastError();
+    if (!m_database.open()) return m_database.lastError();
+    if (m_settings.isTakenBack && !m_database.transaction()) return m_database.lastError();
+    return {};
+}
+
+StopCall Connection::letStop(const std::atomic<bool>& isStopped) const {
+    return m_settings.makeStopSwitch ? m_settings.makeStopSwitch(m_database, isStopped)
+                                     : StopCall();
 }
 
 }  // namespace orvquery

@@ -3,7 +3,9 @@
 
 #include "core/Error.h"
 #include "database/SqlErrorText.h"
+#include "parameters/ParameterText.h"
 
+#include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -17,7 +19,8 @@ namespace {
     const QString driverText = error.driverText();
     if (driverText.contains(QLatin1String("Parameter count mismatch"))) {
         throw orv::Error(
-            QStringLiteral("The statement has parameters; it cannot be run without their values."));
+            QStringLiteral("The statement has parameters that are not written as :NAME; it cannot "
+                           "be run without their values."));
     }
     if (driverText.contains(QLatin1String("multiple statements"))) {
         throw orv::Error(QStringLiteral("Only one statement can be run at a time."));
@@ -72,6 +75,25 @@ QStringList columnNames(const QSqlRecord& record) {
     return names;
 }
 
+// SQLite has no type for these, and keeps them as texts that compare rightly.
+QVariant withoutMoments(const QVariant& value) {
+    const int type = value.metaType().id();
+    const bool isMoment =
+        type == QMetaType::QDate || type == QMetaType::QTime || type == QMetaType::QDateTime;
+    return isMoment ? QVariant(parameterText(value)) : value;
+}
+
+bool start(QSqlQuery& query, const QString& statement, const PlaceholderValues& values) {
+    const BoundStatement bound = boundStatement(statement, values);
+    if (bound.values.isEmpty()) return query.exec(statement);
+    if (!query.prepare(bound.text)) return false;
+    const bool isSqlite = query.driver()->dbmsType() == QSqlDriver::SQLite;
+    for (const QVariant& value : bound.values) {
+        query.addBindValue(isSqlite ? withoutMoments(value) : value);
+    }
+    return query.exec();
+}
+
 }  // namespace
 
 RowSink::~RowSink() = default;
@@ -85,18 +107,19 @@ bool RowCollector::row(const Row& values) {
     return true;
 }
 
-void runQuery(const QSqlDatabase& database, const QString& statement, RowSink& sink) {
+void runQuery(const QSqlDatabase& database, const QString& statement, RowSink& sink,
+              const PlaceholderValues& values) {
     requireQuery(statement);
     QSqlQuery query(database);
     query.setForwardOnly(true);
-    if (!query.exec(statement)) failToRun(query.lastError());
+    if (!start(query, statement, values)) failToRun(query.lastError());
 
     const QStringList columns = columnNames(query.record());
     sink.begin(columns);
-    Row values(columns.size());
+    Row row(columns.size());
     while (query.next()) {
-        for (int column = 0; column < values.size(); ++column) values[column] = query.value(column);
-        if (!sink.row(values)) return;
+        for (int column = 0; column < row.size(); ++column) row[column] = query.value(column);
+        if (!sink.row(row)) return;
     }
     if (query.lastError().isValid()) failToRun(query.lastError());
 }

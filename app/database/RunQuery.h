@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "parameters/Placeholders.h"
+
 #include <QList>
 #include <QSqlDatabase>
 #include <QString>
@@ -48,9 +50,11 @@ private:
     bool m_isCut = false;
 };
 
-/// Runs a query on an open connection and hands its rows to the sink. Raises orv::Error with the
-/// database's text when it fails, also in the midst of the rows; statements that are no queries
-/// are refused.
-void runQuery(const QSqlDatabase& database, const QString& statement, RowSink& sink);
+/// Runs a query on an open connection and hands its rows to the sink; the values stand for the
+/// placeholders in it. Raises orv::Error with the database's text when it fails, also in the midst
+/// of the rows; statements that are no queries are refused, and those with placeholders that have
+/// no value.
+void runQuery(const QSqlDatabase& database, const QString& statement, RowSink& sink,
+              const PlaceholderValues& values = {});
 
 }  // namespace orvquery

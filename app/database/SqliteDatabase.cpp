@@ -3,9 +3,10 @@
 
 #include "core/Error.h"
 #include "database/ColumnTypes.h"
+#include "database/DatabaseFile.h"
 #include "database/SqlErrorText.h"
+#include "database/SqliteFunctions.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QSqlQuery>
 
@@ -20,71 +21,52 @@ constexpr char fileHeader[] = "SQLite format 3";
 // Another program's write is over within moments, or lasts: then it is said rather than waited for.
 constexpr char readOnlyOptions[] = "QSQLITE_OPEN_READONLY;QSQLITE_BUSY_TIMEOUT=1000";
 
-[[noreturn]] void failWith(const QString& path, const QString& what) {
-    throw orv::Error(QStringLiteral("The database file \"%1\" %2.").arg(path, what));
-}
-
 // SQLite itself would create a missing file, take an empty one for a database, block on a pipe and
 // call most other trouble "unable to open database file".
 void requireDatabaseFile(const QString& path) {
-    if (path.isEmpty()) throw orv::Error(QStringLiteral("The name of the database file is empty."));
-    const QFileInfo info(path);
-    if (!info.exists()) failWith(path, QStringLiteral("does not exist"));
-    if (info.isDir()) failWith(path, QStringLiteral("is a folder"));
-    if (!info.isFile()) failWith(path, QStringLiteral("is not a regular file"));
-    QFile file(path);
-    if (!info.isReadable()) failWith(path, QStringLiteral("cannot be read: permission denied"));
-    if (!file.open(QIODevice::ReadOnly)) {
-        failWith(path, QStringLiteral("cannot be read: ") + file.errorString());
-    }
-    if (file.size() == 0) failWith(path, QStringLiteral("is empty"));
     const QByteArray expected(fileHeader, sizeof fileHeader);
-    if (file.read(expected.size()) != expected) {
-        failWith(path, QStringLiteral("is not an SQLite database"));
+    if (beginningOfFile(path, expected.size()) != expected) {
+        failWithFile(path, QStringLiteral("is not an SQLite database"));
     }
 }
 
 ConnectionSettings settingsFor(const QString& path) {
     requireDatabaseFile(path);
-    return {QStringLiteral("QSQLITE"), QFileInfo(path).absoluteFilePath(),
-            QLatin1String(readOnlyOptions)};
-}
-
-// "main" is the only schema of a file that is opened alone.
-QString tableNameIn(const QString& nameInStatement) {
-    const QStringList parts = nameParts(nameInStatement);
-    if (parts.size() == 1) return parts.front();
-    if (parts.size() == 2 && parts.front().compare(u"main", Qt::CaseInsensitive) == 0) {
-        return parts.back();
-    }
-    return {};
+    ConnectionSettings settings;
+    settings.driver = QStringLiteral("QSQLITE");
+    settings.databaseName = QFileInfo(path).absoluteFilePath();
+    settings.options = QLatin1String(readOnlyOptions);
+    settings.makeStopSwitch = sqliteStopSwitch;
+    return settings;
 }
 
 }  // namespace
 
 SqliteDatabase::SqliteDatabase(const QString& path)
-    : m_path(path), m_settings(settingsFor(path)), m_connection(m_settings) {
-    const QSqlError error = m_connection.open();
+    : Database(settingsFor(path), NameFolding::sqlite()), m_path(path) {
+    const QSqlError error = openCatalog();
     if (error.isValid()) fail(error);
     requireReadable();
+    m_functions = sqliteFunctions(catalog());
 }
 
 QString SqliteDatabase::title() const {
     return QFileInfo(m_path).fileName();
 }
 
-QStringList SqliteDatabase::reservedWords() const {
-    return m_folding.reservedWords();
+// "main" is the only schema of a file that is opened alone.
+bool SqliteDatabase::isDefaultSchema(const QString& schema) const {
+    return schema.compare(u"main", Qt::CaseInsensitive) == 0;
 }
 
 // Opening does not touch the file yet; the first look into it does.
 void SqliteDatabase::requireReadable() const {
-    QSqlQuery query(m_connection.database());
+    QSqlQuery query(catalog());
     if (!query.exec(QStringLiteral("SELECT count(*) FROM sqlite_master"))) fail(query.lastError());
 }
 
-std::vector<TableEntry> SqliteDatabase::tables() const {
-    QSqlQuery query(m_connection.database());
+std::vector<TableEntry> SqliteDatabase::readEntries() const {
+    QSqlQuery query(catalog());
     query.setForwardOnly(true);
     if (!query.exec(QStringLiteral("SELECT name, type FROM sqlite_master "
                                    "WHERE type IN ('table', 'view') "
@@ -96,52 +78,53 @@ std::vector<TableEntry> SqliteDatabase::tables() const {
         const bool isView = query.value(1).toString() == QLatin1String("view");
         entries.push_back({query.value(0).toString(), isView ? TableKind::View : TableKind::Table});
     }
-    sortByName(entries);
+    // A table of the same name is found first, by SQLite and here.
+    const auto isHidden = [&](const TableEntry& function) {
+        return std::any_of(entries.begin(), entries.end(), [&](const TableEntry& entry) {
+            return folding().isSameName(entry.name, function.name);
+        });
+    };
+    std::vector<TableEntry> functions;
+    std::remove_copy_if(m_functions.begin(), m_functions.end(), std::back_inserter(functions),
+                        isHidden);
+    entries.insert(entries.end(), functions.begin(), functions.end());
     return entries;
 }
 
-std::optional<TableDescription> SqliteDatabase::find(const QString& nameInStatement) const {
-    return describe(tableNameIn(nameInStatement));
-}
-
-std::optional<TableDescription> SqliteDatabase::describe(const QString& name) const {
-    const std::vector<TableEntry> entries = tables();
-    const auto entry = std::find_if(
-        entries.begin(), entries.end(),
-        [&](const TableEntry& candidate) { return m_folding.isSameName(candidate.name, name); });
-    if (entry == entries.end()) return std::nullopt;
-    return TableDescription{m_folding.handedOver(entry->name), columnsOf(entry->name),
-                            std::nullopt};
-}
-
-TDataSet SqliteDatabase::columnsOf(const QString& table) const {
-    QSqlQuery query(m_connection.database());
+TFieldDefs SqliteDatabase::readColumns(const TableEntry& entry) const {
+    QSqlQuery query(catalog());
     query.setForwardOnly(true);
-    // Hidden is 1 for the internal columns of virtual tables; generated columns have 2 and 3.
+    // Hidden is 1 for the internal columns of virtual tables and the parameters of functions;
+    // generated columns have 2 and 3.
     query.prepare(
         QStringLiteral("SELECT name, type FROM pragma_table_xinfo(?) "
                        "WHERE hidden <> 1 ORDER BY cid"));
-    query.addBindValue(table);
+    query.addBindValue(entry.name);
     if (!query.exec()) {
         throw orv::Error(QStringLiteral("The columns of \"%1\" cannot be read: %2")
-                             .arg(table, sqlErrorText(query.lastError())));
+                             .arg(entry.name, sqlErrorText(query.lastError())));
     }
-    TDataSet columns;
+    TFieldDefs columns;
     while (query.next()) {
-        columns.FieldDefs.push_back({m_folding.handedOver(query.value(0).toString()),
-                                     fieldTypeOfDeclaration(query.value(1).toString())});
+        columns.push_back(
+            {query.value(0).toString(), fieldTypeOfDeclaration(query.value(1).toString())});
     }
     return columns;
 }
 
+std::vector<TParam> SqliteDatabase::readParameters(const TableEntry& entry) const {
+    return sqliteFunctionParameters(entry);
+}
+
 void SqliteDatabase::fail(const QSqlError& error) const {
     switch (sqliteErrorCode(error)) {
-    case SqliteError::Busy: failWith(m_path, QStringLiteral("is locked by another program"));
-    case SqliteError::NotADatabase: failWith(m_path, QStringLiteral("is not an SQLite database"));
-    case SqliteError::Corrupt: failWith(m_path, QStringLiteral("is damaged"));
+    case SqliteError::Busy: failWithFile(m_path, QStringLiteral("is locked by another program"));
+    case SqliteError::NotADatabase:
+        failWithFile(m_path, QStringLiteral("is not an SQLite database"));
+    case SqliteError::Corrupt: failWithFile(m_path, QStringLiteral("is damaged"));
     case SqliteError::Other: break;
     }
-    failWith(m_path, QStringLiteral("cannot be read: ") + sqlErrorText(error));
+    failWithFile(m_path, QStringLiteral("cannot be read: ") + sqlErrorText(error));
 }
 
 }  // namespace orvquery

@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "database/StopSwitch.h"
 
-#ifdef ORVQUERY_HAS_SQLITE3
+#include <QLibrary>
 #include <QSqlDriver>
 #include <QSqlQuery>
 #include <QVariant>
 
+#include <array>
+#include <cstdint>
+
+#ifdef ORVQUERY_HAS_SQLITE3
 #include <sqlite3.h>
 #endif
 
@@ -32,18 +36,54 @@ bool isSameLibrary(const QSqlDatabase& database) {
 }  // namespace
 
 // sqlite3_interrupt() would be lost when it comes just before the query starts.
-void letStop(const QSqlDatabase& database, const std::atomic<bool>& isStopped) {
+StopCall sqliteStopSwitch(const QSqlDatabase& database, const std::atomic<bool>& isStopped) {
     const QVariant handle = database.driver()->handle();
-    if (qstrcmp(handle.typeName(), "sqlite3*") != 0 || !isSameLibrary(database)) return;
+    if (qstrcmp(handle.typeName(), "sqlite3*") != 0 || !isSameLibrary(database)) return {};
     sqlite3* connection = *static_cast<sqlite3* const*>(handle.constData());
     sqlite3_progress_handler(connection, stepsBetweenLooks, isToStop,
                              const_cast<std::atomic<bool>*>(&isStopped));
+    return {};
 }
 
 #else
 
-void letStop(const QSqlDatabase&, const std::atomic<bool>&) {}
+StopCall sqliteStopSwitch(const QSqlDatabase&, const std::atomic<bool>&) {
+    return {};
+}
 
 #endif
+
+namespace {
+
+// As Firebird's ibase.h has them: a connection's handle is an unsigned int where pointers are wide,
+// and a call writes its status into 20 words.
+using FirebirdHandle = unsigned int;
+using CancelOperation = std::intptr_t (*)(std::intptr_t* status, FirebirdHandle* handle,
+                                          unsigned short option);
+constexpr unsigned short cancelRaise = 3;
+
+// The driver has loaded the library already; this finds it again.
+CancelOperation cancelOperation() {
+    static const auto function = [] {
+        QLibrary library(QStringLiteral("fbclient"), 2);
+        return reinterpret_cast<CancelOperation>(library.resolve("fb_cancel_operation"));
+    }();
+    return function;
+}
+
+}  // namespace
+
+StopCall firebirdStopSwitch(const QSqlDatabase& database, const std::atomic<bool>&) {
+    const QVariant handle = database.driver()->handle();
+    const bool isKnown = qstrcmp(handle.typeName(), "isc_db_handle") == 0 &&
+                         handle.metaType().sizeOf() == qsizetype(sizeof(FirebirdHandle));
+    const CancelOperation cancel = isKnown ? cancelOperation() : nullptr;
+    if (cancel == nullptr) return {};
+    return [cancel, value = *static_cast<const FirebirdHandle*>(handle.constData())] {
+        std::array<std::intptr_t, 20> status = {};
+        FirebirdHandle connection = value;
+        cancel(status.data(), &connection, cancelRaise);
+    };
+}
 
 }  // namespace orvquery

@@ -4,12 +4,24 @@
 #include <QSqlDatabase>
 
 #include <atomic>
+#include <functional>
 
 namespace orvquery {
 
-/// Lets queries on the open connection fail soon after the flag has become true, which any thread
-/// may do at any time. The flag must outlive the connection. Does nothing for a database that
-/// offers no such way: a query then ends at its next row.
-void letStop(const QSqlDatabase& database, const std::atomic<bool>& isStopped);
+/// Ends the query that runs on a connection; nothing when none runs. May be empty.
+using StopCall = std::function<void()>;
+
+/// Prepares an open connection so that its queries fail soon after the flag has become true and the
+/// returned function was called. The flag must outlive the connection.
+using StopSwitchMaker = StopCall (*)(const QSqlDatabase& database,
+                                     const std::atomic<bool>& isStopped);
+
+/// The way of SQLite, which looks at the flag while it works; nothing is to be called.
+[[nodiscard]] StopCall sqliteStopSwitch(const QSqlDatabase& database,
+                                        const std::atomic<bool>& isStopped);
+
+/// The way of Firebird, which is told so from outside.
+[[nodiscard]] StopCall firebirdStopSwitch(const QSqlDatabase& database,
+                                          const std::atomic<bool>& isStopped);
 
 }  // namespace orvquery

@@ -23,6 +23,8 @@ public:
 
     /// The rules of SQLite.
     [[nodiscard]] static NameFolding sqlite();
+    /// The rules of Firebird.
+    [[nodiscard]] static NameFolding firebird();
 
     /// The name of a table or column as the control is to get it.
     [[nodiscard]] QString handedOver(const QString& name) const;

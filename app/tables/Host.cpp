@@ -25,7 +25,10 @@ void connectTables(TorvQueryBuilder& builder, const TableSource& source) {
 bool addTable(TorvQueryBuilder& builder, const TableSource& source, const QString& name) {
     const std::optional<TableDescription> table = source.describe(name);
     if (!table) return false;
-    TorvQDTable* box = builder.ListOfTables->AddTable(table->name, table->columns);
+    TorvQDListOfTables& tables = *builder.ListOfTables;
+    TorvQDTable* box = table->parameters
+                           ? tables.AddProc(table->name, table->columns, *table->parameters)
+                           : tables.AddTable(table->name, table->columns);
     if (!box) return false;
     builder.WorkArea->fitWidth(*box);
     builder.WorkArea->placeAgain({box}, roomForLinksPx);

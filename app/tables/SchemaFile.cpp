@@ -11,6 +11,18 @@
 
 namespace orvquery {
 
+namespace {
+
+QStringList inputNames(const TParams& parameters) {
+    QStringList names;
+    for (const TParam& parameter : parameters.Items) {
+        if (parameter.ParamType == ptInput) names += parameter.Name;
+    }
+    return names;
+}
+
+}  // namespace
+
 std::unique_ptr<SchemaFile> SchemaFile::read(const QString& path) {
     return std::make_unique<SchemaFile>(readTextFile(path).toUtf8(), path);
 }
@@ -22,7 +34,12 @@ std::vector<TableEntry> SchemaFile::tables() const {
     std::vector<TableEntry> entries;
     entries.reserve(m_tables.size());
     for (const TableDescription& table : m_tables) {
-        entries.push_back({table.name, table.parameters ? TableKind::Procedure : TableKind::Table});
+        TableEntry entry{table.name};
+        if (table.parameters) {
+            entry.kind = TableKind::Procedure;
+            entry.parameters = inputNames(*table.parameters);
+        }
+        entries.push_back(std::move(entry));
     }
     sortByName(entries);
     return entries;

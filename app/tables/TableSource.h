@@ -12,12 +12,23 @@
 
 namespace orvquery {
 
-enum class TableKind { Table, View, Procedure };
+enum class TableKind {
+    Table,
+    View,
+    Procedure,  ///< somebody's own, which gives rows
+    Function    ///< the database's own, which gives rows
+};
+
+/// Whether it stands in a statement with arguments behind its name.
+[[nodiscard]] constexpr bool isCalled(TableKind kind) {
+    return kind == TableKind::Procedure || kind == TableKind::Function;
+}
 
 /// One line of the list of tables: the name as the source knows it.
 struct TableEntry {
     QString name;
     TableKind kind = TableKind::Table;
+    QStringList parameters = {};  ///< the names of a procedure's input parameters
 
     friend bool operator==(const TableEntry&, const TableEntry&) = default;
 };

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "window/MainWindow.h"
 
-#include "database/SqliteDatabase.h"
+#include "core/Text.h"
+#include "database/OpenDatabase.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "sample/SampleDatabase.h"
 #include "tables/Host.h"
@@ -10,15 +11,18 @@
 #include "text/FindingLines.h"
 #include "text/TextFile.h"
 #include "toolkit/Services.h"
+#include "window/ParameterDialog.h"
 #include "window/ResultPane.h"
 #include "window/StatementPane.h"
 #include "window/TableListPane.h"
 #include "workarea/ORVQDFloatPanel.h"
 #include "workarea/ORVQDKeptPlaces.h"
+#include "workarea/ORVQDSProc.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QFileDialog>
+#include <QPointer>
 #include <QScopedValueRollback>
 #include <QSplitter>
 
@@ -59,9 +63,9 @@ void MainWindow::begin(const Options& options) {
     if (tryTo([&] { text = readTextFile(*options.load); })) loadText(text);
 }
 
-bool MainWindow::openDatabase(const QString& path) {
+bool MainWindow::openDatabase(const QString& address) {
     return tryTo([&] {
-        auto database = std::make_unique<SqliteDatabase>(path);
+        auto database = orvquery::openDatabase(address);
         Database* const opened = database.get();
         useTables(std::move(database), opened);
     });
@@ -89,6 +93,9 @@ void MainWindow::useTables(std::unique_ptr<TableSource> tables, Database* databa
     connectTables(*m_builder, *tables);
     m_tables = std::move(tables);
     m_database = database;
+    m_builder->OnEnterProcParameter = [this](QObject*, TorvQDTable* box, TorvQDListItem* row) {
+        enterParameter(box, row);
+    };
     m_builder->Clear();
     m_tableList->setTables(entries);
     m_statement->forgetLoaded();
@@ -101,7 +108,7 @@ void MainWindow::useTables(std::unique_ptr<TableSource> tables, Database* databa
 void MainWindow::chooseDatabase() {
     const QString path = QFileDialog::getOpenFileName(
         this, tr("Open database"), QString(),
-        tr("SQLite databases (*.db *.sqlite *.sqlite3 *.db3);;All files (*)"));
+        tr("Databases (*.db *.sqlite *.sqlite3 *.db3 *.fdb *.gdb);;All files (*)"));
     if (!path.isEmpty()) openDatabase(path);
 }
 
@@ -115,6 +122,26 @@ void MainWindow::quit() {
 
 void MainWindow::addTableToDiagram(const QString& name) {
     orv::guarded([&] { addTable(*m_builder, *m_tables, name); });
+}
+
+// The box may be closed while the person thinks; then there is nothing left to ask.
+void MainWindow::enterParameter(TorvQDTable* box, TorvQDListItem* row) {
+    const QPointer<MainWindow> self(this);
+    const QPointer<TorvQDSProc> procedure = qobject_cast<TorvQDSProc*>(box);
+    if (!procedure) return;
+    const int index = row->GetIndex();
+    const ParameterDialog::Subject subject = {procedure->GetAlias(), orv::unquotedName(row->Name),
+                                              row->FieldType,
+                                              u':' + TorvQDSProc::placeholderName(*row)};
+    const QPointer<ParameterDialog> dialog =
+        new ParameterDialog(subject, TorvQDSProc::valueOf(*row), this);
+    connect(procedure, &QObject::destroyed, dialog, &QDialog::reject);
+    const bool isAccepted = orv::runDialog(*dialog) == QDialog::Accepted;
+    if (!self || !dialog) return;
+    dialog->deleteLater();
+    if (!isAccepted || !procedure || std::size_t(index) >= procedure->Items.size()) return;
+    procedure->setParameter(procedure->Items[std::size_t(index)].get(), dialog->value());
+    statementChanged();
 }
 
 void MainWindow::loadStatement() {
@@ -160,10 +187,30 @@ void MainWindow::runStatement() {
                                                : findingLines(m_builder->Validate()));
     const QString problem = whatPreventsRunning(text);
     if (!problem.isEmpty()) return m_result->setProblem(problem);
+    const Database* const database = m_database;
+    const std::optional<PlaceholderValues> values = askParameters(text);
+    // While the dialog was open anything may have happened.
+    if (!values || m_database != database || m_runner->isRunning()) return;
     m_stop->setEnabled(true);
     m_run->setEnabled(false);
     m_result->setRunning();
-    m_runner->start(m_database->settings(), text, mostRows);
+    m_runner->start(m_database->settings(), text, *values, mostRows);
+}
+
+// None when the person thought better of it.
+std::optional<PlaceholderValues> MainWindow::askParameters(const QString& statement) {
+    const std::vector<ParameterDescription> parameters = describeParameters(
+        statement, *m_builder,
+        m_database->hasStrictTypes() ? ColumnTypes::AreStrict : ColumnTypes::AreLoose);
+    if (parameters.empty()) return PlaceholderValues();
+    const QPointer<MainWindow> self(this);
+    const QPointer<PlaceholderDialog> dialog = new PlaceholderDialog(parameters, m_answers, this);
+    const bool isAccepted = orv::runDialog(*dialog) == QDialog::Accepted;
+    if (!self || !dialog) return std::nullopt;
+    dialog->deleteLater();
+    if (!isAccepted) return std::nullopt;
+    m_answers.insert(dialog->answers());
+    return dialog->values();
 }
 
 QString MainWindow::whatPreventsRunning(const QString& text) const {

@@ -4,15 +4,19 @@
 #include "batch/Options.h"
 #include "parser/ORVQDFindings.h"
 #include "tables/TableSource.h"
+#include "window/PlaceholderDialog.h"
 #include "window/QueryRunner.h"
 
 #include <QMainWindow>
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QAction;
 class QSplitter;
+class TorvQDListItem;
+class TorvQDTable;
 class TorvQueryBuilder;
 
 namespace orvquery {
@@ -37,7 +41,7 @@ public:
 
     /// Opens a database in place of the present one and empties the diagram. When it cannot be
     /// opened, a message box says so and all stays as it was; false then.
-    bool openDatabase(const QString& path);
+    bool openDatabase(const QString& address);
 
     /// Opens the sample database, as openDatabase does.
     bool openSample();
@@ -66,6 +70,8 @@ private:
 
     void useTables(std::unique_ptr<TableSource> tables, Database* database);
     void addTableToDiagram(const QString& name);
+    void enterParameter(TorvQDTable* box, TorvQDListItem* row);
+    [[nodiscard]] std::optional<PlaceholderValues> askParameters(const QString& statement);
     bool loadText(const QString& text);
     bool tryTo(const std::function<void()>& action);
     void statementChanged();
@@ -89,6 +95,7 @@ private:
     QAction* m_run = nullptr;
     QAction* m_stop = nullptr;
     QAction* m_clear = nullptr;
+    ParameterAnswers m_answers;  ///< of this session
     bool m_isLoading = false;
 };
 

@@ -101,7 +101,7 @@ void MainWindow::buildActions() {
                        &MainWindow::stopQuery);
     m_load->setShortcuts(
         {QKeySequence(QStringLiteral("Ctrl+Return")), QKeySequence(QStringLiteral("Ctrl+Enter"))});
-    m_open->setToolTip(tr("Open an SQLite database"));
+    m_open->setToolTip(tr("Open a database file of SQLite or Firebird"));
     m_clear->setToolTip(tr("Empty the diagram"));
     m_load->setToolTip(tr("Load the statement into the diagram (Ctrl+Enter)"));
     m_run->setToolTip(tr("Run the statement (F5)"));

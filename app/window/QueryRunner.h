@@ -5,6 +5,7 @@
 #include "database/RunQuery.h"
 
 #include <QObject>
+#include <QTimer>
 
 #include <memory>
 
@@ -34,8 +35,9 @@ public:
 
     [[nodiscard]] bool isRunning() const { return m_thread != nullptr; }
 
-    /// Starts a query; nothing when one runs.
-    void start(const ConnectionSettings& settings, const QString& statement, std::size_t mostRows);
+    /// Starts a query with the values for its placeholders; nothing when one runs.
+    void start(const ConnectionSettings& settings, const QString& statement,
+               const PlaceholderValues& values, std::size_t mostRows);
 
     /// Ends the query early; finished comes nevertheless.
     void stop();
@@ -48,6 +50,7 @@ private:
 
     void end();
 
+    QTimer m_stopAgain;
     std::unique_ptr<QThread> m_thread;
     std::shared_ptr<Job> m_job;
 };

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include "database/FirebirdTypes.h"
+
+namespace orvquery {
+
+namespace {
+
+// RDB$FIELD_TYPE, as Firebird's language reference lists it under RDB$FIELDS.
+enum FirebirdType {
+    SmallInt = 7,
+    Integer = 8,
+    Float = 10,
+    Date = 12,
+    Time = 13,
+    Char = 14,
+    BigInt = 16,
+    Boolean = 23,
+    DecFloat16 = 24,
+    DecFloat34 = 25,
+    Int128 = 26,
+    Double = 27,
+    TimeWithZone = 28,
+    TimestampWithZone = 29,
+    Timestamp = 35,
+    VarChar = 37,
+    Blob = 261
+};
+
+constexpr int textSubType = 1;
+
+}  // namespace
+
+TFieldType fieldTypeOfFirebird(int type, int subType, int scale) {
+    switch (type) {
+    // NUMERIC and DECIMAL are stored as integers with a scale.
+    case SmallInt: return scale < 0 ? ftFloat : ftSmallint;
+    case Integer: return scale < 0 ? ftFloat : ftInteger;
+    case BigInt: return scale < 0 ? ftFloat : ftLargeint;
+    case Int128:
+    case DecFloat16:
+    case DecFloat34:
+    case Float:
+    case Double: return ftFloat;
+    case Date: return ftDate;
+    case Time:
+    case TimeWithZone: return ftTime;
+    case Timestamp:
+    case TimestampWithZone: return ftDateTime;
+    case Char: return ftFixedChar;
+    case Boolean: return ftBoolean;
+    case Blob: return subType == textSubType ? ftMemo : ftBlob;
+    case VarChar:
+    default: return ftString;
+    }
+}
+
+QVariant firebirdDefault(const QString& source) {
+    QString text = source.trimmed();
+    if (text.startsWith(u'=')) {
+        text = text.mid(1).trimmed();
+    } else if (text.startsWith(QLatin1String("DEFAULT"), Qt::CaseInsensitive)) {
+        text = text.mid(7).trimmed();
+    }
+    if (text.compare(u"NULL", Qt::CaseInsensitive) == 0) {
+        return QVariant(QMetaType::fromType<QString>());
+    }
+    bool isNumber = false;
+    const qlonglong whole = text.toLongLong(&isNumber);
+    if (isNumber) return whole;
+    const double number = text.toDouble(&isNumber);
+    if (isNumber) return number;
+    if (text.size() < 2 || !text.startsWith(u'\'') || !text.endsWith(u'\'')) return {};
+    QString inner = text.mid(1, text.size() - 2);
+    // What is left besides doubled apostrophes ends the text before its end: an expression.
+    if (QString(inner).remove(QStringLiteral("''")).contains(u'\'')) return {};
+    return inner.replace(QStringLiteral("''"), QStringLiteral("'"));
+}
+
+}  // namespace orvquery

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "data/FieldTypes.h"
+
+#include <QString>
+#include <QVariant>
+
+namespace orvquery {
+
+/// The field type for what Firebird's RDB$FIELDS says: RDB$FIELD_TYPE, RDB$FIELD_SUB_TYPE and
+/// RDB$FIELD_SCALE.
+[[nodiscard]] TFieldType fieldTypeOfFirebird(int type, int subType, int scale);
+
+/// The value of a default as its source stands in the catalog ("DEFAULT 5", "= 'x'"), when it is a
+/// number, a text or NULL; an invalid variant for all else.
+[[nodiscard]] QVariant firebirdDefault(const QString& source);
+
+}  // namespace orvquery

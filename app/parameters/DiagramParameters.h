@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "data/FieldTypes.h"
+
+#include <QString>
+#include <QVariant>
+
+#include <vector>
+
+class TorvQueryBuilder;
+
+namespace orvquery {
+
+/// A placeholder of a statement with what the diagram knows about it. A plain value.
+struct ParameterDescription {
+    QString name;  ///< in upper case
+    TFieldType type = ftUnknown;
+    /// What the procedure takes when nothing is given; an invalid variant when a value must be
+    /// given.
+    QVariant byDefault = {};
+};
+
+/// Whether the database refuses values of another type than the column with which a placeholder is
+/// compared; else a placeholder in a condition takes any value.
+enum class ColumnTypes { AreStrict, AreLoose };
+
+/// The placeholders of the statement, each once, in the order of the text. Those of procedures on
+/// the diagram have the type and the default of their parameter, those in conditions the type of
+/// the column with which they are compared.
+[[nodiscard]] std::vector<ParameterDescription> describeParameters(const QString& statement,
+                                                                   const TorvQueryBuilder& builder,
+                                                                   ColumnTypes columnTypes);
+
+}  // namespace orvquery
