@@ -9,14 +9,6 @@
 
 #include <functional>
 
-/// Border style of the boxes on the diagram.
-enum TBorderKind : quint8 { edgeBump = 0, edgeEtched = 1, edgeRaised = 2, edgeSunken = 3 };
-static_assert(edgeBump == 0 && edgeEtched == 1 && edgeRaised == 2 && edgeSunken == 3);
-
-/// Drawing style of the buttons in condition rows.
-enum TbtnStyle : quint8 { btnFlat = 0, btn3DLook = 1, btnRaise = 2 };
-static_assert(btnFlat == 0 && btn3DLook == 1 && btnRaise == 2);
-
 /// Notification that the font of the boxes changed.
 using TSetFontEvent = std::function<void(const QFont& Value)>;
 
@@ -31,9 +23,16 @@ class ORV_EXPORT TorvQDWorkAreaOptions : public TPersistent {
     Q_PROPERTY(TBorderKind TableBorder READ GetTableBorder WRITE SetTableBorder)
     Q_PROPERTY(QFont Font READ GetFont WRITE SetFont)
     Q_PROPERTY(QColor TableColor READ GetTableColor WRITE SetTableColor)
-    Q_PROPERTY(QColor ProcedureColor READ GetProcedureColor WRITE SetProcedureColor)
+    Q_PROPERTY(QColor ProcedureColor READ GetProcedureColor WRITE SetProcedureColor RESET
+                   ResetProcedureColor)
 
 public:
+    /// Border style of the boxes on the diagram. Like the style of the buttons below it belongs to
+    /// a class, without which it would have no names for forms, and is known outside, too.
+    enum TBorderKind : quint8 { edgeBump = 0, edgeEtched = 1, edgeRaised = 2, edgeSunken = 3 };
+    Q_ENUM(TBorderKind)
+    static_assert(edgeBump == 0 && edgeEtched == 1 && edgeRaised == 2 && edgeSunken == 3);
+
     explicit TorvQDWorkAreaOptions(QObject* parent = nullptr);
 
     /// Whether a box that is not selected hides its current row.
@@ -69,6 +68,7 @@ public:
     /// Background of procedure boxes: the tool-tip background of the palette until a colour is set.
     [[nodiscard]] QColor GetProcedureColor() const;
     void SetProcedureColor(const QColor& Value);
+    void ResetProcedureColor() { SetProcedureColor(QColor()); }
 
     void AssignTo(TPersistent* Dest) const override;
 
@@ -95,6 +95,9 @@ private:
     QColor m_procedureColor;  // invalid: the palette's
 };
 
+using TBorderKind = TorvQDWorkAreaOptions::TBorderKind;
+using enum TorvQDWorkAreaOptions::TBorderKind;
+
 /// How the criteria panels look. Owned by the query builder; assigning copies into it.
 class ORV_EXPORT TorvQDConditionOptions : public TPersistent {
     Q_OBJECT
@@ -103,6 +106,11 @@ class ORV_EXPORT TorvQDConditionOptions : public TPersistent {
     Q_PROPERTY(QColor ActiveRowColor READ GetActiveRowColor WRITE SetActiveRowColor)
 
 public:
+    /// Drawing style of the buttons in condition rows.
+    enum TbtnStyle : quint8 { btnFlat = 0, btn3DLook = 1, btnRaise = 2 };
+    Q_ENUM(TbtnStyle)
+    static_assert(btnFlat == 0 && btn3DLook == 1 && btnRaise == 2);
+
     explicit TorvQDConditionOptions(QObject* parent = nullptr);
 
     /// Whether the active condition row is highlighted.
@@ -128,3 +136,6 @@ private:
     TbtnStyle m_btnsStyle = btnFlat;
     QColor m_activeRowColor = Qt::white;
 };
+
+using TbtnStyle = TorvQDConditionOptions::TbtnStyle;
+using enum TorvQDConditionOptions::TbtnStyle;

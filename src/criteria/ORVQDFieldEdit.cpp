@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "criteria/ORVQDFieldEdit.h"
 
-#include "toolkit/MenuBarFocus.h"
+#include "toolkit/Keys.h"
 #include "toolkit/Services.h"
 
 #include <QApplication>
@@ -22,10 +22,6 @@ namespace {
 
 constexpr int marginPx = 1;
 
-bool isEnter(const QKeyEvent& event) {
-    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
-}
-
 }  // namespace
 
 TMemoEx::TMemoEx(QWidget* parent) : QPlainTextEdit(parent) {
@@ -43,28 +39,16 @@ TMemoEx::TMemoEx(QWidget* parent) : QPlainTextEdit(parent) {
     setToolTip(tr("Press Shift+Enter to insert field"));
     setAccessibleName(tr("Text of the condition"));
     connect(this, &QPlainTextEdit::textChanged, this, [this] {
-        if (m_isOpen) call(changed);
+        if (isOpen()) call(changed);
     });
-    hide();
 }
 
 void TMemoEx::open(const QString& text) {
-    m_isOpen = false;
+    m_place.disarm();
     setPlainText(text);
     selectAll();
     m_textAtOpening = this->text();
-    m_isOpen = true;
-    setFocusProxy(nullptr);
-    show();
-    setFocus();
-}
-
-// The focus goes first: hiding a focused widget would hand it to the next one of the tab chain.
-void TMemoEx::discard() {
-    m_isOpen = false;
-    const QPointer<TMemoEx> self(this);
-    if (hasFocus() && parentWidget()) parentWidget()->setFocus();
-    if (self) hide();
+    m_place.open();
 }
 
 // The plain text of the base class has blanks for non-breaking ones.
@@ -101,21 +85,12 @@ void TMemoEx::call(const std::function<void()>& handler) {
     if (copy) orv::guarded(copy);
 }
 
-// The handler may destroy the edit: nothing of it is touched behind the call.
-void TMemoEx::leave(const std::function<void()>& handler) {
-    if (!m_isOpen) return;
-    const std::function<void()> copy = handler;
-    const QPointer<TMemoEx> self(this);
-    discard();
-    if (self && copy) orv::guarded(copy);
-}
-
 // Its keys are its own, also where the window has shortcuts on them.
 bool TMemoEx::event(QEvent* event) {
     if (event->type() == QEvent::ShortcutOverride) {
         const auto& pressed = static_cast<QKeyEvent&>(*event);
         const bool isPlain = !(pressed.modifiers() & ~Qt::KeypadModifier);
-        if (isEnter(pressed) || (isPlain && pressed.key() == Qt::Key_Escape)) {
+        if (orv::isEnter(pressed.key()) || (isPlain && pressed.key() == Qt::Key_Escape)) {
             event->accept();
             return true;
         }
@@ -131,17 +106,17 @@ void TMemoEx::keyPressEvent(QKeyEvent* event) {
 
 // Line breaks as characters come with keys such as Ctrl+M.
 bool TMemoEx::isSwallowed(const QKeyEvent& event) {
-    return !isEnter(event) && (event.text() == u"\r" || event.text() == u"\n");
+    return !orv::isEnter(event.key()) && (event.text() == u"\r" || event.text() == u"\n");
 }
 
 bool TMemoEx::keyDown(const QKeyEvent& event) {
     const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
     if (event.key() == Qt::Key_Escape) {
-        leave(dropped);
-    } else if (!isEnter(event)) {
+        m_place.leave(dropped);
+    } else if (!orv::isEnter(event.key())) {
         return false;
     } else if (!modifiers) {
-        leave(committed);
+        m_place.leave(committed);
     } else if (modifiers == Qt::ShiftModifier) {
         call(insertField);
     } else {
@@ -153,7 +128,7 @@ bool TMemoEx::keyDown(const QKeyEvent& event) {
 void TMemoEx::focusOutEvent(QFocusEvent* event) {
     QPlainTextEdit::focusOutEvent(event);
     const Qt::FocusReason reason = event->reason();
-    if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason) return;
+    if (!orv::isExit(reason)) return;
     QWidget* newFocus = QApplication::focusWidget();
     const bool isCompanion =
         m_companion && newFocus && (m_companion == newFocus || m_companion->isAncestorOf(newFocus));
@@ -161,7 +136,7 @@ void TMemoEx::focusOutEvent(QFocusEvent* event) {
     orv::handOnFocus(*this, parentWidget(), reason);
     const auto handler = exited;
     const QPointer<QWidget> there(newFocus == this ? nullptr : newFocus);
-    leave([handler, reason, there] {
+    m_place.leave([handler, reason, there] {
         if (handler) handler(reason, there);
     });
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/Export.h"
+#include "toolkit/InPlace.h"
 
 #include <QPlainTextEdit>
 #include <QPointer>
@@ -22,11 +23,11 @@ public:
     /// Shows the edit where it lies, with the text selected, and takes the focus.
     void open(const QString& text);
     /// Hides the edit without an exit; the parent gets the focus when the edit has it.
-    void discard();
+    void discard() { m_place.discard(); }
     /// From now on it is left without an exit: its owner is dying.
-    void disarm() { m_isOpen = false; }
+    void disarm() { m_place.disarm(); }
     /// Whether the edit was opened and not left since.
-    [[nodiscard]] bool isOpen() const { return m_isOpen; }
+    [[nodiscard]] bool isOpen() const { return m_place.isOpen(); }
 
     /// The text with line breaks as CR LF. It can be read after an exit, too.
     [[nodiscard]] QString text() const;
@@ -66,9 +67,8 @@ protected:
 
 private:
     void call(const std::function<void()>& handler);
-    void leave(const std::function<void()>& handler);
 
     QPointer<QWidget> m_companion;
     QString m_textAtOpening;
-    bool m_isOpen = false;
+    orv::InPlace m_place{*this};
 };

@@ -2,7 +2,8 @@
 #include "criteria/ORVQDFieldList.h"
 
 #include "criteria/ORVQDFieldModel.h"
-#include "toolkit/MenuBarFocus.h"
+#include "toolkit/InPlace.h"
+#include "toolkit/Keys.h"
 #include "toolkit/Services.h"
 
 #include <QApplication>
@@ -56,10 +57,6 @@ public:
         painter->restore();
     }
 };
-
-bool isEnter(const QKeyEvent& event) {
-    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
-}
 
 bool moves(const QKeyEvent& event) {
     switch (event.key()) {
@@ -213,7 +210,7 @@ bool FieldList::eventFilter(QObject* watched, QEvent* event) {
         const auto& key = static_cast<QKeyEvent&>(*event);
         const bool isPlain = !(key.modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier));
         const bool isOwn =
-            isEnter(key) || key.key() == Qt::Key_Escape || moves(key) || typesText(key);
+            isEnter(key.key()) || key.key() == Qt::Key_Escape || moves(key) || typesText(key);
         if (!isPlain || !isOwn) return false;
         event->accept();
         return true;
@@ -234,7 +231,7 @@ bool FieldList::pressKey(QObject* watched, QKeyEvent& event) {
         event.accept();
         const auto handler = cancelled;
         if (handler && m_isOpen) guarded(handler);
-    } else if (isEnter(event)) {
+    } else if (isEnter(event.key())) {
         event.accept();
         if (isPlain) choose(m_tree->currentIndex());
     } else if (watched == m_filter) {
@@ -270,7 +267,7 @@ void FieldList::typeIntoFilter(QKeyEvent& event) {
 }
 
 void FieldList::loseFocus(Qt::FocusReason reason) {
-    if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason) return;
+    if (!isExit(reason)) return;
     QWidget* newFocus = QApplication::focusWidget();
     if (!m_isOpen || (newFocus && (newFocus == this || isAncestorOf(newFocus)))) return;
     for (QWidget* part : std::initializer_list<QWidget*>{m_filter, m_tree}) {

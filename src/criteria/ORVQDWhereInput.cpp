@@ -3,6 +3,7 @@
 #include "criteria/ORVQDConditionLayout.h"
 #include "criteria/ORVQDWhereAccessible.h"
 #include "criteria/ORVQDWherePanel.h"
+#include "toolkit/Keys.h"
 #include "toolkit/Services.h"
 
 #include <QContextMenuEvent>
@@ -14,10 +15,6 @@
 #include <algorithm>
 
 namespace {
-
-bool isEnter(int key) {
-    return key == Qt::Key_Return || key == Qt::Key_Enter;
-}
 
 Qt::KeyboardModifiers modifiersOf(const QKeyEvent& event) {
     return event.modifiers() & ~Qt::KeypadModifier;
@@ -164,7 +161,7 @@ bool TorvQDWherePanel::handleKey(const QKeyEvent& event) {
         runTextKey(key);
         return true;
     }
-    if (isEnter(key) || key == Qt::Key_F2) {
+    if (orv::isEnter(key) || key == Qt::Key_F2) {
         showElement(*active);
         TextClick(*active, elementRect(*active).top());
         return true;

@@ -81,7 +81,7 @@ TorvQDTable::TorvQDTable(QWidget* AParent, const TDataSet* DataSet, const QStrin
     SetCaptionHeight(fontHeight + captionPaddingPx);
     SetItemHeight(fontHeight);
     AssignItems(DataSet);
-    Height = (ItemHeight + rowGapPx) * VisibleCount + CaptionHeight + BorderWidth + 2 * Indent;
+    Height = heightFor(VisibleCount);
 }
 
 TorvQDTable::~TorvQDTable() = default;
@@ -98,12 +98,22 @@ void TorvQDTable::AssignItems(const TDataSet* DataSet) {
     VisibleCount = std::min(int(fields.size()), mostVisibleRows);
     for (const TFieldDef& field : fields) {
         if (field.Name.isEmpty()) throw orv::Error(QStringLiteral("A field must have a name"));
-        Items.push_back(std::make_unique<TorvQDListItem>(this, ProcessName(field.Name),
-                                                         field.DataType, ptOutput));
-        Items.back()->m_index = int(Items.size()) - 1;
-        ++m_outputRows;
+        addRow(ProcessName(field.Name), field.DataType, ptOutput);
     }
     tell(IDiagramCanvas::BoxChange::Rows);
+}
+
+TorvQDListItem* TorvQDTable::addRow(const QString& name, TFieldType type, TParamType paramType) {
+    Items.push_back(std::make_unique<TorvQDListItem>(this, name, type, paramType));
+    Items.back()->m_index = int(Items.size()) - 1;
+    if (paramType == ptOutput) ++m_outputRows;
+    m_rowByName.clear();
+    m_rowByWord.clear();
+    return Items.back().get();
+}
+
+int TorvQDTable::heightFor(int rows) const {
+    return (ItemHeight + rowGapPx) * rows + CaptionHeight + BorderWidth + 2 * Indent;
 }
 
 void TorvQDTable::tell(IDiagramCanvas::BoxChange change, const TorvQDListItem* row) {

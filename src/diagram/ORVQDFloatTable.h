@@ -250,6 +250,12 @@ public:
 
     [[nodiscard]] TRect toView(const TRect& rect) const;
 
+protected:
+    /// Adds a row behind the others.
+    TorvQDListItem* addRow(const QString& name, TFieldType type, TParamType paramType);
+    /// The height of a box that shows so many rows.
+    [[nodiscard]] int heightFor(int rows) const;
+
 private:
     friend class TorvQDListItem;
 

@@ -3,6 +3,7 @@
 #include "contract/ChangeScope.h"
 #include "core/Text.h"
 #include "diagram/ORVQDFloatTable.h"
+#include "toolkit/Keys.h"
 #include "toolkit/Services.h"
 
 #include <QMenu>
@@ -23,7 +24,7 @@ QString buttonHint(int button) {
 }
 
 bool isTickKey(int key) {
-    return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space;
+    return orv::isEnter(key) || key == Qt::Key_Space;
 }
 
 bool isRowKey(int key) {

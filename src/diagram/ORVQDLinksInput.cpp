@@ -3,7 +3,7 @@
 #include "diagram/ORVQDFloatTable.h"
 #include "diagram/ORVQDLinks.h"
 #include "diagram/Orvvisualutils.h"
-#include "toolkit/ArrowKeys.h"
+#include "toolkit/Keys.h"
 #include "toolkit/Services.h"
 
 #include <QMenu>

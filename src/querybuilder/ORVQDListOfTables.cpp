@@ -27,6 +27,16 @@ TorvQDTable* TorvQDListOfTables::AddTable(const QString& Name, const TDataSet* D
     return m_workArea ? m_workArea->AddPanel(Name, DataSet) : nullptr;
 }
 
+TorvQDTable* TorvQDListOfTables::AddProc(const QString& Name, const TDataSet& DataSet,
+                                         const TParams& Params) {
+    return AddProc(Name, &DataSet, &Params);
+}
+
+TorvQDTable* TorvQDListOfTables::AddProc(const QString& Name, const TDataSet* DataSet,
+                                         const TParams* Params) {
+    return m_workArea ? m_workArea->AddProc(Name, DataSet, Params) : nullptr;
+}
+
 void TorvQDListOfTables::DeleteTable(int Index) {
     DeleteTable(Tables(Index));
 }

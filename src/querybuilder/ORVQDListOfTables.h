@@ -29,6 +29,11 @@ public:
     TorvQDTable* AddTable(const QString& Name, const TDataSet& DataSet);
     TorvQDTable* AddTable(const QString& Name, const TDataSet* DataSet);
 
+    /// The same for a stored procedure: below the columns of its result its box lists the
+    /// parameters, and FROM calls it with the values of those that are ptInput.
+    TorvQDTable* AddProc(const QString& Name, const TDataSet& DataSet, const TParams& Params);
+    TorvQDTable* AddProc(const QString& Name, const TDataSet* DataSet, const TParams* Params);
+
     /// Closes the box as the user does: the host is asked, the pages are told. Raises orv::Error
     /// for an index out of range.
     void DeleteTable(int Index);

@@ -2,6 +2,8 @@
 #include "querybuilder/ORVQDTailLine.h"
 
 #include "core/Text.h"
+#include "toolkit/InPlace.h"
+#include "toolkit/Keys.h"
 #include "toolkit/Services.h"
 
 #include <QAction>
@@ -63,7 +65,7 @@ protected:
     void focusOutEvent(QFocusEvent* event) override {
         QLineEdit::focusOutEvent(event);
         const Qt::FocusReason reason = event->reason();
-        if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason) return;
+        if (!isExit(reason)) return;
         guarded([this] { m_line->commit(); });
     }
 
@@ -71,7 +73,7 @@ private:
     [[nodiscard]] bool isOwn(const QKeyEvent& event) const {
         const int key = event.key();
         const bool isPlain = !(event.modifiers() & ~Qt::KeypadModifier);
-        const bool ends = key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape;
+        const bool ends = isEnter(key) || key == Qt::Key_Escape;
         return m_line->m_edited && isPlain && ends;
     }
 

@@ -186,8 +186,14 @@ void TorvQueryBuilder::setTabsHeight(int height) {
     applyTabsHeight();
 }
 
+void TorvQueryBuilder::resetTabsHeight() {
+    m_tabsHeight = leastTabsHeightPx;
+    applyTabsHeight();
+}
+
+// A form designer may have put something in the diagram's place.
 void TorvQueryBuilder::applyTabsHeight() {
-    if (!WorkArea) return;
+    if (Splitter->count() < 2) return;
     const int rest = contentsRect().height() - splitterHeightPx - m_tabsHeight;
     if (rest > 0) Splitter->setSizes({rest, m_tabsHeight});
 }
@@ -240,27 +246,6 @@ void TorvQueryBuilder::applyAlign() {
         break;
     case alClient: setGeometry(area); break;
     }
-}
-
-void TorvQueryBuilder::setWorkAreaOptions(const TorvQDWorkAreaOptions& options) {
-    WorkAreaOptions->Assign(&options);
-}
-
-void TorvQueryBuilder::setConditionOptions(const TorvQDConditionOptions& options) {
-    ConditionOptions->Assign(&options);
-}
-
-void TorvQueryBuilder::setOperators(const TOperatorList& operators) {
-    Operators->Assign(&operators);
-}
-
-QStringList TorvQueryBuilder::OperatorsList() const {
-    return Operators->toStrings();
-}
-
-void TorvQueryBuilder::setOperatorsList(const QStringList& texts) {
-    if (texts.isEmpty()) return;
-    orv::guarded([&] { Operators->fromStrings(texts); });
 }
 
 // Rows refer to operators: they go over to those of the new list, whoever changes it.

@@ -52,10 +52,36 @@ public:
 class ORV_EXPORT TorvQueryBuilder : public TorvBuilder, public IWorkAreaOwner, public IPagesHost {
     Q_OBJECT
     Q_PROPERTY(TAlign Align READ Align WRITE setAlign)
-    Q_PROPERTY(int TabsHeight READ TabsHeight WRITE setTabsHeight)
-    Q_PROPERTY(QStringList OperatorsList READ OperatorsList WRITE setOperatorsList)
+    Q_PROPERTY(int TabsHeight READ TabsHeight WRITE setTabsHeight RESET resetTabsHeight)
+    Q_PROPERTY(QStringList OperatorsList READ OperatorsList WRITE setOperatorsList RESET
+                   resetOperatorsList)
     Q_PROPERTY(bool KeepMeaning READ KeepMeaning WRITE setKeepMeaning)
     Q_PROPERTY(QString TailText READ TailText WRITE setTailText)
+    // The owned objects, for what reaches the control through its properties alone.
+    Q_PROPERTY(TorvQDWorkAreaOptions* WorkAreaOptions READ GetWorkAreaOptions CONSTANT
+                   DESIGNABLE false STORED false)
+    Q_PROPERTY(TorvQDConditionOptions* ConditionOptions READ GetConditionOptions CONSTANT
+                   DESIGNABLE false STORED false)
+    Q_PROPERTY(TOperatorList* Operators READ GetOperators CONSTANT DESIGNABLE false STORED false)
+    // The options once more, because forms hold no objects in objects.
+    Q_PROPERTY(bool WorkAreaHideSelection READ WorkAreaHideSelection WRITE setWorkAreaHideSelection)
+    Q_PROPERTY(bool WorkAreaDragFieldName READ WorkAreaDragFieldName WRITE setWorkAreaDragFieldName)
+    Q_PROPERTY(bool WorkAreaFlat READ WorkAreaFlat WRITE setWorkAreaFlat)
+    Q_PROPERTY(
+        bool WorkAreaShowFieldsType READ WorkAreaShowFieldsType WRITE setWorkAreaShowFieldsType)
+    Q_PROPERTY(
+        bool WorkAreaFlatCaptionBtns READ WorkAreaFlatCaptionBtns WRITE setWorkAreaFlatCaptionBtns)
+    Q_PROPERTY(TorvQDWorkAreaOptions::TBorderKind WorkAreaTableBorder READ WorkAreaTableBorder WRITE
+                   setWorkAreaTableBorder)
+    Q_PROPERTY(QFont WorkAreaFont READ WorkAreaFont WRITE setWorkAreaFont)
+    Q_PROPERTY(QColor WorkAreaTableColor READ WorkAreaTableColor WRITE setWorkAreaTableColor)
+    Q_PROPERTY(QColor WorkAreaProcedureColor READ WorkAreaProcedureColor WRITE
+                   setWorkAreaProcedureColor RESET resetWorkAreaProcedureColor)
+    Q_PROPERTY(bool ConditionSelectRow READ ConditionSelectRow WRITE setConditionSelectRow)
+    Q_PROPERTY(TorvQDConditionOptions::TbtnStyle ConditionBtnsStyle READ ConditionBtnsStyle WRITE
+                   setConditionBtnsStyle)
+    Q_PROPERTY(QColor ConditionActiveRowColor READ ConditionActiveRowColor WRITE
+                   setConditionActiveRowColor)
 
 public:
     /// Where the control places itself in a parent that has no layout.
@@ -154,16 +180,54 @@ public:
     /// Height of the page control in pixels; values of 100 and less are ignored.
     [[nodiscard]] int TabsHeight() const;
     void setTabsHeight(int height);
+    /// Back to the height at the start, 100.
+    void resetTabsHeight();
 
     /// Assigning copies into the owned objects.
     void setWorkAreaOptions(const TorvQDWorkAreaOptions& options);
     void setConditionOptions(const TorvQDConditionOptions& options);
     void setOperators(const TOperatorList& operators);
+    [[nodiscard]] TorvQDWorkAreaOptions* GetWorkAreaOptions() const {
+        return WorkAreaOptions.get();
+    }
+    [[nodiscard]] TorvQDConditionOptions* GetConditionOptions() const {
+        return ConditionOptions.get();
+    }
+    [[nodiscard]] TOperatorList* GetOperators() const { return Operators.get(); }
+
+    // The same options as properties of the control itself.
+    [[nodiscard]] bool WorkAreaHideSelection() const;
+    void setWorkAreaHideSelection(bool hide);
+    [[nodiscard]] bool WorkAreaDragFieldName() const;
+    void setWorkAreaDragFieldName(bool drag);
+    [[nodiscard]] bool WorkAreaFlat() const;
+    void setWorkAreaFlat(bool flat);
+    [[nodiscard]] bool WorkAreaShowFieldsType() const;
+    void setWorkAreaShowFieldsType(bool show);
+    [[nodiscard]] bool WorkAreaFlatCaptionBtns() const;
+    void setWorkAreaFlatCaptionBtns(bool flat);
+    [[nodiscard]] TBorderKind WorkAreaTableBorder() const;
+    void setWorkAreaTableBorder(TBorderKind border);
+    [[nodiscard]] QFont WorkAreaFont() const;
+    void setWorkAreaFont(const QFont& font);
+    [[nodiscard]] QColor WorkAreaTableColor() const;
+    void setWorkAreaTableColor(const QColor& color);
+    [[nodiscard]] QColor WorkAreaProcedureColor() const;
+    void setWorkAreaProcedureColor(const QColor& color);
+    void resetWorkAreaProcedureColor();
+    [[nodiscard]] bool ConditionSelectRow() const;
+    void setConditionSelectRow(bool select);
+    [[nodiscard]] TbtnStyle ConditionBtnsStyle() const;
+    void setConditionBtnsStyle(TbtnStyle style);
+    [[nodiscard]] QColor ConditionActiveRowColor() const;
+    void setConditionActiveRowColor(const QColor& color);
 
     /// The operator catalogue as six texts an entry, as a form stores it. An empty list is ignored;
     /// a damaged one keeps its whole entries and is told to the error handler.
     [[nodiscard]] QStringList OperatorsList() const;
     void setOperatorsList(const QStringList& texts);
+    /// Back to the fourteen default operators.
+    void resetOperatorsList();
 
     /// Whether the written statement asks for the same rows as the loaded one, whatever the order
     /// of the boxes. False writes in the order of stacking.

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The sorting page in the hand: keys, double clicks and drags between its lists.
 #include "selection/ORVQDSelectOrder.h"
+#include "toolkit/Keys.h"
 #include "toolkit/Services.h"
+#include "toolkit/TipText.h"
 
 #include <QApplication>
 #include <QDrag>
@@ -34,10 +36,8 @@ void showToolTip(QAbstractItemView* list, const QHelpEvent& event) {
         QToolTip::hideText();
         return;
     }
-    // Only what looks like markup is taken for it.
-    const QString text = index.data().toString();
-    QToolTip::showText(event.globalPos(), Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text,
-                       list->viewport(), rect);
+    QToolTip::showText(event.globalPos(), orv::plainTip(index.data().toString()), list->viewport(),
+                       rect);
 }
 
 }  // namespace
@@ -83,7 +83,7 @@ TorvQDOrderPanel::Command TorvQDOrderPanel::commandOf(const QAbstractItemView* l
     const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
     const int key = event.key();
     if (list == m_unsorted) {
-        const bool adds = key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Insert;
+        const bool adds = orv::isEnter(key) || key == Qt::Key_Insert;
         return adds && !modifiers && selectedName() >= 0 ? Command::Add : Command::None;
     }
     if (selectedLine() < 0) return Command::None;

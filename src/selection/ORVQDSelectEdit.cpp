@@ -7,6 +7,7 @@
 #include "selection/ORVQDSelectModel_p.h"
 #include "toolkit/ExitCombo.h"
 #include "toolkit/ExitEdit.h"
+#include "toolkit/Keys.h"
 #include "toolkit/Services.h"
 
 #include <QContextMenuEvent>
@@ -19,10 +20,6 @@ namespace {
 
 // So that a short list of aggregates can be read in a narrow grid.
 constexpr int leastChoiceWidthPx = 90;
-
-bool isEnter(int key) {
-    return key == Qt::Key_Return || key == Qt::Key_Enter;
-}
 
 // Whether the key types a character; Alt Gr is Ctrl and Alt on some platforms. A blank begins no
 // text.
@@ -45,7 +42,7 @@ enum class GridKey { None, Edit, Delete, MoveUp, MoveDown, Menu };
 
 GridKey gridKey(int key, Qt::KeyboardModifiers modifiers) {
     modifiers &= ~Qt::KeypadModifier;
-    if (modifiers == Qt::NoModifier && (isEnter(key) || key == Qt::Key_F2)) return GridKey::Edit;
+    if (modifiers == Qt::NoModifier && (orv::isEnter(key) || key == Qt::Key_F2)) return GridKey::Edit;
     if (modifiers == Qt::ControlModifier && key == Qt::Key_Delete) return GridKey::Delete;
     if (modifiers == Qt::AltModifier && key == Qt::Key_Up) return GridKey::MoveUp;
     if (modifiers == Qt::AltModifier && key == Qt::Key_Down) return GridKey::MoveDown;
@@ -185,7 +182,7 @@ bool TorvQDSelectGrid::commitBefore() {
 }
 
 void TorvQDSelectGrid::_CellKeyDown(int Key) {
-    if (isEnter(Key)) {
+    if (orv::isEnter(Key)) {
         commitEdit();
     } else if (Key == Qt::Key_Escape) {
         discardEdit();

@@ -3,6 +3,7 @@
 #include "contract/IPagesHost.h"
 #include "core/Text.h"
 #include "selection/ORVQDSelectModel_p.h"
+#include "toolkit/TipText.h"
 
 #include <QStyle>
 
@@ -96,12 +97,10 @@ QString TorvQDSelectGrid::Model::toolTip(const QModelIndex& index) const {
     QStringList lines;
     const bool isCut = m_grid->sizeHintForIndex(index).width() >
                        m_grid->columnWidth(index.column()) - int(m_grid->showGrid());
-    if (isCut) lines << text(index).toHtmlEscaped();
+    if (isCut) lines << text(index);
     const QString what = problem(index);
-    if (!what.isEmpty()) lines << what.toHtmlEscaped();
-    return lines.isEmpty() ? QString()
-                           : QStringLiteral("<qt>") + lines.join(QStringLiteral("<br>")) +
-                                 QStringLiteral("</qt>");
+    if (!what.isEmpty()) lines << what;
+    return orv::plainTip(lines.join(u'\n'));
 }
 
 QString TorvQDSelectGrid::Model::askProblem(const orv::OutputColumn& column) const {

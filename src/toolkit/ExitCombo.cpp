@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/ExitCombo.h"
 
-#include "toolkit/MenuBarFocus.h"
-#include "toolkit/Services.h"
+#include "toolkit/Keys.h"
 
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
-#include <QPointer>
 #include <QStringListModel>
 #include <QWheelEvent>
 
@@ -21,10 +19,6 @@ namespace {
 constexpr int listHeightPx = 100;
 constexpr int leastListWidthPx = 160;
 constexpr int leastListRows = 3;
-
-bool isEnter(int key) {
-    return key == Qt::Key_Return || key == Qt::Key_Enter;
-}
 
 }  // namespace
 
@@ -39,7 +33,6 @@ ExitCombo::ExitCombo(QWidget* parent) : QComboBox(parent), m_items(new QStringLi
     setInsertPolicy(NoInsert);
     setCompleter(nullptr);
     setFocusPolicy(Qt::StrongFocus);
-    hide();
 }
 
 // The place in the list comes first: it brings a text of its own.
@@ -48,27 +41,7 @@ void ExitCombo::open(const QStringList& items, const QString& text) {
     setCurrentIndex(int(items.indexOf(text)));
     setEditText(text);
     lineEdit()->selectAll();
-    m_open = true;
-    setFocusProxy(nullptr);
-    show();
-    setFocus();
-}
-
-// The focus goes first: hiding a focused widget would hand it to the next one of the tab chain.
-void ExitCombo::discard() {
-    m_open = false;
-    hidePopup();
-    const QPointer<ExitCombo> self(this);
-    if (hasFocus() && parentWidget()) parentWidget()->setFocus();
-    if (self) hide();
-}
-
-void ExitCombo::leave(const std::function<void()>& handler) {
-    if (!m_open) return;
-    const std::function<void()> copy = handler;
-    const QPointer<ExitCombo> self(this);
-    discard();
-    if (self && copy) guarded(copy);
+    m_place.open();
 }
 
 void ExitCombo::showPopup() {
@@ -93,11 +66,11 @@ bool ExitCombo::event(QEvent* event) {
 
 void ExitCombo::keyPressEvent(QKeyEvent* event) {
     if (isEnter(event->key())) {
-        leave([handler = committed, text = currentText()] {
+        m_place.leave([handler = committed, text = currentText()] {
             if (handler) handler(text);
         });
     } else if (event->key() == Qt::Key_Escape) {
-        leave(dropped);
+        m_place.leave(dropped);
     } else {
         QComboBox::keyPressEvent(event);
     }
@@ -107,13 +80,12 @@ void ExitCombo::keyPressEvent(QKeyEvent* event) {
 void ExitCombo::focusOutEvent(QFocusEvent* event) {
     const QString typed = currentText();
     QComboBox::focusOutEvent(event);
-    if (!m_open) return;
+    if (!m_place.isOpen()) return;
     if (currentText() != typed) setEditText(typed);
     // The list takes the focus for itself, for whatever reason.
-    const bool isPopup = event->reason() == Qt::PopupFocusReason || view()->isVisible();
-    if (isPopup || event->reason() == Qt::ActiveWindowFocusReason) return;
+    if (view()->isVisible() || !isExit(event->reason())) return;
     handOnFocus(*this, parentWidget(), event->reason());
-    leave([handler = committed, typed] {
+    m_place.leave([handler = committed, typed] {
         if (handler) handler(typed);
     });
 }

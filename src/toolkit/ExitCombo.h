@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/Export.h"
+#include "toolkit/InPlace.h"
 
 #include <QComboBox>
 #include <QStringList>
@@ -24,7 +25,7 @@ public:
     /// Shows the box where it lies, with the list and the text, and takes the focus.
     void open(const QStringList& items, const QString& text);
     /// Hides the box without an exit; its parent gets the focus when the box has it.
-    void discard();
+    void discard() { m_place.discard(); }
 
     std::function<void(const QString& text)> committed;
     std::function<void()> dropped;
@@ -38,10 +39,8 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
 private:
-    void leave(const std::function<void()>& handler);
-
     QStringListModel* m_items;
-    bool m_open = false;
+    InPlace m_place{*this, [this] { hidePopup(); }};
 };
 
 }  // namespace orv

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/Export.h"
+#include "toolkit/InPlace.h"
 
 #include <QLineEdit>
 
@@ -21,7 +22,7 @@ public:
     /// Shows the edit where it lies, with the text, and takes the focus.
     void open(const QString& text);
     /// Hides the edit without an exit; its parent gets the focus when the edit has it.
-    void discard();
+    void discard() { m_place.discard(); }
 
     std::function<void()> committed;
     std::function<void()> dropped;
@@ -32,9 +33,7 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
-    void leave(const std::function<void()>& handler);
-
-    bool m_open = false;
+    InPlace m_place{*this};
 };
 
 }  // namespace orv

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "workarea/ORVQDDiagramKeys.h"
 
-#include "toolkit/ArrowKeys.h"
+#include "toolkit/Keys.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <QKeyEvent>

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "workarea/ORVQDFieldSearch.h"
 
-#include "toolkit/MenuBarFocus.h"
+#include "toolkit/InPlace.h"
+#include "toolkit/Keys.h"
 #include "toolkit/Services.h"
 
 #include <QKeyEvent>
@@ -61,7 +62,7 @@ bool TEditEx::event(QEvent* event) {
 
 void TEditEx::keyPressEvent(QKeyEvent* event) {
     int key = event->key();
-    if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape) return close();
+    if (orv::isEnter(key) || key == Qt::Key_Escape) return close();
     if (key == Qt::Key_Up || key == Qt::Key_Down) return find(key);
     QLineEdit::keyPressEvent(event);
 }
@@ -72,9 +73,7 @@ void TEditEx::_FindFieldKillFocus() {
 
 void TEditEx::focusOutEvent(QFocusEvent* event) {
     QLineEdit::focusOutEvent(event);
-    if (event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason) {
-        return;
-    }
+    if (!orv::isExit(event->reason())) return;
     orv::handOnFocus(*this, parentWidget(), event->reason());
     _FindFieldKillFocus();
 }

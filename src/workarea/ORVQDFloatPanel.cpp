@@ -17,6 +17,7 @@
 #include "workarea/ORVQDFieldSearch.h"
 #include "workarea/ORVQDGestures.h"
 #include "workarea/ORVQDHints.h"
+#include "workarea/ORVQDSProc.h"
 
 #include <QFontInfo>
 #include <QFontMetrics>
@@ -132,15 +133,18 @@ int TorvQDWorkArea::indexOf(const QObject* table) const {
 // --- adding ---
 
 TorvQDTable* TorvQDWorkArea::AddPanel(const QString& TableName, const TDataSet* DataSet) {
-    return addTable(TableName, DataSet, QString(), QString());
+    return addTable({TableName, DataSet});
 }
 
-// `writtenName`, when given, is the name as FROM writes it (a qualified name, part by part);
-// `finalAlias`, when given, is the alias of a loaded statement. Both are stored before anybody is
-// told of the box, so that all names made from it are right from the start.
-TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataSet,
-                                      const QString& writtenName, const QString& finalAlias) {
-    if (orv::isBlank(name)) {
+TorvQDTable* TorvQDWorkArea::AddProc(const QString& ProcName, const TDataSet* DataSet,
+                                     const TParams* Params) {
+    return addTable({ProcName, DataSet, true, Params});
+}
+
+// Name and alias are stored before anybody is told of the box, so that all names made from it are
+// right from the start.
+TorvQDTable* TorvQDWorkArea::addTable(const NewBox& wanted) {
+    if (orv::isBlank(wanted.name)) {
         throw orv::Error(QStringLiteral("A table must have a name"));
     }
     const QPointer<TorvQDFloatObject> old(m_selected);
@@ -148,8 +152,7 @@ TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataS
     orv::guarded([&] { commitPendingEdit(); });
     if (self) deselect();
     if (!self) return nullptr;
-    auto box = std::make_unique<TorvQDTable>(this, dataSet, name);
-    if (!writtenName.isEmpty()) box->TableName = writtenName;
+    std::unique_ptr<TorvQDTable> box = makeBox(wanted);
     const auto takeFreeAlias = [&] {
         const QString alias = freeAlias(box->TableName);
         box->SetAlias(alias == box->TableName ? QString() : alias);
@@ -161,7 +164,9 @@ TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataS
     const int captionWidth = box->CaptionRect(true).width();
     if (captionWidth > box->Width) box->Width = captionWidth;
     placeTable(*box);
-    if (!finalAlias.isEmpty() && finalAlias != box->TableName) box->SetAlias(finalAlias);
+    if (!wanted.finalAlias.isEmpty() && wanted.finalAlias != box->TableName) {
+        box->SetAlias(wanted.finalAlias);
+    }
 
     ChangeScope change(m_owner, this);
     TorvQDTable* table = adopt(std::move(box));
@@ -174,6 +179,17 @@ TorvQDTable* TorvQDWorkArea::addTable(const QString& name, const TDataSet* dataS
     if (!m_owner->ledger() && viewport()->isVisible()) ensureVisible(table->GetBoundsRect());
     change.finish();
     return self && indexOf(table) >= 0 ? table : nullptr;
+}
+
+std::unique_ptr<TorvQDTable> TorvQDWorkArea::makeBox(const NewBox& wanted) {
+    std::unique_ptr<TorvQDTable> box;
+    if (wanted.isProcedure) {
+        box = std::make_unique<TorvQDSProc>(this, wanted.dataSet, wanted.name, wanted.params);
+    } else {
+        box = std::make_unique<TorvQDTable>(this, wanted.dataSet, wanted.name);
+    }
+    if (!wanted.writtenName.isEmpty()) box->TableName = wanted.writtenName;
+    return box;
 }
 
 // From here on the box is one of the diagram; those who want to know are told.

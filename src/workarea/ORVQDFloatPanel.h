@@ -81,6 +81,9 @@ public:
     /// none. Its effective alias is the table's name, followed by a number when that is taken. No
     /// data set makes a box without rows; an empty name raises orv::Error.
     TorvQDTable* AddPanel(const QString& TableName, const TDataSet* DataSet);
+    /// The same for a stored procedure, whose box also lists its parameters; none of them adds no
+    /// rows.
+    TorvQDTable* AddProc(const QString& ProcName, const TDataSet* DataSet, const TParams* Params);
 
     /// Adds a box as a saved query has it: FROM writes `name`, and `alias` is its effective alias.
     /// Nobody is asked, it is put in front of all others and is not selected.
@@ -140,6 +143,8 @@ public:
     [[nodiscard]] std::vector<TorvQDJoin*> brokenCircles() const;
     /// The body of the FROM clause, without the keyword; lines end with CR LF.
     [[nodiscard]] QString GetSQLStatment() const;
+    /// Whether what is written keeps the meaning of what was loaded.
+    [[nodiscard]] bool keepsMeaning() const { return m_owner->KeepMeaning(); }
     /// Rebuilds the diagram from a FROM node. Raises orv::Error when the node is another, the host
     /// cannot be asked for tables, or a join has no table.
     void LoadSQL(const TorvQDParser& Node);
@@ -314,13 +319,24 @@ protected:
 private:
     friend class FromLoader;
 
+    // A box that is to be added. `writtenName`, when given, is the name as FROM writes it (a
+    // qualified name, part by part); `finalAlias`, when given, is the alias of a loaded statement.
+    struct NewBox {
+        QString name;
+        const TDataSet* dataSet = nullptr;
+        bool isProcedure = false;
+        const TParams* params = nullptr;
+        QString writtenName = {};
+        QString finalAlias = {};
+    };
+
     struct HeldJoin {
         std::unique_ptr<TorvQDJoin> join;
         std::map<int, TorvQDLink*> links;
     };
 
-    TorvQDTable* addTable(const QString& name, const TDataSet* dataSet, const QString& writtenName,
-                          const QString& finalAlias);
+    [[nodiscard]] std::unique_ptr<TorvQDTable> makeBox(const NewBox& wanted);
+    TorvQDTable* addTable(const NewBox& wanted);
     TorvQDTable* adopt(std::unique_ptr<TorvQDTable> box);
     TorvQDLink* adopt(std::unique_ptr<TorvQDLink> link);
     [[nodiscard]] QString freeAlias(const QString& processedName) const;

@@ -9,6 +9,7 @@
 #include "workarea/ORVQDFloatPanel.h"
 #include "workarea/ORVQDFromLoader.h"
 #include "workarea/ORVQDGestures.h"
+#include "workarea/ORVQDSProc.h"
 
 #include <QCoreApplication>
 #include <QMenu>
@@ -342,7 +343,11 @@ orv::FromDiagram TorvQDWorkArea::fromDiagram() const {
     QHash<const TorvQDTable*, int> numbers;
     const auto add = [&](const TorvQDTable* table) {
         numbers.insert(table, int(diagram.tables.size()));
-        diagram.tables.push_back({table->TableName, table->GetAlias(), table->TableName});
+        QString name = table->TableName;
+        if (const auto* procedure = qobject_cast<const TorvQDSProc*>(table)) {
+            name += u'(' + procedure->GetParameters() + u')';
+        }
+        diagram.tables.push_back({name, table->GetAlias(), table->TableName});
     };
     if (m_owner->KeepMeaning()) {
         for (const TorvQDTable* table : m_creation) add(table);

@@ -99,8 +99,8 @@ TorvQDTable* FromLoader::loadTable(const TorvQDParser& node) {
 TorvQDTable* FromLoader::addBox(const NamedTable& table, const TDataSet& dataSet) {
     const bool aliasTaken = !table.alias.isEmpty() && m_area.GetTable(table.alias);
     const bool isQualified = splitAtFullStops(table.written).size() > 1;
-    TorvQDTable* box = m_area.addTable(table.written, &dataSet,
-                                       isQualified ? table.written : QString(), table.alias);
+    TorvQDTable* box = m_area.addTable({table.written, &dataSet, false, nullptr,
+                                        isQualified ? table.written : QString(), table.alias});
     if (!m_guard) return nullptr;
     if (!box) {
         report(table.start, table.end,

@@ -413,15 +413,15 @@ private Q_SLOTS:
                                {"a<b>" + longName, "", "T.C", false}});
         QCoreApplication::processEvents();
         QCOMPARE(toolTipAt(on.unsorted(), on.at(false, 0)), QString());
-        QCOMPARE(toolTipAt(on.unsorted(), on.at(false, 1)), longName);
-        QCOMPARE(toolTipAt(on.unsorted(), on.at(false, 2)), "a&lt;b&gt;" + longName);
+        QCOMPARE(toolTipAt(on.unsorted(), on.at(false, 1)), "<qt>" + longName + "</qt>");
+        QCOMPARE(toolTipAt(on.unsorted(), on.at(false, 2)), "<qt>a&lt;b&gt;" + longName + "</qt>");
         for (const int row : {0, 0}) {
             on.focus(false, row);
             on.key(false, Qt::Key_Return);
         }
         QCoreApplication::processEvents();
         QCOMPARE(toolTipAt(on.sorted(), on.at(true, 0)), QString());
-        QCOMPARE(toolTipAt(on.sorted(), on.at(true, 1)), longName);
+        QCOMPARE(toolTipAt(on.sorted(), on.at(true, 1)), "<qt>" + longName + "</qt>");
     }
 
     // --- drags

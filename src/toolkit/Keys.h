@@ -17,4 +17,9 @@ namespace orv {
     }
 }
 
+/// Whether it is one of the two keys that people call Enter.
+[[nodiscard]] inline bool isEnter(int key) {
+    return key == Qt::Key_Return || key == Qt::Key_Enter;
+}
+
 }  // namespace orv

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "diagram/ORVQDFloatTable.h"
+
+/// A stored procedure on the diagram: below the rows of its result stands one row for each of its
+/// parameters. FROM calls it with the values of its input rows. What such a row holds:
+///
+///     not ticked            no value: the call has a placeholder, ":X"
+///     ticked, IsNull        NULL
+///     ticked, not IsNull    Value: a whole or broken number, a text, a date or time, a Boolean, or
+///                           an orv::SqlText, which is written as it stands
+class ORV_EXPORT TorvQDSProc : public TorvQDTable {
+    Q_OBJECT
+
+public:
+    /// A box for the columns and parameters; none of either adds no rows. An input parameter that
+    /// has a value makes a ticked row. Raises orv::Error for a parameter without a name.
+    TorvQDSProc(QWidget* AParent, const TDataSet* DataSet, const QString& Name,
+                const TParams* Params);
+
+    [[nodiscard]] QColor GetClientColor() const override;
+    /// The arguments of the call, as they stand between its brackets.
+    [[nodiscard]] QString GetParameters() const;
+
+    /// The parameters as the host gave them; the rows hold the present values.
+    [[nodiscard]] const TParams& Params() const { return m_params; }
+    /// The same parameters with the values that their rows hold now.
+    [[nodiscard]] TParams currentParams() const;
+    /// The rows of the parameters, in their order.
+    [[nodiscard]] std::vector<TorvQDListItem*> parameterRows() const;
+    /// Gives an input row its value: an invalid one for none, a null one for NULL. Rows of another
+    /// kind stay as they are.
+    void setParameter(TorvQDListItem* item, const QVariant& value);
+    /// What setParameter took: the value that the row holds.
+    [[nodiscard]] static QVariant valueOf(const TorvQDListItem& item);
+
+    /// The name of the row's placeholder, without its colon.
+    [[nodiscard]] static QString placeholderName(const TorvQDListItem& item);
+    /// How a value is written for a row of that type; nothing for a value of no kind that can be
+    /// written. With meaning kept, inner apostrophes are doubled and dates are those of ISO 8601;
+    /// else apostrophes stay as they are, and dates are in the short form of the user's country.
+    [[nodiscard]] static QString valueText(const QVariant& value, TFieldType type,
+                                           bool keepsMeaning);
+
+private:
+    [[nodiscard]] bool keepsMeaning() const;
+
+    TParams m_params;
+    std::size_t m_firstParameter = 0;  // row
+};
