@@ -176,7 +176,7 @@ TorvQDOperatorsPropertyDlg::TorvQDOperatorsPropertyDlg(QWidget* parent)
     setFont(withFamily(font(), QStringLiteral("MS Sans Serif")));
     fitFonts();
     FormCreate();
-    resize(designSizePx.expandedTo(sizeHint()));
+    resize(designSizePx.expandedTo(minimumSizeHint()));
 }
 
 TorvQDOperatorsPropertyDlg::~TorvQDOperatorsPropertyDlg() = default;
