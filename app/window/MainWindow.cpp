@@ -11,6 +11,7 @@
 #include "text/FindingLines.h"
 #include "text/TextFile.h"
 #include "toolkit/Services.h"
+#include "window/KeptOperators.h"
 #include "window/ParameterDialog.h"
 #include "window/ResultPane.h"
 #include "window/StatementPane.h"
@@ -40,6 +41,7 @@ MainWindow::MainWindow() {
     buildActions();
     buildMenus();
     restoreLayout();
+    restoreOperators(*m_builder);
     useTables(std::make_unique<SchemaFile>(QByteArray("{}"), QString()), nullptr);
 }
 
@@ -114,6 +116,17 @@ void MainWindow::chooseDatabase() {
 
 void MainWindow::chooseSample() {
     if (openSample()) loadText(sampleQuery());
+}
+
+void MainWindow::modifyOperators() {
+    m_builder->ModifyOperators();
+    keepOperators(*m_builder);
+}
+
+void MainWindow::useDefaultOperators() {
+    m_builder->CommitPendingEdits();
+    restoreDefaultOperators(*m_builder);
+    keepOperators(*m_builder);
 }
 
 void MainWindow::quit() {

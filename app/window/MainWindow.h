@@ -65,6 +65,8 @@ private:
     void runStatement();
     void stopQuery();
     void clearAll();
+    void modifyOperators();
+    void useDefaultOperators();
     void quit();
     void showAbout();
 

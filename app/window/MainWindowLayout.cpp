@@ -124,6 +124,10 @@ void MainWindow::buildMenus() {
     query->addActions({m_clear, m_load});
     query->addSeparator();
     query->addActions({m_run, m_stop});
+    query->addSeparator();
+    query->addAction(addAction(nullptr, tr("&Operators..."), {}, &MainWindow::modifyOperators));
+    query->addAction(
+        addAction(nullptr, tr("&Default operators"), {}, &MainWindow::useDefaultOperators));
 
     buildDiagramMenu();
 

@@ -82,20 +82,17 @@ QLabel* plainLabel(const QString& text, Qt::Alignment alignment = Qt::AlignLeft)
     return label;
 }
 
-QLineEdit* edit(const QString& accessibleName, const QString& toolTip, QLabel* label,
-                const QSize& least) {
+QLineEdit* edit(const QString& accessibleName, const QString& toolTip, QLabel* label) {
     auto* result = new QLineEdit;
     result->setMaxLength(longestTextChars);
     result->setAccessibleName(accessibleName);
     result->setToolTip(toolTip);
-    result->setMinimumSize(least);
     label->setBuddy(result);
     return result;
 }
 
-QPushButton* button(const QString& text, const QSize& least) {
+QPushButton* button(const QString& text) {
     auto* result = new QPushButton(text);
-    result->setMinimumSize(least);
     result->setAutoDefault(false);
     return result;
 }
@@ -179,7 +176,7 @@ TorvQDOperatorsPropertyDlg::TorvQDOperatorsPropertyDlg(QWidget* parent)
     setFont(withFamily(font(), QStringLiteral("MS Sans Serif")));
     fitFonts();
     FormCreate();
-    resize(designSizePx.expandedTo(sizeHint()));
+    resize(designSizePx.expandedTo(minimumSizeHint()));
 }
 
 TorvQDOperatorsPropertyDlg::~TorvQDOperatorsPropertyDlg() = default;
@@ -189,29 +186,27 @@ TorvQDOperatorsPropertyDlg::~TorvQDOperatorsPropertyDlg() = default;
 void TorvQDOperatorsPropertyDlg::addGroups() {
     lbOperators = new OperatorLines(this);
     lbOperators->setAccessibleName(QStringLiteral("Available operators"));
-    lbOperators->setMinimumWidth(1);
     GroupBox1 = new QGroupBox(QStringLiteral("Available operators"));
-    GroupBox1->setMinimumWidth(listWidthPx);
     auto* listLayout = new QVBoxLayout(GroupBox1);
     listLayout->setContentsMargins(marginPx / 2, marginPx / 2, marginPx / 2, marginPx / 2);
     listLayout->addWidget(lbOperators);
 
-    btnAdd = button(QStringLiteral("Add operator"), addSizePx);
-    btnDelete = button(QStringLiteral("Delete operator"), deleteSizePx);
+    btnAdd = button(QStringLiteral("Add operator"));
+    btnDelete = button(QStringLiteral("Delete operator"));
     auto* editButtons = new QHBoxLayout;
     editButtons->setSpacing(marginPx);
     editButtons->addWidget(btnAdd);
     editButtons->addWidget(btnDelete);
     editButtons->addStretch(1);
 
+    // Two lines: a label that wraps makes the least height of the dialog depend on its width.
     lblHint =
-        plainLabel(QStringLiteral("Select or add another operator to keep these changes; OK "
-                                  "alone keeps only the display name."));
-    lblHint->setWordWrap(true);
+        plainLabel(QStringLiteral("Select or add another operator to keep these changes;\n"
+                                  "OK alone keeps only the display name."));
     keepPlaceWhenHidden(lblHint);
-    btnOK = button(QStringLiteral("OK"), okSizePx);
+    btnOK = button(QStringLiteral("OK"));
     btnOK->setDefault(true);
-    btnCancel = button(QStringLiteral("Cancel"), cancelSizePx);
+    btnCancel = button(QStringLiteral("Cancel"));
     auto* endButtons = new QHBoxLayout;
     endButtons->setSpacing(marginPx);
     endButtons->addStretch(1);
@@ -229,6 +224,8 @@ void TorvQDOperatorsPropertyDlg::addGroups() {
     layout->addLayout(endButtons, 3, 0, 1, 2);
     layout->setRowMinimumHeight(0, buttonsHeightPx - marginPx);
     layout->setRowStretch(1, 1);
+    layout->setColumnMinimumWidth(0, listWidthPx);
+    layout->setColumnMinimumWidth(1, featuresWidthPx);
     layout->setColumnStretch(0, listWidthPx);
     layout->setColumnStretch(1, featuresWidthPx);
 }
@@ -244,21 +241,17 @@ QWidget* TorvQDOperatorsPropertyDlg::makeFeatures() {
     lblSQL = plainLabel({}, Qt::AlignHCenter);
 
     ebName = edit(QStringLiteral("Operator name"),
-                  QStringLiteral("The keyword as it is written into the statement"), lblName,
-                  textSizePx);
-    ebCaption = edit(QStringLiteral("Display name"), QStringLiteral("What conditions show"),
-                     lblCaption, textSizePx);
+                  QStringLiteral("The keyword as it is written into the statement"), lblName);
+    ebCaption =
+        edit(QStringLiteral("Display name"), QStringLiteral("What conditions show"), lblCaption);
     ebCount = edit(QStringLiteral("Count of operands"),
-                   QStringLiteral("The left-hand operand counts too"), lblCount, countSizePx);
-    ebPrefix =
-        edit(QStringLiteral("Prefix"),
-             QStringLiteral("Written in front of the right-hand operands"), lblPrefix, partSizePx);
-    ebRelate =
-        edit(QStringLiteral("Relate"), QStringLiteral("Written between two right-hand operands"),
-             lblRelate, partSizePx);
-    ebPostfix =
-        edit(QStringLiteral("Postfix"), QStringLiteral("Written behind the right-hand operands"),
-             lblPostfix, partSizePx);
+                   QStringLiteral("The left-hand operand counts too"), lblCount);
+    ebPrefix = edit(QStringLiteral("Prefix"),
+                    QStringLiteral("Written in front of the right-hand operands"), lblPrefix);
+    ebRelate = edit(QStringLiteral("Relate"),
+                    QStringLiteral("Written between two right-hand operands"), lblRelate);
+    ebPostfix = edit(QStringLiteral("Postfix"),
+                     QStringLiteral("Written behind the right-hand operands"), lblPostfix);
 
     auto* texts = new QGridLayout;
     texts->setSpacing(marginPx);
@@ -269,7 +262,6 @@ QWidget* TorvQDOperatorsPropertyDlg::makeFeatures() {
     texts->addWidget(lblCount, 2, 0);
     texts->addWidget(ebCount, 2, 1, Qt::AlignLeft);
     texts->setColumnStretch(1, 1);
-    ebCount->setMaximumWidth(2 * countSizePx.width());
 
     auto* parts = new QGridLayout;
     parts->setHorizontalSpacing(marginPx / 2);
@@ -283,7 +275,6 @@ QWidget* TorvQDOperatorsPropertyDlg::makeFeatures() {
 
     // Many operands or long texts make the preview longer than the dialog has room for.
     lblSQL->setWordWrap(true);
-    lblSQL->setMinimumHeight(previewHeightPx);
     m_preview = new QScrollArea;
     m_preview->setFrameShape(QFrame::NoFrame);
     m_preview->setWidgetResizable(true);
@@ -293,7 +284,6 @@ QWidget* TorvQDOperatorsPropertyDlg::makeFeatures() {
     lblSQL->setAutoFillBackground(false);
 
     Features = new QGroupBox(QStringLiteral("Features"));
-    Features->setMinimumWidth(featuresWidthPx);
     auto* layout = new QVBoxLayout(Features);
     layout->setContentsMargins(marginPx, marginPx, marginPx, marginPx);
     layout->setSpacing(marginPx);
@@ -366,13 +356,29 @@ void TorvQDOperatorsPropertyDlg::fitFonts() {
         preview.setPixelSize(int(preview.pixelSize() * previewScale));
     }
     lblSQL->setFont(preview);
+    fitSizes();
+}
+
+// An explicit least size takes the place of what the control itself needs.
+void TorvQDOperatorsPropertyDlg::fitSizes() {
+    const std::pair<QWidget*, QSize> least[] = {{btnAdd, addSizePx},    {btnDelete, deleteSizePx},
+                                                {btnOK, okSizePx},      {btnCancel, cancelSizePx},
+                                                {ebName, textSizePx},   {ebCaption, textSizePx},
+                                                {ebCount, countSizePx}, {ebPrefix, partSizePx},
+                                                {ebRelate, partSizePx}, {ebPostfix, partSizePx}};
+    for (const auto& [control, size] : least) {
+        control->setMinimumSize(size.expandedTo(control->minimumSizeHint()));
+    }
+    ebCount->setMaximumWidth(2 * ebCount->minimumWidth());
     // Two lines of preview show without scrolling.
     m_preview->setMinimumHeight(std::max(previewHeightPx, 2 * lblSQL->fontMetrics().lineSpacing()));
 }
 
 void TorvQDOperatorsPropertyDlg::changeEvent(QEvent* event) {
     QDialog::changeEvent(event);
-    if (event->type() == QEvent::FontChange && m_preview) fitFonts();
+    if (!m_preview) return;
+    if (event->type() == QEvent::FontChange) fitFonts();
+    if (event->type() == QEvent::StyleChange) fitSizes();
 }
 
 // --- the form ---
@@ -398,7 +404,9 @@ void TorvQDOperatorsPropertyDlg::FormShow() {
 
 void TorvQDOperatorsPropertyDlg::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
-    if (!event->spontaneous()) orv::guarded([this] { FormShow(); });
+    if (event->spontaneous()) return;
+    fitSizes();
+    orv::guarded([this] { FormShow(); });
 }
 
 void TorvQDOperatorsPropertyDlg::SetRestrictions(TEditRestrictions Restrictions) {

@@ -124,6 +124,7 @@ private:
     void nameControls();
     void connectControls();
     void fitFonts();
+    void fitSizes();
     void userSelected();
     void userEdited(QLineEdit* edit);
     void userAdds();
