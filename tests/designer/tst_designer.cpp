@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The plugin as Qt Designer uses it: palette, form, properties, what is written, undo.
+#include "designer/FormFile.h"
 #include "designer/Workbench.h"
 #include "support/TestTools.h"
 #include "toolkit/Services.h"
