@@ -273,6 +273,28 @@ private Q_SLOTS:
         QCOMPARE(written().value("TailText"), "<string notr=\"true\">LIMIT 1</string>");
     }
 
+    void copyHasThePropertiesOfTheOriginal() {
+        openForm(Workbench::formWith(formXml("OperatorsList", stringList(oneOperator)) +
+                                     formXml("WorkAreaFlat", "<bool>true</bool>")));
+        m_bench->form->clearSelection();
+        m_bench->form->selectWidget(builder());
+        QDesignerFormWindowManagerInterface* manager = m_bench->core->formWindowManager();
+        QAction* copy = manager->action(QDesignerFormWindowManagerInterface::CopyAction);
+        QAction* paste = manager->action(QDesignerFormWindowManagerInterface::PasteAction);
+        QTRY_VERIFY(copy->isEnabled());
+        copy->trigger();
+        QTRY_VERIFY(paste->isEnabled());
+        paste->trigger();
+        const auto builders = m_bench->form->findChildren<TorvQueryBuilder*>();
+        QCOMPARE(builders.size(), 2);
+        for (const TorvQueryBuilder* each : builders) {
+            QCOMPARE(each->OperatorsList(), oneOperator);
+            QVERIFY(each->WorkAreaFlat());
+            QVERIFY(!each->WorkArea);
+        }
+        QVERIFY(builders[0]->objectName() != builders[1]->objectName());
+    }
+
     // --- operators
 
     void defaultOperatorsAreNotWritten() {
