@@ -17,6 +17,8 @@ DesignedQueryBuilder::DesignedQueryBuilder(QWidget* parent) : TorvQueryBuilder(p
     Splitter->insertWidget(0, place);
     Splitter->setStretchFactor(0, 1);
     Splitter->setStretchFactor(1, 0);
+    // The dots of the form's grid end at the control.
+    Splitter->setAutoFillBackground(true);
 }
 
 }  // namespace orvdesigner
