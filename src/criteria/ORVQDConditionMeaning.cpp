@@ -12,9 +12,9 @@ namespace {
 
 using Elements = std::vector<ConditionElement>::const_iterator;
 
-constexpr QChar none = u' ';
-constexpr QChar all = u'&';
-constexpr QChar any = u'|';
+constexpr QChar noneSign = u' ';
+constexpr QChar allSign = u'&';
+constexpr QChar anySign = u'|';
 
 // Signs are compared one by one: ">-5" is "> -5".
 QString signText(const QString& signs) {
@@ -51,7 +51,7 @@ public:
             writeOne(first, last, around, negated);
             return;
         }
-        const QChar connective = isAny ? any : all;
+        const QChar connective = isAny ? anySign : allSign;
         const bool isOwn = negated || connective != around;
         if (negated) text += u'!';
         if (isOwn) text += connective;
@@ -97,7 +97,7 @@ private:
 
 QString meaningOf(const std::vector<ConditionElement>& level) {
     MeaningWriter writer;
-    writer.write(level.begin(), level.end(), none, false);
+    writer.write(level.begin(), level.end(), noneSign, false);
     return writer.text;
 }
 

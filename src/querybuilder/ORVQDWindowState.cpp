@@ -126,7 +126,7 @@ void checkDiagram(const orv::QueryState& state) {
     }
 }
 
-constexpr int mostOperands = 1000;
+constexpr int mostArguments = 1000;
 
 /// Condition rows of a state, put into a panel.
 class ConditionRestorer {
@@ -137,7 +137,7 @@ public:
     void check(const orv::QueryState::Row& saved) const {
         if (saved.group.isEmpty()) {
             (void)operatorOf(saved);
-            if (saved.arguments.size() > mostOperands) {
+            if (saved.arguments.size() > mostArguments) {
                 fail(QStringLiteral("too many operands for the operator ") + saved.operation);
             }
             return;
