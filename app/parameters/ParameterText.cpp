@@ -79,14 +79,18 @@ QString localDateFormat(const QLocale& locale) {
     return format;
 }
 
+// Qt's reader of ISO 8601 would take what begins like a date for one.
 QDate readDateText(const QString& text, const QLocale& locale) {
-    const QDate date = QDate::fromString(text, Qt::ISODate);
-    return date.isValid() ? date : locale.toDate(text, localDateFormat(locale));
+    static const QRegularExpression iso(QStringLiteral("^[0-9]{4}-[0-9]{2}-[0-9]{2}$"));
+    return iso.match(text).hasMatch() ? QDate::fromString(text, Qt::ISODate)
+                                      : locale.toDate(text, localDateFormat(locale));
 }
 
 QTime readTimeText(const QString& text, const QLocale& locale) {
-    const QTime time = QTime::fromString(text, Qt::ISODate);
-    return time.isValid() ? time : locale.toTime(text, QLocale::ShortFormat);
+    static const QRegularExpression iso(
+        QStringLiteral("^[0-9]{2}:[0-9]{2}(:[0-9]{2}([.][0-9]{1,3})?)?$"));
+    return iso.match(text).hasMatch() ? QTime::fromString(text, Qt::ISODate)
+                                      : locale.toTime(text, QLocale::ShortFormat);
 }
 
 QDateTime readDateTimeText(const QString& text, const QLocale& locale) {
