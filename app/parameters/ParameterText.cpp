@@ -122,10 +122,15 @@ ParameterReading readBoolean(const QString& text) {
     return problem(tr("true or false is expected."));
 }
 
+// Qt's drivers take a text that is null, not only empty, for NULL.
+QVariant textValue(const QString& text) {
+    return text.isNull() ? QString(QLatin1String("")) : text;
+}
+
 // "007" and "1e5" may be a key or a code.
 ParameterReading readUnknown(const QString& text) {
     static const QRegularExpression plain(QStringLiteral("^-?(0|[1-9][0-9]*)(\\.[0-9]+)?$"));
-    return {plain.match(text).hasMatch() ? numberOf(text) : QVariant(text), {}};
+    return {plain.match(text).hasMatch() ? numberOf(text) : textValue(text), {}};
 }
 
 }  // namespace
@@ -169,7 +174,7 @@ ParameterReading readParameter(const QString& text, TFieldType type, const QLoca
     case ftReference:
     case ftDataSet: break;
     }
-    return {text, {}};
+    return {textValue(text), {}};
 }
 
 QString parameterText(const QVariant& value) {

@@ -72,6 +72,7 @@ private Q_SLOTS:
     void initTestCase();
     void init();
     void cleanup() { lReservedWords().clear(); }
+    void cleanupTestCase() { m_database.reset(); }
 
     void opensFilesAndAddresses();
     void filesThatAreNoDatabase();
@@ -99,6 +100,7 @@ private:
 
     QTemporaryDir m_folder;
     QString m_path;
+    std::unique_ptr<Database> m_database;  ///< keeps the engine's own state of the file alive
 };
 
 void TestFirebird::initTestCase() {
@@ -107,6 +109,7 @@ void TestFirebird::initTestCase() {
     firebirdtest::setLockFolder(m_folder.path());
     m_path = m_folder.filePath(QStringLiteral("shop.fdb"));
     QVERIFY(firebirdtest::makeDatabase(m_path, QString::fromUtf8(script) + manyProcedure()));
+    m_database = open();
 }
 
 void TestFirebird::init() {
@@ -116,7 +119,7 @@ void TestFirebird::init() {
 
 RowCollector TestFirebird::run(const QString& statement, const PlaceholderValues& values) const {
     RowCollector rows(1000);
-    Connection connection(open()->settings());
+    Connection connection(m_database->settings());
     if (connection.open().isValid()) return rows;
     runQuery(connection.database(), statement, rows, values);
     return rows;
@@ -399,12 +402,13 @@ void TestFirebird::reservedWordsAreRefused() {
                                       "VARBINARY",
                                       "WINDOW",
                                       "WITHOUT"};
+    Connection connection(m_database->settings());
+    QVERIFY(!connection.open().isValid());
     QStringList taken;
     const QStringList words = NameFolding::firebird().reservedWords();
     for (const QString& word : words) {
-        const QString error = apptest::errorOf(
-            [&] { (void)run(QStringLiteral("SELECT %1.ID FROM ORDERS %1").arg(word)); });
-        if (error == QStringLiteral("(no error)")) taken += word;
+        QSqlQuery query(connection.database());
+        if (query.exec(QStringLiteral("SELECT %1.ID FROM ORDERS %1").arg(word))) taken += word;
     }
     for (const QString& word : later) taken.removeAll(word);
     QCOMPARE(taken, QStringList());

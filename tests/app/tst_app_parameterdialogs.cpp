@@ -33,9 +33,27 @@ namespace {
 
 const QVariant sqlNull = QVariant::fromValue(nullptr);
 
+// Only the active window has shortcuts.
+void activate(QWidget& window) {
+    window.show();
+    window.activateWindow();
+    QTRY_COMPARE(QApplication::activeWindow(), &window);
+}
+
 template <typename Widget>
 Widget* childOf(const QWidget& parent, const char* name) {
     return parent.findChild<Widget*>(QLatin1String(name));
+}
+
+// By its letter; a button shows for a moment that it is pressed.
+void choose(QDialog& dialog, const char* name, Qt::Key letter) {
+    QTest::keyClick(&dialog, letter, Qt::AltModifier);
+    QTRY_VERIFY(childOf<QRadioButton>(dialog, name)->isChecked());
+}
+
+// Beside its text a wide one takes no click.
+void clickOn(QAbstractButton& button) {
+    QTest::mouseClick(&button, Qt::LeftButton, {}, {8, button.height() / 2});
 }
 
 }  // namespace
@@ -134,7 +152,10 @@ void TestParameterDialogs::init() {
     orv::setDialogRunner([this](QDialog& dialog) {
         if (m_answered == m_answers.size()) return int(QDialog::Rejected);
         const auto answer = m_answers[m_answered++];
-        QTimer::singleShot(0, &dialog, [answer, &dialog] { answer(dialog); });
+        QTimer::singleShot(0, &dialog, [answer, &dialog] {
+            activate(dialog);
+            answer(dialog);
+        });
         return dialog.exec();
     });
     open(m_database);
@@ -151,9 +172,7 @@ void TestParameterDialogs::cleanup() {
 
 void TestParameterDialogs::open(const QString& database) {
     m_window = std::make_unique<MainWindow>();
-    m_window->show();
-    m_window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    activate(*m_window);
     Options options;
     options.database = database;
     m_window->begin(options);
@@ -200,19 +219,23 @@ void TestParameterDialogs::doubleClickRow(const char* name) const {
 }
 
 void TestParameterDialogs::run() const {
+    activate(*m_window);
     QTest::keyClick(m_window.get(), Qt::Key_F5);
 }
 
 bool TestParameterDialogs::waitForRows() const {
     auto* stop = child<QToolButton>("stopButton");
-    return QTest::qWaitFor([&] { return !stop->isEnabled(); }, 30000);
+    if (!QTest::qWaitFor([&] { return !stop->isEnabled(); }, 30000)) return false;
+    if (child<QTableView>("rows")->isVisible()) return true;
+    qWarning("no rows: %s", qPrintable(child<QLabel>("resultText")->text()));
+    return false;
 }
 
 // --- the dialogs alone ---
 
 void TestParameterDialogs::valueIsTyped() {
     ParameterDialog dialog({"SERIES", "LOW", ftInteger, ":LOW"}, {});
-    dialog.show();
+    activate(dialog);
     QCOMPARE(childOf<QLabel>(dialog, "subject")->text(),
              QStringLiteral("Parameter LOW (Integer) of SERIES"));
     auto* field = childOf<QLineEdit>(dialog, "value");
@@ -226,7 +249,7 @@ void TestParameterDialogs::valueIsTyped() {
 
 void TestParameterDialogs::wrongTextIsToldInPlace() {
     ParameterDialog dialog({"SERIES", "LOW", ftInteger, ":LOW"}, 7);
-    dialog.show();
+    activate(dialog);
     auto* field = childOf<QLineEdit>(dialog, "value");
     auto* problem = childOf<QLabel>(dialog, "problem");
     auto* ok = dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
@@ -238,10 +261,10 @@ void TestParameterDialogs::wrongTextIsToldInPlace() {
     QTest::keyClick(field, Qt::Key_Return);
     QVERIFY(dialog.isVisible());
     // Nothing is wrong with it when it does not count.
-    QTest::mouseClick(childOf<QRadioButton>(dialog, "asNull"), Qt::LeftButton);
+    clickOn(*childOf<QRadioButton>(dialog, "asNull"));
     QCOMPARE(problem->text(), QString());
     QVERIFY(ok->isEnabled());
-    QTest::mouseClick(childOf<QRadioButton>(dialog, "asValue"), Qt::LeftButton);
+    clickOn(*childOf<QRadioButton>(dialog, "asValue"));
     QTest::keyClick(field, Qt::Key_Backspace);
     QCOMPARE(problem->text(), QString());
     QVERIFY(ok->isEnabled());
@@ -255,9 +278,9 @@ void TestParameterDialogs::wrongTextIsToldInPlace() {
 
 void TestParameterDialogs::sqlStandsForValue() {
     ParameterDialog dialog({"JSON_EACH", "JSON", ftString, ":JSON"}, {});
-    dialog.show();
+    activate(dialog);
     QTest::keyClicks(childOf<QLineEdit>(dialog, "value"), " ORDERS.DATA ");
-    QTest::keyClick(&dialog, Qt::Key_S, Qt::AltModifier);
+    choose(dialog, "asSql", Qt::Key_S);
     QCOMPARE(dialog.value(), QVariant::fromValue(orv::SqlText{QStringLiteral("ORDERS.DATA")}));
     ParameterDialog again({"JSON_EACH", "JSON", ftString, ":JSON"}, dialog.value());
     QVERIFY(childOf<QRadioButton>(again, "asSql")->isChecked());
@@ -267,14 +290,14 @@ void TestParameterDialogs::sqlStandsForValue() {
 
 void TestParameterDialogs::nullAndBack() {
     ParameterDialog dialog({"P", "X", ftDate, ":X"}, QDate(2024, 1, 31));
-    dialog.show();
-    QTest::keyClick(&dialog, Qt::Key_N, Qt::AltModifier);
+    activate(dialog);
+    choose(dialog, "asNull", Qt::Key_N);
     QVERIFY(dialog.value().isValid());
     QVERIFY(dialog.value().isNull());
-    QTest::keyClick(&dialog, Qt::Key_O, Qt::AltModifier);
+    choose(dialog, "unset", Qt::Key_T);
     QVERIFY(!dialog.value().isValid());
     QVERIFY(childOf<QRadioButton>(dialog, "unset")->text().contains(QStringLiteral(":X")));
-    QTest::keyClick(&dialog, Qt::Key_V, Qt::AltModifier);
+    choose(dialog, "asValue", Qt::Key_V);
     QCOMPARE(dialog.value(), QVariant(QDate(2024, 1, 31)));
     ParameterDialog null({"P", "X", ftDate, ":X"}, sqlNull);
     QVERIFY(childOf<QRadioButton>(null, "asNull")->isChecked());
@@ -283,7 +306,7 @@ void TestParameterDialogs::nullAndBack() {
 
 void TestParameterDialogs::typingMeansValue() {
     ParameterDialog dialog({"P", "X", ftFloat, ":X"}, sqlNull);
-    dialog.show();
+    activate(dialog);
     QTest::keyClicks(childOf<QLineEdit>(dialog, "value"), "1,5");
     QVERIFY(childOf<QRadioButton>(dialog, "asValue")->isChecked());
     QCOMPARE(dialog.value(), QVariant(1.5));
@@ -293,9 +316,9 @@ void TestParameterDialogs::typingMeansValue() {
 void TestParameterDialogs::longValueStays() {
     const QVariant value = QStringLiteral("[1,\n 2]");
     ParameterDialog dialog({"P", "X", ftMemo, ":X"}, value);
-    dialog.show();
-    QTest::keyClick(&dialog, Qt::Key_N, Qt::AltModifier);
-    QTest::keyClick(&dialog, Qt::Key_V, Qt::AltModifier);
+    activate(dialog);
+    choose(dialog, "asNull", Qt::Key_N);
+    choose(dialog, "asValue", Qt::Key_V);
     QCOMPARE(dialog.value(), value);
 }
 
@@ -310,7 +333,7 @@ void TestParameterDialogs::everyWidgetHasName() {
 
 void TestParameterDialogs::allPlaceholdersAreAskedFor() {
     PlaceholderDialog dialog({{"A", ftInteger}, {"B", ftDate}, {"C"}}, {});
-    dialog.show();
+    activate(dialog);
     auto* run = childOf<QPushButton>(dialog, "run");
     QVERIFY(!run->isEnabled());
     // By keys alone, from field to field.
@@ -359,7 +382,7 @@ void TestParameterDialogs::hundredsOfPlaceholdersScroll() {
         parameters.push_back({QStringLiteral("P%1").arg(number), ftString});
     }
     PlaceholderDialog dialog(parameters, {});
-    dialog.show();
+    activate(dialog);
     QVERIFY(dialog.height() <= dialog.screen()->availableGeometry().height());
     QVERIFY(childOf<QPushButton>(dialog, "run")->isVisible());
     QCOMPARE(dialog.values().size(), 200);
@@ -435,7 +458,7 @@ void TestParameterDialogs::unsetParameterIsAskedFor() {
     doubleClickInList(QStringLiteral("pragma_table_info"));
     rowOf(*box(), "NAME")->SetCheck(true);
     answer([](QDialog& dialog) {
-        QTest::mouseClick(childOf<QRadioButton>(dialog, "unset"), Qt::LeftButton);
+        clickOn(*childOf<QRadioButton>(dialog, "unset"));
         QTest::keyClick(&dialog, Qt::Key_Return);
     });
     doubleClickRow("SCHEMA");
@@ -455,7 +478,7 @@ void TestParameterDialogs::answersAreRemembered() {
     child<QPlainTextEdit>("statement")->setPlainText("select :x, :y");
     answer([](QDialog& dialog) {
         QTest::keyClicks(childOf<QLineEdit>(dialog, "X"), "one");
-        QTest::mouseClick(childOf<QCheckBox>(dialog, "null Y"), Qt::LeftButton);
+        clickOn(*childOf<QCheckBox>(dialog, "null Y"));
         QTest::keyClick(&dialog, Qt::Key_Return);
     });
     run();
@@ -486,7 +509,7 @@ void TestParameterDialogs::cancelledDialogCancelsRun() {
 void TestParameterDialogs::nullIsAnAnswer() {
     child<QPlainTextEdit>("statement")->setPlainText("select id from orders where city is :c");
     answer([](QDialog& dialog) {
-        QTest::mouseClick(childOf<QCheckBox>(dialog, "null C"), Qt::LeftButton);
+        clickOn(*childOf<QCheckBox>(dialog, "null C"));
         QTest::keyClick(&dialog, Qt::Key_Return);
     });
     run();
@@ -579,7 +602,7 @@ void TestParameterDialogs::schemaProcedureTakesValues() {
     doubleClickRow("X");
     QCOMPARE(text(), QStringLiteral("SELECT P.A\nFROM P('2024-01-31', 2.5)"));
     answer([](QDialog& dialog) {
-        QTest::keyClick(&dialog, Qt::Key_N, Qt::AltModifier);
+        choose(dialog, "asNull", Qt::Key_N);
         QTest::keyClick(&dialog, Qt::Key_Return);
     });
     doubleClickRow("Y");

@@ -17,6 +17,7 @@ private Q_SLOTS:
 
     void values_data();
     void values();
+    void noTextIsText();
     void problems_data();
     void problems();
     void textComesBack_data();
@@ -89,6 +90,15 @@ void TestParameterText::values() {
     QCOMPARE(reading.value.metaType(), expected.metaType());
     QCOMPARE(reading.value, expected);
     QVERIFY(!reading.value.isNull());
+}
+
+// A database would take a null text for NULL.
+void TestParameterText::noTextIsText() {
+    for (const TFieldType type : {ftString, ftUnknown, ftMemo}) {
+        const QVariant value = readParameter(QString(), type).value;
+        QCOMPARE(value.metaType(), QMetaType::fromType<QString>());
+        QVERIFY(!value.toString().isNull());
+    }
 }
 
 void TestParameterText::problems_data() {
