@@ -46,7 +46,9 @@ std::optional<TableDescription> Database::describe(const QString& name) const {
         column.Name = m_folding.handedOver(column.Name);
     }
     if (!isCalled(entry->kind)) return table;
-    table.parameters = TParams(readParameters(*entry));
+    TParams parameters(readParameters(*entry));
+    if (parameters.Items.empty() && !takesEmptyBrackets()) return table;
+    table.parameters = std::move(parameters);
     for (TParam& parameter : table.parameters->Items) {
         parameter.Name = m_folding.handedOver(parameter.Name);
     }

@@ -35,6 +35,9 @@ protected:
     /// The parameters of a procedure, in the order of a call, names as the database has them.
     /// Raises orv::Error.
     [[nodiscard]] virtual std::vector<TParam> readParameters(const TableEntry& entry) const = 0;
+    /// Whether a call without arguments has brackets all the same: "P()". Where it has none, it
+    /// stands like a table.
+    [[nodiscard]] virtual bool takesEmptyBrackets() const { return true; }
     /// Whether names without a schema mean what stands in this one.
     [[nodiscard]] virtual bool isDefaultSchema(const QString& schema) const = 0;
 

@@ -27,6 +27,7 @@ protected:
     [[nodiscard]] TFieldDefs readColumns(const TableEntry& entry) const override;
     [[nodiscard]] std::vector<TParam> readParameters(const TableEntry& entry) const override;
     [[nodiscard]] bool isDefaultSchema(const QString&) const override { return false; }
+    [[nodiscard]] bool takesEmptyBrackets() const override { return false; }
 
 private:
     [[nodiscard]] QSqlQuery run(const QString& statement, const QStringList& values = {}) const;

@@ -75,8 +75,8 @@ CancelOperation cancelOperation() {
 
 StopCall firebirdStopSwitch(const QSqlDatabase& database, const std::atomic<bool>&) {
     const QVariant handle = database.driver()->handle();
-    const bool isKnown = qstrcmp(handle.typeName(), "isc_db_handle") == 0 &&
-                         handle.metaType().sizeOf() == qsizetype(sizeof(FirebirdHandle));
+    const bool isKnown = database.driver()->dbmsType() == QSqlDriver::Interbase &&
+                         handle.metaType() == QMetaType::fromType<FirebirdHandle>();
     const CancelOperation cancel = isKnown ? cancelOperation() : nullptr;
     if (cancel == nullptr) return {};
     return [cancel, value = *static_cast<const FirebirdHandle*>(handle.constData())] {

@@ -2,6 +2,7 @@
 #include "parameters/DiagramParameters.h"
 
 #include "core/Text.h"
+#include "data/SqlText.h"
 #include "parameters/Placeholders.h"
 #include "parser/ORVQDNormalise.h"
 #include "parser/ORVQDTokens.h"
@@ -16,14 +17,25 @@ namespace {
 
 using Descriptions = QHash<QString, ParameterDescription>;
 
+// The placeholder that stands for the row's value: its own, or the one that was written there.
+QString placeholderOf(const TorvQDListItem& row) {
+    if (row.ParamType != ptInput) return {};
+    const QVariant value = TorvQDSProc::valueOf(row);
+    if (!value.isValid()) return TorvQDSProc::placeholderName(row).toUpper();
+    if (value.metaType() != QMetaType::fromType<orv::SqlText>()) return {};
+    const QString text = value.value<orv::SqlText>().text.trimmed();
+    const std::vector<Placeholder> found = placeholders(text);
+    return found.size() == 1 && found.front().length == text.size() ? found.front().name
+                                                                    : QString();
+}
+
 void addProcedure(Descriptions& known, const TorvQDSProc& procedure) {
     const std::vector<TorvQDListItem*> rows = procedure.parameterRows();
     const std::vector<TParam>& parameters = procedure.Params().Items;
     for (std::size_t index = 0; index < std::min(rows.size(), parameters.size()); ++index) {
         const TorvQDListItem& row = *rows[index];
-        if (row.ParamType != ptInput || row.Checked) continue;
-        const QString name = TorvQDSProc::placeholderName(row).toUpper();
-        if (known.contains(name)) continue;
+        const QString name = placeholderOf(row);
+        if (name.isEmpty() || known.contains(name)) continue;
         known.insert(name, {name, row.FieldType, parameters[index].Value});
     }
 }

@@ -79,14 +79,18 @@ QString localDateFormat(const QLocale& locale) {
     return format;
 }
 
+// Qt's reader of ISO 8601 would take what begins like a date for one.
 QDate readDateText(const QString& text, const QLocale& locale) {
-    const QDate date = QDate::fromString(text, Qt::ISODate);
-    return date.isValid() ? date : locale.toDate(text, localDateFormat(locale));
+    static const QRegularExpression iso(QStringLiteral("^[0-9]{4}-[0-9]{2}-[0-9]{2}$"));
+    return iso.match(text).hasMatch() ? QDate::fromString(text, Qt::ISODate)
+                                      : locale.toDate(text, localDateFormat(locale));
 }
 
 QTime readTimeText(const QString& text, const QLocale& locale) {
-    const QTime time = QTime::fromString(text, Qt::ISODate);
-    return time.isValid() ? time : locale.toTime(text, QLocale::ShortFormat);
+    static const QRegularExpression iso(
+        QStringLiteral("^[0-9]{2}:[0-9]{2}(:[0-9]{2}([.][0-9]{1,3})?)?$"));
+    return iso.match(text).hasMatch() ? QTime::fromString(text, Qt::ISODate)
+                                      : locale.toTime(text, QLocale::ShortFormat);
 }
 
 QDateTime readDateTimeText(const QString& text, const QLocale& locale) {
@@ -118,10 +122,15 @@ ParameterReading readBoolean(const QString& text) {
     return problem(tr("true or false is expected."));
 }
 
+// Qt's drivers take a text that is null, not only empty, for NULL.
+QVariant textValue(const QString& text) {
+    return text.isNull() ? QString(QLatin1String("")) : text;
+}
+
 // "007" and "1e5" may be a key or a code.
 ParameterReading readUnknown(const QString& text) {
     static const QRegularExpression plain(QStringLiteral("^-?(0|[1-9][0-9]*)(\\.[0-9]+)?$"));
-    return {plain.match(text).hasMatch() ? numberOf(text) : QVariant(text), {}};
+    return {plain.match(text).hasMatch() ? numberOf(text) : textValue(text), {}};
 }
 
 }  // namespace
@@ -165,7 +174,7 @@ ParameterReading readParameter(const QString& text, TFieldType type, const QLoca
     case ftReference:
     case ftDataSet: break;
     }
-    return {text, {}};
+    return {textValue(text), {}};
 }
 
 QString parameterText(const QVariant& value) {

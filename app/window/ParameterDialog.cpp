@@ -72,7 +72,7 @@ ParameterDialog::ParameterDialog(const Subject& subject, const QVariant& value, 
 }
 
 void ParameterDialog::buildChoices(const Subject& subject) {
-    m_unset->setText(tr("N&ot set: ask for %1 when the query runs")
+    m_unset->setText(tr("No&t set: ask for %1 when the query runs")
                          .arg(QString(subject.placeholder).replace(u'&', QStringLiteral("&&"))));
     m_field->setObjectName(QStringLiteral("value"));
     m_field->setAccessibleName(tr("Value of %1").arg(subject.parameter));

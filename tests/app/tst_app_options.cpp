@@ -10,6 +10,7 @@ class TestOptions : public QObject {
 private Q_SLOTS:
     void nothing();
     void everything();
+    void parameters();
     void outputs_data();
     void outputs();
     void wrongUse_data();
@@ -37,6 +38,18 @@ void TestOptions::everything() {
     QCOMPARE(parseOptions({"--load", "a=b.sql"}).load.value(), QStringLiteral("a=b.sql"));
     QCOMPARE(parseOptions({"--load=a=b.sql"}).load.value(), QStringLiteral("a=b.sql"));
     QCOMPARE(parseOptions({"--load", "-x.sql"}).load.value(), QStringLiteral("-x.sql"));
+}
+
+void TestOptions::parameters() {
+    const Options options = parseOptions({"--run", "--param", "x=1", "--param=:Name=a=b", "--param",
+                                          "EMPTY=", "--param-null", "none", "--param", "P= --x "});
+    using Value = std::optional<QString>;
+    QCOMPARE(options.parameters.size(), 5);
+    QCOMPARE(options.parameters.value("X"), Value("1"));
+    QCOMPARE(options.parameters.value("NAME"), Value("a=b"));
+    QCOMPARE(options.parameters.value("EMPTY"), Value(""));
+    QVERIFY(options.parameters.contains("NONE") && !options.parameters.value("NONE"));
+    QCOMPARE(options.parameters.value("P"), Value(" --x "));
 }
 
 void TestOptions::outputs_data() {
@@ -97,6 +110,14 @@ void TestOptions::wrongUse_data() {
     row({"--run", "--format", "CSV"}, "unknown format \"CSV\": it is table, csv or json");
     row({"--render", "a.jpg"}, "--render writes a file named .png or .svg, not \"a.jpg\"");
     row({"--render", "svg"}, "--render writes a file named .png or .svg, not \"svg\"");
+    row({"--run", "--param"}, "--param needs a value");
+    row({"--run", "--param", "X"}, "--param needs NAME=VALUE, not \"X\"");
+    row({"--run", "--param", "=5"}, "--param needs NAME=VALUE, not \"=5\"");
+    row({"--run", "--param-null="}, "--param-null needs a value");
+    row({"--run", "--param", "x=1", "--param", ":X=2"}, "the parameter X is there twice");
+    row({"--run", "--param", "X=1", "--param-null", "x"}, "the parameter X is there twice");
+    row({"--param", "X=1"}, "--param goes with --run alone");
+    row({"--print", "--param-null", "X"}, "--param-null goes with --run alone");
     row({"--schema", "s", "--run"}, "--run needs a database; a --schema file has no rows");
 }
 
@@ -113,9 +134,9 @@ void TestOptions::wrongUse() {
 
 void TestOptions::helpNamesEveryOption() {
     const QString help = helpText();
-    for (const char* name :
-         {"--database", "--schema", "--load", "--list", "--classic", "--strict", "--print",
-          "--state", "--run", "--format", "--render", "--help", "--version", "Exit status"}) {
+    for (const char* name : {"--database", "--schema", "--load", "--list", "--classic", "--strict",
+                             "--print", "--state", "--run", "--format", "--param", "--param-null",
+                             "--render", "--help", "--version", "Exit status"}) {
         QVERIFY2(help.contains(QLatin1String(name)), name);
     }
     const QStringList lines = help.split(u'\n');

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "AppTestTools.h"
+#include "FirebirdTestTools.h"
 
 #include <QImage>
 #include <QJsonArray>
@@ -46,6 +47,10 @@ private Q_SLOTS:
     void runAsTable();
     void runAsCsv();
     void runAsJson();
+    void runWithParameters();
+    void runWithoutParameters();
+    void runProcedure();
+    void runFirebirdProcedure();
     void runFails();
     void schema();
     void schemaWithMistake();
@@ -321,6 +326,85 @@ void TestProgram::runAsJson() {
     QCOMPARE(result.output, QByteArray("[\n  {\"id\": 1, \"city\": \"Rome\", \"total\": 10.5},\n"
                                        "  {\"id\": 2, \"city\": null, \"total\": 3},\n"
                                        "  {\"id\": 3, \"city\": \"\", \"total\": null}\n]\n"));
+}
+
+void TestProgram::runWithParameters() {
+    const QString query = written(
+        "parameters.sql", "select id from orders where city = :city or total = :Total or id = :id");
+    const auto rows = [&](const QStringList& parameters) {
+        return run(
+            QStringList{"--database", m_database, "--load", query, "--run", "--format", "csv"} +
+            parameters);
+    };
+    const Result all = rows({"--param", "city=Rome", "--param=TOTAL=3", "--param", "id=3"});
+    QCOMPARE(all.errors, QByteArray());
+    QCOMPARE(all.status, 0);
+    QCOMPARE(all.output, QByteArray("id\r\n1\r\n2\r\n3\r\n"));
+    // The empty text is a value; NULL is equal to nothing.
+    QCOMPARE(rows({"--param", "city=", "--param-null", "total", "--param-null", "id"}).output,
+             QByteArray("id\r\n3\r\n"));
+    // A value is never a part of the statement.
+    QCOMPARE(
+        rows({"--param", "city=' or 1=1 --", "--param-null", "total", "--param-null", "id"}).output,
+        QByteArray("id\r\n"));
+}
+
+void TestProgram::runWithoutParameters() {
+    const QString query =
+        written("missing.sql", "select id from orders where city = :city and id = :id");
+    const Result missing = run({"--database", m_database, "--load", query, "--run"});
+    QCOMPARE(missing.status, 1);
+    QCOMPARE(missing.output, QByteArray());
+    QCOMPARE(missing.errors, QByteArray("orvquery: There is no value for :CITY, :ID; --param "
+                                        "NAME=VALUE or --param-null NAME gives one.\n"));
+    const Result unknown = run(
+        {"--database", m_database, "--load", m_query, "--run", "--param", "x=1", "--param", "y=1"});
+    QCOMPARE(unknown.status, 1);
+    QCOMPARE(unknown.errors, QByteArray("orvquery: The statement has no parameter :X, :Y.\n"));
+}
+
+void TestProgram::runProcedure() {
+    const QString table = written("table.sql", "select name from pragma_table_info(:t)");
+    const Result columns = run({"--database", m_database, "--load", table, "--run", "--format",
+                                "csv", "--param", "t=orders"});
+    QCOMPARE(columns.errors, QByteArray());
+    QCOMPARE(columns.output, QByteArray("name\r\nid\r\ncity\r\ntotal\r\n"));
+    const QString json = written("json.sql",
+                                 "select e.value from json_each('[1, \"it''s\"]', '$') e "
+                                 "where e.value <> :x");
+    const Result values = run(
+        {"--database", m_database, "--load", json, "--run", "--format", "csv", "--param", "x=1"});
+    QCOMPARE(values.errors, QByteArray());
+    QCOMPARE(values.output, QByteArray("value\r\nit's\r\n"));
+}
+
+void TestProgram::runFirebirdProcedure() {
+    const QString missing = firebirdtest::whatIsMissing();
+    if (!missing.isEmpty()) QSKIP(qPrintable(missing));
+    firebirdtest::setLockFolder(m_folder.path());
+    const QString path = file("shop.fdb");
+    QVERIFY(firebirdtest::makeDatabase(
+        path,
+        "CREATE PROCEDURE \"Some days\" (\"first day\" DATE, DAYS INTEGER, NOTE VARCHAR(9) = 'x') "
+        "RETURNS (D DATE, NOTE_OF VARCHAR(9)) AS BEGIN "
+        "WHILE (DAYS > 0) DO BEGIN D = \"first day\"; NOTE_OF = NOTE; SUSPEND; "
+        "\"first day\" = \"first day\" + 1; DAYS = DAYS - 1; END END^"));
+    const QString query =
+        written("days.sql", "select s.d, s.note_of from \"Some days\"(:first, :days, 'it''s') s");
+    for (const QString& database : {path, QStringLiteral("firebird://") + path}) {
+        const Result result = run({"--database", database, "--load", query, "--run", "--format",
+                                   "csv", "--param", "first=2024-02-28", "--param", "days=2"});
+        QCOMPARE(result.errors, QByteArray());
+        QCOMPARE(result.status, 0);
+        QCOMPARE(result.output, QByteArray("D,NOTE_OF\r\n2024-02-28,it's\r\n2024-02-29,it's\r\n"));
+    }
+    // The engine itself would take "two" for nought.
+    const Result wrong = run({"--database", path, "--load", query, "--run", "--param",
+                              "first=2024-02-28", "--param", "days=two"});
+    QCOMPARE(wrong.status, 1);
+    QCOMPARE(wrong.output, QByteArray());
+    QCOMPARE(wrong.errors, QByteArray("orvquery: The value of :DAYS cannot be \"two\". A whole "
+                                      "number is expected, such as 42.\n"));
 }
 
 void TestProgram::runFails() {

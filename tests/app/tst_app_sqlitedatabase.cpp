@@ -28,9 +28,15 @@ private Q_SLOTS:
     void find();
     void columns();
     void brokenView();
+    void functions();
+    void functionsTakeParameters();
+    void tableHidesFunction();
     void rows();
     void nullIsNoEmptyText();
     void rowsAreCut();
+    void functionsRunWithPlaceholders();
+    void valuesAreBound_data();
+    void valuesAreBound();
     void queriesThatFail_data();
     void queriesThatFail();
     void statementsThatAreNoQueries_data();
@@ -46,7 +52,8 @@ private:
         return apptest::errorOf([&] { SqliteDatabase{path}; });
     }
     [[nodiscard]] QString errorOfRunning(const QString& statement) const;
-    [[nodiscard]] RowCollector run(const QString& statement, std::size_t most = 100) const;
+    [[nodiscard]] RowCollector run(const QString& statement, std::size_t most = 100,
+                                   const PlaceholderValues& values = {}) const;
 
     QTemporaryDir m_folder;
     QString m_path;
@@ -69,11 +76,12 @@ QString TestSqliteDatabase::errorOfRunning(const QString& statement) const {
     return apptest::errorOf([&] { (void)run(statement); });
 }
 
-RowCollector TestSqliteDatabase::run(const QString& statement, std::size_t most) const {
+RowCollector TestSqliteDatabase::run(const QString& statement, std::size_t most,
+                                     const PlaceholderValues& values) const {
     Connection connection(SqliteDatabase(m_path).settings());
     RowCollector rows(most);
     if (connection.open().isValid()) return rows;
-    runQuery(connection.database(), statement, rows);
+    runQuery(connection.database(), statement, rows, values);
     return rows;
 }
 
@@ -140,7 +148,9 @@ void TestSqliteDatabase::tablesAndViews() {
                                               {"Order Details", TableKind::Table},
                                               {"orders", TableKind::Table}};
     const SqliteDatabase database(m_path);
-    QCOMPARE(database.tables(), expected);
+    std::vector<TableEntry> found = database.tables();
+    std::erase_if(found, [](const TableEntry& entry) { return isCalled(entry.kind); });
+    QCOMPARE(found, expected);
     QCOMPARE(database.title(), QStringLiteral("company.db"));
     QVERIFY(database.reservedWords().contains(QStringLiteral("ORDER")));
 }
@@ -200,6 +210,122 @@ void TestSqliteDatabase::brokenView() {
              QStringLiteral("The columns of \"broken\" cannot be read: no such table: main.gone"));
 }
 
+void TestSqliteDatabase::functions() {
+    QStringList found;
+    for (const TableEntry& entry : SqliteDatabase(m_path).tables()) {
+        if (entry.kind != TableKind::Function) continue;
+        found += entry.name + u'(' + entry.parameters.join(u',') + u')';
+    }
+    // Those that are there since version 3.16, when functions of this kind came.
+    for (const char* function :
+         {"json_each(json,root)", "json_tree(json,root)", "pragma_foreign_key_list(arg,schema)",
+          "pragma_index_info(arg,schema)", "pragma_index_list(arg,schema)",
+          "pragma_table_info(arg,schema)"}) {
+        QVERIFY2(found.contains(QLatin1String(function)), function);
+    }
+    // Settings take no argument of their own, and what changes something is no query.
+    for (const QString& function : found) {
+        QVERIFY2(!function.startsWith(QLatin1String("pragma_cache_size")) &&
+                     !function.startsWith(QLatin1String("pragma_optimize")),
+                 qPrintable(function));
+    }
+    QStringList sorted = found;
+    sorted.sort();
+    QCOMPARE(found, sorted);
+}
+
+void TestSqliteDatabase::functionsTakeParameters() {
+    const auto texts = [this](const char* function) {
+        QStringList result;
+        const auto description = SqliteDatabase(m_path).find(QLatin1String(function));
+        for (const TFieldDef& field : description->columns.FieldDefs) result += field.Name;
+        for (const TParam& parameter : description->parameters->Items) {
+            const QVariant& value = parameter.Value;
+            const QString shown = !value.isValid() ? QStringLiteral("none")
+                                  : value.isNull() ? QStringLiteral("NULL")
+                                                   : value.toString();
+            result += parameter.Name + u' ' + orv::fieldTypeIdentifier(parameter.DataType) + u' ' +
+                      orv::paramTypeIdentifier(parameter.ParamType) + u' ' + shown;
+        }
+        return result.join(QStringLiteral(", "));
+    };
+    QCOMPARE(texts("PRAGMA_TABLE_INFO"),
+             QStringLiteral("CID, NAME, TYPE, NOTNULL, DFLT_VALUE, PK, "
+                            "ARG ftString ptInput none, SCHEMA ftString ptInput NULL"));
+    QCOMPARE(texts("json_each"),
+             QStringLiteral("KEY, VALUE, TYPE, ATOM, ID, PARENT, FULLKEY, PATH, "
+                            "JSON ftString ptInput none, ROOT ftString ptInput $"));
+    QVERIFY(!SqliteDatabase(m_path).find("ORDERS")->parameters);
+    QVERIFY(!SqliteDatabase(m_path).find("PRAGMA_CACHE_SIZE"));
+}
+
+void TestSqliteDatabase::tableHidesFunction() {
+    const QString path = file("hides.db");
+    QVERIFY(apptest::runStatements(path, {"CREATE TABLE JSON_EACH (x)"}));
+    const SqliteDatabase database(path);
+    int count = 0;
+    for (const TableEntry& entry : database.tables()) {
+        if (entry.name.compare(u"json_each", Qt::CaseInsensitive) != 0) continue;
+        QCOMPARE(entry.kind, TableKind::Table);
+        ++count;
+    }
+    QCOMPARE(count, 1);
+    QVERIFY(!database.describe("json_each")->parameters);
+}
+
+void TestSqliteDatabase::functionsRunWithPlaceholders() {
+    const QVariant sqlNull(QMetaType::fromType<QString>());
+    const RowCollector columns =
+        run("SELECT name FROM PRAGMA_TABLE_INFO(:TABLE, :SCHEMA) ORDER BY cid", 100,
+            {{"TABLE", "Order Details"}, {"SCHEMA", sqlNull}});
+    QCOMPARE(columns.rows(), (std::vector<Row>{{"order"}, {"2nd"}, {""}}));
+    const RowCollector values = run("SELECT value FROM JSON_EACH(:JSON, :ROOT)", 100,
+                                    {{"JSON", R"({"a": ["it's", 2, null]})"}, {"ROOT", "$.a"}});
+    QCOMPARE(values.rows().size(), 3U);
+    QCOMPARE(values.rows()[0], Row{"it's"});
+    QCOMPARE(values.rows()[1], Row{2});
+    QVERIFY(values.rows()[2][0].isNull());
+    // One value serves all places of its name.
+    const RowCollector twice = run("SELECT :X, json_extract(:J, '$.b') -- isn't :Y\n, :x", 100,
+                                   {{"X", 7}, {"J", R"({"b": 8})"}});
+    QCOMPARE(twice.rows(), (std::vector<Row>{{7, 8, 7}}));
+}
+
+void TestSqliteDatabase::valuesAreBound_data() {
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("whole") << QVariant(5LL) << "integer"
+                           << "5";
+    QTest::newRow("fraction") << QVariant(0.5) << "real"
+                              << "0.5";
+    QTest::newRow("text") << QVariant("'; DROP TABLE orders --") << "text"
+                          << "'; DROP TABLE orders --";
+    QTest::newRow("question mark") << QVariant("?") << "text"
+                                   << "?";
+    QTest::newRow("empty") << QVariant("") << "text"
+                           << "";
+    QTest::newRow("null") << QVariant(QMetaType::fromType<QString>()) << "null"
+                          << "";
+    QTest::newRow("date") << QVariant(QDate(2024, 1, 31)) << "text"
+                          << "2024-01-31";
+    QTest::newRow("time") << QVariant(QTime(8, 5)) << "text"
+                          << "08:05:00";
+    QTest::newRow("date and time") << QVariant(QDateTime(QDate(2024, 1, 31), QTime(8, 5))) << "text"
+                                   << "2024-01-31 08:05:00";
+}
+
+void TestSqliteDatabase::valuesAreBound() {
+    QFETCH(QVariant, value);
+    QFETCH(QString, type);
+    QFETCH(QString, text);
+    const RowCollector rows = run("SELECT typeof(:X), :X", 100, {{"X", value}});
+    QCOMPARE(rows.rows().size(), 1U);
+    QCOMPARE(rows.rows()[0][0].toString(), type);
+    QCOMPARE(rows.rows()[0][1].toString(), text);
+    QCOMPARE(rows.rows()[0][1].isNull(), value.isNull());
+}
+
 void TestSqliteDatabase::rows() {
     const RowCollector rows = run("SELECT id, total, total * 3 AS t FROM orders ORDER BY id");
     QCOMPARE(rows.columns(), (QStringList{"id", "total", "t"}));
@@ -234,8 +360,10 @@ void TestSqliteDatabase::queriesThatFail_data() {
     row("SELECT x FROM nowhere", "The database says: no such table: nowhere");
     row("SELECT FROM", "The database says: near \"FROM\": syntax error");
     row("SELECT 1; SELECT 2", "Only one statement can be run at a time.");
-    row("SELECT id FROM orders WHERE id = :X",
-        "The statement has parameters; it cannot be run without their values.");
+    row("SELECT id FROM orders WHERE id = :X", "The parameter :X has no value.");
+    row("SELECT id FROM orders WHERE id = $X",
+        "The statement has parameters that are not written as :NAME; it cannot be run without "
+        "their values.");
     row("SELECT abs(id + 9223372036854775800) FROM orders WHERE id < 3 "
         "UNION ALL SELECT abs(-9223372036854775807 - id) FROM orders",
         "The database says: integer overflow");
