@@ -76,6 +76,29 @@ MessageIcon = _core.orv.MessageIcon
 MessageRequest = _core.orv.MessageRequest
 SqlText = _core.orv.SqlText
 
+
+
+def _add_attributes(cls):
+    """Make an attribute X of each pair of methods _getX and _setX."""
+    cls.__doc__  # loads the methods
+    for getter in [name for name in vars(cls) if name.startswith("_get")]:
+        name = getter[len("_get") :]
+        get = getattr(cls, getter)
+        set_ = getattr(cls, "_set" + name, None)
+        setattr(cls, name, property(get, set_, doc=get.__doc__))
+
+
+for _class in (
+    TParam,
+    TorvQDConditionOptions,
+    TorvQDLink,
+    TorvQDListItem,
+    TorvQDTable,
+    TorvQDWorkAreaOptions,
+    TorvQueryBuilder,
+):
+    _add_attributes(_class)
+
 _enumerations = (
     ORVQDWindow__1,
     TAddRemove,
