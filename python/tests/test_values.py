@@ -46,7 +46,7 @@ class Fields(TestCase):
         self.assertEqual(repr(TFieldDef("A'B", ftString)), 'TFieldDef("A\'B", ftString)')
 
     def test_wrong_types_are_refused(self):
-        for arguments in ((1, ftString), (None, ftString), ("A", "ftString"), ("A", None), ()):
+        for arguments in ((1, ftString), (b"A", ftString), ("A", "ftString"), ("A", None), ()):
             with self.subTest(arguments=arguments), self.assertRaises(TypeError):
                 TFieldDef(*arguments)
 
@@ -172,7 +172,7 @@ class Operators(TestCase):
 
     def test_list_as_texts(self):
         operators = TOperatorList([TorvQDOperator("N", "C", "R", "PO", "PR", 3)])
-        self.assertEqual(operators.toStrings(), ["N", "C", "R", "PO", "PR", "3"])
+        self.assertEqual(operators.toStrings(), ["N", "C", "R", "PR", "PO", "3"])
         copy = TOperatorList()
         copy.fromStrings(operators.toStrings())
         self.assertEqual(list(copy), list(operators))
@@ -191,7 +191,7 @@ class Names(TestCase):
         with self.assertRaises(ValueError):
             ProcessName("")
         with self.assertRaises(TypeError):
-            ProcessName(None)
+            ProcessName(5)
 
     def test_reserved_words_are_quoted(self):
         self.assertEqual(orv.reservedWords(), [])
