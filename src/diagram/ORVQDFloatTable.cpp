@@ -139,8 +139,13 @@ void TorvQDTable::indexNames() const {
     if (!m_rowByName.isEmpty()) return;
     for (std::size_t index = Items.size(); index-- > 0;) {
         const QString name = Items[index]->Name.toUpper();
+        const auto held = m_rowByName.constFind(name);
+        const bool isOutput = Items[index]->ParamType == ptOutput;
+        const bool yields = !isOutput && held != m_rowByName.constEnd() &&
+                            Items[std::size_t(*held)]->ParamType == ptOutput;
+        if (!yields) m_rowByName.insert(name, int(index));
+        if (!isOutput) continue;
         const QString word = orv::unquotedName(name);
-        m_rowByName.insert(name, int(index));
         m_rowByWord.insert(word, m_rowByWord.contains(word) ? -1 : int(index));
     }
 }
@@ -152,7 +157,8 @@ TorvQDListItem* TorvQDTable::GetFieldItem(const QString& Name) const {
 }
 
 TorvQDListItem* TorvQDTable::findItem(const QString& name) const {
-    if (TorvQDListItem* item = GetFieldItem(name)) return item;
+    TorvQDListItem* item = GetFieldItem(name);
+    if (item && item->ParamType == ptOutput) return item;
     const int index = m_rowByWord.value(orv::unquotedName(name).toUpper(), -1);
     return index < 0 ? nullptr : Items[std::size_t(index)].get();
 }

@@ -120,10 +120,11 @@ public:
     [[nodiscard]] QString GetCaption() const;
     /// The effective alias: what the rest of the statement calls the table.
     [[nodiscard]] QString GetAlias() const;
-    /// The first row of that name, ignoring case; none when there is none.
+    /// The first row of that name, ignoring case, an output row before others; none when there is
+    /// none.
     [[nodiscard]] TorvQDListItem* GetFieldItem(const QString& Name) const;
-    /// The same; where that finds nothing, names are compared without their quotes, and a match
-    /// that is the only one counts.
+    /// The output row of that name; where there is none, names are compared without their quotes,
+    /// and a match that is the only one counts.
     [[nodiscard]] TorvQDListItem* findItem(const QString& name) const;
     /// Rows made from the data set; the old rows are of the box no more, but live as long as it.
     /// The height stays.

@@ -5,9 +5,11 @@
 #include "core/Text.h"
 #include "criteria/ORVQDWherePanel.h"
 #include "querybuilder/ORVQDJsonWriter.h"
+#include "querybuilder/ORVQDSavedValue.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
 #include "workarea/ORVQDFloatPanel.h"
+#include "workarea/ORVQDSProc.h"
 
 #include <QHash>
 #include <QSet>
@@ -22,23 +24,48 @@ void writeTexts(JsonWriter& json, const QStringList& texts) {
     json.endArray();
 }
 
+// An output parameter is ticked as a field is; another one holds a value of a kind, or none.
+void writeParameter(JsonWriter& json, const TorvQDListItem& item) {
+    json.beginObject();
+    json.key("name").value(item.Name);
+    json.key("type").value(item.GetDataName());
+    json.key("direction").value(paramTypeIdentifier(item.ParamType));
+    if (item.ParamType == ptOutput) {
+        json.key("checked").value(item.Checked);
+    } else if (const QVariant value = TorvQDSProc::valueOf(item); value.isValid()) {
+        const SavedValue saved = savedValue(value);
+        json.key("kind").value(saved.kind);
+        if (!value.isNull()) json.key("value").value(saved.text);
+    }
+    json.endObject();
+}
+
 void writeTable(JsonWriter& json, const TorvQDTable& table) {
     json.beginObject();
     json.key("name").value(table.TableName);
     json.key("alias").value(table.GetAlias());
-    json.key("procedure").value(false);
+    const auto* procedure = qobject_cast<const TorvQDSProc*>(&table);
+    json.key("procedure").value(procedure != nullptr);
     json.key("bounds").beginArray();
     for (const int number : {table.Left, table.Top, table.Width, table.Height}) json.value(number);
     json.endArray();
     json.key("fields").beginArray();
-    for (const auto& item : table.Items) {
+    const std::vector<TorvQDListItem*> parameters =
+        procedure ? procedure->parameterRows() : std::vector<TorvQDListItem*>();
+    for (std::size_t index = 0; index < table.Items.size() - parameters.size(); ++index) {
+        const TorvQDListItem& item = *table.Items[index];
         json.beginObject();
-        json.key("name").value(item->Name);
-        json.key("type").value(item->GetDataName());
-        json.key("checked").value(item->Checked);
+        json.key("name").value(item.Name);
+        json.key("type").value(item.GetDataName());
+        json.key("checked").value(item.Checked);
         json.endObject();
     }
     json.endArray();
+    if (procedure) {
+        json.key("parameters").beginArray();
+        for (const TorvQDListItem* item : parameters) writeParameter(json, *item);
+        json.endArray();
+    }
     if (!table.Expanded) json.key("collapsed").value(true);
     if (table.FirstVisibleItem != 0) json.key("firstRow").value(table.FirstVisibleItem);
     json.endObject();

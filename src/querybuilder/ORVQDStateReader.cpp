@@ -3,6 +3,7 @@
 
 #include "core/Error.h"
 #include "core/Text.h"
+#include "querybuilder/ORVQDSavedValue.h"
 
 #include <QHash>
 #include <QJsonArray>
@@ -96,14 +97,43 @@ private:
     QString m_path;
 };
 
+TFieldType readType(const Value& value) {
+    const QString type = value.key("type").textOr(QString());
+    const auto known = fieldTypeFromDisplayName(type);
+    if (!known) fail(value.path(), QStringLiteral("has an unknown type: ") + type);
+    return *known;
+}
+
+QString readName(const Value& value) {
+    const QString name = value.key("name").text();
+    if (name.isEmpty()) fail(value.path(), QStringLiteral("has no name"));
+    return name;
+}
+
+void readParameter(const Value& value, QueryState::Table& table) {
+    TParam param{readName(value), readType(value)};
+    const QString direction = value.key("direction").text();
+    const auto known = paramTypeFromIdentifier(direction);
+    if (!known) fail(value.path(), QStringLiteral("has an unknown direction: ") + direction);
+    param.ParamType = *known;
+    if (!value.key("kind").isMissing()) {
+        const SavedValue saved{value.key("kind").text(), value.key("value").textOr(QString())};
+        const std::optional<QVariant> restored = restoredValue(saved);
+        if (!restored) {
+            fail(value.path(), QStringLiteral("has no value of the kind ") + saved.kind);
+        }
+        param.Value = *restored;
+    }
+    table.params.Items.push_back(param);
+    table.paramChecked.push_back(value.key("checked").flagOr(false));
+}
+
 QueryState::Table readTable(const Value& value) {
     QueryState::Table table;
     table.name = value.key("name").text();
     if (isBlank(table.name)) fail(value.path(), QStringLiteral("has no name"));
     table.alias = value.key("alias").textOr(table.name);
-    if (value.key("procedure").flagOr(false)) {
-        fail(value.path(), QStringLiteral("is a procedure, which is not held yet"));
-    }
+    table.isProcedure = value.key("procedure").flagOr(false);
     const std::vector<int> bounds = value.key("bounds").numbers();
     if (bounds.size() == 4) {
         table.bounds = {bounds[0], bounds[1], bounds[2], bounds[3]};
@@ -111,13 +141,12 @@ QueryState::Table readTable(const Value& value) {
         fail(value.path(), QStringLiteral("has bounds that are not four numbers"));
     }
     for (const Value& field : value.key("fields").items()) {
-        const QString type = field.key("type").textOr(QString());
-        const auto known = fieldTypeFromDisplayName(type);
-        if (!known) fail(field.path(), QStringLiteral("has an unknown type: ") + type);
-        const QString name = field.key("name").text();
-        if (name.isEmpty()) fail(field.path(), QStringLiteral("has no name"));
-        table.fields.FieldDefs.push_back({name, *known});
+        const TFieldType type = readType(field);
+        table.fields.FieldDefs.push_back({readName(field), type});
         table.checked.push_back(field.key("checked").flagOr(false));
+    }
+    if (table.isProcedure) {
+        for (const Value& param : value.key("parameters").items()) readParameter(param, table);
     }
     table.collapsed = value.key("collapsed").flagOr(false);
     if (!value.key("firstRow").isMissing()) table.firstRow = value.key("firstRow").number();

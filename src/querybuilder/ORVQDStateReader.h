@@ -24,6 +24,9 @@ struct QueryState {
         QRect bounds;
         TDataSet fields;
         std::vector<bool> checked;  ///< by field
+        bool isProcedure = false;
+        TParams params;                  ///< of a procedure
+        std::vector<bool> paramChecked;  ///< by parameter
         bool collapsed = false;
         int firstRow = 0;
         int shownRows = -1;  ///< whole rows that the list shows; -1: as many as its height gives

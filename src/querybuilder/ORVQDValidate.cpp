@@ -11,6 +11,7 @@
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
 #include "workarea/ORVQDFloatPanel.h"
+#include "workarea/ORVQDSProc.h"
 
 #include <QHash>
 #include <QSet>
@@ -50,6 +51,7 @@ public:
         checkTables();
         checkAliases();
         checkJoins();
+        checkParameters();
         checkColumns();
         checkRows(*m_builder.WherePanel->rootRow(), QString());
         checkRows(*m_builder.HavingPanel->rootRow(), QString());
@@ -74,6 +76,7 @@ private:
         for (const auto& join : m_builder.WorkArea->Joins()) {
             components.unite(m_numbers.value(join->Table1), m_numbers.value(join->Table2));
         }
+        uniteByArguments(components);
         uniteByConditions(*m_builder.WherePanel->rootRow(), components);
         QHash<int, QStringList> aliases;
         std::vector<int> order;
@@ -86,6 +89,46 @@ private:
             report(aliases.value(order[index]).join(QStringLiteral(", ")),
                    QStringLiteral("Nothing links this with the other tables: each of its rows is "
                                   "combined with each of theirs."));
+        }
+    }
+
+    // So does an argument that names another table.
+    void uniteByArguments(Components& components) {
+        visitParameters([&](const TorvQDListItem& row) {
+            for (const TorvQDTable* named : m_builder.WorkArea->tablesNamedBy(row)) {
+                components.unite(m_numbers.value(row.Table), m_numbers.value(named));
+            }
+        });
+    }
+
+    void visitParameters(const std::function<void(const TorvQDListItem&)>& visit) {
+        for (TorvQDTable* table : m_builder.WorkArea->tablesByCreation()) {
+            const auto* procedure = qobject_cast<const TorvQDSProc*>(table);
+            if (!procedure) continue;
+            for (const TorvQDListItem* row : procedure->parameterRows()) visit(*row);
+        }
+    }
+
+    // What parameters hold that cannot be written, or that is not valid where it stands.
+    void checkParameters() {
+        visitParameters([&](const TorvQDListItem& row) {
+            if (row.ParamType != ptInput) return;
+            if (const std::optional<QString> sql = TorvQDSProc::sqlOf(row)) {
+                checkNames(*sql);
+                return;
+            }
+            const QVariant value = TorvQDSProc::valueOf(row);
+            const bool isWritten =
+                !value.isValid() ||
+                !TorvQDSProc::valueText(value, row.FieldType, m_builder.KeepMeaning()).isEmpty();
+            if (isWritten) return;
+            report(row.Table->GetAlias() + u'.' + row.Name,
+                   QStringLiteral("The value of this parameter is of a kind that cannot be "
+                                  "written: the call leaves it out."));
+        });
+        for (const TorvQDListItem* row : m_builder.WorkArea->earlyArguments()) {
+            report(TorvQDSProc::sqlOf(*row).value_or(QString()),
+                   QStringLiteral("This argument is written in front of a table that it names."));
         }
     }
 

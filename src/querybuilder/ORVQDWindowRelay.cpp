@@ -9,6 +9,7 @@
 #include "selection/ORVQDSelectOrder.h"
 #include "toolkit/Services.h"
 #include "workarea/ORVQDFloatPanel.h"
+#include "workarea/ORVQDSProc.h"
 
 #include <QThread>
 
@@ -168,6 +169,12 @@ void TorvQueryBuilder::_ChangeAlias(QObject* Table, const QString& OldAlias) {
     for (QString& given : m_givenNames) given = renamed(given);
     for (TorvQDJoin* join : WorkArea->Joins()) {
         join->Text = orv::renamedAlias(join->Text, alias, OldAlias);
+    }
+    for (TorvQDTable* box : WorkArea->tablesByCreation()) {
+        auto* procedure = qobject_cast<TorvQDSProc*>(box);
+        if (!procedure) continue;
+        procedure->changeSqlTexts(
+            [&](const QString& text) { return orv::renamedAlias(text, alias, OldAlias); });
     }
     if (!SelectPanel) return;
     WherePanel->ChangeAlias(alias, OldAlias);

@@ -33,9 +33,14 @@ public:
         for (const int index : m_state.creationOrder) {
             const orv::QueryState::Table& saved = m_state.tables[std::size_t(index)];
             TorvQDTable* box =
-                m_area.restoreTable(saved.name, saved.alias, saved.fields, saved.bounds);
+                m_area.restoreTable(saved.name, saved.alias, saved.fields, saved.bounds,
+                                    saved.isProcedure ? &saved.params : nullptr);
             for (std::size_t field = 0; field < saved.checked.size(); ++field) {
                 if (saved.checked[field]) box->Items[field]->UpdateCheck(-1);
+            }
+            for (std::size_t param = 0; param < saved.paramChecked.size(); ++param) {
+                TorvQDListItem& row = *box->Items[saved.checked.size() + param];
+                if (saved.paramChecked[param] && row.ParamType == ptOutput) row.UpdateCheck(-1);
             }
             if (saved.shownRows >= 0) {
                 TorvQDTable::Shape shape = box->shape();
@@ -85,6 +90,9 @@ void checkDiagram(const orv::QueryState& state) {
         QSet<QString> fields;
         for (const TFieldDef& field : table.fields.FieldDefs) {
             fields.insert(ProcessName(field.Name).toUpper());
+        }
+        for (const TParam& param : table.params.Items) {
+            if (param.ParamType == ptOutput) fields.insert(ProcessName(param.Name).toUpper());
         }
         fieldsOf.push_back(fields);
     }

@@ -298,6 +298,10 @@ void tellChange(TorvQDTable* table, IDiagramCanvas::BoxChange change, const Torv
         break;
     }
     case IDiagramCanvas::BoxChange::Tick:
+        if (row && row->ParamType != ptOutput) {
+            tell(interfaceOf(table, row), QAccessible::DescriptionChanged);
+            break;
+        }
         changed.checked = true;
         changed.checkStateMixed = !row;
         tell(interfaceOf(table, row), changed);

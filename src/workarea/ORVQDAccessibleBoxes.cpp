@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "workarea/ORVQDAccessible_p.h"
+#include "workarea/ORVQDSProc.h"
 
 #include <QWindow>
 
@@ -8,6 +9,15 @@
 namespace orv::accessible {
 
 namespace {
+
+// What a person hears of a parameter: its value as the call has it.
+QString valueOf(const TorvQDListItem& row) {
+    const QVariant value = TorvQDSProc::valueOf(row);
+    if (!value.isValid()) return TorvQDWorkArea::tr("not set");
+    const TorvQDWorkArea* area = areaOf(row.Table);
+    const QString text = TorvQDSProc::valueText(value, row.FieldType, area && area->keepsMeaning());
+    return text.isEmpty() ? TorvQDWorkArea::tr("left out") : text;
+}
 
 // --- rows ---
 
@@ -41,8 +51,12 @@ public:
         const TorvQDListItem* row = item();
         if (!row) return {};
         if (kind == QAccessible::Name) return row->Name;
+        if (kind == QAccessible::Value && row->ParamType != ptOutput) return valueOf(*row);
         if (kind != QAccessible::Value && kind != QAccessible::Description) return {};
-        return row->GetDataName().replace(QStringLiteral("&&"), QStringLiteral("&"));
+        const QString type = row->GetDataName().replace(QStringLiteral("&&"), QStringLiteral("&"));
+        if (row->ParamType == ptOutput) return type;
+        // Not every system hands on the value of a list's row.
+        return type.isEmpty() ? valueOf(*row) : type + QStringLiteral(", ") + valueOf(*row);
     }
     void setText(QAccessible::Text, const QString&) override {}
 
@@ -75,6 +89,13 @@ public:
                                                     : nullptr;
     }
 
+    QString localizedActionDescription(const QString& name) const override {
+        const TorvQDListItem* row = item();
+        if (row && row->ParamType == ptInput && name == pressAction()) {
+            return TorvQDWorkArea::tr("Enter the value of the parameter");
+        }
+        return QAccessibleActionInterface::localizedActionDescription(name);
+    }
     QStringList actionNames() const override {
         const TorvQDListItem* row = item();
         if (!row) return {};
@@ -142,11 +163,15 @@ public:
         if (!box) return {};
         if (kind == QAccessible::Name) return box->GetCaption();
         if (kind != QAccessible::Description) return {};
-        const auto ticked = std::count_if(box->Items.begin(), box->Items.end(),
-                                          [](const auto& item) { return item->Checked; });
-        return TorvQDWorkArea::tr("Table, %1 of %2 fields selected")
-            .arg(ticked)
-            .arg(box->Items.size());
+        const auto isField = [](const auto& item) { return item->ParamType == ptOutput; };
+        const auto fields = std::count_if(box->Items.begin(), box->Items.end(), isField);
+        const auto ticked =
+            std::count_if(box->Items.begin(), box->Items.end(),
+                          [&](const auto& item) { return isField(item) && item->Checked; });
+        const QString words = qobject_cast<const TorvQDSProc*>(box)
+                                  ? TorvQDWorkArea::tr("Procedure, %1 of %2 fields selected")
+                                  : TorvQDWorkArea::tr("Table, %1 of %2 fields selected");
+        return words.arg(ticked).arg(fields);
     }
 
     QRect rect() const override {

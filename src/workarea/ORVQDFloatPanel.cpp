@@ -208,9 +208,9 @@ TorvQDTable* TorvQDWorkArea::adopt(std::unique_ptr<TorvQDTable> box) {
 }
 
 TorvQDTable* TorvQDWorkArea::restoreTable(const QString& name, const QString& alias,
-                                          const TDataSet& dataSet, const QRect& bounds) {
-    auto box = std::make_unique<TorvQDTable>(this, &dataSet, name);
-    box->TableName = name;
+                                          const TDataSet& dataSet, const QRect& bounds,
+                                          const TParams* params) {
+    std::unique_ptr<TorvQDTable> box = makeBox({name, &dataSet, params != nullptr, params, name});
     if (alias != name) box->SetAlias(alias);
     if (bounds.isValid()) {
         box->SetWidth(bounds.width());
@@ -303,6 +303,7 @@ void TorvQDWorkArea::placeAgain(const std::vector<TorvQDTable*>& tables, int gap
 void TorvQDWorkArea::indexFields(TorvQDTable* table) {
     QStringList& names = m_fieldsOfTable[table];
     for (const auto& item : table->Items) {
+        if (item->ParamType != ptOutput) continue;
         const QString name = looseKey(item->Name);
         std::vector<TorvQDTable*>& tables = m_byField[name];
         if (!tables.empty() && tables.back() == table) continue;
@@ -575,8 +576,39 @@ void TorvQDWorkArea::_CheckItem(QObject* Sender, TorvQDListItem* Item) {
     if (const TCheckItemEvent handler = OnCheckItem) handler(Sender, Item);
 }
 
+// The host changes the row behind everybody's back: whoever wants to know is told here, even when
+// it raises. It may close the box, or load another statement, which tells of itself.
 void TorvQDWorkArea::DoEnterParameter(TorvQDTable* SProcedure, TorvQDListItem* ListItem) {
-    m_owner->enterProcParameter(SProcedure, ListItem);
+    const QPointer<TorvQDWorkArea> self(this);
+    const QPointer<TorvQDTable> box(SProcedure);
+    const int version = box ? box->rowsVersion() : 0;
+    const auto arguments = [&] {
+        const auto* procedure = qobject_cast<const TorvQDSProc*>(box.data());
+        return procedure ? procedure->GetParameters() : QString();
+    };
+    const QString before = arguments();
+    const QPointer<TorvQDTable> outer = std::exchange(m_entering, box);
+    const auto settle = [&] {
+        if (!self) return;
+        m_entering = outer;
+        if (!box || indexOf(box) < 0 || box->rowsVersion() != version) return;
+        boxChanged(box, BoxChange::Tick, ListItem);
+        if (arguments() != before) m_owner->statementChanged();
+    };
+    try {
+        m_owner->enterProcParameter(SProcedure, ListItem);
+    } catch (...) {
+        orv::guarded(settle);
+        throw;
+    }
+    settle();
+}
+
+// A value that the host sets while it is asked for one is told of once, at the end.
+void TorvQDWorkArea::parameterChanged(TorvQDSProc* procedure, TorvQDListItem* item) {
+    if (indexOf(procedure) < 0 || m_entering == procedure) return;
+    boxChanged(procedure, BoxChange::Tick, item);
+    m_owner->statementChanged();
 }
 
 void TorvQDWorkArea::checkItem(TorvQDFloatObject* sender, TorvQDListItem* item) {

@@ -27,6 +27,7 @@ class QScrollBar;
 class TEditEx;
 class TdlgLnkProp;
 class TorvQDParser;
+class TorvQDSProc;
 
 namespace orv {
 class DiagramKeys;
@@ -87,8 +88,9 @@ public:
 
     /// Adds a box as a saved query has it: FROM writes `name`, and `alias` is its effective alias.
     /// Nobody is asked, it is put in front of all others and is not selected.
+    /// With parameters, be they none, it is a procedure's.
     TorvQDTable* restoreTable(const QString& name, const QString& alias, const TDataSet& dataSet,
-                              const QRect& bounds);
+                              const QRect& bounds, const TParams* params = nullptr);
     /// Adds a join without links, which restoreLink is to give it. Nobody is asked.
     TorvQDJoin* restoreJoin(TorvQDTable* table1, TorvQDTable* table2);
     TorvQDLink* restoreLink(TorvQDJoin* join, TorvQDListItem* item1, TorvQDListItem* item2);
@@ -253,7 +255,15 @@ public:
     void paintDiagram(QPainter& painter) const;
 
     void _CheckItem(QObject* Sender, TorvQDListItem* Item);
+    /// Asks the host for the row's value.
     void DoEnterParameter(TorvQDTable* SProcedure, TorvQDListItem* ListItem);
+    /// A procedure's row has another value now.
+    void parameterChanged(TorvQDSProc* procedure, TorvQDListItem* item);
+    /// The parameter rows whose SQL names a table that FROM writes behind their procedure, where
+    /// most databases do not see it yet.
+    [[nodiscard]] std::vector<TorvQDListItem*> earlyArguments() const;
+    /// The tables that the SQL of a parameter row names.
+    [[nodiscard]] std::vector<const TorvQDTable*> tablesNamedBy(const TorvQDListItem& row) const;
     void _SetFont(const QFont& Value);
     [[nodiscard]] QFont GetFont() const;
 
@@ -411,6 +421,7 @@ private:
     QPointer<TorvQDFloatObject> m_selected;
     bool m_deselects = false;
     QPointer<TorvQDTable> m_renamed;
+    QPointer<TorvQDTable> m_entering;  // the host is asked for one of its values
     orv::ExitEdit* m_aliasEdit;
     TEditEx* m_searchEdit;
     QScrollBar* m_rowScrollBar;

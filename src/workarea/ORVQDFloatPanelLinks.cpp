@@ -3,7 +3,9 @@
 #include "contract/ChangeScope.h"
 #include "contract/DiagramEvents.h"
 #include "core/Error.h"
+#include "core/Text.h"
 #include "diagram/Orvqdlnkprop.h"
+#include "parser/ORVQDExpressions.h"
 #include "parser/ORVQDParser.h"
 #include "workarea/ORVQDAccessible.h"
 #include "workarea/ORVQDFloatPanel.h"
@@ -379,6 +381,59 @@ std::vector<TorvQDJoin*> TorvQDWorkArea::brokenCircles() const {
         if (!m_owner->KeepMeaning() || !isInner) broken.push_back(joins[index]);
     }
     return broken;
+}
+
+std::vector<TorvQDListItem*> TorvQDWorkArea::earlyArguments() const {
+    std::vector<std::pair<TorvQDListItem*, const TorvQDTable*>> mentions;
+    for (TorvQDTable* table : m_creation) {
+        const auto* procedure = qobject_cast<const TorvQDSProc*>(table);
+        if (!procedure) continue;
+        for (TorvQDListItem* row : procedure->parameterRows()) {
+            for (const TorvQDTable* named : tablesNamedBy(*row)) mentions.emplace_back(row, named);
+        }
+    }
+    if (mentions.empty()) return {};
+    orv::FromPlaces places;
+    (void)writeFrom(&places);
+    QHash<const TorvQDTable*, int> placeOf;
+    const auto add = [&](const TorvQDTable* table) {
+        placeOf.insert(table, places.tables[std::size_t(placeOf.size())]);
+    };
+    if (m_owner->KeepMeaning()) {
+        for (const TorvQDTable* table : m_creation) add(table);
+    } else {
+        for (const auto& table : m_tables) add(table.get());
+    }
+    std::vector<TorvQDListItem*> early;
+    for (const auto& [row, named] : mentions) {
+        const bool isTold = !early.empty() && early.back() == row;
+        if (!isTold && placeOf.value(named) >= placeOf.value(row->Table)) early.push_back(row);
+    }
+    return early;
+}
+
+// The tables that the SQL of a parameter names. A bare name in a sub-query is taken for a field of
+// its own tables.
+std::vector<const TorvQDTable*> TorvQDWorkArea::tablesNamedBy(const TorvQDListItem& row) const {
+    const QString text = TorvQDSProc::sqlOf(row).value_or(QString());
+    const orv::SqlTokens tokens = orv::tokenise(text);
+    const orv::TokenRun run(text, tokens.data(), tokens.data() + tokens.size());
+    const std::vector<bool> inSubQuery = orv::insideSubQueries(run);
+    std::vector<const TorvQDTable*> tables;
+    for (int index = 0; index < run.size(); ++index) {
+        const bool isCall = index + 1 < run.size() && run[index + 1].kind == orv::SqlToken::Open;
+        if (isCall || !orv::namesField(run, index)) continue;
+        const orv::QualifiedName name = orv::splitQualifiedName(run.textOf(index).toString());
+        const std::vector<TorvQDTable*>* owners = tablesByField(name.field);
+        const TorvQDTable* table = nullptr;
+        if (!name.alias.isEmpty()) {
+            table = findTable(name.alias);
+        } else if (!inSubQuery[std::size_t(index)] && owners && owners->size() == 1) {
+            table = owners->front() == row.Table ? nullptr : owners->front();
+        }
+        if (table) tables.push_back(table);
+    }
+    return tables;
 }
 
 QString TorvQDWorkArea::writeFrom(orv::FromPlaces* places) const {

@@ -45,6 +45,7 @@ void FromLoader::load() {
     reportClosedBoxes();
     reportOrder();
     reportPlaces();
+    reportArguments();
 }
 
 void FromLoader::loadItems() {
@@ -82,24 +83,28 @@ TorvQDTable* FromLoader::loadTable(const TorvQDParser& node) {
                QStringLiteral("This table is not known and is not loaded."));
         return nullptr;
     }
-    if (params || node.Location() == inFunction) {
-        report(table.start, table.end,
-               QStringLiteral("Procedures are not held yet: it is not loaded."));
-        return nullptr;
-    }
     if (TorvQDTable* box = boxToReuse(table)) {
         report(table.start, table.end,
                QStringLiteral("This table is on the diagram already: it is not loaded a second "
                               "time."));
         return box;
     }
-    return addBox(table, *dataSet);
+    if (!params) {
+        if (node.Location() == inFunction) loseArguments(node);
+        return addBox(table, *dataSet, nullptr);
+    }
+    const std::vector<Argument> arguments = argumentsOf(node);
+    fillParameters(arguments, node, int(dataSet->FieldDefs.size()), *params);
+    TorvQDTable* box = addBox(table, *dataSet, params.get());
+    if (m_guard) rememberArguments(box, arguments);
+    return box;
 }
 
-TorvQDTable* FromLoader::addBox(const NamedTable& table, const TDataSet& dataSet) {
+TorvQDTable* FromLoader::addBox(const NamedTable& table, const TDataSet& dataSet,
+                                const TParams* params) {
     const bool aliasTaken = !table.alias.isEmpty() && m_area.GetTable(table.alias);
     const bool isQualified = splitAtFullStops(table.written).size() > 1;
-    TorvQDTable* box = m_area.addTable({table.written, &dataSet, false, nullptr,
+    TorvQDTable* box = m_area.addTable({table.written, &dataSet, params != nullptr, params,
                                         isQualified ? table.written : QString(), table.alias});
     if (!m_guard) return nullptr;
     if (!box) {

@@ -79,11 +79,33 @@ private:
         int end;
     };
 
+    /// An argument of a call, as its text has it; an empty text between two commas.
+    struct Argument {
+        QString text;
+        int start;
+        int end;
+    };
+
+    /// A row and the argument that it was filled from. The row is looked at only while its box is
+    /// known to be there.
+    struct LoadedArgument {
+        const TorvQDListItem* row;
+        int start;
+        int end;
+    };
+
     void loadItems();
     [[nodiscard]] bool isBehindCross(const TorvQDParser& table) const;
     void loadJoin(const TorvQDParser& join, int start);
     TorvQDTable* loadTable(const TorvQDParser& node);
-    TorvQDTable* addBox(const NamedTable& table, const TDataSet& dataSet);
+    TorvQDTable* addBox(const NamedTable& table, const TDataSet& dataSet, const TParams* params);
+    [[nodiscard]] std::vector<Argument> argumentsOf(const TorvQDParser& node) const;
+    static std::vector<Argument> argumentsOfTree(const TorvQDParser& node);
+    void fillParameters(const std::vector<Argument>& arguments, const TorvQDParser& node,
+                        int columns, TParams& params);
+    [[nodiscard]] bool isPlaceholder(const QString& text, const QString& name) const;
+    void loseArguments(const TorvQDParser& node);
+    void rememberArguments(TorvQDTable* box, const std::vector<Argument>& arguments);
     [[nodiscard]] TorvQDTable* boxToReuse(const NamedTable& table) const;
     static NamedTable named(const TorvQDParser& node);
     static bool hasAlias(const TorvQDParser& node);
@@ -115,6 +137,7 @@ private:
     void reportOperators(const orv::FromPlaces& places,
                          const QHash<const TorvQDJoin*, int>& indexOf);
     void reportTexts(const orv::FromPlaces& places, const QHash<const TorvQDJoin*, int>& indexOf);
+    void reportArguments();
     void placeClauseWords();
     void report(int start, int end, const QString& what);
 
@@ -125,6 +148,7 @@ private:
     const bool m_keepsMeaning;
     int m_readUpTo = 0;  // nodes in front of it are part of what was loaded
     std::vector<LoadedBox> m_boxes;
+    std::vector<LoadedArgument> m_arguments;
     std::vector<LoadedJoin> m_joins;
     std::vector<LoadedLink> m_links;
     QHash<const TorvQDJoin*, std::size_t> m_madeBy;  // the join of the text that made it

@@ -2,8 +2,9 @@
 #include "workarea/ORVQDSProc.h"
 
 #include "core/Error.h"
+#include "core/Text.h"
 #include "data/ProcessName.h"
-#include "data/SqlText.h"
+#include "parser/ORVQDTokens.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <QDateTime>
@@ -69,6 +70,50 @@ QString apostrophed(const QString& text) {
     return u'\'' + text + u'\'';
 }
 
+bool isLeftOut(const TorvQDListItem& item) {
+    const std::optional<QString> sql = TorvQDSProc::sqlOf(item);
+    return sql && orv::isBlank(*sql);
+}
+
+bool isWholeType(TFieldType type) {
+    return type == ftSmallint || type == ftInteger || type == ftWord || type == ftAutoInc ||
+           type == ftLargeint;
+}
+
+bool isBrokenType(TFieldType type) {
+    return type == ftFloat || type == ftCurrency || type == ftBCD;
+}
+
+// A number by the type of the parameter; one of another type takes it by its own form.
+QVariant numberFrom(const QString& text, TFieldType type) {
+    bool isNumber = false;
+    if (!isBrokenType(type)) {
+        const qlonglong whole = text.toLongLong(&isNumber);
+        if (isNumber && whole == int(whole)) return int(whole);
+        if (isNumber) return whole;
+    }
+    if (isWholeType(type)) return {};
+    const double number = text.toDouble(&isNumber);
+    return isNumber ? QVariant(number) : QVariant();
+}
+
+// The value of one constant, with or without a sign; none for anything else.
+QVariant constantFrom(const orv::TokenRun& run, TFieldType type) {
+    const int last = run.size() - 1;
+    const bool isSigned = last == 1 && (run.is(0, u"-") || run.is(0, u"+"));
+    if (last != 0 && !isSigned) return {};
+    const QString text = run.textOf(last).toString();
+    if (run[last].kind == orv::SqlToken::Number) {
+        return numberFrom(isSigned ? run.textOf(0).toString() + text : text, type);
+    }
+    if (isSigned) return {};
+    if (text.size() > 1 && text.startsWith(u'\'') && text.endsWith(u'\'')) {
+        return text.mid(1, text.size() - 2).replace(QStringLiteral("''"), QStringLiteral("'"));
+    }
+    if (type == ftBoolean && (text == u"T" || text == u"F")) return text == u"T";
+    return {};
+}
+
 }  // namespace
 
 TorvQDSProc::TorvQDSProc(QWidget* AParent, const TDataSet* DataSet, const QString& Name,
@@ -78,8 +123,9 @@ TorvQDSProc::TorvQDSProc(QWidget* AParent, const TDataSet* DataSet, const QStrin
     m_firstParameter = Items.size();
     for (const TParam& param : m_params.Items) {
         if (param.Name.isEmpty()) throw orv::Error(QStringLiteral("A parameter must have a name"));
-        setParameter(addRow(ProcessName(param.Name), param.DataType, param.ParamType), param.Value);
+        store(*addRow(ProcessName(param.Name), param.DataType, param.ParamType), param.Value);
     }
+    m_parameterVersion = rowsVersion();
     VisibleCount = std::min(VisibleCount + int(m_params.Items.size()), mostVisibleRows);
     Height = heightFor(VisibleCount);
 }
@@ -94,12 +140,17 @@ bool TorvQDSProc::keepsMeaning() const {
 }
 
 QString TorvQDSProc::GetParameters() const {
-    QStringList values;
+    std::vector<const TorvQDListItem*> inputs;
     for (const auto& item : Items) {
-        if (item->ParamType != ptInput) continue;
+        if (item->ParamType == ptInput) inputs.push_back(item.get());
+    }
+    while (!inputs.empty() && isLeftOut(*inputs.back())) inputs.pop_back();
+    QStringList values;
+    for (const TorvQDListItem* item : inputs) {
         const QVariant value = valueOf(*item);
-        const QString text = value.isValid() ? valueText(value, item->FieldType, keepsMeaning())
-                                             : u':' + placeholderName(*item);
+        const QString text = value.isValid() && !isLeftOut(*item)
+                                 ? valueText(value, item->FieldType, keepsMeaning())
+                                 : u':' + placeholderName(*item);
         if (!text.isEmpty()) values << text;
     }
     return values.join(QStringLiteral(", "));
@@ -107,6 +158,7 @@ QString TorvQDSProc::GetParameters() const {
 
 std::vector<TorvQDListItem*> TorvQDSProc::parameterRows() const {
     std::vector<TorvQDListItem*> rows;
+    if (m_parameterVersion != rowsVersion()) return rows;
     for (std::size_t index = m_firstParameter; index < Items.size(); ++index) {
         rows.push_back(Items[index].get());
     }
@@ -123,11 +175,17 @@ TParams TorvQDSProc::currentParams() const {
 }
 
 // The tick of an output row says that the field is selected, not that it has a value.
+void TorvQDSProc::store(TorvQDListItem& item, const QVariant& value) {
+    if (item.ParamType == ptOutput) return;
+    item.IsNull = value.isNull();
+    item.Value = item.IsNull ? QVariant() : value;
+    item.UpdateCheck(value.isValid() ? -1 : 0);
+}
+
 void TorvQDSProc::setParameter(TorvQDListItem* item, const QVariant& value) {
-    if (!owns(item) || item->ParamType == ptOutput) return;
-    item->IsNull = value.isNull();
-    item->Value = item->IsNull ? QVariant() : value;
-    item->UpdateCheck(value.isValid() ? -1 : 0);
+    if (!owns(item)) return;
+    store(*item, value);
+    if (auto* area = qobject_cast<TorvQDWorkArea*>(Parent)) area->parameterChanged(this, item);
 }
 
 QVariant TorvQDSProc::valueOf(const TorvQDListItem& item) {
@@ -135,16 +193,34 @@ QVariant TorvQDSProc::valueOf(const TorvQDListItem& item) {
     return item.IsNull ? QVariant::fromValue(nullptr) : item.Value;
 }
 
+void TorvQDSProc::changeSqlTexts(const std::function<QString(const QString&)>& change) {
+    for (TorvQDListItem* row : parameterRows()) {
+        if (const std::optional<QString> sql = sqlOf(*row)) {
+            row->Value = QVariant::fromValue(orv::SqlText{change(*sql)});
+        }
+    }
+}
+
+std::optional<QString> TorvQDSProc::sqlOf(const TorvQDListItem& item) {
+    const QVariant value = item.ParamType == ptInput ? valueOf(item) : QVariant();
+    if (value.metaType() != QMetaType::fromType<orv::SqlText>()) return std::nullopt;
+    return value.value<orv::SqlText>().text;
+}
+
 QString TorvQDSProc::placeholderName(const TorvQDListItem& item) {
-    QString name;
-    for (const QChar character : item.Name.toUpper()) {
+    return placeholderName(item.Name, item.GetIndex());
+}
+
+QString TorvQDSProc::placeholderName(const QString& name, int index) {
+    QString kept;
+    for (const QChar character : name.toUpper()) {
         const bool isKept = (character >= u'A' && character <= u'Z') ||
                             (character >= u'0' && character <= u'9') || character == u'$' ||
                             character == u'_';
-        if (isKept) name += character;
-        if (character == u' ') name += u'_';
+        if (isKept) kept += character;
+        if (character == u' ') kept += u'_';
     }
-    return name.isEmpty() ? QStringLiteral("Par") + QString::number(item.GetIndex()) : name;
+    return kept.isEmpty() ? QStringLiteral("Par") + QString::number(index) : kept;
 }
 
 QString TorvQDSProc::valueText(const QVariant& value, TFieldType type, bool keepsMeaning) {
@@ -178,4 +254,15 @@ QString TorvQDSProc::valueText(const QVariant& value, TFieldType type, bool keep
     }
     default: return {};
     }
+}
+
+QVariant TorvQDSProc::valueFromText(const QString& text, TFieldType type, bool keepsMeaning) {
+    const orv::SqlTokens tokens = orv::tokenise(text);
+    const orv::TokenRun run(text, tokens.data(), tokens.data() + tokens.size());
+    if (run.size() == 1 && run.is(0, u"NULL")) return QVariant::fromValue(nullptr);
+    const QVariant value = constantFrom(run, type);
+    QString written;
+    for (int index = 0; index < run.size(); ++index) written += run.textOf(index);
+    const bool comesBack = value.isValid() && valueText(value, type, keepsMeaning) == written;
+    return comesBack ? value : QVariant::fromValue(orv::SqlText{text});
 }

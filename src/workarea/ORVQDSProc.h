@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "data/SqlText.h"
 #include "diagram/ORVQDFloatTable.h"
+
+#include <functional>
+#include <optional>
 
 /// A stored procedure on the diagram: below the rows of its result stands one row for each of its
 /// parameters. FROM calls it with the values of its input rows. What such a row holds:
@@ -9,7 +13,8 @@
 ///     not ticked            no value: the call has a placeholder, ":X"
 ///     ticked, IsNull        NULL
 ///     ticked, not IsNull    Value: a whole or broken number, a text, a date or time, a Boolean, or
-///                           an orv::SqlText, which is written as it stands
+///                           an orv::SqlText, which is written as it stands; an empty one leaves
+///                           the argument out where no other follows
 class ORV_EXPORT TorvQDSProc : public TorvQDTable {
     Q_OBJECT
 
@@ -32,20 +37,34 @@ public:
     /// Gives an input row its value: an invalid one for none, a null one for NULL. Rows of another
     /// kind stay as they are.
     void setParameter(TorvQDListItem* item, const QVariant& value);
+    /// Replaces each value that is SQL by what `change` makes of it; tells nobody.
+    void changeSqlTexts(const std::function<QString(const QString&)>& change);
     /// What setParameter took: the value that the row holds.
     [[nodiscard]] static QVariant valueOf(const TorvQDListItem& item);
 
+    /// The SQL that the input row holds; none for a value of another kind.
+    [[nodiscard]] static std::optional<QString> sqlOf(const TorvQDListItem& item);
+
     /// The name of the row's placeholder, without its colon.
     [[nodiscard]] static QString placeholderName(const TorvQDListItem& item);
+    /// The same for a row that is still to be made, by its name and its place in the box.
+    [[nodiscard]] static QString placeholderName(const QString& name, int index);
     /// How a value is written for a row of that type; nothing for a value of no kind that can be
     /// written. With meaning kept, inner apostrophes are doubled and dates are those of ISO 8601;
     /// else apostrophes stay as they are, and dates are in the short form of the user's country.
     [[nodiscard]] static QString valueText(const QVariant& value, TFieldType type,
                                            bool keepsMeaning);
+    /// The value that an argument stands for: a null one for NULL; a text, number or Boolean where
+    /// that would be written as the argument is, by the type of the parameter; else an orv::SqlText
+    /// with the argument itself.
+    [[nodiscard]] static QVariant valueFromText(const QString& text, TFieldType type,
+                                                bool keepsMeaning);
 
 private:
     [[nodiscard]] bool keepsMeaning() const;
+    void store(TorvQDListItem& item, const QVariant& value);
 
     TParams m_params;
     std::size_t m_firstParameter = 0;  // row
+    int m_parameterVersion = 0;        // of the rows: others that were assigned have none
 };

@@ -278,8 +278,8 @@ private Q_SLOTS:
         row("no object", "\"where\": {", "\"where\": 5, \"was\": {", "where is no object");
         row("no text", "\"name\": \"T\"", "\"name\": 7", "tables[1].name is no text");
         row("blank table", "\"name\": \"T\"", "\"name\": \" \"", "tables[1] has no name");
-        row("procedure", "\"procedure\": false", "\"procedure\": true",
-            "tables[0] is a procedure, which is not held yet");
+        row("procedure", "\"procedure\": false", "\"procedure\": 1",
+            "tables[0].procedure is neither true nor false");
         row("unknown type", "\"type\": \"String\"", "\"type\": \"Strong\"",
             "tables[0].fields[0] has an unknown type: Strong");
         row("blank field", "\"name\": \"X\"", "\"name\": \"\"", "tables[0].fields[1] has no name");

@@ -28,6 +28,22 @@ bool readTable(const QString& text, QMap<QString, TDataSet>& tables) {
     return true;
 }
 
+// "P(X ftInteger, Y ftString): A ftInteger": the parameters are input ones.
+bool readProcedure(const QString& text, SqlCaseFile& file) {
+    const qsizetype open = text.indexOf(u'(');
+    const qsizetype close = text.indexOf(u')');
+    if (open < 0 || close < open) return false;
+    const QString name = text.left(open).trimmed();
+    QMap<QString, TDataSet> parameters;
+    if (!readTable(name + u':' + text.mid(open + 1, close - open - 1), parameters)) return false;
+    if (!readTable(name + text.mid(close + 1), file.tables)) return false;
+    TParams& params = file.procedures[name.toUpper()];
+    for (const TFieldDef& field : parameters.first().FieldDefs) {
+        params.Items.push_back({field.Name, field.DataType, ptInput});
+    }
+    return true;
+}
+
 QString sectionOf(const QString& line) {
     const qsizetype colon = line.indexOf(u':');
     if (colon < 0) return {};
@@ -53,6 +69,9 @@ SqlCaseFile readSqlCases(const QString& path) {
         if (line.startsWith(QStringLiteral("table "))) {
             if (!readTable(line.mid(6), file.tables))
                 file.error = place + QStringLiteral("no table");
+        } else if (line.startsWith(QStringLiteral("procedure "))) {
+            if (!readProcedure(line.mid(10), file))
+                file.error = place + QStringLiteral("no procedure");
         } else if (line.startsWith(QStringLiteral("== "))) {
             file.cases.push_back({line.mid(3).trimmed(), {}});
             section.clear();

@@ -23,7 +23,8 @@ struct SqlCase {
 
 /// The cases of one file with the tables that they are about.
 struct SqlCaseFile {
-    QMap<QString, TDataSet> tables;  ///< by upper-case name
+    QMap<QString, TDataSet> tables;     ///< by upper-case name
+    QMap<QString, TParams> procedures;  ///< parameters of those of them that are procedures
     std::vector<SqlCase> cases;
     QString error;  ///< place and reason when the file is no such file
 };

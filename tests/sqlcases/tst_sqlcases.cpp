@@ -48,9 +48,13 @@ public:
     CaseBuilder(const SqlCaseFile& file, bool keepMeaning) {
         builder.setKeepMeaning(keepMeaning);
         builder.OnGetTableFields = [&file](const QString& name, std::unique_ptr<TDataSet>& dataSet,
-                                           std::unique_ptr<TParams>&) {
+                                           std::unique_ptr<TParams>& params) {
             const auto found = file.tables.constFind(name.toUpper());
             if (found != file.tables.constEnd()) dataSet = std::make_unique<TDataSet>(*found);
+            const auto procedure = file.procedures.constFind(name.toUpper());
+            if (procedure != file.procedures.constEnd()) {
+                params = std::make_unique<TParams>(*procedure);
+            }
         };
     }
 

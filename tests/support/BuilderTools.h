@@ -7,6 +7,7 @@
 #include "selection/ORVQDSelectOrder.h"
 #include "support/TestTools.h"
 #include "workarea/ORVQDFloatPanel.h"
+#include "workarea/ORVQDSProc.h"
 
 #include <QHash>
 #include <QJsonDocument>
@@ -43,15 +44,24 @@ public:
     void add(const QString& name, const QStringList& fields) {
         m_tables[name.toUpper()] = stringFields(fields);
     }
+    void addProc(const QString& name, const QStringList& fields, const TParams& params) {
+        add(name, fields);
+        m_params[name.toUpper()] = params;
+    }
     [[nodiscard]] const TDataSet& table(const QString& name) const {
         return m_tables.find(name.toUpper()).value();
     }
+    [[nodiscard]] const TParams& params(const QString& name) const {
+        return m_params.find(name.toUpper()).value();
+    }
     void attach(TorvQueryBuilder& builder) {
         builder.OnGetTableFields = [this](const QString& name, std::unique_ptr<TDataSet>& dataSet,
-                                          std::unique_ptr<TParams>&) {
+                                          std::unique_ptr<TParams>& params) {
             asked << name;
             const auto found = m_tables.find(name.toUpper());
             if (found != m_tables.end()) dataSet = std::make_unique<TDataSet>(*found);
+            const auto given = m_params.constFind(name.toUpper());
+            if (given != m_params.constEnd()) params = std::make_unique<TParams>(*given);
         };
     }
 
@@ -59,6 +69,7 @@ public:
 
 private:
     QHash<QString, TDataSet> m_tables;
+    QHash<QString, TParams> m_params;
 };
 
 /// A builder with that host, and counters of its signals.
@@ -75,6 +86,13 @@ public:
 
     TorvQDTable* addTable(const QString& name) {
         return builder.ListOfTables->AddTable(name, host.table(name));
+    }
+    TorvQDSProc* addProc(const QString& name) {
+        return qobject_cast<TorvQDSProc*>(
+            builder.ListOfTables->AddProc(name, host.table(name), host.params(name)));
+    }
+    [[nodiscard]] TorvQDSProc* proc(const QString& alias) const {
+        return qobject_cast<TorvQDSProc*>(table(alias));
     }
     [[nodiscard]] TorvQDTable* table(const QString& alias) const {
         return builder.ListOfTables->tableByAlias(alias);
@@ -138,7 +156,8 @@ inline QSet<QString> looseFields(TorvQueryBuilder& builder) {
     QSet<QString> ticked;
     for (const TorvQDTable* box : builder.WorkArea->tablesByCreation()) {
         for (const auto& item : box->Items) {
-            if (item->Checked) ticked.insert(box->GetAlias() + u'.' + item->Name);
+            const bool isField = item->ParamType == ptOutput;
+            if (isField && item->Checked) ticked.insert(box->GetAlias() + u'.' + item->Name);
         }
     }
     QSet<QString> columns;
@@ -186,13 +205,15 @@ inline QString brokenTickRule(TorvQueryBuilder& builder, const QSet<QString>& lo
     QSet<QString> ticked;
     for (const TorvQDTable* box : builder.WorkArea->tablesByCreation()) {
         int count = 0;
+        int fields = 0;
         for (const auto& item : box->Items) {
-            if (!item->Checked) continue;
+            if (item->ParamType == ptOutput) ++fields;
+            if (!item->Checked || item->ParamType != ptOutput) continue;
             ++count;
             ticked.insert(box->GetAlias() + u'.' + item->Name);
         }
-        const int state = count == 0 ? 0 : count == int(box->Items.size()) ? 2 : 1;
-        if (!box->Items.empty() && box->FieldState != state) {
+        const int state = count == 0 ? 0 : count == fields ? 2 : 1;
+        if (fields > 0 && box->FieldState != state) {
             return QStringLiteral("FieldState of %1 is %2, not %3")
                 .arg(box->GetAlias())
                 .arg(box->FieldState)
