@@ -86,6 +86,9 @@ def _add_attributes(cls):
         get = getattr(cls, getter)
         set_ = getattr(cls, "_set" + name, None)
         setattr(cls, name, property(get, set_, doc=get.__doc__))
+        delattr(cls, getter)
+        if set_:
+            delattr(cls, "_set" + name)
 
 
 for _class in (
