@@ -1,0 +1,126 @@
+# SPDX-License-Identifier: MIT
+"""A visual SQL query builder control for PyQt6.
+
+    from orvquerybuilder import TDataSet, TorvQueryBuilder, ftInteger
+
+    builder = TorvQueryBuilder()
+    builder.OnGetTableFields = lambda name: TDataSet([("CUSTNO", ftInteger)])
+    builder.LoadSQL("select o.custno from orders o")
+    print(builder.GetSQLStatment())
+
+Names are those of the C++ library, misspellings included. Enumerations are IntEnum classes; their
+members are names of this package, too (ftInteger is TFieldType.ftInteger).
+"""
+
+import PyQt6.QtWidgets as _QtWidgets  # noqa: F401  -- the module needs its types
+
+try:
+    from . import _core
+except ImportError as _error:
+    raise ImportError(
+        f"orvquerybuilder cannot load its module or the library for it: {_error}",
+        name=_error.name,
+        path=_error.path,
+    ) from _error
+
+
+def _check_version(built, found):
+    """Raise ImportError when the library is not one that the module was built for.
+
+    Until 1.0 a minor version may change what was compiled against it.
+    """
+    if built.split(".")[:2] != found.split(".")[:2]:
+        raise ImportError(
+            f"orvquerybuilder was built for version {built} of the library, "
+            f"but the library that was found is version {found}"
+        )
+
+
+__version__ = _core._libraryVersion()
+_check_version(_core._builtVersion(), __version__)
+
+from ._core import (  # noqa: E402
+    ORVQDWindow__1,
+    OrvError,
+    ProcessName,
+    TAddRemove,
+    TBorderKind,
+    TDataSet,
+    TFieldDef,
+    TFieldType,
+    TKindOfJoin,
+    TOperatorList,
+    TParam,
+    TParamType,
+    TParams,
+    TbtnStyle,
+    TorvQDConditionOptions,
+    TorvQDLink,
+    TorvQDListItem,
+    TorvQDListOfTables,
+    TorvQDOperator,
+    TorvQDTable,
+    TorvQDWorkAreaOptions,
+    TorvQueryBuilder,
+    reservedWords,
+    setErrorHandler,
+    setMessageService,
+    setReservedWords,
+)
+
+DraggedField = _core.orv.DraggedField
+Finding = _core.orv.Finding
+MessageAnswer = _core.orv.MessageAnswer
+MessageButtons = _core.orv.MessageButtons
+MessageIcon = _core.orv.MessageIcon
+MessageRequest = _core.orv.MessageRequest
+SqlText = _core.orv.SqlText
+
+
+
+def _add_attributes(cls):
+    """Make an attribute X of each pair of methods _getX and _setX."""
+    cls.__doc__  # loads the methods
+    for getter in [name for name in vars(cls) if name.startswith("_get")]:
+        name = getter[len("_get") :]
+        get = getattr(cls, getter)
+        set_ = getattr(cls, "_set" + name, None)
+        setattr(cls, name, property(get, set_, doc=get.__doc__))
+        delattr(cls, getter)
+        if set_:
+            delattr(cls, "_set" + name)
+
+
+for _class in (
+    TParam,
+    TorvQDConditionOptions,
+    TorvQDLink,
+    TorvQDListItem,
+    TorvQDTable,
+    TorvQDWorkAreaOptions,
+    TorvQueryBuilder,
+):
+    _add_attributes(_class)
+
+_enumerations = (
+    ORVQDWindow__1,
+    TAddRemove,
+    TBorderKind,
+    TFieldType,
+    TKindOfJoin,
+    TParamType,
+    TbtnStyle,
+)
+for _enumeration in _enumerations:
+    globals().update(_enumeration.__members__)
+
+__all__ = sorted(
+    name for name in globals() if not name.startswith("_")
+) + ["__version__"]
+
+for _name in __all__:
+    _class = globals()[_name]
+    if isinstance(_class, type):
+        _class.__module__ = __name__
+        _class.__qualname__ = _class.__name__
+del _class, _enumeration, _name

@@ -1,0 +1,204 @@
+# SPDX-License-Identifier: MIT
+"""Plain values: field definitions, data sets, parameters, operators."""
+
+import datetime
+import decimal
+import unittest
+
+from support import TestCase
+
+import orvquerybuilder as orv
+from orvquerybuilder import (
+    ProcessName,
+    SqlText,
+    TDataSet,
+    TFieldDef,
+    TFieldType,
+    TOperatorList,
+    TParam,
+    TParams,
+    TorvQDOperator,
+    ftDate,
+    ftInteger,
+    ftString,
+    ptInput,
+)
+
+
+class Fields(TestCase):
+    def test_field_has_name_and_type(self):
+        field = TFieldDef("CUSTNO", ftInteger)
+        self.assertEqual((field.Name, field.DataType), ("CUSTNO", ftInteger))
+        self.assertIs(TFieldDef("X").DataType, TFieldType.ftUnknown)
+        self.assertEqual(TFieldDef(DataType=ftString, Name="Y").Name, "Y")
+
+    def test_fields_are_equal_by_content(self):
+        self.assertEqual(TFieldDef("A", ftString), TFieldDef("A", ftString))
+        self.assertNotEqual(TFieldDef("A", ftString), TFieldDef("B", ftString))
+        self.assertNotEqual(TFieldDef("A", ftString), TFieldDef("A", ftDate))
+        self.assertEqual(len({TFieldDef("A", ftString), TFieldDef("A", ftString)}), 1)
+
+    def test_field_cannot_be_changed(self):
+        with self.assertRaises((AttributeError, TypeError)):
+            TFieldDef("A", ftString).Name = "B"
+
+    def test_field_is_written_as_a_call(self):
+        self.assertEqual(repr(TFieldDef("A'B", ftString)), 'TFieldDef("A\'B", ftString)')
+
+    def test_wrong_types_are_refused(self):
+        for arguments in ((1, ftString), (b"A", ftString), ("A", "ftString"), ("A", None), ()):
+            with self.subTest(arguments=arguments), self.assertRaises(TypeError):
+                TFieldDef(*arguments)
+
+    def test_type_ordinals_are_fixed(self):
+        self.assertEqual(
+            (orv.ftUnknown, orv.ftInteger, orv.ftMemo, orv.ftDataSet), (0, 3, 16, 29)
+        )
+        self.assertEqual((orv.ptUnknown, orv.ptInput, orv.ptResult), (0, 1, 4))
+        self.assertEqual((orv.araAdd, orv.araRemove), (0, 1))
+
+
+class DataSets(TestCase):
+    def test_takes_fields_and_pairs(self):
+        fields = TDataSet([TFieldDef("A", ftString), ("B", ftInteger)]).FieldDefs
+        self.assertEqual(fields, (TFieldDef("A", ftString), TFieldDef("B", ftInteger)))
+
+    def test_takes_any_iterable(self):
+        self.assertEqual(len(TDataSet((name, ftString) for name in "ABC")), 3)
+        self.assertEqual(TDataSet().FieldDefs, ())
+
+    def test_refuses_what_is_no_list_of_fields(self):
+        for fields in (1, None, "AB", b"AB", [1], ["A"], [("A",)], [("A", 3.5)], [None],
+                       {"A": ftString}, [(1, ftString)]):
+            with self.subTest(fields=fields), self.assertRaises(TypeError):
+                TDataSet(fields)
+
+    def test_says_which_entry_is_wrong(self):
+        with self.assertRaisesRegex(TypeError, "entry 1 "):
+            TDataSet([("A", ftString), 7])
+
+    def test_passes_on_what_the_iterable_raises(self):
+        def broken():
+            yield ("A", ftString)
+            raise LookupError("gone")
+
+        with self.assertRaisesRegex(LookupError, "gone"):
+            TDataSet(broken())
+
+    def test_holds_many_fields(self):
+        fields = [(f"F{number}", ftString) for number in range(100_000)]
+        kept = TDataSet(fields).FieldDefs
+        self.assertEqual(len(kept), 100_000)
+        self.assertEqual(kept[-1].Name, "F99999")
+
+    def test_data_sets_are_equal_by_content(self):
+        self.assertEqual(TDataSet([("A", ftString)]), TDataSet([TFieldDef("A", ftString)]))
+        self.assertNotEqual(TDataSet([("A", ftString)]), TDataSet())
+
+
+class Params(TestCase):
+    def test_parameter_without_value_has_none(self):
+        param = TParam("X", ftInteger, ptInput)
+        self.assertEqual((param.HasValue, param.Value), (False, None))
+
+    def test_none_is_the_value_null(self):
+        param = TParam("X", ftInteger, ptInput, None)
+        self.assertEqual((param.HasValue, param.Value), (True, None))
+        self.assertNotEqual(param, TParam("X", ftInteger, ptInput))
+
+    def test_values_come_back(self):
+        for value in (5, -(2**40), 1.5, "text", True, SqlText("O.PRICE")):
+            with self.subTest(value=value):
+                self.assertEqual(TParam("X", Value=value).Value, value)
+
+    def test_dates_of_python_become_dates(self):
+        date = TParam("X", ftDate, ptInput, datetime.date(2024, 2, 29)).Value
+        self.assertEqual(date.toPyDate(), datetime.date(2024, 2, 29))
+        moment = datetime.datetime(2024, 2, 29, 13, 5)
+        self.assertEqual(TParam("X", Value=moment).Value.toPyDateTime(), moment)
+        self.assertEqual(TParam("X", Value=datetime.time(7, 8)).Value.toPyTime().minute, 8)
+
+    def test_other_values_are_refused(self):
+        for value in ([1], {}, object(), decimal.Decimal(1), b"x"):
+            with self.subTest(value=value), self.assertRaises(TypeError):
+                TParam("X", Value=value)
+
+    def test_list_of_parameters(self):
+        params = TParams([TParam("X"), TParam("Y")])
+        self.assertEqual([param.Name for param in params.Items], ["X", "Y"])
+        self.assertEqual(params, TParams((TParam("X"), TParam("Y"))))
+        self.assertNotEqual(params, TParams())
+        with self.assertRaises(TypeError):
+            TParams([("X", ftString)])
+
+
+class Operators(TestCase):
+    def test_operator_has_the_texts_around_its_operands(self):
+        between = TorvQDOperator("BETWEEN", "is between", " and ", Prefix=" between ", Count=2)
+        self.assertEqual(
+            (between.Name, between.Caption, between.Relate, between.Postfix, between.Prefix,
+             between.Count),
+            ("BETWEEN", "is between", " and ", "", " between ", 2),
+        )
+        self.assertEqual(TorvQDOperator(), TorvQDOperator("=", "=", "", "", "", 1))
+
+    def test_operator_has_no_negative_count(self):
+        with self.assertRaises(ValueError):
+            TorvQDOperator(Count=-1)
+
+    def test_list_is_one_of_python(self):
+        entries = [TorvQDOperator("A"), TorvQDOperator("B")]
+        operators = TOperatorList(entries)
+        self.assertEqual(list(operators), entries)
+        self.assertEqual((len(operators), operators.Count()), (2, 2))
+        self.assertEqual(operators[-1], entries[1])
+        with self.assertRaises(IndexError):
+            operators[2]
+        with self.assertRaises(TypeError):
+            operators["A"]
+
+    def test_list_changes_by_its_methods(self):
+        operators = TOperatorList()
+        self.assertEqual(operators.Add(TorvQDOperator("A")), 0)
+        self.assertEqual(operators.Add(TorvQDOperator("B")), 1)
+        operators.Delete(0)
+        operators.Delete(7)
+        self.assertEqual(operators.Items(0).Name, "B")
+        self.assertIsNone(operators.Items(1))
+        self.assertIsNone(operators.FindName("b"))
+        self.assertEqual(operators.FindName("B").Caption, "=")
+        operators.Clear()
+        self.assertEqual(len(operators), 0)
+
+    def test_list_as_texts(self):
+        operators = TOperatorList([TorvQDOperator("N", "C", "R", "PO", "PR", 3)])
+        self.assertEqual(operators.toStrings(), ["N", "C", "R", "PR", "PO", "3"])
+        copy = TOperatorList()
+        copy.fromStrings(operators.toStrings())
+        self.assertEqual(list(copy), list(operators))
+        with self.assertRaises(orv.OrvError):
+            copy.fromStrings(["N", "C", "R", "PO", "PR", "many"])
+        with self.assertRaises(TypeError):
+            copy.fromStrings([1])
+        with self.assertRaises(TypeError):
+            TOperatorList(["="])
+
+
+class Names(TestCase):
+    def test_names_are_quoted_when_they_need_it(self):
+        self.assertEqual(ProcessName("ORDERS"), "ORDERS")
+        self.assertEqual(ProcessName("my table"), '"my table"')
+        with self.assertRaises(ValueError):
+            ProcessName("")
+        with self.assertRaises(TypeError):
+            ProcessName(5)
+
+    def test_reserved_words_are_quoted(self):
+        self.assertEqual(orv.reservedWords(), [])
+        self.addCleanup(orv.setReservedWords, [])
+        orv.setReservedWords(["ORDER"])
+        self.assertEqual((ProcessName("ORDER"), orv.reservedWords()), ('"ORDER"', ["ORDER"]))
+
+
+if __name__ == "__main__":
+    unittest.main()
