@@ -182,19 +182,26 @@ void MainWindow::runStatement() {
     if (m_runner->isRunning()) return;
     m_builder->CommitPendingEdits();
     const QString text = m_statement->text();
-    // A text of the user's own is the user's business.
-    m_result->setNotes(m_statement->isEdited() ? QStringList()
-                                               : findingLines(m_builder->Validate()));
     const QString problem = whatPreventsRunning(text);
-    if (!problem.isEmpty()) return m_result->setProblem(problem);
+    if (!problem.isEmpty()) {
+        showDoubts();
+        return m_result->setProblem(problem);
+    }
     const Database* const database = m_database;
     const std::optional<PlaceholderValues> values = askParameters(text);
     // While the dialog was open anything may have happened.
     if (!values || m_database != database || m_runner->isRunning()) return;
+    showDoubts();
     m_stop->setEnabled(true);
     m_run->setEnabled(false);
     m_result->setRunning();
     m_runner->start(m_database->settings(), text, *values, mostRows);
+}
+
+// A text of the user's own is the user's business.
+void MainWindow::showDoubts() {
+    m_result->setNotes(m_statement->isEdited() ? QStringList()
+                                               : findingLines(m_builder->Validate()));
 }
 
 // None when the person thought better of it.
