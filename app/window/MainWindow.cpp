@@ -130,11 +130,12 @@ void MainWindow::enterParameter(TorvQDTable* box, TorvQDListItem* row) {
     const QPointer<TorvQDSProc> procedure = qobject_cast<TorvQDSProc*>(box);
     if (!procedure) return;
     const int index = row->GetIndex();
-    const ParameterDialog::Subject subject = {procedure->GetAlias(), orv::unquotedName(row->Name),
+    const ParameterDialog::Subject subject = {procedure->GetCaption(), orv::unquotedName(row->Name),
                                               row->FieldType,
                                               u':' + TorvQDSProc::placeholderName(*row)};
+    const bool hasValue = parameterPlaceholder(*row).isEmpty();
     const QPointer<ParameterDialog> dialog =
-        new ParameterDialog(subject, TorvQDSProc::valueOf(*row), this);
+        new ParameterDialog(subject, hasValue ? TorvQDSProc::valueOf(*row) : QVariant(), this);
     connect(procedure, &QObject::destroyed, dialog, &QDialog::reject);
     const bool isAccepted = orv::runDialog(*dialog) == QDialog::Accepted;
     if (!self || !dialog) return;
