@@ -173,6 +173,13 @@ private:
 
     void checkJoins() {
         for (const TorvQDJoin* join : m_builder.WorkArea->Joins()) checkNames(join->Text);
+        for (const TorvQDLink* link : m_builder.WorkArea->Links()) {
+            for (const TorvQDListItem* item : {link->Item1, link->Item2}) {
+                if (item->ParamType == ptOutput) continue;
+                report(item->Table->GetAlias() + u'.' + item->Name,
+                       QStringLiteral("This is a parameter: it cannot be compared in a join."));
+            }
+        }
         for (const TorvQDJoin* join : m_builder.WorkArea->brokenCircles()) {
             const QString text = join->Table1->GetAlias() + u' ' + joinWords(join->KindOfJoin) +
                                  u' ' + join->Table2->GetAlias();

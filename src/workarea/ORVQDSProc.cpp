@@ -29,7 +29,7 @@ QString doubleText(double number) {
         text = QString::number(number, 'g', digits);
         if (text.toDouble() == number) break;
     }
-    return text;
+    return text.toUpper();
 }
 
 QString floatText(float number) {

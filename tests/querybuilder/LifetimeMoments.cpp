@@ -331,6 +331,45 @@ void panning(Scene& on, RecordedServices&) {
     if (on.builder) QTest::mouseRelease(on.view(), Qt::MiddleButton, {}, at);
 }
 
+// Puts a procedure where T was, whose parameter the host is asked for while it all happens. The
+// host goes on with the box when that is still there.
+void enterParameter(Scene& on, const std::function<void(TorvQDSProc&)>& begin) {
+    on.host.addProc("P", {"A", "B"}, TParams({{"X", ftInteger, ptInput}}));
+    const QPointer<TorvQDSProc> proc = qobject_cast<TorvQDSProc*>(
+        on.builder->ListOfTables->AddProc("P", on.host.table("P"), on.host.params("P")));
+    TorvQDTable* second = on.table("U");
+    on.area()->RemoveLink(on.link, true);
+    on.builder->ListOfTables->DeleteTable(on.box);
+    proc->MoveTable(50 - proc->Left, 20 - proc->Top);
+    on.box = proc;
+    on.link = on.area()->AddLink(proc, second, proc->GetFieldItem("A"), second->GetFieldItem("X"));
+    on.builder->OnEnterProcParameter = [&on, proc](QObject*, TorvQDTable*, TorvQDListItem* row) {
+        on.strikeNow();
+        if (proc) proc->setParameter(row, 5);
+    };
+    begin(*proc);
+    if (on.builder) on.builder->OnEnterProcParameter = nullptr;
+}
+
+void enteringAParameterByDoubleClick(Scene& on, RecordedServices&) {
+    enterParameter(on, [&](TorvQDSProc& proc) {
+        const QPoint at = Scene::rowOf(proc, 2);
+        on.press(at);
+        on.release(at);
+        QTest::mouseDClick(on.view(), Qt::LeftButton, {}, at);
+        on.move(at + QPoint(5, 5), Qt::NoButton);
+    });
+}
+
+void enteringAParameterByKey(Scene& on, RecordedServices&) {
+    enterParameter(on, [&](TorvQDSProc& proc) {
+        on.area()->selectObject(&proc);
+        proc.SetCurrentItem(proc.Items.back().get());
+        on.key(Qt::Key_Space, {}, " ");
+        on.key(Qt::Key_Down);
+    });
+}
+
 const Moment moments[] = {
     {"moving the box", movingTheBox},
     {"sizing the box", sizingTheBox},
@@ -358,6 +397,8 @@ const Moment moments[] = {
     {"having asked to delete the link", havingAskedToDeleteTheLink},
     {"renaming by double click", openingTheCaptionByDoubleClick},
     {"panning", panning},
+    {"entering a parameter by double click", enteringAParameterByDoubleClick},
+    {"entering a parameter by key", enteringAParameterByKey},
 };
 
 }  // namespace

@@ -33,7 +33,14 @@ RandomSession::RandomSession(quint32 seed)
     : m_dice(seed),
       m_pages({m_dice, m_on, m_disturbances, [this](const QString& text) { note(text); },
                [this] { disturb(); }}) {
-    m_on.host.add("WIDE", {"W1", "W2", "W3", "W4", "W5", "W6", "W7", "W8", "W9", "X1", "X2"});
+    addSessionTables(m_on.host);
+    m_on.builder.OnEnterProcParameter = [this](QObject*, TorvQDTable* table, TorvQDListItem* row) {
+        const QPointer<TorvQDTable> box(table);
+        const int version = table->rowsVersion();
+        if (m_dice.chance(10)) disturb();
+        auto* proc = qobject_cast<TorvQDSProc*>(box.data());
+        if (proc && proc->rowsVersion() == version) enterValue(*proc, row);
+    };
     m_on.builder.OnAddRemoveTable = [this](QObject*, TorvQDTable*, TAddRemove, bool& allowed) {
         answerHost();
         allowed = !m_dice.chance(10);

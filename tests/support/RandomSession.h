@@ -64,6 +64,8 @@ private:
     void loseFocus();
     void hideOrShow();
     void resize();
+    static void addSessionTables(Host& host);
+    void enterValue(TorvQDSProc& proc, TorvQDListItem* row);
     void addTable();
     void deleteTable();
     void clearAll();

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What the host and the program do in a random session, and what is looked at besides the rules.
+#include "data/SqlText.h"
 #include "support/PageRules.h"
 #include "support/RandomSession.h"
 
@@ -21,10 +22,13 @@ const QStringList statements = {
     "SELECT A.W1, B.W2 FROM WIDE A FULL JOIN WIDE B ON A.W1 = B.W2 WHERE A.W3 > -5",
     "SELECT X.A FROM T X JOIN T Y ON X.A = Y.B JOIN T Z ON Y.B = Z.C",
     "SELECT COUNT(*), T.A FROM T, GONE WHERE EXISTS (SELECT 1 FROM U) GROUP BY T.A",
+    "SELECT P.R1, T.A FROM T, PROC(1, T.B) P WHERE P.R2 = 'x'",
+    "SELECT PROC.R1 FROM PROC(:X, 'it''s') JOIN U ON U.X = PROC.R2",
     "UPDATE T SET A = 1",
 };
 
-const QStringList tables = {"T", "U", "EMPLOYEE", "DEPT", "ORDERS", "my table", "S.T", "WIDE"};
+const QStringList tables = {"T",        "U",   "EMPLOYEE", "DEPT", "ORDERS",
+                            "my table", "S.T", "WIDE",     "PROC"};
 
 // Without the report of the last load, which is not restored.
 QStringList stateLines(const QByteArray& json) {
@@ -43,11 +47,38 @@ void RandomSession::answerHost() {
     if (error != "LoadSQL is running") m_complaint = "Clear is not refused in a question";
 }
 
+void RandomSession::addSessionTables(Host& host) {
+    host.add("WIDE", {"W1", "W2", "W3", "W4", "W5", "W6", "W7", "W8", "W9", "X1", "X2"});
+    host.addProc(
+        "PROC", {"R1", "R2"},
+        TParams(
+            {{"X", ftInteger, ptInput, 5}, {"R2", ftString, ptInput}, {"Z", ftFloat, ptOutput}}));
+}
+
+void RandomSession::enterValue(TorvQDSProc& proc, TorvQDListItem* row) {
+    static const QList<QVariant> values = {{},
+                                           QVariant::fromValue(nullptr),
+                                           5,
+                                           -1.5,
+                                           "it's",
+                                           true,
+                                           QDate(2024, 2, 3),
+                                           QVariant::fromValue(orv::SqlText{"T.A"}),
+                                           QVariant::fromValue(orv::SqlText{})};
+    const QVariant value = values[m_dice.below(int(values.size()))];
+    note("  value " + TorvQDSProc::valueText(value, row->FieldType, true));
+    proc.setParameter(row, value);
+}
+
 void RandomSession::addTable() {
     if (area().TablesCount() >= mostTables) return deleteTable();
     const QString name = m_dice.pick(tables);
     note("AddTable " + name);
-    m_on.addTable(name);
+    if (name == "PROC") {
+        m_on.addProc(name);
+    } else {
+        m_on.addTable(name);
+    }
 }
 
 void RandomSession::deleteTable() {
@@ -308,7 +339,7 @@ QString RandomSession::brokenState() {
 QString RandomSession::brokenWayBack(const QByteArray& saved) const {
     if (saved.contains(PageHand::oddWord.toUtf8())) return {};
     HostedBuilder other(true);
-    other.host.add("WIDE", {"W1", "W2", "W3", "W4", "W5", "W6", "W7", "W8", "W9", "X1", "X2"});
+    addSessionTables(other.host);
     other.builder.setOperators(*m_on.builder.Operators);
     other.builder.RestoreState(saved);
     for (const orv::Finding& finding : other.builder.Validate()) {
@@ -319,7 +350,7 @@ QString RandomSession::brokenWayBack(const QByteArray& saved) const {
     const QString error = errorOf([&] { text = other.builder.GetSQLStatment(); });
     if (error != "(no error)") return {};
     HostedBuilder second(true);
-    second.host.add("WIDE", {"W1", "W2", "W3", "W4", "W5", "W6", "W7", "W8", "W9", "X1", "X2"});
+    addSessionTables(second.host);
     second.builder.setOperators(*m_on.builder.Operators);
     second.builder.LoadSQL(text);
     for (const orv::Finding& finding : second.builder.LoadReport()) {

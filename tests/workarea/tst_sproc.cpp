@@ -2,8 +2,11 @@
 // The box of a stored procedure: its rows, its argument list, and how a value is entered.
 #include "data/SqlText.h"
 #include "support/BuilderTools.h"
+#include "toolkit/AccessibleEvents.h"
 #include "workarea/ORVQDSProc.h"
 
+#include <QAccessible>
+#include <QAccessibleActionInterface>
 #include <QDateTime>
 #include <QLocale>
 
@@ -256,6 +259,7 @@ private Q_SLOTS:
         row("round double", 100000.0, "100000");
         row("small double", 0.001, "0.001");
         row("precise double", 0.1 + 0.2, "0.30000000000000004");
+        row("power of ten", 1e20, "1E+20");
         row("float", 0.1F, "0.1");
         row("large float", 2500000.0F, "2500000");
         row("true", true, "T");
@@ -509,12 +513,74 @@ private Q_SLOTS:
         verifyAgrees(on);
     }
 
+    // --- what screen readers say
+
+    void parameterSaysItsValue() {
+        OneProc on(TParams({input("X"), {"Y", ftString, ptInput, "a"}}));
+        QAccessibleInterface* box = QAccessible::queryAccessibleInterface(on.box);
+        QAccessibleInterface* row = box->child(2);
+        const auto says = [&](QAccessible::Text kind) { return row->text(kind); };
+        QCOMPARE(says(QAccessible::Name), QString("X"));
+        QCOMPARE(says(QAccessible::Value), QString("not set"));
+        QCOMPARE(says(QAccessible::Description), QString("Integer, not set"));
+        on.box->setParameter(on.row("X"), 5);
+        QCOMPARE(says(QAccessible::Value), QString("5"));
+        on.box->setParameter(on.row("X"), sqlNull);
+        QCOMPARE(says(QAccessible::Value), QString("NULL"));
+        on.box->setParameter(on.row("X"), sql(""));
+        QCOMPARE(says(QAccessible::Value), QString("left out"));
+        QCOMPARE(box->child(3)->text(QAccessible::Value), QString("'a'"));
+        QCOMPARE(row->role(), QAccessible::ListItem);
+        QVERIFY(!row->state().checkable);
+        QVERIFY(!row->state().checked);
+        QCOMPARE(box->text(QAccessible::Description), QString("Procedure, 0 of 2 fields selected"));
+    }
+
+    void parameterSaysHowItIsActivated() {
+        OneProc on(inputs(1));
+        QAccessibleInterface* row = QAccessible::queryAccessibleInterface(on.box)->child(2);
+        QAccessibleActionInterface* actions = row->actionInterface();
+        const QString press = QAccessibleActionInterface::pressAction();
+        QVERIFY(actions->actionNames().contains(press));
+        QVERIFY(!actions->actionNames().contains(QAccessibleActionInterface::toggleAction()));
+        QCOMPARE(actions->localizedActionDescription(press),
+                 QString("Enter the value of the parameter"));
+        QCOMPARE(actions->keyBindingsForAction(press), QStringList("Space"));
+    }
+
+    void readersHearOfANewValue() {
+        OneProc on(inputs(1));
+        QStringList heard;
+        const auto old = orv::setAccessibleListener([&](QAccessibleEvent& event) {
+            QAccessibleInterface* about = event.accessibleInterface();
+            if (event.type() == QAccessible::DescriptionChanged && about) {
+                heard << about->text(QAccessible::Description);
+            }
+        });
+        on.builder.OnEnterProcParameter = [](QObject*, TorvQDTable*, TorvQDListItem* item) {
+            item->Checked = true;
+            item->IsNull = true;
+        };
+        on.row("P0")->SetCheck(true);
+        orv::setAccessibleListener(old);
+        QCOMPARE(heard, QStringList("Integer, NULL"));
+    }
+
     // --- what arguments name
 
     void argumentsFollowAliases() {
         OneProc on(TParams({input("X", sql("T.A + 1")), input("Y", "T.A")}), true);
         on.builder.WorkArea->renameTable(on.addTable("T"), "T9");
         QCOMPARE(on.text(), QString("P(T9.A + 1, 'T.A'),\r\nT T9"));
+    }
+
+    void validateTellsOfLinkedParameters() {
+        OneProc on(inputs(1));
+        TorvQDTable* table = on.addTable("T");
+        on.builder.WorkArea->AddLink(table, on.box, table->GetFieldItem("A"), on.row("P0"));
+        QStringList texts;
+        for (const orv::Finding& finding : on.builder.Validate()) texts << finding.text;
+        QCOMPARE(texts, QStringList("P.P0"));
     }
 
     void validateTellsOfArguments() {
