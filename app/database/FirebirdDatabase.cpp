@@ -10,6 +10,10 @@
 #include <QHash>
 #include <QSqlQuery>
 
+#ifdef Q_OS_UNIX
+#include <csignal>
+#endif
+
 namespace orvquery {
 
 namespace {
@@ -64,6 +68,27 @@ ConnectionSettings settingsFor(const QUrl& address) {
     return settings;
 }
 
+#ifdef Q_OS_UNIX
+// The engine takes over the signals that end a program, which would then have to be killed.
+class KeptSignals {
+public:
+    KeptSignals() {
+        sigaction(SIGINT, nullptr, &m_interrupt);
+        sigaction(SIGTERM, nullptr, &m_terminate);
+    }
+    ~KeptSignals() {
+        sigaction(SIGINT, &m_interrupt, nullptr);
+        sigaction(SIGTERM, &m_terminate, nullptr);
+    }
+    KeptSignals(const KeptSignals&) = delete;
+    KeptSignals& operator=(const KeptSignals&) = delete;
+
+private:
+    struct sigaction m_interrupt = {};
+    struct sigaction m_terminate = {};
+};
+#endif
+
 // The catalog fills names up with blanks.
 QString nameOf(const QVariant& value) {
     QString name = value.toString();
@@ -75,6 +100,9 @@ QString nameOf(const QVariant& value) {
 
 FirebirdDatabase::FirebirdDatabase(const QUrl& address)
     : Database(settingsFor(address), NameFolding::firebird()) {
+#ifdef Q_OS_UNIX
+    const KeptSignals signals;
+#endif
     const QSqlError error = openCatalog();
     if (error.isValid()) {
         throw orv::Error(QStringLiteral("The database \"%1\" cannot be opened: %2")

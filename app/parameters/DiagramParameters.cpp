@@ -17,26 +17,16 @@ namespace {
 
 using Descriptions = QHash<QString, ParameterDescription>;
 
-// The placeholder that stands for the row's value: its own, or the one that was written there.
-QString placeholderOf(const TorvQDListItem& row) {
-    if (row.ParamType != ptInput) return {};
-    const QVariant value = TorvQDSProc::valueOf(row);
-    if (!value.isValid()) return TorvQDSProc::placeholderName(row).toUpper();
-    if (value.metaType() != QMetaType::fromType<orv::SqlText>()) return {};
-    const QString text = value.value<orv::SqlText>().text.trimmed();
-    const std::vector<Placeholder> found = placeholders(text);
-    return found.size() == 1 && found.front().length == text.size() ? found.front().name
-                                                                    : QString();
-}
-
 void addProcedure(Descriptions& known, const TorvQDSProc& procedure) {
     const std::vector<TorvQDListItem*> rows = procedure.parameterRows();
     const std::vector<TParam>& parameters = procedure.Params().Items;
     for (std::size_t index = 0; index < std::min(rows.size(), parameters.size()); ++index) {
         const TorvQDListItem& row = *rows[index];
-        const QString name = placeholderOf(row);
+        const QString name = parameterPlaceholder(row);
         if (name.isEmpty() || known.contains(name)) continue;
-        known.insert(name, {name, row.FieldType, parameters[index].Value});
+        const QVariant& value = parameters[index].Value;
+        const bool isSql = value.metaType() == QMetaType::fromType<orv::SqlText>();
+        known.insert(name, {name, row.FieldType, isSql ? QVariant() : value});
     }
 }
 
@@ -91,6 +81,17 @@ private:
 };
 
 }  // namespace
+
+QString parameterPlaceholder(const TorvQDListItem& row) {
+    if (row.ParamType != ptInput) return {};
+    const QVariant value = TorvQDSProc::valueOf(row);
+    if (!value.isValid()) return TorvQDSProc::placeholderName(row).toUpper();
+    if (value.metaType() != QMetaType::fromType<orv::SqlText>()) return {};
+    const QString text = value.value<orv::SqlText>().text.trimmed();
+    const std::vector<Placeholder> found = placeholders(text);
+    return found.size() == 1 && found.front().length == text.size() ? found.front().name
+                                                                    : QString();
+}
 
 std::vector<ParameterDescription> describeParameters(const QString& statement,
                                                      const TorvQueryBuilder& builder,

@@ -8,6 +8,7 @@
 
 #include <vector>
 
+class TorvQDListItem;
 class TorvQueryBuilder;
 
 namespace orvquery {
@@ -24,6 +25,10 @@ struct ParameterDescription {
 /// Whether the database refuses values of another type than the column with which a placeholder is
 /// compared; else a placeholder in a condition takes any value.
 enum class ColumnTypes { AreStrict, AreLoose };
+
+/// The name, in upper case, of the placeholder that stands for the value of a procedure's row: its
+/// own, or the one that a loaded statement has there; empty when the row has a value.
+[[nodiscard]] QString parameterPlaceholder(const TorvQDListItem& row);
 
 /// The placeholders of the statement, each once, in the order of the text. Those of procedures on
 /// the diagram have the type and the default of their parameter, those in conditions the type of

@@ -143,11 +143,12 @@ void MainWindow::enterParameter(TorvQDTable* box, TorvQDListItem* row) {
     const QPointer<TorvQDSProc> procedure = qobject_cast<TorvQDSProc*>(box);
     if (!procedure) return;
     const int index = row->GetIndex();
-    const ParameterDialog::Subject subject = {procedure->GetAlias(), orv::unquotedName(row->Name),
+    const ParameterDialog::Subject subject = {procedure->GetCaption(), orv::unquotedName(row->Name),
                                               row->FieldType,
                                               u':' + TorvQDSProc::placeholderName(*row)};
+    const bool hasValue = parameterPlaceholder(*row).isEmpty();
     const QPointer<ParameterDialog> dialog =
-        new ParameterDialog(subject, TorvQDSProc::valueOf(*row), this);
+        new ParameterDialog(subject, hasValue ? TorvQDSProc::valueOf(*row) : QVariant(), this);
     connect(procedure, &QObject::destroyed, dialog, &QDialog::reject);
     const bool isAccepted = orv::runDialog(*dialog) == QDialog::Accepted;
     if (!self || !dialog) return;
@@ -195,19 +196,26 @@ void MainWindow::runStatement() {
     if (m_runner->isRunning()) return;
     m_builder->CommitPendingEdits();
     const QString text = m_statement->text();
-    // A text of the user's own is the user's business.
-    m_result->setNotes(m_statement->isEdited() ? QStringList()
-                                               : findingLines(m_builder->Validate()));
     const QString problem = whatPreventsRunning(text);
-    if (!problem.isEmpty()) return m_result->setProblem(problem);
+    if (!problem.isEmpty()) {
+        showDoubts();
+        return m_result->setProblem(problem);
+    }
     const Database* const database = m_database;
     const std::optional<PlaceholderValues> values = askParameters(text);
     // While the dialog was open anything may have happened.
     if (!values || m_database != database || m_runner->isRunning()) return;
+    showDoubts();
     m_stop->setEnabled(true);
     m_run->setEnabled(false);
     m_result->setRunning();
     m_runner->start(m_database->settings(), text, *values, mostRows);
+}
+
+// A text of the user's own is the user's business.
+void MainWindow::showDoubts() {
+    m_result->setNotes(m_statement->isEdited() ? QStringList()
+                                               : findingLines(m_builder->Validate()));
 }
 
 // None when the person thought better of it.

@@ -78,6 +78,7 @@ private:
     bool tryTo(const std::function<void()>& action);
     void statementChanged();
     [[nodiscard]] QString whatPreventsRunning(const QString& text) const;
+    void showDoubts();
     void queryFinished(QueryOutcome& outcome);
     void tellError(const QString& text);
 

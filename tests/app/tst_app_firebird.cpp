@@ -15,6 +15,10 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
+#ifdef Q_OS_UNIX
+#include <csignal>
+#endif
+
 using namespace orvquery;
 
 namespace {
@@ -89,6 +93,7 @@ private Q_SLOTS:
     void procedureBoxRuns();
     void manyParametersRun();
     void nothingIsWritten();
+    void signalsEndTheProgram();
     void errorsAreTold();
     void endlessQueryStops();
     void reservedWordsAreRefused();
@@ -98,6 +103,9 @@ private:
     [[nodiscard]] RowCollector run(const QString& statement,
                                    const PlaceholderValues& values = {}) const;
 
+#ifdef Q_OS_UNIX
+    struct sigaction m_terminate = {};  ///< as it was before the engine was loaded
+#endif
     QTemporaryDir m_folder;
     QString m_path;
     std::unique_ptr<Database> m_database;  ///< keeps the engine's own state of the file alive
@@ -109,6 +117,9 @@ void TestFirebird::initTestCase() {
     firebirdtest::setLockFolder(m_folder.path());
     m_path = m_folder.filePath(QStringLiteral("shop.fdb"));
     QVERIFY(firebirdtest::makeDatabase(m_path, QString::fromUtf8(script) + manyProcedure()));
+#ifdef Q_OS_UNIX
+    sigaction(SIGTERM, nullptr, &m_terminate);
+#endif
     m_database = open();
 }
 
@@ -360,6 +371,17 @@ void TestFirebird::nothingIsWritten() {
     QCOMPARE(apptest::errorOf([this] { (void)run("DELETE FROM ORDERS"); }),
              QStringLiteral("Only queries can be run here: statements that begin with SELECT, "
                             "WITH, VALUES or EXPLAIN."));
+}
+
+// The engine would take them over when it is loaded.
+void TestFirebird::signalsEndTheProgram() {
+#ifdef Q_OS_UNIX
+    (void)run("SELECT N FROM ONES");
+    struct sigaction terminate = {};
+    sigaction(SIGTERM, nullptr, &terminate);
+    QCOMPARE(terminate.sa_flags & SA_SIGINFO, m_terminate.sa_flags & SA_SIGINFO);
+    QVERIFY(terminate.sa_handler == m_terminate.sa_handler);
+#endif
 }
 
 void TestFirebird::errorsAreTold() {

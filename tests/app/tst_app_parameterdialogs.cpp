@@ -82,6 +82,7 @@ private Q_SLOTS:
     void functionFromListToRows();
     void keysReachParameters();
     void unsetParameterIsAskedFor();
+    void loadedPlaceholderIsNoValue();
     void answersAreRemembered();
     void cancelledDialogCancelsRun();
     void nullIsAnAnswer();
@@ -472,6 +473,29 @@ void TestParameterDialogs::unsetParameterIsAskedFor() {
     run();
     QVERIFY(waitForRows());
     QCOMPARE(column(0), (QStringList{"id", "city", "total"}));
+}
+
+// A placeholder of another name stands in the row as a piece of SQL.
+void TestParameterDialogs::loadedPlaceholderIsNoValue() {
+    builder().LoadSQL("select i.name from pragma_table_info(:t, null) i");
+    answer([](QDialog& dialog) {
+        QCOMPARE(childOf<QLineEdit>(dialog, "T")->text(), QString());
+        QTest::keyClicks(childOf<QLineEdit>(dialog, "T"), "orders");
+        QTest::keyClick(&dialog, Qt::Key_Return);
+    });
+    run();
+    QVERIFY(waitForRows());
+    QCOMPARE(column(0), (QStringList{"id", "city", "total"}));
+    answer([](QDialog& dialog) {
+        QCOMPARE(childOf<QLabel>(dialog, "subject")->text(),
+                 QStringLiteral("Parameter ARG (String) of PRAGMA_TABLE_INFO (I)"));
+        QCOMPARE(childOf<QLineEdit>(dialog, "value")->text(), QString());
+        QTest::keyClicks(childOf<QLineEdit>(dialog, "value"), "it's");
+        QTest::keyClick(&dialog, Qt::Key_Return);
+    });
+    doubleClickRow("ARG");
+    QVERIFY2(text().contains(QStringLiteral("PRAGMA_TABLE_INFO('it''s', NULL) I")),
+             qPrintable(text()));
 }
 
 void TestParameterDialogs::answersAreRemembered() {

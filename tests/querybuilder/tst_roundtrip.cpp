@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Whatever can be built comes back from its own text, without a finding.
+#include "data/SqlText.h"
 #include "support/BuilderTools.h"
 #include "support/Sanitizers.h"
+
+#include <QDateTime>
 
 #include <random>
 
@@ -36,7 +39,27 @@ private:
     void addTable() {
         const QString name = names[below(int(names.size()))];
         if (!keeps() && isThere(name)) return;
-        m_on.addTable(name);
+        if (name != "PROC") {
+            m_on.addTable(name);
+            return;
+        }
+        TorvQDSProc* proc = m_on.addProc(name);
+        for (TorvQDListItem* row : proc->parameterRows()) proc->setParameter(row, anyValue());
+    }
+
+    // In the specified mode inner apostrophes are not doubled.
+    QVariant anyValue() {
+        static const QList<QVariant> values = {{},
+                                               QVariant::fromValue(nullptr),
+                                               5,
+                                               -2.5,
+                                               1e20,
+                                               "a, b)",
+                                               true,
+                                               QDateTime(QDate(2024, 2, 3), QTime(4, 5)),
+                                               QVariant::fromValue(orv::SqlText{"1 + F(2, 'x')"}),
+                                               "it's"};
+        return values[below(int(values.size()) - (keeps() ? 0 : 1))];
     }
 
     [[nodiscard]] bool isThere(const QString& name) const {
@@ -118,7 +141,7 @@ private:
 
     HostedBuilder& m_on;
     std::mt19937 m_random;
-    const QStringList names = {"T", "U", "EMPLOYEE", "DEPT", "my table", "lower", "q\"q"};
+    const QStringList names = {"T", "U", "EMPLOYEE", "DEPT", "my table", "lower", "q\"q", "PROC"};
     const QStringList aliases = {"X1", "Y2", "my z", "W$", "\u00c4"};
     const QStringList tails = {"LIMIT 10", "FOR UPDATE", "UNION ALL SELECT 'a' FROM U",
                                "limit 5 offset 2"};
@@ -127,6 +150,22 @@ private:
 void addOddTables(HostedBuilder& on) {
     on.host.add("lower", {"a", "B", "c d"});
     on.host.add("q\"q", {"x\"y", "Z"});
+    on.host.addProc("PROC", {"R1", "R2"},
+                    TParams({{"my param", ftInteger, ptInput},
+                             {"OUT", ftString, ptOutput},
+                             {"F", ftFloat, ptInput},
+                             {"D", ftDate, ptInput}}));
+}
+
+// The calls of procedures, in the order of their aliases.
+QStringList calls(const HostedBuilder& on) {
+    QStringList texts;
+    for (TorvQDTable* box : on.builder.WorkArea->tablesByCreation()) {
+        const auto* proc = qobject_cast<const TorvQDSProc*>(box);
+        if (proc) texts << proc->GetAlias() + u'(' + proc->GetParameters() + u')';
+    }
+    texts.sort();
+    return texts;
 }
 
 QStringList sortedTables(const HostedBuilder& on) {
@@ -177,6 +216,7 @@ private Q_SLOTS:
             QCOMPARE(other.builder.TailText(), on.builder.TailText());
             QCOMPARE(other.builder.SelectPanel->GetDistinct(),
                      on.builder.SelectPanel->GetDistinct());
+            QVERIFY2(calls(other) == calls(on), qPrintable(where));
             if (keep) QCOMPARE(other.builder.GetSQLStatment(), text);
         }
         QVERIFY2(withColumns > states / 2, "most states select nothing");

@@ -23,7 +23,7 @@ const QStringList statements = {
     "SELECT X.A FROM T X JOIN T Y ON X.A = Y.B JOIN T Z ON Y.B = Z.C",
     "SELECT COUNT(*), T.A FROM T, GONE WHERE EXISTS (SELECT 1 FROM U) GROUP BY T.A",
     "SELECT P.R1, T.A FROM T, PROC(1, T.B) P WHERE P.R2 = 'x'",
-    "SELECT R1 FROM PROC(:X, 'it''s') JOIN U ON U.X = PROC.R2",
+    "SELECT PROC.R1 FROM PROC(:X, 'it''s') JOIN U ON U.X = PROC.R2",
     "UPDATE T SET A = 1",
 };
 

@@ -232,7 +232,7 @@ private Q_SLOTS:
         verifyBuilder(on.builder);
     }
 
-    void procedureOfTheHostIsAFinding() {
+    void hostSaysWhatIsAProcedure() {
         HostedBuilder on;
         on.builder.OnGetTableFields = [](const QString&, std::unique_ptr<TDataSet>& dataSet,
                                          std::unique_ptr<TParams>& params) {
@@ -240,8 +240,10 @@ private Q_SLOTS:
             params = std::make_unique<TParams>();
         };
         on.builder.LoadSQL("select 1 from p");
-        QCOMPARE(on.tables(), QStringList());
-        QCOMPARE(on.findings(), QStringList("p"));
+        QCOMPARE(on.tables(), QStringList("P"));
+        QVERIFY(on.proc("P"));
+        QCOMPARE(on.builder.WorkArea->GetSQLStatment(), QString("P()"));
+        QCOMPARE(on.findings(), QStringList());
     }
 
     void refusedTableIsAFindingAndTheOthersLoad() {
