@@ -102,6 +102,37 @@ for _class in (
 ):
     _add_attributes(_class)
 
+def _add_copying(cls, arguments):
+    """Let the modules copy and pickle make a value again from the arguments that made it."""
+
+    def reduce(self):
+        return cls, arguments(self)
+
+    cls.__reduce__ = reduce
+
+
+_add_copying(TFieldDef, lambda field: (field.Name, field.DataType))
+_add_copying(TDataSet, lambda fields: (fields.FieldDefs,))
+_add_copying(
+    TParam,
+    lambda param: (param.Name, param.DataType, param.ParamType)
+    + ((param.Value,) if param.HasValue else ()),
+)
+_add_copying(TParams, lambda params: (params.Items,))
+_add_copying(
+    TorvQDOperator,
+    lambda entry: (
+        entry.Name,
+        entry.Caption,
+        entry.Relate,
+        entry.Postfix,
+        entry.Prefix,
+        entry.Count,
+    ),
+)
+_add_copying(SqlText, lambda sql: (sql.text,))
+
+
 def _add_option_attributes(cls, prefix, options, group):
     """Make each option of a group an attribute of the builder, as it is a property of Qt."""
     for name in [name for name, member in vars(options).items() if isinstance(member, property)]:

@@ -81,6 +81,9 @@ class Creation(TestCase):
         builder.Clear()
         builder.CommitPendingEdits()
         self.assertEqual((builder.Validate(), builder.LoadReport()), ([], []))
+        self.assertEqual(builder.SaveState(), b"")
+        builder.TailText = "LIMIT 1"
+        self.assertEqual(builder.TailText, "LIMIT 1")
 
     def test_refuses_other_parents(self):
         for arguments in ((1,), ("parent",), (None, "no", 3)):
