@@ -102,6 +102,76 @@ for _class in (
 ):
     _add_attributes(_class)
 
+def _add_copying(cls, arguments):
+    """Let the modules copy and pickle make a value again from the arguments that made it."""
+
+    def reduce(self):
+        return cls, arguments(self)
+
+    cls.__reduce__ = reduce
+
+
+_add_copying(TFieldDef, lambda field: (field.Name, field.DataType))
+_add_copying(TDataSet, lambda fields: (fields.FieldDefs,))
+_add_copying(
+    TParam,
+    lambda param: (param.Name, param.DataType, param.ParamType)
+    + ((param.Value,) if param.HasValue else ()),
+)
+_add_copying(TParams, lambda params: (params.Items,))
+_add_copying(
+    TorvQDOperator,
+    lambda entry: (
+        entry.Name,
+        entry.Caption,
+        entry.Relate,
+        entry.Postfix,
+        entry.Prefix,
+        entry.Count,
+    ),
+)
+_add_copying(SqlText, lambda sql: (sql.text,))
+
+
+def _add_option_attributes(cls, prefix, options, group):
+    """Make each option of a group an attribute of the builder, as it is a property of Qt."""
+    for name in [name for name, member in vars(options).items() if isinstance(member, property)]:
+
+        def get(self, name=name):
+            return getattr(getattr(self, group), name)
+
+        def set_(self, value, name=name):
+            setattr(getattr(self, group), name, value)
+
+        setattr(cls, prefix + name, property(get, set_, doc=vars(options)[name].__doc__))
+
+
+_add_option_attributes(TorvQueryBuilder, "WorkArea", TorvQDWorkAreaOptions, "WorkAreaOptions")
+_add_option_attributes(TorvQueryBuilder, "Condition", TorvQDConditionOptions, "ConditionOptions")
+
+
+def _add_setters(cls):
+    """Add the setters that code made from forms calls: setX for each property X of Qt."""
+    meta = cls.staticMetaObject
+    for index in range(meta.propertyOffset(), meta.propertyCount()):
+        name = meta.property(index).name()
+        if not meta.property(index).isWritable() or name not in vars(cls):
+            continue
+
+        def set_(self, value, name=name):
+            setattr(self, name, value)
+
+        set_.__name__ = "set" + name
+        set_.__qualname__ = f"{cls.__name__}.set{name}"
+        set_.__doc__ = f"set{name}(value)\n\nThe same as assigning to {name}."
+        setattr(cls, "set" + name, set_)
+
+
+_add_setters(TorvQueryBuilder)
+for _name, _member in TorvQueryBuilder.TAlign.__members__.items():
+    setattr(TorvQueryBuilder, _name, _member)
+del _member
+
 _enumerations = (
     ORVQDWindow__1,
     TAddRemove,

@@ -2,9 +2,10 @@
 """The control: tables, statements, events, procedures, properties, signals."""
 
 import json
+import threading
 import unittest
 
-from PyQt6.QtCore import QMimeData, QPoint, QPointF, Qt, QTimer
+from PyQt6.QtCore import QMimeData, QObject, QPoint, QPointF, Qt, QTimer, pyqtSignal
 from PyQt6.QtGui import QColor, QDragEnterEvent, QDragMoveEvent, QDropEvent, QFont
 from PyQt6.QtTest import QTest
 from PyQt6.QtWidgets import QApplication, QFrame, QTabWidget, QWidget
@@ -80,6 +81,9 @@ class Creation(TestCase):
         builder.Clear()
         builder.CommitPendingEdits()
         self.assertEqual((builder.Validate(), builder.LoadReport()), ([], []))
+        self.assertEqual(builder.SaveState(), b"")
+        builder.TailText = "LIMIT 1"
+        self.assertEqual(builder.TailText, "LIMIT 1")
 
     def test_refuses_other_parents(self):
         for arguments in ((1,), ("parent",), (None, "no", 3)):
@@ -541,6 +545,30 @@ class Properties(TestCase):
         builder.ConditionOptions.SelectRow = False
         self.assertIs(builder.property("ConditionSelectRow"), False)
 
+    def test_options_are_attributes_too(self):
+        builder = TorvQueryBuilder()
+        builder.WorkAreaTableBorder = orv.edgeBump
+        builder.ConditionOptions.BtnsStyle = orv.btn3DLook
+        self.assertIs(builder.WorkAreaOptions.TableBorder, orv.edgeBump)
+        self.assertIs(builder.ConditionBtnsStyle, orv.btn3DLook)
+        with self.assertRaises(TypeError):
+            builder.WorkAreaTableBorder = "edgeBump"
+
+    def test_each_writable_property_of_qt_is_an_attribute_with_a_setter(self):
+        builder = TorvQueryBuilder()
+        meta = builder.metaObject()
+        names = [
+            meta.property(index).name()
+            for index in range(meta.propertyOffset(), meta.propertyCount())
+            if meta.property(index).isWritable()
+        ]
+        self.assertEqual(len(names), 17)
+        for name in names:
+            with self.subTest(name=name):
+                value = getattr(builder, name)
+                getattr(builder, "set" + name)(value)
+                self.assertEqual(getattr(builder, name), value)
+
     def test_work_area_options(self):
         builder = TorvQueryBuilder()
         options = builder.WorkAreaOptions
@@ -606,7 +634,35 @@ class Signals(TestCase):
         self.assertEqual(len(count), 3)
 
 
+class Closer(QObject):
+    """Closes the dialog that is shown, when another thread asks for it."""
+
+    asked = pyqtSignal()
+
+    def __init__(self):
+        super().__init__()
+        self.asked.connect(self.close, Qt.ConnectionType.QueuedConnection)
+
+    def close(self):
+        QApplication.activeModalWidget().reject()
+
+
 class Dialogs(TestCase):
+    def test_other_threads_run_while_a_dialog_is_shown(self):
+        builder = TorvQueryBuilder()
+        closer = Closer()
+        shown = threading.Event()
+
+        def work():
+            if shown.wait(60):
+                closer.asked.emit()
+
+        thread = threading.Thread(target=work)
+        thread.start()
+        QTimer.singleShot(0, shown.set)
+        builder.ModifyOperators()
+        thread.join()
+
     def test_operator_dialog_is_shown_and_forbids(self):
         builder = TorvQueryBuilder()
         shown = []

@@ -218,6 +218,8 @@ class Deletion(TestCase):
         held[0].OnAddRemoveTable = lambda *_: held.clear()
         QTest.keyClick(area, Qt.Key.Key_Delete)
         self.assertEqual(held, [])
+        # The event is over before the builder goes.
+        self.assertIsNotNone(watched())
         delete_deferred()
         gc.collect()
         self.assertIsNone(watched())
@@ -228,6 +230,7 @@ class Deletion(TestCase):
         tables = held[0].ListOfTables
         held[0].OnAddRemoveTable = lambda *_: held.clear()
         tables.DeleteTable(0)
+        self.assertIsNotNone(watched())
         delete_deferred()
         gc.collect()
         self.assertIsNone(watched())

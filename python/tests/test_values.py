@@ -1,8 +1,10 @@
 # SPDX-License-Identifier: MIT
 """Plain values: field definitions, data sets, parameters, operators."""
 
+import copy
 import datetime
 import decimal
+import pickle
 import unittest
 
 from support import TestCase
@@ -173,15 +175,34 @@ class Operators(TestCase):
     def test_list_as_texts(self):
         operators = TOperatorList([TorvQDOperator("N", "C", "R", "PO", "PR", 3)])
         self.assertEqual(operators.toStrings(), ["N", "C", "R", "PR", "PO", "3"])
-        copy = TOperatorList()
-        copy.fromStrings(operators.toStrings())
-        self.assertEqual(list(copy), list(operators))
+        other = TOperatorList()
+        other.fromStrings(operators.toStrings())
+        self.assertEqual(list(other), list(operators))
         with self.assertRaises(orv.OrvError):
-            copy.fromStrings(["N", "C", "R", "PO", "PR", "many"])
+            other.fromStrings(["N", "C", "R", "PO", "PR", "many"])
         with self.assertRaises(TypeError):
-            copy.fromStrings([1])
+            other.fromStrings([1])
         with self.assertRaises(TypeError):
             TOperatorList(["="])
+
+
+class Copies(TestCase):
+    def test_values_are_copied_and_pickled(self):
+        for value in (
+            TFieldDef("A", ftDate),
+            TDataSet([("A", ftString), ("B", ftInteger)]),
+            TParam("X", ftInteger, ptInput),
+            TParam("X", ftInteger, ptInput, None),
+            TParam("X", ftInteger, ptInput, SqlText("T.A")),
+            TParams([TParam("X"), TParam("Y", Value=5)]),
+            TorvQDOperator("N", "C", "R", "PO", "PR", 3),
+            SqlText("T.A"),
+            orv.klLOuterJoin,
+        ):
+            with self.subTest(value=value):
+                self.assertEqual(copy.copy(value), value)
+                self.assertEqual(copy.deepcopy(value), value)
+                self.assertEqual(pickle.loads(pickle.dumps(value)), value)
 
 
 class Names(TestCase):

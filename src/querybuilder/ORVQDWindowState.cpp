@@ -186,7 +186,7 @@ private:
 
 QByteArray TorvQueryBuilder::SaveState() {
     Q_ASSERT(thread() == QThread::currentThread());
-    return orv::savedState(*this);
+    return WorkArea ? orv::savedState(*this) : QByteArray();
 }
 
 void TorvQueryBuilder::RestoreState(const QByteArray& json) {

@@ -83,6 +83,7 @@ private Q_SLOTS:
         QCOMPARE(builder.GetSortedAliasName("T.A"), QString());
         builder.show();
         QCoreApplication::processEvents();
+        QVERIFY(builder.SaveState().isEmpty());
         QVERIFY(builder.PageCtrl->isVisible());
     }
 
