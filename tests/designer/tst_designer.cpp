@@ -378,6 +378,7 @@ private Q_SLOTS:
             return int(QDialog::Accepted);
         };
         openForm(Workbench::formWith(formXml("OperatorsList", stringList(oneOperator))));
+        m_bench->core->propertyEditor()->setObject(builder());  // it shows each of these states
         m_bench->taskMenu()->preferredEditAction()->trigger();
         QCOMPARE(builder()->OperatorsList(), QStringList());
         QVERIFY(!written().contains("OperatorsList"));
@@ -392,6 +393,10 @@ private Q_SLOTS:
         QCOMPARE(builder()->OperatorsList(), QStringList());
         m_bench->form->commandHistory()->undo();
         QCOMPARE(builder()->OperatorsList(), oneOperator);
+        m_bench->form->commandHistory()->redo();
+        m_bench->form->cursor()->resetWidgetProperty(builder(), QStringLiteral("OperatorsList"));
+        QCOMPARE(builder()->OperatorsList(), m_defaults);
+        m_bench->core->propertyEditor()->setObject(nullptr);
     }
 
     void controlMayGoWhileItsOperatorsAreEdited() {
