@@ -227,6 +227,11 @@ private Q_SLOTS:
             QVERIFY2(qGray(image.pixel(area.topLeft())) < 90, qPrintable(label->objectName()));
             QVERIFY2(brightest(label) > 150, qPrintable(label->objectName()));
         }
+        // The preview has no background of its own.
+        const auto corner = [&](const QWidget* widget) {
+            return image.pixel(widget->mapTo(&on.dialog, QPoint()));
+        };
+        QCOMPARE(corner(on.dialog.lblSQL), corner(on.dialog.lblSQLCaption));
     }
 
     // --- what is read out
