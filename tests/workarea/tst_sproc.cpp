@@ -432,6 +432,27 @@ private Q_SLOTS:
         QCOMPARE(on.text(), QString("P(2, :P1)"));
     }
 
+    void boxThatIsNotOnTheDiagramAsksForNothing() {
+        OneProc on(inputs(1));
+        int asked = 0;
+        on.builder.OnEnterProcParameter = [&](QObject*, TorvQDTable*, TorvQDListItem*) { ++asked; };
+        on.builder.OnAddRemoveTable = [](QObject*, TorvQDTable* box, TAddRemove, bool&) {
+            if (auto* added = qobject_cast<TorvQDSProc*>(box)) {
+                added->parameterRows().front()->SetCheck(true);
+            }
+        };
+        on.addProc("P");
+        QCOMPARE(asked, 0);
+        on.builder.OnAddRemoveTable = nullptr;
+        TorvQDListItem* row = on.row("P0");
+        on.box->CloseTable();
+        row->SetCheck(true);
+        QCOMPARE(asked, 0);
+        on.changes = 0;
+        on.box->setParameter(row, 5);
+        QCOMPARE(on.changes, 0);
+    }
+
     void handlerThatRaisesLeavesTheRowUsable() {
         OneProc on(inputs(1));
         on.builder.OnEnterProcParameter = [&](QObject*, TorvQDTable*, TorvQDListItem* item) {
