@@ -420,6 +420,9 @@ private Q_SLOTS:
         };
         on.builder.LoadSQL("select t.a from t");
         QCOMPARE(errors, QStringList("LoadSQL is running"));
+        errors.clear();
+        on.addTable("U");
+        QCOMPARE(errors, QStringList("A state cannot be restored while a handler is being asked"));
     }
 };
 
