@@ -183,7 +183,7 @@ void TorvQDSProc::store(TorvQDListItem& item, const QVariant& value) {
 }
 
 void TorvQDSProc::setParameter(TorvQDListItem* item, const QVariant& value) {
-    if (!owns(item)) return;
+    if (!owns(item) || item->ParamType != ptInput) return;
     store(*item, value);
     if (auto* area = qobject_cast<TorvQDWorkArea*>(Parent)) area->parameterChanged(this, item);
 }

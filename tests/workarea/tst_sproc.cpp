@@ -379,6 +379,19 @@ private Q_SLOTS:
         QCOMPARE(on.text(), QString("P(:P0)"));
     }
 
+    void setParameterLeavesRowsOfAnotherKindAlone() {
+        OneProc on(TParams({{"U", ftInteger, ptUnknown, 1},
+                            {"O", ftInteger, ptOutput, {}},
+                            {"IO", ftInteger, ptInputOutput, 3},
+                            {"R", ftInteger, ptResult, 4}}));
+        for (const char* name : {"U", "O", "IO", "R"}) on.box->setParameter(on.row(name), 7);
+        QCOMPARE(on.row("U")->Value, QVariant(1));
+        QVERIFY(!on.row("O")->Checked);
+        QCOMPARE(on.row("IO")->Value, QVariant(3));
+        QCOMPARE(on.row("R")->Value, QVariant(4));
+        QCOMPARE(on.changes, 0);
+    }
+
     void currentParamsHaveTheValuesOfTheRows() {
         OneProc on(TParams({input("X", 5), input("Y", "a")}));
         on.box->setParameter(on.row("X"), 1.5);
