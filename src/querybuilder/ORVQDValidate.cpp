@@ -52,6 +52,7 @@ public:
         checkAliases();
         checkJoins();
         checkParameters();
+        checkValues();
         checkColumns();
         checkRows(*m_builder.WherePanel->rootRow(), QString());
         checkRows(*m_builder.HavingPanel->rootRow(), QString());
@@ -130,6 +131,26 @@ private:
             report(TorvQDSProc::sqlOf(*row).value_or(QString()),
                    QStringLiteral("This argument is written in front of a table that it names."));
         }
+    }
+
+    void checkValues() {
+        visitParameters([&](const TorvQDListItem& row) {
+            if (row.ParamType != ptInput) return;
+            const QVariant value = TorvQDSProc::valueOf(row);
+            const QString name = row.Table->GetAlias() + u'.' + row.Name;
+            if (!TorvQDSProc::hasText(value)) {
+                report(name, QStringLiteral("The value of this parameter cannot be written as SQL: "
+                                            "the call has a placeholder."));
+            }
+            const bool isText = value.typeId() == QMetaType::QString ||
+                                value.typeId() == QMetaType::QByteArray ||
+                                value.typeId() == QMetaType::QChar;
+            const QString text = isText ? value.toString() : QString();
+            if (text.contains(u'\n') || text.contains(u'\r')) {
+                report(name, QStringLiteral("A line break in the value of this parameter becomes a "
+                                            "blank when the statement is loaded."));
+            }
+        });
     }
 
     // A condition that names two tables links them as a join does.

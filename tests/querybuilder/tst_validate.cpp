@@ -30,6 +30,17 @@ class ValidateTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void valueWithALineBreak() {
+        HostedBuilder on(true);
+        on.host.addProc(
+            "P", {"A"},
+            TParams({{"X", ftString, ptInput, "a\r\nb"}, {"Y", ftString, ptInput, "c"}}));
+        on.addProc("P");
+        QCOMPARE(found(on),
+                 QStringList("P.X: A line break in the value of this parameter becomes a blank "
+                             "when the statement is loaded."));
+    }
+
     void soundQueriesHaveNoFindings_data() {
         QTest::addColumn<QString>("text");
         for (const char* text :

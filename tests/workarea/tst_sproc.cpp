@@ -287,6 +287,46 @@ private Q_SLOTS:
         QCOMPARE(told, QStringList("P.Y"));
     }
 
+    void valueThatNoSqlStandsForIsAPlaceholder_data() {
+        QTest::addColumn<QVariant>("value");
+        QTest::newRow("no number") << QVariant(std::numeric_limits<double>::quiet_NaN());
+        QTest::newRow("infinity") << QVariant(std::numeric_limits<double>::infinity());
+        QTest::newRow("below all") << QVariant(-std::numeric_limits<float>::infinity());
+        QTest::newRow("date") << QVariant(QDate());
+        QTest::newRow("time") << QVariant(QTime());
+        QTest::newRow("moment") << QVariant(QDateTime());
+        QTest::newRow("late year") << QVariant(QDate(10000, 1, 1));
+        QTest::newRow("early year") << QVariant(QDate(-1, 1, 1));
+        QTest::newRow("late moment") << QVariant(QDateTime(QDate(12000, 1, 1), QTime(1, 0)));
+    }
+    void valueThatNoSqlStandsForIsAPlaceholder() {
+        QFETCH(QVariant, value);
+        for (const bool keepMeaning : {false, true}) {
+            OneProc on(TParams({input("X", 1), input("Y", 2)}), keepMeaning);
+            QCOMPARE(orvtest::errorOf([&] { on.box->setParameter(on.row("X"), value); }),
+                     QString("The value of parameter X cannot be written as SQL"));
+            QCOMPARE(on.text(), QString("P(1, 2)"));
+            QCOMPARE(on.changes, 0);
+            on.row("X")->Value = value;
+            QCOMPARE(on.text(), QString("P(:X, 2)"));
+            QStringList told;
+            for (const orv::Finding& finding : on.builder.Validate()) told << finding.text;
+            QCOMPARE(told, QStringList("P.X"));
+        }
+    }
+
+    void momentOfAnotherZoneIsWrittenInLocalTime() {
+        const QDateTime local(QDate(2024, 2, 3), QTime(4, 5, 6));
+        const TParams params({input("X", local.toUTC(), ftDateTime),
+                              input("Y", local.toOffsetFromUtc(-5 * 3600), ftDateTime),
+                              input("D", local.toOffsetFromUtc(-13 * 3600), ftDate)});
+        QCOMPARE(OneProc(params, true).box->GetParameters(),
+                 QString("'2024-02-03T04:05:06', '2024-02-03T04:05:06', '2024-02-03'"));
+        const TParams same({input("X", local, ftDateTime), input("Y", local, ftDateTime),
+                            input("D", local, ftDate)});
+        QCOMPARE(OneProc(params).box->GetParameters(), OneProc(same).box->GetParameters());
+    }
+
     void tickedRowWithoutAValueIsAPlaceholder() {
         const OneProc on(inputs(1));
         on.row("P0")->Checked = true;
