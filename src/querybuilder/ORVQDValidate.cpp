@@ -244,8 +244,28 @@ private:
             report(number + u' ' + orvTrim(row.GetSQLCondition(false)),
                    QStringLiteral("This condition is not filled in."));
         }
+        const QString problem = operatorProblem(row);
+        if (!problem.isEmpty()) {
+            report(number + u' ' + orvTrim(row.GetSQLCondition(false)), problem);
+        }
         checkNames(row.FieldName);
         for (const QString& argument : row.Arguments) checkNames(argument);
+    }
+
+    // What another catalogue has made of a row.
+    [[nodiscard]] QString operatorProblem(const TorvQDWhereRow& row) const {
+        const int count = operandCount(row.Operator);
+        const int given = int(row.Arguments.size());
+        if (given < count) {
+            return QStringLiteral("The operator of this condition takes more arguments.");
+        }
+        if (given > count) {
+            return QStringLiteral("The operator of this condition takes fewer arguments.");
+        }
+        const bool isKnown = row.isExpression() || !row.Operator ||
+                             m_builder.Operators->FindName(row.Operator->Name);
+        return isKnown ? QString()
+                       : QStringLiteral("The operator of this condition is no longer in the list.");
     }
 
     // Each name is told once.
