@@ -191,7 +191,7 @@ void TOperatorList::fromStrings(const QStringList& texts) {
                 texts[at], texts[at + 1], texts[at + 2], texts[at + 4], texts[at + 3], count}));
         }
     }
-    replace(std::move(entries));
+    if (problem.isEmpty() || !entries.empty()) replace(std::move(entries));
     if (!problem.isEmpty()) throw orv::Error(damage(problem));
 }
 

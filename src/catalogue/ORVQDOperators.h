@@ -67,6 +67,7 @@ public:
 
     /// Replaces the entries by those of `texts`, in one change. Raises orv::Error at the first text
     /// that is no count, or when the last entry is not whole; entries read before stay in the list.
+    /// Where none was whole the list stays as it was.
     void fromStrings(const QStringList& texts);
 
     /// Called in front of and behind every change, for owners that show entries.

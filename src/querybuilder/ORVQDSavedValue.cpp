@@ -32,11 +32,12 @@ std::optional<QVariant> moment(const Moment& moment) {
 
 }  // namespace
 
-SavedValue savedValue(const QVariant& value) {
+std::optional<SavedValue> savedValue(const QVariant& value) {
     const auto saved = [](const char* kind, const QString& text) {
         return SavedValue{QString::fromLatin1(kind), text};
     };
     if (value.isNull()) return saved("null", {});
+    if (!TorvQDSProc::hasText(value)) return std::nullopt;
     if (value.metaType() == QMetaType::fromType<SqlText>()) {
         return saved("sql", value.value<SqlText>().text);
     }
@@ -55,7 +56,7 @@ SavedValue savedValue(const QVariant& value) {
     default: break;
     }
     const QString text = TorvQDSProc::valueText(value, ftUnknown, true);
-    return text.isEmpty() ? saved("text", value.toString()) : saved("integer", text);
+    return text.isEmpty() ? std::nullopt : std::optional(saved("integer", text));
 }
 
 std::optional<QVariant> restoredValue(const SavedValue& saved) {

@@ -16,8 +16,8 @@ struct SavedValue {
     QString text;
 };
 
-/// The value in that form; a value of no kind that can be written is a text.
-[[nodiscard]] SavedValue savedValue(const QVariant& value);
+/// The value in that form; none for one that no SQL can stand for, which would not come back.
+[[nodiscard]] std::optional<SavedValue> savedValue(const QVariant& value);
 /// The value back; none when the text is not one of its kind, or the kind is unknown.
 [[nodiscard]] std::optional<QVariant> restoredValue(const SavedValue& saved);
 

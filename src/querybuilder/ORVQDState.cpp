@@ -33,9 +33,10 @@ void writeParameter(JsonWriter& json, const TorvQDListItem& item) {
     if (item.ParamType == ptOutput) {
         json.key("checked").value(item.Checked);
     } else if (const QVariant value = TorvQDSProc::valueOf(item); value.isValid()) {
-        const SavedValue saved = savedValue(value);
-        json.key("kind").value(saved.kind);
-        if (!value.isNull()) json.key("value").value(saved.text);
+        if (const std::optional<SavedValue> saved = savedValue(value)) {
+            json.key("kind").value(saved->kind);
+            if (!value.isNull()) json.key("value").value(saved->text);
+        }
     }
     json.endObject();
 }

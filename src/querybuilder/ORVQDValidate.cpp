@@ -52,6 +52,7 @@ public:
         checkAliases();
         checkJoins();
         checkParameters();
+        checkValues();
         checkColumns();
         checkRows(*m_builder.WherePanel->rootRow(), QString());
         checkRows(*m_builder.HavingPanel->rootRow(), QString());
@@ -130,6 +131,26 @@ private:
             report(TorvQDSProc::sqlOf(*row).value_or(QString()),
                    QStringLiteral("This argument is written in front of a table that it names."));
         }
+    }
+
+    void checkValues() {
+        visitParameters([&](const TorvQDListItem& row) {
+            if (row.ParamType != ptInput) return;
+            const QVariant value = TorvQDSProc::valueOf(row);
+            const QString name = row.Table->GetAlias() + u'.' + row.Name;
+            if (!TorvQDSProc::hasText(value)) {
+                report(name, QStringLiteral("The value of this parameter cannot be written as SQL: "
+                                            "the call has a placeholder."));
+            }
+            const bool isText = value.typeId() == QMetaType::QString ||
+                                value.typeId() == QMetaType::QByteArray ||
+                                value.typeId() == QMetaType::QChar;
+            const QString text = isText ? value.toString() : QString();
+            if (text.contains(u'\n') || text.contains(u'\r')) {
+                report(name, QStringLiteral("A line break in the value of this parameter becomes a "
+                                            "blank when the statement is loaded."));
+            }
+        });
     }
 
     // A condition that names two tables links them as a join does.
@@ -223,8 +244,28 @@ private:
             report(number + u' ' + orvTrim(row.GetSQLCondition(false)),
                    QStringLiteral("This condition is not filled in."));
         }
+        const QString problem = operatorProblem(row);
+        if (!problem.isEmpty()) {
+            report(number + u' ' + orvTrim(row.GetSQLCondition(false)), problem);
+        }
         checkNames(row.FieldName);
         for (const QString& argument : row.Arguments) checkNames(argument);
+    }
+
+    // What another catalogue has made of a row.
+    [[nodiscard]] QString operatorProblem(const TorvQDWhereRow& row) const {
+        const int count = operandCount(row.Operator);
+        const int given = int(row.Arguments.size());
+        if (given < count) {
+            return QStringLiteral("The operator of this condition takes more arguments.");
+        }
+        if (given > count) {
+            return QStringLiteral("The operator of this condition takes fewer arguments.");
+        }
+        const bool isKnown = row.isExpression() || !row.Operator ||
+                             m_builder.Operators->FindName(row.Operator->Name);
+        return isKnown ? QString()
+                       : QStringLiteral("The operator of this condition is no longer in the list.");
     }
 
     // Each name is told once.

@@ -267,6 +267,10 @@ void TorvQueryBuilder::watchOperators() {
 // happens while it is open, a statement that is loaded for one, finds the old catalogue.
 void TorvQueryBuilder::ModifyOperators(TEditRestrictions Restrictions) {
     Q_ASSERT(thread() == QThread::currentThread());
+    if (m_hostCalls > 0 && !m_loading) {
+        throw orv::Error(
+            QStringLiteral("The operators cannot be edited while a handler is being asked"));
+    }
     refuseWhileBusy();
     if (auto* open = findChild<TorvQDOperatorsPropertyDlg*>({}, Qt::FindDirectChildrenOnly)) {
         open->raise();

@@ -191,6 +191,10 @@ QByteArray TorvQueryBuilder::SaveState() {
 
 void TorvQueryBuilder::RestoreState(const QByteArray& json) {
     Q_ASSERT(thread() == QThread::currentThread());
+    if (m_hostCalls > 0 && !m_loading) {
+        throw orv::Error(
+            QStringLiteral("A state cannot be restored while a handler is being asked"));
+    }
     refuseWhileBusy();
     if (!WorkArea) return;
     const orv::QueryState state = orv::readState(json);

@@ -170,6 +170,7 @@ TorvQDTable* TorvQDWorkArea::addTable(const NewBox& wanted) {
 
     ChangeScope change(m_owner, this);
     TorvQDTable* table = adopt(std::move(box));
+    if (self) tellTicks(table);
     if (self) deselect();  // one that a handler added meanwhile
     if (!self || indexOf(table) < 0) return nullptr;
     m_selected = table;
@@ -205,6 +206,24 @@ TorvQDTable* TorvQDWorkArea::adopt(std::unique_ptr<TorvQDTable> box) {
     m_owner->statementChanged();
     if (const TAddEvent handler = OnAddTable) handler(this, table);
     return table;
+}
+
+// The host may have ticked rows while it was asked for its permission. What a loaded statement
+// selects is for the statement alone to say.
+void TorvQDWorkArea::tellTicks(TorvQDTable* table) {
+    std::vector<TorvQDListItem*> ticked;
+    for (const auto& item : table->Items) {
+        if (item->Checked && item->ParamType == ptOutput) ticked.push_back(item.get());
+    }
+    const QPointer<TorvQDWorkArea> self(this);
+    const QPointer<TorvQDTable> box(table);
+    for (TorvQDListItem* item : ticked) {
+        if (!self || !box) return;
+        if (m_owner->ledger()) item->UpdateCheck(0);
+        if (!item->Checked) continue;
+        _CheckItem(table, item);
+        if (self && box && box->owns(item) && item->Checked) item->UpdateCheck(-1);
+    }
 }
 
 TorvQDTable* TorvQDWorkArea::restoreTable(const QString& name, const QString& alias,
@@ -328,6 +347,7 @@ const std::vector<TorvQDTable*>* TorvQDWorkArea::tablesByField(const QString& na
 void TorvQDWorkArea::rememberAlias(TorvQDTable* table) {
     addAlias(table);
     table->aliasChanged = [this](TorvQDTable* changed, const QString& oldAlias) {
+        if (indexOf(changed) < 0) return;
         forgetAlias(changed, oldAlias);
         addAlias(changed);
         orv::accessible::tellRenamed(changed);
@@ -571,14 +591,22 @@ void TorvQDWorkArea::selectionChanged(TorvQDFloatObject* old) {
 
 // --- relays ---
 
+// A box that is not on the diagram has no part in the statement: one that the host is still asked
+// about, or one that is closed and dies once the present event is over. Nor has a replaced row.
+bool TorvQDWorkArea::isOnDiagram(const QObject* box, const TorvQDListItem* item) const {
+    const int index = indexOf(box);
+    return index >= 0 && m_tables[std::size_t(index)]->owns(item);
+}
+
 void TorvQDWorkArea::_CheckItem(QObject* Sender, TorvQDListItem* Item) {
-    if (!qobject_cast<TorvQDTable*>(Sender)) return;
+    if (!isOnDiagram(Sender, Item)) return;
     if (const TCheckItemEvent handler = OnCheckItem) handler(Sender, Item);
 }
 
 // The host changes the row behind everybody's back: whoever wants to know is told here, even when
 // it raises. It may close the box, or load another statement, which tells of itself.
 void TorvQDWorkArea::DoEnterParameter(TorvQDTable* SProcedure, TorvQDListItem* ListItem) {
+    if (!isOnDiagram(SProcedure, ListItem)) return;
     const QPointer<TorvQDWorkArea> self(this);
     const QPointer<TorvQDTable> box(SProcedure);
     const int version = box ? box->rowsVersion() : 0;
@@ -606,7 +634,7 @@ void TorvQDWorkArea::DoEnterParameter(TorvQDTable* SProcedure, TorvQDListItem* L
 
 // A value that the host sets while it is asked for one is told of once, at the end.
 void TorvQDWorkArea::parameterChanged(TorvQDSProc* procedure, TorvQDListItem* item) {
-    if (indexOf(procedure) < 0 || m_entering == procedure) return;
+    if (!isOnDiagram(procedure, item) || m_entering == procedure) return;
     boxChanged(procedure, BoxChange::Tick, item);
     m_owner->statementChanged();
 }

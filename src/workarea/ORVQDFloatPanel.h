@@ -348,6 +348,7 @@ private:
     [[nodiscard]] std::unique_ptr<TorvQDTable> makeBox(const NewBox& wanted);
     TorvQDTable* addTable(const NewBox& wanted);
     TorvQDTable* adopt(std::unique_ptr<TorvQDTable> box);
+    void tellTicks(TorvQDTable* table);
     TorvQDLink* adopt(std::unique_ptr<TorvQDLink> link);
     [[nodiscard]] QString freeAlias(const QString& processedName) const;
     static constexpr int placementGapPx = 10;
@@ -371,6 +372,7 @@ private:
     void addAlias(TorvQDTable* table);
     void forgetAlias(TorvQDTable* table, const QString& alias);
     [[nodiscard]] int indexOf(const QObject* table) const;
+    [[nodiscard]] bool isOnDiagram(const QObject* box, const TorvQDListItem* item) const;
     void paintTables(QPainter& painter, const QRegion& region, bool fillsGround);
     void updateScrollRange();
     void updateScrollRange(const TorvQDTable& moved);

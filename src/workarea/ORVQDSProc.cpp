@@ -12,6 +12,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -58,16 +59,24 @@ QString dateTimeText(const QDateTime& moment, bool isIso) {
 }
 
 // The row's type decides what of a moment is written; a time of day has no date to write.
+// Databases pass over an offset from UTC, or refuse it: local time needs none.
 QString momentText(const QVariant& value, TFieldType type, bool isIso) {
     if (value.typeId() == QMetaType::QTime) return timeText(value.toTime(), isIso);
-    if (type == ftDate) return dateText(value.toDate(), isIso);
     const bool isDate = value.typeId() == QMetaType::QDate;
-    const QDateTime moment = isDate ? QDateTime(value.toDate(), QTime(0, 0)) : value.toDateTime();
+    if (isDate && type == ftDate) return dateText(value.toDate(), isIso);
+    const QDateTime moment =
+        isDate ? QDateTime(value.toDate(), QTime(0, 0)) : value.toDateTime().toLocalTime();
+    if (type == ftDate) return dateText(moment.date(), isIso);
     return type == ftTime ? timeText(moment.time(), isIso) : dateTimeText(moment, isIso);
 }
 
 QString apostrophed(const QString& text) {
     return u'\'' + text + u'\'';
+}
+
+bool isWritableDate(QDate date) {
+    constexpr int lastYear = 9999;
+    return date.isValid() && date.year() >= 0 && date.year() <= lastYear;
 }
 
 bool isLeftOut(const TorvQDListItem& item) {
@@ -148,7 +157,7 @@ QString TorvQDSProc::GetParameters() const {
     QStringList values;
     for (const TorvQDListItem* item : inputs) {
         const QVariant value = valueOf(*item);
-        const QString text = value.isValid() && !isLeftOut(*item)
+        const QString text = value.isValid() && hasText(value) && !isLeftOut(*item)
                                  ? valueText(value, item->FieldType, keepsMeaning())
                                  : u':' + placeholderName(*item);
         if (!text.isEmpty()) values << text;
@@ -183,7 +192,11 @@ void TorvQDSProc::store(TorvQDListItem& item, const QVariant& value) {
 }
 
 void TorvQDSProc::setParameter(TorvQDListItem* item, const QVariant& value) {
-    if (!owns(item)) return;
+    if (!owns(item) || item->ParamType != ptInput) return;
+    if (!hasText(value)) {
+        throw orv::Error(
+            QStringLiteral("The value of parameter %1 cannot be written as SQL").arg(item->Name));
+    }
     store(*item, value);
     if (auto* area = qobject_cast<TorvQDWorkArea*>(Parent)) area->parameterChanged(this, item);
 }
@@ -253,6 +266,21 @@ QString TorvQDSProc::valueText(const QVariant& value, TFieldType type, bool keep
         return apostrophed(text);
     }
     default: return {};
+    }
+}
+
+bool TorvQDSProc::hasText(const QVariant& value) {
+    if (value.isNull()) return true;
+    switch (value.typeId()) {
+    case QMetaType::Float:
+    case QMetaType::Double: return std::isfinite(value.toDouble());
+    case QMetaType::QDate: return isWritableDate(value.toDate());
+    case QMetaType::QTime: return value.toTime().isValid();
+    case QMetaType::QDateTime: {
+        const QDateTime moment = value.toDateTime();
+        return moment.isValid() && isWritableDate(moment.toLocalTime().date());
+    }
+    default: return true;
     }
 }
 

@@ -35,7 +35,7 @@ public:
     /// The rows of the parameters, in their order.
     [[nodiscard]] std::vector<TorvQDListItem*> parameterRows() const;
     /// Gives an input row its value: an invalid one for none, a null one for NULL. Rows of another
-    /// kind stay as they are.
+    /// kind stay as they are. Raises orv::Error for a value that no SQL stands for; see hasText.
     void setParameter(TorvQDListItem* item, const QVariant& value);
     /// Replaces each value that is SQL by what `change` makes of it; tells nobody.
     void changeSqlTexts(const std::function<QString(const QString&)>& change);
@@ -51,9 +51,14 @@ public:
     [[nodiscard]] static QString placeholderName(const QString& name, int index);
     /// How a value is written for a row of that type; nothing for a value of no kind that can be
     /// written. With meaning kept, inner apostrophes are doubled and dates are those of ISO 8601;
-    /// else apostrophes stay as they are, and dates are in the short form of the user's country.
+    /// else apostrophes stay as they are, and dates are in the short form of the user's country. A
+    /// moment of another time zone is written as the same moment in local time.
     [[nodiscard]] static QString valueText(const QVariant& value, TFieldType type,
                                            bool keepsMeaning);
+    /// Whether some SQL can stand for a value of its kind: not for a number that is none or has no
+    /// end, nor for a date or time that is not valid or whose year is not of 0 to 9999. A row that
+    /// holds such a value is written as one without a value.
+    [[nodiscard]] static bool hasText(const QVariant& value);
     /// The value that an argument stands for: a null one for NULL; a text, number or Boolean where
     /// that would be written as the argument is, by the type of the parameter; else an orv::SqlText
     /// with the argument itself.

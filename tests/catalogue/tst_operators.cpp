@@ -112,6 +112,8 @@ private Q_SLOTS:
     void readingReplacesTheEntries();
     void damagedStringsKeepWholeEntries_data();
     void damagedStringsKeepWholeEntries();
+    void stringsWithoutAWholeEntryLeaveTheList_data();
+    void stringsWithoutAWholeEntryLeaveTheList();
     void damagedStreamKeepsWholeEntries();
     void streamCutAnywhereKeepsWholeEntries();
     void wrongTypesAreTold_data();
@@ -442,6 +444,27 @@ void TestOperators::damagedStringsKeepWholeEntries() {
     QCOMPARE(namesOf(list), QStringList({"N1"}));
 }
 
+void TestOperators::stringsWithoutAWholeEntryLeaveTheList_data() {
+    QTest::addColumn<QStringList>("texts");
+    QTest::newRow("count is a text") << QStringList({"N", "C", "R", "PRE", "POST", "x"});
+    QTest::newRow("too few texts") << QStringList({"N", "C"});
+}
+
+void TestOperators::stringsWithoutAWholeEntryLeaveTheList() {
+    QFETCH(QStringList, texts);
+    const orvtest::RecordedServices services;
+    TorvQueryBuilder builder;
+    const QStringList before = builder.OperatorsList();
+    builder.setOperatorsList(texts);
+    QCOMPARE(builder.OperatorsList(), before);
+    QCOMPARE(services.errors.size(), 1);
+    TOperatorList list;
+    orv::fillSmallOperators(list);
+    list.changed = [] { QFAIL("nothing has changed"); };
+    QVERIFY_THROWS_EXCEPTION(orv::Error, list.fromStrings(texts));
+    QCOMPARE(list.Count(), 6);
+}
+
 void TestOperators::damagedStreamKeepsWholeEntries() {
     Stored stored;
     stored.mark(listBegin).texts({"N1", "C1", "R1", "PRE1", "POST1"}).count(2);
@@ -608,7 +631,7 @@ void TestOperators::readingIsOneChange() {
     QVERIFY_THROWS_EXCEPTION(orv::Error, list.fromStrings({"N"}));
     list.Assign(&source);
     (void)readError(bytes.chopped(1), list);
-    QCOMPARE(counts, QList<int>({2, 14, 14, 1, 1, 0, 0, 14, 14, 14}));
+    QCOMPARE(counts, QList<int>({2, 14, 14, 1, 1, 14, 14, 14}));
 }
 
 void TestOperators::plainListsAreCopied() {

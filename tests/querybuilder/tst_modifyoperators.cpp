@@ -442,7 +442,8 @@ private Q_SLOTS:
             errors << orvtest::errorOf([&] { on.builder->ModifyOperators(); });
         };
         on.builder->ListOfTables->DeleteTable(0);
-        QCOMPARE(errors, QStringList("LoadSQL is running"));
+        QCOMPARE(errors,
+                 QStringList("The operators cannot be edited while a handler is being asked"));
         QCOMPARE(on.services.dialogs, QStringList());
     }
 

@@ -4,8 +4,12 @@
 #include "criteria/ORVQDWherePanel.h"
 #include "support/BuilderTools.h"
 
+#include <QDateTime>
 #include <QJsonArray>
+#include <QPoint>
 #include <QTest>
+
+#include <limits>
 
 using orvtest::errorOf;
 using orvtest::HostedBuilder;
@@ -381,6 +385,24 @@ private Q_SLOTS:
         QCOMPARE(on.builder.SaveState(), state);
     }
 
+    void valueThatNoSqlStandsForIsSavedAsNone_data() {
+        QTest::addColumn<QVariant>("value");
+        QTest::newRow("date") << QVariant(QDate());
+        QTest::newRow("time") << QVariant(QTime());
+        QTest::newRow("moment") << QVariant(QDateTime());
+        QTest::newRow("no number") << QVariant(std::numeric_limits<double>::quiet_NaN());
+        QTest::newRow("another kind") << QVariant(QPoint(1, 2));
+    }
+    void valueThatNoSqlStandsForIsSavedAsNone() {
+        QFETCH(QVariant, value);
+        HostedBuilder on;
+        on.host.addProc("P", {"A"}, TParams({{"X", ftString, ptInput, value}}));
+        on.addProc("P");
+        on.builder.RestoreState(on.builder.SaveState());
+        QCOMPARE(on.builder.WorkArea->GetSQLStatment(), QString("P(:X)"));
+        QVERIFY(!on.proc("P")->parameterRows().front()->Checked);
+    }
+
     void textThatIsNoJsonIsRefused() {
         HostedBuilder on;
         on.builder.LoadSQL("select t.a from t");
@@ -420,6 +442,9 @@ private Q_SLOTS:
         };
         on.builder.LoadSQL("select t.a from t");
         QCOMPARE(errors, QStringList("LoadSQL is running"));
+        errors.clear();
+        on.addTable("U");
+        QCOMPARE(errors, QStringList("A state cannot be restored while a handler is being asked"));
     }
 };
 

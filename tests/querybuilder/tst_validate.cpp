@@ -30,6 +30,42 @@ class ValidateTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void operatorThatDoesNotFitItsArguments() {
+        HostedBuilder on(true);
+        on.builder.LoadSQL("select t.a from t where t.b between 1 and 2 and t.c is null");
+        QCOMPARE(found(on), QStringList());
+        TOperatorList few;
+        few.Assign(on.builder.Operators.get());
+        for (int index = few.Count(); index-- > 0;) {
+            const QString name = few.Items(index)->Name;
+            if (name == "BETWEEN" || name == "IS NULL") few.Delete(index);
+        }
+        on.builder.setOperators(few);
+        const QStringList told = found(on);
+        QCOMPARE(told.filter("The operator of this condition takes more arguments.").size(), 1);
+        QCOMPARE(told.filter("The operator of this condition takes fewer arguments.").size(), 1);
+    }
+
+    void valueWithALineBreak() {
+        HostedBuilder on(true);
+        on.host.addProc(
+            "P", {"A"},
+            TParams({{"X", ftString, ptInput, "a\r\nb"}, {"Y", ftString, ptInput, "c"}}));
+        on.addProc("P");
+        QCOMPARE(found(on),
+                 QStringList("P.X: A line break in the value of this parameter becomes a blank "
+                             "when the statement is loaded."));
+    }
+
+    void operatorOfAnEmptyList() {
+        HostedBuilder on(true);
+        on.builder.LoadSQL("select t.a from t where t.b like 'x'");
+        on.builder.Operators->Clear();
+        QCOMPARE(found(on),
+                 QStringList("1. (T.B LIKE 'x'): The operator of this condition is no longer in "
+                             "the list."));
+    }
+
     void soundQueriesHaveNoFindings_data() {
         QTest::addColumn<QString>("text");
         for (const char* text :

@@ -377,6 +377,83 @@ private Q_SLOTS:
         QCOMPARE(told, 1);
     }
 
+    void ticksInTheQuestionAreToldUnderTheAliasOnceTheBoxIsIn() {
+        HostedBuilder on;
+        on.addTable("T");
+        on.builder.OnAddRemoveTable = [](QObject*, TorvQDTable* box, TAddRemove action, bool&) {
+            if (action == araAdd) box->GetFieldItem("A")->SetCheck(true);
+        };
+        TorvQDTable* box = on.addTable("T");
+        QCOMPARE(box->GetAlias(), QString("T1"));
+        QCOMPARE(on.builder.SelectedFields().names(), QStringList("T1.A"));
+        QCOMPARE(on.columns(), QStringList("A||T1.A"));
+        QCOMPARE(box->FieldState, 1);
+        QCOMPARE(orvtest::brokenRule(on.builder), QString());
+        box->SetFieldState(0);
+        QCOMPARE(on.columns(), QStringList());
+    }
+
+    void loadedStatementAloneSaysWhatIsSelected() {
+        HostedBuilder on;
+        on.builder.OnAddRemoveTable = [](QObject*, TorvQDTable* box, TAddRemove action, bool&) {
+            if (action == araAdd) box->SetFieldState(2);
+        };
+        on.builder.LoadSQL("select x.b from t x");
+        QCOMPARE(on.builder.SelectedFields().names(), QStringList("X.B"));
+        QCOMPARE(on.table("X")->FieldState, 1);
+        QCOMPARE(orvtest::brokenRule(on.builder), QString());
+    }
+
+    void refusedBoxThatWasTickedLeavesNothing() {
+        HostedBuilder on;
+        on.builder.OnAddRemoveTable = [](QObject*, TorvQDTable* box, TAddRemove, bool& can) {
+            box->SetFieldState(2);
+            can = false;
+        };
+        QVERIFY(!on.addTable("T"));
+        QCOMPARE(on.builder.SelectedFields().names(), QStringList());
+        QCOMPARE(on.columns(), QStringList());
+        QCOMPARE(on.changes, 0);
+    }
+
+    void closedBoxHasNoPartInTheStatement_data() {
+        QTest::addColumn<int>("way");
+        QTest::newRow("closed") << 0;
+        QTest::newRow("cleared") << 1;
+        QTest::newRow("another statement") << 2;
+        QTest::newRow("a saved state") << 3;
+    }
+    void closedBoxHasNoPartInTheStatement() {
+        QFETCH(int, way);
+        HostedBuilder on;
+        on.addTable("U");
+        const QByteArray state = on.builder.SaveState();
+        TorvQDTable* box = on.addTable("T");
+        if (way == 0) box->CloseTable();
+        if (way == 1) on.builder.Clear();
+        if (way == 2) on.builder.LoadSQL("select u.x from u");
+        if (way == 3) on.builder.RestoreState(state);
+        const QStringList columns = on.columns();
+        on.changes = 0;
+        box->GetFieldItem("A")->SetCheck(true);
+        box->SetFieldState(2);
+        box->SetAlias("Z");
+        QCOMPARE(on.changes, 0);
+        QCOMPARE(on.columns(), columns);
+        QVERIFY(!on.builder.WorkArea->GetTable("Z"));
+        QCOMPARE(orvtest::brokenRule(on.builder), QString());
+    }
+
+    void replacedRowHasNoPartInTheStatement() {
+        HostedBuilder on;
+        TorvQDTable* box = on.addTable("T");
+        TorvQDListItem* old = box->GetFieldItem("A");
+        const TDataSet fields = orvtest::stringFields({"N"});
+        box->AssignItems(&fields);
+        old->SetCheck(true);
+        QCOMPARE(on.columns(), QStringList());
+    }
+
     void fontOfTheOptionsLaysTheBoxesOut() {
         HostedBuilder on;
         const TorvQDTable* box = on.addTable("T");

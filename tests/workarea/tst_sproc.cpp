@@ -287,6 +287,46 @@ private Q_SLOTS:
         QCOMPARE(told, QStringList("P.Y"));
     }
 
+    void valueThatNoSqlStandsForIsAPlaceholder_data() {
+        QTest::addColumn<QVariant>("value");
+        QTest::newRow("no number") << QVariant(std::numeric_limits<double>::quiet_NaN());
+        QTest::newRow("infinity") << QVariant(std::numeric_limits<double>::infinity());
+        QTest::newRow("below all") << QVariant(-std::numeric_limits<float>::infinity());
+        QTest::newRow("date") << QVariant(QDate());
+        QTest::newRow("time") << QVariant(QTime());
+        QTest::newRow("moment") << QVariant(QDateTime());
+        QTest::newRow("late year") << QVariant(QDate(10000, 1, 1));
+        QTest::newRow("early year") << QVariant(QDate(-1, 1, 1));
+        QTest::newRow("late moment") << QVariant(QDateTime(QDate(12000, 1, 1), QTime(1, 0)));
+    }
+    void valueThatNoSqlStandsForIsAPlaceholder() {
+        QFETCH(QVariant, value);
+        for (const bool keepMeaning : {false, true}) {
+            OneProc on(TParams({input("X", 1), input("Y", 2)}), keepMeaning);
+            QCOMPARE(orvtest::errorOf([&] { on.box->setParameter(on.row("X"), value); }),
+                     QString("The value of parameter X cannot be written as SQL"));
+            QCOMPARE(on.text(), QString("P(1, 2)"));
+            QCOMPARE(on.changes, 0);
+            on.row("X")->Value = value;
+            QCOMPARE(on.text(), QString("P(:X, 2)"));
+            QStringList told;
+            for (const orv::Finding& finding : on.builder.Validate()) told << finding.text;
+            QCOMPARE(told, QStringList("P.X"));
+        }
+    }
+
+    void momentOfAnotherZoneIsWrittenInLocalTime() {
+        const QDateTime local(QDate(2024, 2, 3), QTime(4, 5, 6));
+        const TParams params({input("X", local.toUTC(), ftDateTime),
+                              input("Y", local.toOffsetFromUtc(-5 * 3600), ftDateTime),
+                              input("D", local.toOffsetFromUtc(-13 * 3600), ftDate)});
+        QCOMPARE(OneProc(params, true).box->GetParameters(),
+                 QString("'2024-02-03T04:05:06', '2024-02-03T04:05:06', '2024-02-03'"));
+        const TParams same({input("X", local, ftDateTime), input("Y", local, ftDateTime),
+                            input("D", local, ftDate)});
+        QCOMPARE(OneProc(params).box->GetParameters(), OneProc(same).box->GetParameters());
+    }
+
     void tickedRowWithoutAValueIsAPlaceholder() {
         const OneProc on(inputs(1));
         on.row("P0")->Checked = true;
@@ -379,6 +419,19 @@ private Q_SLOTS:
         QCOMPARE(on.text(), QString("P(:P0)"));
     }
 
+    void setParameterLeavesRowsOfAnotherKindAlone() {
+        OneProc on(TParams({{"U", ftInteger, ptUnknown, 1},
+                            {"O", ftInteger, ptOutput, {}},
+                            {"IO", ftInteger, ptInputOutput, 3},
+                            {"R", ftInteger, ptResult, 4}}));
+        for (const char* name : {"U", "O", "IO", "R"}) on.box->setParameter(on.row(name), 7);
+        QCOMPARE(on.row("U")->Value, QVariant(1));
+        QVERIFY(!on.row("O")->Checked);
+        QCOMPARE(on.row("IO")->Value, QVariant(3));
+        QCOMPARE(on.row("R")->Value, QVariant(4));
+        QCOMPARE(on.changes, 0);
+    }
+
     void currentParamsHaveTheValuesOfTheRows() {
         OneProc on(TParams({input("X", 5), input("Y", "a")}));
         on.box->setParameter(on.row("X"), 1.5);
@@ -430,6 +483,27 @@ private Q_SLOTS:
         on.row("P0")->SetCheck(true);
         QCOMPARE(on.changes, 1);
         QCOMPARE(on.text(), QString("P(2, :P1)"));
+    }
+
+    void boxThatIsNotOnTheDiagramAsksForNothing() {
+        OneProc on(inputs(1));
+        int asked = 0;
+        on.builder.OnEnterProcParameter = [&](QObject*, TorvQDTable*, TorvQDListItem*) { ++asked; };
+        on.builder.OnAddRemoveTable = [](QObject*, TorvQDTable* box, TAddRemove, bool&) {
+            if (auto* added = qobject_cast<TorvQDSProc*>(box)) {
+                added->parameterRows().front()->SetCheck(true);
+            }
+        };
+        on.addProc("P");
+        QCOMPARE(asked, 0);
+        on.builder.OnAddRemoveTable = nullptr;
+        TorvQDListItem* row = on.row("P0");
+        on.box->CloseTable();
+        row->SetCheck(true);
+        QCOMPARE(asked, 0);
+        on.changes = 0;
+        on.box->setParameter(row, 5);
+        QCOMPARE(on.changes, 0);
     }
 
     void handlerThatRaisesLeavesTheRowUsable() {
