@@ -4,6 +4,7 @@
 #include "core/Error.h"
 #include "core/Text.h"
 #include "criteria/ORVQDWherePanel.h"
+#include "parser/ORVQDArgument.h"
 #include "parser/ORVQDExpressions.h"
 #include "parser/ORVQDNormalise.h"
 #include "parser/ORVQDTokens.h"
@@ -114,7 +115,7 @@ private:
         visitParameters([&](const TorvQDListItem& row) {
             if (row.ParamType != ptInput) return;
             if (const std::optional<QString> sql = TorvQDSProc::sqlOf(row)) {
-                checkNames(*sql);
+                checkArgument(row, *sql);
                 return;
             }
             const QVariant value = TorvQDSProc::valueOf(row);
@@ -130,6 +131,13 @@ private:
             report(TorvQDSProc::sqlOf(*row).value_or(QString()),
                    QStringLiteral("This argument is written in front of a table that it names."));
         }
+    }
+
+    // A blank one is left out of the call.
+    void checkArgument(const TorvQDListItem& row, const QString& sql) {
+        const QString problem = isBlank(sql) ? QString() : argumentProblem(sql);
+        if (!problem.isEmpty()) report(row.Table->GetAlias() + u'.' + row.Name, problem);
+        checkNames(sql);
     }
 
     // A condition that names two tables links them as a join does.
