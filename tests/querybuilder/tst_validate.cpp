@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What is wrong with a state that can be written.
 #include "criteria/ORVQDWherePanel.h"
+#include "data/SqlText.h"
 #include "support/BuilderTools.h"
 
 #include <QTest>
@@ -191,6 +192,35 @@ private Q_SLOTS:
             on.builder.WorkArea->Joins().back()->KindOfJoin = klLOuterJoin;
             QCOMPARE(found(on).size(), 1);
             QVERIFY2(found(on).front().contains("closes a circle"), qPrintable(found(on).front()));
+        }
+    }
+
+    // --- procedures
+
+    void sqlThatIsNotOneArgumentIsNamed_data() {
+        QTest::addColumn<QString>("sql");
+        QTest::addColumn<QString>("problem");
+        const auto row = [](const char* sql, const char* problem) {
+            QTest::newRow(sql) << QString::fromLatin1(sql) << QString::fromLatin1(problem);
+        };
+        row("1, 2", "A comma outside brackets makes more than one argument of this.");
+        row("1 -- c", "An argument has no comments.");
+        row("(", "The brackets do not match.");
+        row("'", "A quote is not closed.");
+        row("1) , O (", "The brackets do not match.");
+        row("1;", "A semicolon ends the statement.");
+    }
+    void sqlThatIsNotOneArgumentIsNamed() {
+        QFETCH(QString, sql);
+        QFETCH(QString, problem);
+        HostedBuilder on(true);
+        on.host.addProc("P", {"A"}, TParams({{"X", ftInteger, ptInput}}));
+        TorvQDSProc* box = on.addProc("P");
+        box->setParameter(box->GetFieldItem("X"), QVariant::fromValue(orv::SqlText{sql}));
+        QCOMPARE(found(on), QStringList("P.X: " + problem));
+        for (const char* sound : {"", " ", "F(1, 2)", "'a, b'"}) {
+            box->setParameter(box->GetFieldItem("X"), QVariant::fromValue(orv::SqlText{sound}));
+            QCOMPARE(found(on), QStringList());
         }
     }
 
