@@ -345,10 +345,8 @@ orv::FromDiagram TorvQDWorkArea::fromDiagram() const {
     QHash<const TorvQDTable*, int> numbers;
     const auto add = [&](const TorvQDTable* table) {
         numbers.insert(table, int(diagram.tables.size()));
-        QString name = table->TableName;
-        if (const auto* procedure = qobject_cast<const TorvQDSProc*>(table)) {
-            name += u'(' + procedure->GetParameters() + u')';
-        }
+        const auto* procedure = qobject_cast<const TorvQDSProc*>(table);
+        const QString name = procedure ? procedure->call() : table->TableName;
         diagram.tables.push_back({name, table->GetAlias(), table->TableName});
     };
     if (m_owner->KeepMeaning()) {

@@ -90,7 +90,7 @@ TorvQDTable* FromLoader::loadTable(const TorvQDParser& node) {
         return box;
     }
     if (!params) {
-        if (node.Location() == inFunction) loseArguments(node);
+        if (table.hasBrackets) loseArguments(node);
         return addBox(table, *dataSet, nullptr);
     }
     const std::vector<Argument> arguments = argumentsOf(node);
@@ -105,6 +105,7 @@ TorvQDTable* FromLoader::addBox(const NamedTable& table, const TDataSet& dataSet
     const bool aliasTaken = !table.alias.isEmpty() && m_area.GetTable(table.alias);
     const bool isQualified = splitAtFullStops(table.written).size() > 1;
     TorvQDTable* box = m_area.addTable({table.written, &dataSet, params != nullptr, params,
+                                        params && m_keepsMeaning && !table.hasBrackets,
                                         isQualified ? table.written : QString(), table.alias});
     if (!m_guard) return nullptr;
     if (!box) {
@@ -134,7 +135,8 @@ TorvQDTable* FromLoader::boxToReuse(const NamedTable& table) const {
 }
 
 FromLoader::NamedTable FromLoader::named(const TorvQDParser& node) {
-    NamedTable table{node.Text(), {}, {}, false, node.Start(), node.End()};
+    NamedTable table{node.Text(),  {},        {}, false, node.Location() == inFunction,
+                     node.Start(), node.End()};
     const QStringList parts = splitAtFullStops(node.Text());
     QStringList written;
     QStringList lookup;
@@ -182,7 +184,7 @@ void FromLoader::readDetachedAlias(NamedTable& table) const {
 
 // The host is not asked for the alias of a derived table.
 void FromLoader::loseDerivedTable(const TorvQDParser& node) {
-    NamedTable bracket{{}, {}, {}, false, node.Start(), node.End()};
+    NamedTable bracket{{}, {}, {}, false, false, node.Start(), node.End()};
     readDetachedAlias(bracket);
     if (bracket.hasOwnAlias) readColumnNames(bracket);
     m_readUpTo = bracket.end;

@@ -76,6 +76,10 @@ void FromLoader::fillParameters(const std::vector<Argument>& arguments, const To
             param.Value = TorvQDSProc::valueFromText(argument.text, param.DataType, m_keepsMeaning);
         }
     }
+    if (!m_keepsMeaning && node.Location() != inFunction) {
+        report(node.Start(), node.End(),
+               QStringLiteral("The call has no brackets: it is written with them."));
+    }
     if (isShort && !m_keepsMeaning) {
         report(node.Start(), node.End(),
                QStringLiteral("The procedure has more parameters than this gives values: they are "
