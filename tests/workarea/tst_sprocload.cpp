@@ -158,6 +158,63 @@ private Q_SLOTS:
         QCOMPARE(classic.spans(), QStringList("0 q(1)"));
     }
 
+    void callWithoutBracketsComesBackWithoutThem_data() {
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QString>("text");
+        const auto row = [](const char* from, const char* text) {
+            QTest::newRow(from) << QString::fromLatin1(from) << QString::fromLatin1(text);
+        };
+        row("q", "Q");
+        row("n", "N");
+        row("q r", "Q R");
+        row("q as r", "Q R");
+        row("t cross join q r", "T,\r\nQ R");
+        row("t left join q r on r.a = t.a", "T\r\n   LEFT OUTER JOIN Q R ON (T.A = R.A)");
+        row("q()", "Q()");
+        row("q ( ) r", "Q() R");
+        row("n()", "N()");
+    }
+    void callWithoutBracketsComesBackWithoutThem() {
+        QFETCH(QString, from);
+        QFETCH(QString, text);
+        CallBuilder on(true);
+        on.host.addProc("N", {"A"}, TParams());
+        on.load(from);
+        QCOMPARE(on.spans(), QStringList());
+        QCOMPARE(on.text(), text);
+        CallBuilder second(true);
+        second.builder.RestoreState(on.builder.SaveState());
+        QCOMPARE(second.text(), text);
+        QCOMPARE(second.builder.SaveState(), on.builder.SaveState());
+    }
+
+    void firstValueBringsBrackets() {
+        CallBuilder on(true);
+        on.load("q");
+        TorvQDSProc* box = on.proc("Q");
+        TorvQDListItem* row = box->GetFieldItem("V");
+        box->setParameter(row, 5);
+        QCOMPARE(on.text(), QString("Q(:U, 5)"));
+        box->setParameter(row, {});
+        QCOMPARE(on.text(), QString("Q(:U, :V)"));
+        box->setParameter(row, QVariant::fromValue(orv::SqlText()));
+        QCOMPARE(on.text(), QString("Q"));
+    }
+
+    void plainRulesWriteBracketsAndTell() {
+        CallBuilder on(false);
+        on.host.addProc("N", {"A"}, TParams());
+        on.load("n");
+        QCOMPARE(on.text(), QString("N()"));
+        QCOMPARE(on.spans(), QStringList("0 n"));
+        on.load("p r");
+        QCOMPARE(on.text(), QString("P(:X) R"));
+        QVERIFY(on.spans().contains("0 p"));
+        QVERIFY(!on.builder.SaveState().contains("\"brackets\""));
+        on.load("n()");
+        QCOMPARE(on.spans(), QStringList());
+    }
+
     void surplusArgumentsAreToldWhereTheyStand() {
         for (const bool keepMeaning : {false, true}) {
             CallBuilder on(keepMeaning);
