@@ -112,6 +112,7 @@ private:
     static bool hasAlias(const TorvQDParser& node);
     static void useAlias(NamedTable& table, const QString& text, int end);
     void readDetachedAlias(NamedTable& table) const;
+    int loseAddition(const NamedTable& table);
     void readColumnNames(NamedTable& table) const;
     void loseDerivedTable(const TorvQDParser& node);
 
