@@ -2,6 +2,7 @@
 #include "criteria/ORVQDAliasRename.h"
 
 #include "core/Text.h"
+#include "parser/ORVQDExpressions.h"
 #include "parser/ORVQDTokens.h"
 
 #include <algorithm>
@@ -89,9 +90,10 @@ private:
 
 }  // namespace
 
-QString renamedAlias(const QString& text, const QString& newAlias, const QString& oldAlias) {
+QString renamedAlias(const QString& given, const QString& newAlias, const QString& oldAlias) {
     const QString prefix = oldAlias + u'.';
-    if (!text.contains(prefix)) return text;
+    const QString text = withJoinedNames(given);
+    if (!text.contains(prefix)) return given;
     const SqlTokens tokens = tokenise(text);
     const TokenRun run(text, tokens.data(), tokens.data() + tokens.size());
     const std::vector<bool> hidden = ScopeFinder(run, oldAlias).hiddenTokens();

@@ -292,6 +292,25 @@ bool isFieldName(const QString& text) {
     return tokens.size() == 1 && namesField({text, tokens.data(), tokens.data() + 1}, 0);
 }
 
+QString withJoinedNames(const QString& text) {
+    if (!text.contains(QStringLiteral(" .")) && !text.contains(QStringLiteral(". "))) return text;
+    QString joined;
+    int copied = 0;
+    const SqlToken* before = nullptr;
+    const SqlTokens tokens = tokenise(text);
+    for (const SqlToken& token : tokens) {
+        const bool isOneName = before && before->kind == SqlToken::Word &&
+                               token.kind == SqlToken::Word &&
+                               (text[before->end - 1] == u'.' || text[token.start] == u'.');
+        if (isOneName) {
+            joined += QStringView(text).mid(copied, before->end - copied);
+            copied = token.start;
+        }
+        before = &token;
+    }
+    return joined + text.mid(copied);
+}
+
 bool isWholeNumber(const QString& text) {
     bool isNumber = false;
     QString digits = text;

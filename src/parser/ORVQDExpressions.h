@@ -47,6 +47,9 @@ struct AliasedRun {
 /// Whether the text is one name of a field, qualified or not.
 [[nodiscard]] ORV_EXPORT bool isFieldName(const QString& text);
 
+/// The text with each qualified name in one piece: without blanks around its full stops.
+[[nodiscard]] ORV_EXPORT QString withJoinedNames(const QString& text);
+
 /// Whether the text is a whole number, with or without a sign.
 [[nodiscard]] ORV_EXPORT bool isWholeNumber(const QString& text);
 

@@ -82,7 +82,56 @@ void LoadLedger::rememberBrokenLines() {
     }
 }
 
+namespace {
+
+// Quotes of single dialects are read as SQL: words in them are written in upper case, and a quote
+// or comma in them ends something.
+void reportForeignQuotes(LoadLedger& ledger, int end) {
+    const QStringView text = QStringView(ledger.text()).left(end);
+    const auto isWordPart = [](QChar character) {
+        return character.isLetterOrNumber() || character == u'_' || character == u'$';
+    };
+    const auto tell = [&](qsizetype first, qsizetype behind) {
+        ledger.report(int(first), int(behind),
+                      QStringLiteral("This kind of quoting is not known: the text can come back "
+                                     "changed."));
+    };
+    for (qsizetype index = 0; index < text.size(); ++index) {
+        const QChar character = text[index];
+        const bool beginsWord = index == 0 || !isWordPart(text[index - 1]);
+        if (character == u'\'' || character == u'"') {
+            qsizetype close = text.indexOf(character, index + 1);
+            if (close < 0) return;
+            const QChar prefix = index > 0 ? text[index - 1].toUpper() : QChar();
+            const bool isPrefixed = character == u'\'' && (prefix == u'E' || prefix == u'Q') &&
+                                    (index == 1 || !isWordPart(text[index - 2]));
+            if (isPrefixed && (prefix == u'Q' || text[close - 1] == u'\\')) {
+                tell(index - 1, close + 1);
+            }
+            index = close;
+        } else if (character == u'$' && beginsWord) {
+            qsizetype tagEnd = index + 1;
+            while (tagEnd < text.size() && text[tagEnd] != u'$' && isWordPart(text[tagEnd])) {
+                ++tagEnd;
+            }
+            if (tagEnd >= text.size() || text[tagEnd] != u'$') continue;
+            const QStringView tag = text.mid(index, tagEnd + 1 - index);
+            const qsizetype close = text.indexOf(tag, tagEnd + 1);
+            if (close < 0) continue;
+            // One word comes back as it is, as names of parameters do.
+            const QStringView inside = text.mid(tagEnd + 1, close - tagEnd - 1);
+            if (!std::all_of(inside.begin(), inside.end(), isWordPart)) {
+                tell(index, close + tag.size());
+            }
+            index = close + tag.size() - 1;
+        }
+    }
+}
+
+}  // namespace
+
 void LoadLedger::reportChangedTexts(int end) {
+    reportForeignQuotes(*this, end);
     for (const SqlToken& token : m_brokenLines) {
         if (token.start >= end) break;
         report(token.start, token.end,

@@ -40,7 +40,8 @@ QString qualifiedNameProblem(const TorvQueryBuilder& builder, const QString& nam
 
 }  // namespace
 
-void visitQualifiedNames(const QString& text, const std::function<void(const QString&)>& visit) {
+void visitQualifiedNames(const QString& given, const std::function<void(const QString&)>& visit) {
+    const QString text = withJoinedNames(given);
     const SqlTokens tokens = tokenise(text);
     const TokenRun run(text, tokens.data(), tokens.data() + tokens.size());
     for (int index = 0; index < run.size();) {
@@ -55,6 +56,27 @@ void visitQualifiedNames(const QString& text, const std::function<void(const QSt
         if (run[index].kind == SqlToken::Word && !isCall && firstFullStop(word) >= 0) visit(word);
         ++index;
     }
+}
+
+void visitArgumentProblems(
+    const TorvQueryBuilder& builder, const QString& text, const TorvQDTable& procedure,
+    const std::function<void(const QString& name, const QString& what)>& visit) {
+    const QString name = withJoinedNames(text);
+    const bool isBare = isFieldName(name) && firstFullStop(name) < 0;
+    int others = 0;
+    bool isOwn = false;
+    for (const TorvQDTable* table : builder.WorkArea->tablesWithField(isBare ? name : QString())) {
+        const TorvQDListItem* item = table->findItem(name);
+        if (!item || item->ParamType != ptOutput) continue;
+        if (table == &procedure) isOwn = true;
+        if (table != &procedure) ++others;
+    }
+    if (others == 1 && isOwn) return;
+    if (others == 0 && isOwn) {
+        visit(name, QStringLiteral("An argument cannot mean a column of its own procedure."));
+        return;
+    }
+    visitNameProblems(builder, text, visit);
 }
 
 void visitNameProblems(const TorvQueryBuilder& builder, const QString& text,

@@ -5,6 +5,7 @@
 
 #include <functional>
 
+class TorvQDTable;
 class TorvQueryBuilder;
 
 namespace orv {
@@ -18,5 +19,10 @@ void visitQualifiedNames(const QString& text, const std::function<void(const QSt
 /// know by themselves, so only a whole text counts as a field that is gone.
 void visitNameProblems(const TorvQueryBuilder& builder, const QString& text,
                        const std::function<void(const QString& name, const QString& what)>& visit);
+
+/// The same for an argument of the procedure, whose own columns an argument cannot mean.
+void visitArgumentProblems(
+    const TorvQueryBuilder& builder, const QString& text, const TorvQDTable& procedure,
+    const std::function<void(const QString& name, const QString& what)>& visit);
 
 }  // namespace orv

@@ -66,6 +66,7 @@ void writeTable(JsonWriter& json, const TorvQDTable& table) {
         json.key("parameters").beginArray();
         for (const TorvQDListItem* item : parameters) writeParameter(json, *item);
         json.endArray();
+        if (procedure->isWithoutBrackets()) json.key("brackets").value(false);
     }
     if (!table.Expanded) json.key("collapsed").value(true);
     if (table.FirstVisibleItem != 0) json.key("firstRow").value(table.FirstVisibleItem);

@@ -147,6 +147,7 @@ QueryState::Table readTable(const Value& value) {
     }
     if (table.isProcedure) {
         for (const Value& param : value.key("parameters").items()) readParameter(param, table);
+        table.withoutBrackets = !value.key("brackets").flagOr(true);
     }
     table.collapsed = value.key("collapsed").flagOr(false);
     if (!value.key("firstRow").isMissing()) table.firstRow = value.key("firstRow").number();

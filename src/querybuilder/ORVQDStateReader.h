@@ -27,6 +27,7 @@ struct QueryState {
         bool isProcedure = false;
         TParams params;                  ///< of a procedure
         std::vector<bool> paramChecked;  ///< by parameter
+        bool withoutBrackets = false;    ///< the call has none while it has no arguments
         bool collapsed = false;
         int firstRow = 0;
         int shownRows = -1;  ///< whole rows that the list shows; -1: as many as its height gives

@@ -4,6 +4,7 @@
 #include "core/Error.h"
 #include "core/Text.h"
 #include "criteria/ORVQDWherePanel.h"
+#include "parser/ORVQDArgument.h"
 #include "parser/ORVQDExpressions.h"
 #include "parser/ORVQDNormalise.h"
 #include "parser/ORVQDTokens.h"
@@ -53,6 +54,7 @@ public:
         checkJoins();
         checkParameters();
         checkValues();
+        checkPlaceholders();
         checkColumns();
         checkRows(*m_builder.WherePanel->rootRow(), QString());
         checkRows(*m_builder.HavingPanel->rootRow(), QString());
@@ -115,7 +117,7 @@ private:
         visitParameters([&](const TorvQDListItem& row) {
             if (row.ParamType != ptInput) return;
             if (const std::optional<QString> sql = TorvQDSProc::sqlOf(row)) {
-                checkNames(*sql);
+                checkArgument(row, *sql);
                 return;
             }
             const QVariant value = TorvQDSProc::valueOf(row);
@@ -151,6 +153,55 @@ private:
                                             "blank when the statement is loaded."));
             }
         });
+    }
+
+    // A blank one is left out of the call.
+    void checkArgument(const TorvQDListItem& row, const QString& sql) {
+        const QString problem = isBlank(sql) ? QString() : argumentProblem(sql);
+        if (!problem.isEmpty()) report(row.Table->GetAlias() + u'.' + row.Name, problem);
+        visitArgumentProblems(
+            m_builder, sql, *row.Table,
+            [this](const QString& name, const QString& what) { reportName(name, what); });
+    }
+
+    // The inputs that are written as placeholders; those behind the last argument are left out.
+    static std::vector<const TorvQDListItem*> placeholders(const TorvQDSProc& procedure) {
+        std::vector<const TorvQDListItem*> rows;
+        std::vector<const TorvQDListItem*> leftOut;
+        for (const TorvQDListItem* row : procedure.parameterRows()) {
+            if (row->ParamType != ptInput) continue;
+            const std::optional<QString> sql = TorvQDSProc::sqlOf(*row);
+            if (sql && isBlank(*sql)) {
+                leftOut.push_back(row);
+                continue;
+            }
+            rows.insert(rows.end(), leftOut.begin(), leftOut.end());
+            leftOut.clear();
+            if (!TorvQDSProc::valueOf(*row).isValid()) rows.push_back(row);
+        }
+        return rows;
+    }
+
+    // Whoever gives a placeholder a value gives it to each input that is written with its name.
+    void checkPlaceholders() {
+        QHash<QString, QStringList> inputs;  // by placeholder
+        QStringList order;
+        for (const TorvQDTable* table : m_builder.WorkArea->tablesByCreation()) {
+            const auto* procedure = qobject_cast<const TorvQDSProc*>(table);
+            if (!procedure) continue;
+            for (const TorvQDListItem* row : placeholders(*procedure)) {
+                const QString name = u':' + TorvQDSProc::placeholderName(*row);
+                if (!inputs.contains(name)) order << name;
+                inputs[name] << table->GetAlias() + u'.' + row->Name;
+            }
+        }
+        for (const QString& name : order) {
+            const QStringList sharing = inputs.value(name);
+            if (sharing.size() < 2) continue;
+            report(name,
+                   QStringLiteral("These parameters share a placeholder, and so one value: ") +
+                       sharing.join(QStringLiteral(", ")) + u'.');
+        }
     }
 
     // A condition that names two tables links them as a join does.
@@ -271,10 +322,13 @@ private:
     // Each name is told once.
     void checkNames(const QString& text) {
         visitNameProblems(m_builder, text, [this](const QString& name, const QString& what) {
-            if (m_told.contains(name)) return;
-            m_told.insert(name);
-            report(name, what);
+            reportName(name, what);
         });
+    }
+    void reportName(const QString& name, const QString& what) {
+        if (m_told.contains(name)) return;
+        m_told.insert(name);
+        report(name, what);
     }
 
     // --- the statement ---

@@ -10,6 +10,7 @@
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
 #include "workarea/ORVQDFloatPanel.h"
+#include "workarea/ORVQDSProc.h"
 
 #include <QSet>
 #include <QThread>
@@ -35,6 +36,9 @@ public:
             TorvQDTable* box =
                 m_area.restoreTable(saved.name, saved.alias, saved.fields, saved.bounds,
                                     saved.isProcedure ? &saved.params : nullptr);
+            if (auto* procedure = qobject_cast<TorvQDSProc*>(box)) {
+                procedure->setWithoutBrackets(saved.withoutBrackets);
+            }
             for (std::size_t field = 0; field < saved.checked.size(); ++field) {
                 if (saved.checked[field]) box->Items[field]->UpdateCheck(-1);
             }

@@ -185,7 +185,10 @@ TorvQDTable* TorvQDWorkArea::addTable(const NewBox& wanted) {
 std::unique_ptr<TorvQDTable> TorvQDWorkArea::makeBox(const NewBox& wanted) {
     std::unique_ptr<TorvQDTable> box;
     if (wanted.isProcedure) {
-        box = std::make_unique<TorvQDSProc>(this, wanted.dataSet, wanted.name, wanted.params);
+        auto procedure =
+            std::make_unique<TorvQDSProc>(this, wanted.dataSet, wanted.name, wanted.params);
+        procedure->setWithoutBrackets(wanted.withoutBrackets);
+        box = std::move(procedure);
     } else {
         box = std::make_unique<TorvQDTable>(this, wanted.dataSet, wanted.name);
     }
@@ -229,7 +232,8 @@ void TorvQDWorkArea::tellTicks(TorvQDTable* table) {
 TorvQDTable* TorvQDWorkArea::restoreTable(const QString& name, const QString& alias,
                                           const TDataSet& dataSet, const QRect& bounds,
                                           const TParams* params) {
-    std::unique_ptr<TorvQDTable> box = makeBox({name, &dataSet, params != nullptr, params, name});
+    std::unique_ptr<TorvQDTable> box =
+        makeBox({name, &dataSet, params != nullptr, params, false, name});
     if (alias != name) box->SetAlias(alias);
     if (bounds.isValid()) {
         box->SetWidth(bounds.width());

@@ -336,6 +336,7 @@ private:
         const TDataSet* dataSet = nullptr;
         bool isProcedure = false;
         const TParams* params = nullptr;
+        bool withoutBrackets = false;  // a call that has none
         QString writtenName = {};
         QString finalAlias = {};
     };

@@ -345,10 +345,8 @@ orv::FromDiagram TorvQDWorkArea::fromDiagram() const {
     QHash<const TorvQDTable*, int> numbers;
     const auto add = [&](const TorvQDTable* table) {
         numbers.insert(table, int(diagram.tables.size()));
-        QString name = table->TableName;
-        if (const auto* procedure = qobject_cast<const TorvQDSProc*>(table)) {
-            name += u'(' + procedure->GetParameters() + u')';
-        }
+        const auto* procedure = qobject_cast<const TorvQDSProc*>(table);
+        const QString name = procedure ? procedure->call() : table->TableName;
         diagram.tables.push_back({name, table->GetAlias(), table->TableName});
     };
     if (m_owner->KeepMeaning()) {
@@ -412,10 +410,25 @@ std::vector<TorvQDListItem*> TorvQDWorkArea::earlyArguments() const {
     return early;
 }
 
+namespace {
+
+// The tables that have such a field. The columns of a call cannot be meant by its own arguments.
+std::vector<const TorvQDTable*> otherOwners(const TorvQDWorkArea& area, const QString& field,
+                                            const TorvQDListItem& row) {
+    std::vector<const TorvQDTable*> others;
+    for (const TorvQDTable* owner : area.tablesWithField(field)) {
+        const TorvQDListItem* item = owner == row.Table ? nullptr : owner->findItem(field);
+        if (item && item->ParamType == ptOutput) others.push_back(owner);
+    }
+    return others;
+}
+
+}  // namespace
+
 // The tables that the SQL of a parameter names. A bare name in a sub-query is taken for a field of
-// its own tables.
+// its own tables; one that several tables have, for a field of those that were there before.
 std::vector<const TorvQDTable*> TorvQDWorkArea::tablesNamedBy(const TorvQDListItem& row) const {
-    const QString text = TorvQDSProc::sqlOf(row).value_or(QString());
+    const QString text = orv::withJoinedNames(TorvQDSProc::sqlOf(row).value_or(QString()));
     const orv::SqlTokens tokens = orv::tokenise(text);
     const orv::TokenRun run(text, tokens.data(), tokens.data() + tokens.size());
     const std::vector<bool> inSubQuery = orv::insideSubQueries(run);
@@ -424,14 +437,15 @@ std::vector<const TorvQDTable*> TorvQDWorkArea::tablesNamedBy(const TorvQDListIt
         const bool isCall = index + 1 < run.size() && run[index + 1].kind == orv::SqlToken::Open;
         if (isCall || !orv::namesField(run, index)) continue;
         const orv::QualifiedName name = orv::splitQualifiedName(run.textOf(index).toString());
-        const std::vector<TorvQDTable*>* owners = tablesByField(name.field);
-        const TorvQDTable* table = nullptr;
         if (!name.alias.isEmpty()) {
-            table = findTable(name.alias);
-        } else if (!inSubQuery[std::size_t(index)] && owners && owners->size() == 1) {
-            table = owners->front() == row.Table ? nullptr : owners->front();
+            if (const TorvQDTable* table = findTable(name.alias)) tables.push_back(table);
+            continue;
         }
-        if (table) tables.push_back(table);
+        if (inSubQuery[std::size_t(index)]) continue;
+        const std::vector<const TorvQDTable*> owners = otherOwners(*this, name.field, row);
+        for (const TorvQDTable* owner : owners) {
+            if (owners.size() == 1 || createdBefore(owner, row.Table)) tables.push_back(owner);
+        }
     }
     return tables;
 }

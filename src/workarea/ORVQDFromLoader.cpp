@@ -9,6 +9,8 @@
 
 #include <QStringList>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int topLevel = 0;  // bracket depth of a statement's own clauses
@@ -21,6 +23,38 @@ QStringList splitAtFullStops(const QString& name) {
         rest = rest.mid(stop + 1);
     }
     return parts << rest;
+}
+
+// Words of SQL itself; in quotes each of them is a name.
+bool mayBeAlias(const QString& text) {
+    const orv::WordInfo info = orv::wordInfo(text);
+    return !(info.is(orv::wordJoin) || info.is(orv::wordNeverAlias) || info.is(orv::wordOn) ||
+             info.is(orv::wordClause) || info.is(orv::wordLogical) || info.is(orv::wordMatching));
+}
+
+// Whether the next table, or what a join says of this one, begins with the token.
+bool continuesFrom(const orv::TokenRun& run, int index) {
+    if (run[index].depth != topLevel) return false;
+    if (run[index].kind == orv::SqlToken::Comma) return true;
+    const orv::WordInfo info = orv::wordInfo(orv::upperOutsideQuotes(run.textOf(index)));
+    return info.is(orv::wordJoin) || info.is(orv::wordNeverAlias) || info.is(orv::wordOn) ||
+           info.is(orv::wordClause);
+}
+
+// Why no box can be made of what the program answered; empty when one can.
+QString answerProblem(const TDataSet& dataSet, const TParams* params) {
+    const auto isNameless = [](const auto& item) { return item.Name.isEmpty(); };
+    if (std::any_of(dataSet.FieldDefs.begin(), dataSet.FieldDefs.end(), isNameless)) {
+        return QStringLiteral(
+            "The program gives this table a field without a name: it is not "
+            "loaded.");
+    }
+    if (params && std::any_of(params->Items.begin(), params->Items.end(), isNameless)) {
+        return QStringLiteral(
+            "The program gives this procedure a parameter without a name: it is "
+            "not loaded.");
+    }
+    return {};
 }
 
 bool isName(const QString& text) {
@@ -73,7 +107,7 @@ void FromLoader::loadItems() {
 TorvQDTable* FromLoader::loadTable(const TorvQDParser& node) {
     NamedTable table = named(node);
     if (!hasAlias(node)) readDetachedAlias(table);
-    m_readUpTo = table.end;
+    m_readUpTo = std::max(table.end, loseAddition(table));
     std::unique_ptr<TDataSet> dataSet;
     std::unique_ptr<TParams> params;
     m_area.m_owner->getTableFields(table.lookup, dataSet, params);
@@ -89,8 +123,12 @@ TorvQDTable* FromLoader::loadTable(const TorvQDParser& node) {
                               "time."));
         return box;
     }
+    if (const QString problem = answerProblem(*dataSet, params.get()); !problem.isEmpty()) {
+        report(table.start, table.end, problem);
+        return nullptr;
+    }
     if (!params) {
-        if (node.Location() == inFunction) loseArguments(node);
+        if (table.hasBrackets) loseArguments(node);
         return addBox(table, *dataSet, nullptr);
     }
     const std::vector<Argument> arguments = argumentsOf(node);
@@ -105,6 +143,7 @@ TorvQDTable* FromLoader::addBox(const NamedTable& table, const TDataSet& dataSet
     const bool aliasTaken = !table.alias.isEmpty() && m_area.GetTable(table.alias);
     const bool isQualified = splitAtFullStops(table.written).size() > 1;
     TorvQDTable* box = m_area.addTable({table.written, &dataSet, params != nullptr, params,
+                                        params && m_keepsMeaning && !table.hasBrackets,
                                         isQualified ? table.written : QString(), table.alias});
     if (!m_guard) return nullptr;
     if (!box) {
@@ -134,7 +173,8 @@ TorvQDTable* FromLoader::boxToReuse(const NamedTable& table) const {
 }
 
 FromLoader::NamedTable FromLoader::named(const TorvQDParser& node) {
-    NamedTable table{node.Text(), {}, {}, false, node.Start(), node.End()};
+    NamedTable table{node.Text(),  {},        {}, false, node.Location() == inFunction,
+                     node.Start(), node.End()};
     const QStringList parts = splitAtFullStops(node.Text());
     QStringList written;
     QStringList lookup;
@@ -149,7 +189,7 @@ FromLoader::NamedTable FromLoader::named(const TorvQDParser& node) {
     }
     table.lookup = lookup.join(u'.');
     for (const TorvQDParser::Node& child : node.Children()) {
-        if (child->Kind() == otAlias && isName(child->Text())) {
+        if (child->Kind() == otAlias && isName(child->Text()) && mayBeAlias(child->Text())) {
             useAlias(table, child->Text(), child->End());
         }
     }
@@ -174,15 +214,28 @@ void FromLoader::readDetachedAlias(NamedTable& table) const {
     const int index = !behind.isEmpty() && behind.is(0, u"AS") ? 1 : 0;
     if (index >= behind.size() || behind[index].depth != topLevel) return;
     const QString text = orv::upperOutsideQuotes(behind.textOf(index));
-    const orv::WordInfo info = orv::wordInfo(text);
-    const bool continues = info.is(orv::wordJoin) || info.is(orv::wordNeverAlias) ||
-                           info.is(orv::wordOn) || info.is(orv::wordClause);
-    if (isName(text) && !continues) useAlias(table, text, behind[index].end);
+    if (isName(text) && mayBeAlias(text)) useAlias(table, text, behind[index].end);
+}
+
+// What a dialect adds to a table (WITH ORDINALITY) is no alias and no table: it is lost up to the
+// next table. Tells where that is.
+int FromLoader::loseAddition(const NamedTable& table) {
+    if (!m_ledger || table.hasOwnAlias) return table.end;
+    const orv::TokenRun behind = m_ledger->tokensIn(table.end, m_node.End());
+    if (behind.isEmpty() || continuesFrom(behind, 0)) return table.end;
+    if (mayBeAlias(orv::upperOutsideQuotes(behind.textOf(0)))) return table.end;
+    int last = 0;
+    while (last + 1 < behind.size() && !continuesFrom(behind, last + 1)) ++last;
+    const int end = behind[last].end;
+    report(behind.start(), end,
+           QStringLiteral("This is no alias, and nothing else that a table can have here: it is "
+                          "not loaded."));
+    return end;
 }
 
 // The host is not asked for the alias of a derived table.
 void FromLoader::loseDerivedTable(const TorvQDParser& node) {
-    NamedTable bracket{{}, {}, {}, false, node.Start(), node.End()};
+    NamedTable bracket{{}, {}, {}, false, false, node.Start(), node.End()};
     readDetachedAlias(bracket);
     if (bracket.hasOwnAlias) readColumnNames(bracket);
     m_readUpTo = bracket.end;

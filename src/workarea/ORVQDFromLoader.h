@@ -29,6 +29,7 @@ private:
         QString lookup;    ///< as the host is asked for it
         QString alias;     ///< as given; empty without one
         bool hasOwnAlias;  ///< the text gives the alias, it is not implied by a qualified name
+        bool hasBrackets;  ///< of a call
         int start;         ///< span, alias included
         int end;
     };
@@ -111,6 +112,7 @@ private:
     static bool hasAlias(const TorvQDParser& node);
     static void useAlias(NamedTable& table, const QString& text, int end);
     void readDetachedAlias(NamedTable& table) const;
+    int loseAddition(const NamedTable& table);
     void readColumnNames(NamedTable& table) const;
     void loseDerivedTable(const TorvQDParser& node);
 

@@ -72,9 +72,19 @@ void FromLoader::fillParameters(const std::vector<Argument>& arguments, const To
             report(node.Start(), node.End(),
                    QStringLiteral("An argument is missing between two commas: its parameter is "
                                   "written."));
-        } else if (!isPlaceholder(argument.text, name)) {
+        } else if (isPlaceholder(argument.text, name)) {
+            if (QStringView(argument.text).mid(1) == name) continue;
+            report(argument.start, argument.end,
+                   QStringLiteral("The placeholder is written as :%1, which a database may take "
+                                  "for another one.")
+                       .arg(name));
+        } else {
             param.Value = TorvQDSProc::valueFromText(argument.text, param.DataType, m_keepsMeaning);
         }
+    }
+    if (!m_keepsMeaning && node.Location() != inFunction) {
+        report(node.Start(), node.End(),
+               QStringLiteral("The call has no brackets: it is written with them."));
     }
     if (isShort && !m_keepsMeaning) {
         report(node.Start(), node.End(),

@@ -165,6 +165,12 @@ QString TorvQDSProc::GetParameters() const {
     return values.join(QStringLiteral(", "));
 }
 
+QString TorvQDSProc::call() const {
+    const QString arguments = GetParameters();
+    if (m_withoutBrackets && arguments.isEmpty() && keepsMeaning()) return TableName;
+    return TableName + u'(' + arguments + u')';
+}
+
 std::vector<TorvQDListItem*> TorvQDSProc::parameterRows() const {
     std::vector<TorvQDListItem*> rows;
     if (m_parameterVersion != rowsVersion()) return rows;

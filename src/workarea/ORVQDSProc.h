@@ -27,6 +27,11 @@ public:
     [[nodiscard]] QColor GetClientColor() const override;
     /// The arguments of the call, as they stand between its brackets.
     [[nodiscard]] QString GetParameters() const;
+    /// The call as FROM has it: the name and, in brackets, the arguments. With meaning kept, one
+    /// that was loaded without brackets has none while it has no arguments.
+    [[nodiscard]] QString call() const;
+    [[nodiscard]] bool isWithoutBrackets() const { return m_withoutBrackets; }
+    void setWithoutBrackets(bool value) { m_withoutBrackets = value; }
 
     /// The parameters as the host gave them; the rows hold the present values.
     [[nodiscard]] const TParams& Params() const { return m_params; }
@@ -71,5 +76,6 @@ private:
 
     TParams m_params;
     std::size_t m_firstParameter = 0;  // row
-    int m_parameterVersion = 0;        // of the rows: others that were assigned have none
+    bool m_withoutBrackets = false;
+    int m_parameterVersion = 0;  // of the rows: others that were assigned have none
 };

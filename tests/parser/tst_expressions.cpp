@@ -17,6 +17,7 @@ class TestExpressions : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void joinsNames();
     void splitsAliases_data();
     void splitsAliases();
     void tellsExpressions_data();
@@ -234,6 +235,14 @@ void TestExpressions::tokenKeys() {
     QFETCH(QString, right);
     QFETCH(bool, equal);
     QCOMPARE(tokenKey(left) == tokenKey(right), equal);
+}
+
+void TestExpressions::joinsNames() {
+    QCOMPARE(orv::withJoinedNames("T . A + U. \"b . c\" * V .D"),
+             QString("T.A + U.\"b . c\" * V.D"));
+    for (const char* text : {"T.A + 1", "'a . b'", "1. + 2", "A + .5", "A .5"}) {
+        QCOMPARE(orv::withJoinedNames(text), QString(text));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestExpressions)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What is wrong with a state that can be written.
 #include "criteria/ORVQDWherePanel.h"
+#include "data/SqlText.h"
 #include "support/BuilderTools.h"
 
 #include <QTest>
@@ -228,6 +229,88 @@ private Q_SLOTS:
             QCOMPARE(found(on).size(), 1);
             QVERIFY2(found(on).front().contains("closes a circle"), qPrintable(found(on).front()));
         }
+    }
+
+    // --- procedures
+
+    void sqlThatIsNotOneArgumentIsNamed_data() {
+        QTest::addColumn<QString>("sql");
+        QTest::addColumn<QString>("problem");
+        const auto row = [](const char* sql, const char* problem) {
+            QTest::newRow(sql) << QString::fromLatin1(sql) << QString::fromLatin1(problem);
+        };
+        row("1, 2", "A comma outside brackets makes more than one argument of this.");
+        row("1 -- c", "An argument has no comments.");
+        row("(", "The brackets do not match.");
+        row("'", "A quote is not closed.");
+        row("1) , O (", "The brackets do not match.");
+        row("1;", "A semicolon ends the statement.");
+    }
+    void sqlThatIsNotOneArgumentIsNamed() {
+        QFETCH(QString, sql);
+        QFETCH(QString, problem);
+        HostedBuilder on(true);
+        on.host.addProc("P", {"A"}, TParams({{"X", ftInteger, ptInput}}));
+        TorvQDSProc* box = on.addProc("P");
+        box->setParameter(box->GetFieldItem("X"), QVariant::fromValue(orv::SqlText{sql}));
+        QCOMPARE(found(on), QStringList("P.X: " + problem));
+        for (const char* sound : {"", " ", "F(1, 2)", "'a, b'"}) {
+            box->setParameter(box->GetFieldItem("X"), QVariant::fromValue(orv::SqlText{sound}));
+            QCOMPARE(found(on), QStringList());
+        }
+    }
+
+    void namesInArgumentsAreThoseOfOtherTables_data() {
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QStringList>("problems");
+        const auto row = [](const char* from, const QStringList& problems) {
+            QTest::newRow(from) << QString::fromLatin1(from) << problems;
+        };
+        row("t t1, p(t1 . a, 1) r", {});
+        row("t, p(a, 1) r", {});
+        row("t, p(z . a, t.a) r", {"Z.A" + noTable});
+        row("t, p(b, f(t . e . x)) r", {"T.E.X" + noField});
+        row("p(a, 1) r", {"A: An argument cannot mean a column of its own procedure."});
+        row("t, u, p(a, 1) r", {"A: Several tables have this field."});
+    }
+    void namesInArgumentsAreThoseOfOtherTables() {
+        QFETCH(QString, from);
+        QFETCH(QStringList, problems);
+        HostedBuilder on(true);
+        on.host.addProc("P", {"A"},
+                        TParams({{"X", ftInteger, ptInput}, {"Y", ftInteger, ptInput}}));
+        on.builder.LoadSQL("select 1 from " + from);
+        QStringList told = found(on);
+        told.removeIf([](const QString& text) { return text.contains(": Nothing links this"); });
+        QCOMPARE(told, problems);
+    }
+
+    void parametersThatShareAPlaceholderAreNamed() {
+        HostedBuilder on(true);
+        on.host.addProc("P", {"A"},
+                        TParams({{"X-Y", ftInteger, ptInput}, {"XY", ftInteger, ptInput}}));
+        TorvQDSProc* box = on.addProc("P");
+        QCOMPARE(found(on),
+                 QStringList(":XY: These parameters share a placeholder, and so one value: "
+                             "P.\"X-Y\", P.XY."));
+        box->setParameter(box->Items[1].get(), 5);
+        QCOMPARE(found(on), QStringList());
+        box->setParameter(box->Items[1].get(), {});
+        // One that is left out is not written.
+        box->setParameter(box->Items[2].get(), QVariant::fromValue(orv::SqlText()));
+        QCOMPARE(found(on), QStringList());
+    }
+
+    void twoCallsThatShareAPlaceholderAreNamed() {
+        HostedBuilder on(true);
+        on.host.addProc("P", {"A"}, TParams({{"X", ftInteger, ptInput}}));
+        on.addProc("P");
+        TorvQDSProc* second = on.addProc("P");
+        const QString sharing =
+            ":X: These parameters share a placeholder, and so one value: P.X, P1.X.";
+        QVERIFY(found(on).contains(sharing));
+        second->setParameter(second->GetFieldItem("X"), 5);
+        QVERIFY(!found(on).contains(sharing));
     }
 
     void findingsHaveNoPosition() {

@@ -158,6 +158,155 @@ private Q_SLOTS:
         QCOMPARE(classic.spans(), QStringList("0 q(1)"));
     }
 
+    void callWithoutBracketsComesBackWithoutThem_data() {
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QString>("text");
+        const auto row = [](const char* from, const char* text) {
+            QTest::newRow(from) << QString::fromLatin1(from) << QString::fromLatin1(text);
+        };
+        row("q", "Q");
+        row("n", "N");
+        row("q r", "Q R");
+        row("q as r", "Q R");
+        row("t cross join q r", "T,\r\nQ R");
+        row("t left join q r on r.a = t.a", "T\r\n   LEFT OUTER JOIN Q R ON (T.A = R.A)");
+        row("q()", "Q()");
+        row("q ( ) r", "Q() R");
+        row("n()", "N()");
+    }
+    void callWithoutBracketsComesBackWithoutThem() {
+        QFETCH(QString, from);
+        QFETCH(QString, text);
+        CallBuilder on(true);
+        on.host.addProc("N", {"A"}, TParams());
+        on.load(from);
+        QCOMPARE(on.spans(), QStringList());
+        QCOMPARE(on.text(), text);
+        CallBuilder second(true);
+        second.builder.RestoreState(on.builder.SaveState());
+        QCOMPARE(second.text(), text);
+        QCOMPARE(second.builder.SaveState(), on.builder.SaveState());
+    }
+
+    void firstValueBringsBrackets() {
+        CallBuilder on(true);
+        on.load("q");
+        TorvQDSProc* box = on.proc("Q");
+        TorvQDListItem* row = box->GetFieldItem("V");
+        box->setParameter(row, 5);
+        QCOMPARE(on.text(), QString("Q(:U, 5)"));
+        box->setParameter(row, {});
+        QCOMPARE(on.text(), QString("Q(:U, :V)"));
+        box->setParameter(row, QVariant::fromValue(orv::SqlText()));
+        QCOMPARE(on.text(), QString("Q"));
+    }
+
+    void plainRulesWriteBracketsAndTell() {
+        CallBuilder on(false);
+        on.host.addProc("N", {"A"}, TParams());
+        on.load("n");
+        QCOMPARE(on.text(), QString("N()"));
+        QCOMPARE(on.spans(), QStringList("0 n"));
+        on.load("p r");
+        QCOMPARE(on.text(), QString("P(:X) R"));
+        QVERIFY(on.spans().contains("0 p"));
+        QVERIFY(!on.builder.SaveState().contains("\"brackets\""));
+        on.load("n()");
+        QCOMPARE(on.spans(), QStringList());
+    }
+
+    void placeholderInOtherLettersIsTold() {
+        CallBuilder classic(false);
+        classic.load("p(:x)");
+        QCOMPARE(classic.text(), QString("P(:X)"));
+        QCOMPARE(classic.spans(), QStringList("2 :x"));
+        CallBuilder kept(true);
+        kept.load("p(:x)");
+        QCOMPARE(kept.text(), QString("P(:x)"));
+        QCOMPARE(kept.spans(), QStringList());
+    }
+
+    // --- what is no call
+
+    void namelessAnswersAreRefusedAndTheRestIsLoaded() {
+        for (const bool keepMeaning : {false, true}) {
+            CallBuilder on(keepMeaning);
+            on.host.add("NF", {"A", ""});
+            on.host.addProc("NP", {"A"}, TParams({{"X", ftInteger, ptInput}, {"", ftInteger}}));
+            on.load("t, nf x, np(1, 2), u");
+            QCOMPARE(on.tables(), QStringList({"T", "U"}));
+            QCOMPARE(on.spans(), QStringList({"3 nf x", "9 np(1, 2)"}));
+            for (const orv::Finding& finding : on.builder.LoadReport()) {
+                QVERIFY(finding.what.contains("without a name"));
+            }
+            QCOMPARE(orvtest::brokenRule(on.builder), QString());
+        }
+    }
+
+    void additionsOfDialectsAreNoAliases_data() {
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QString>("lost");
+        QTest::addColumn<QStringList>("tables");
+        const auto row = [](const char* from, const char* lost, const QStringList& tables) {
+            QTest::newRow(from) << QString::fromLatin1(from) << QString::fromLatin1(lost) << tables;
+        };
+        row("p(1) with ordinality", "5 with ordinality", {"P"});
+        row("p(1) with ordinality, t", "5 with ordinality", {"P", "T"});
+        row("p(1) with ordinality as r(a, n), t", "5 with ordinality as r(a, n)", {"P", "T"});
+        row("t with (nolock), u", "2 with (nolock)", {"T", "U"});
+        row("t with ordinality cross join u", "2 with ordinality", {"T", "U"});
+        row("t not indexed, u", "2 not indexed", {"T", "U"});
+    }
+    void additionsOfDialectsAreNoAliases() {
+        QFETCH(QString, from);
+        QFETCH(QString, lost);
+        QFETCH(QStringList, tables);
+        for (const bool keepMeaning : {false, true}) {
+            CallBuilder on(keepMeaning);
+            on.host.add("ORDINALITY", {"A"});
+            on.host.add("INDEXED", {"A"});
+            on.load(from);
+            QCOMPARE(on.tables(), tables);
+            QCOMPARE(on.spans(), QStringList(lost));
+        }
+    }
+
+    void quotedWordIsAnAlias() {
+        CallBuilder on(true);
+        on.load("p(1) \"WITH\"");
+        QCOMPARE(on.text(), QString("P(1) \"WITH\""));
+        QCOMPARE(on.spans(), QStringList());
+    }
+
+    void quotesOfDialectsAreTold_data() {
+        QTest::addColumn<QString>("argument");
+        QTest::addColumn<bool>("isTold");
+        const auto row = [](const char* argument, bool isTold) {
+            QTest::newRow(argument) << QString::fromLatin1(argument) << isTold;
+        };
+        row("$$a b$$", true);
+        row("$x$it's$x$", true);
+        row("q'[a b]'", true);
+        row("e'it\\'", true);
+        row("$$ab$$", false);
+        row("$1", false);
+        row("'$$a b$$'", false);
+        row("'it\\'", false);
+        row("a$b", false);
+    }
+    void quotesOfDialectsAreTold() {
+        QFETCH(QString, argument);
+        QFETCH(bool, isTold);
+        CallBuilder on(true);
+        on.load("p(" + argument + ")");
+        bool told = false;
+        for (const orv::Finding& finding : on.builder.LoadReport()) {
+            told = told || finding.what.startsWith("This kind of quoting is not known");
+        }
+        QCOMPARE(told, isTold);
+        if (!isTold) QCOMPARE(on.spans(), QStringList());
+    }
+
     void surplusArgumentsAreToldWhereTheyStand() {
         for (const bool keepMeaning : {false, true}) {
             CallBuilder on(keepMeaning);
@@ -274,6 +423,31 @@ private Q_SLOTS:
         CallBuilder second(true);
         second.load(on.text());
         QCOMPARE(second.text(), on.text());
+    }
+
+    void turnedOrderIsToldOfEveryWayToNameATable_data() {
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QStringList>("spans");
+        const auto row = [](const char* from, const QStringList& spans) {
+            QTest::newRow(from) << QString::fromLatin1(from) << spans;
+        };
+        // By the plain rules the procedure, which is loaded last, is written in front.
+        row("t t1, p(t1 . a) r", {"8 t1 . a"});
+        row("t t1, p(t1. a + 1) r", {"8 t1. a + 1"});
+        row("t, p(a) r", {"5 a"});     // the procedure has such a column, too
+        row("t, u, p(a) r", {"8 a"});  // two other tables have it
+        row("t, p(nowhere) r", {});
+        row("p(a) r", {});
+    }
+    void turnedOrderIsToldOfEveryWayToNameATable() {
+        QFETCH(QString, from);
+        QFETCH(QStringList, spans);
+        CallBuilder classic(false);
+        classic.load(from);
+        QCOMPARE(classic.spans(), spans);
+        CallBuilder kept(true);
+        kept.load(from);
+        QCOMPARE(kept.spans(), QStringList());
     }
 
     // --- states
