@@ -237,7 +237,8 @@ std::optional<PlaceholderValues> MainWindow::askParameters(const QString& statem
 QString MainWindow::whatPreventsRunning(const QString& text) const {
     if (m_database == nullptr) return tr("There are no rows: no database is open.");
     if (!m_statement->problem().isEmpty()) return m_statement->problem();
-    return m_statement->isEdited() ? QString() : whatIsMissing(text);
+    const QString missing = m_statement->isEdited() ? QString() : whatIsMissing(text);
+    return missing.isEmpty() ? questionMarkProblem(text) : missing;
 }
 
 void MainWindow::stopQuery() {

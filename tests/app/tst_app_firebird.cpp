@@ -388,6 +388,15 @@ void TestFirebird::errorsAreTold() {
     const QString error = apptest::errorOf([this] { (void)run("SELECT X FROM NOWHERE"); });
     QVERIFY2(error.startsWith(QStringLiteral("The database says: ")), qPrintable(error));
     QVERIFY2(error.contains(QStringLiteral("NOWHERE")), qPrintable(error));
+    // The engine would take whatever is in the memory for their values.
+    const QString unnamed = QStringLiteral(
+        "The statement has a parameter \"?\", which has no name by which it could get a value; "
+        "please write it as :NAME.");
+    QCOMPARE(apptest::errorOf([this] { (void)run("SELECT N FROM SERIES(1, ?)"); }), unnamed);
+    QCOMPARE(apptest::errorOf([this] {
+                 (void)run("SELECT ID FROM ORDERS WHERE ID = ? OR ID = :B", {{"B", 2}});
+             }),
+             unnamed);
 }
 
 void TestFirebird::endlessQueryStops() {
