@@ -146,9 +146,8 @@ void MainWindow::enterParameter(TorvQDTable* box, TorvQDListItem* row) {
     const ParameterDialog::Subject subject = {procedure->GetCaption(), orv::unquotedName(row->Name),
                                               row->FieldType,
                                               u':' + TorvQDSProc::placeholderName(*row)};
-    const bool hasValue = parameterPlaceholder(*row).isEmpty();
     const QPointer<ParameterDialog> dialog =
-        new ParameterDialog(subject, hasValue ? TorvQDSProc::valueOf(*row) : QVariant(), this);
+        new ParameterDialog(subject, TorvQDSProc::valueOf(*row), this);
     connect(procedure, &QObject::destroyed, dialog, &QDialog::reject);
     const bool isAccepted = orv::runDialog(*dialog) == QDialog::Accepted;
     if (!self || !dialog) return;

@@ -3,6 +3,8 @@
 
 #include "data/SqlText.h"
 #include "parameters/ParameterText.h"
+#include "parameters/Placeholders.h"
+#include "parser/ORVQDArgument.h"
 
 #include <QDialogButtonBox>
 #include <QFontMetrics>
@@ -94,11 +96,13 @@ void ParameterDialog::buildChoices(const Subject& subject) {
     connect(m_field, &QLineEdit::textChanged, this, &ParameterDialog::refresh);
 }
 
-// Whoever opens it without a value is about to type one.
+// With what the parameter has, so that whoever only looks changes nothing.
 void ParameterDialog::begin(const QVariant& value) {
-    if (isSql(value)) {
+    if (!value.isValid()) {
+        m_unset->setChecked(true);
+    } else if (isSql(value)) {
         m_asSql->setChecked(true);
-    } else if (value.isValid() && value.isNull()) {
+    } else if (value.isNull()) {
         m_asNull->setChecked(true);
     } else {
         m_asValue->setChecked(true);
@@ -124,25 +128,31 @@ void ParameterDialog::refresh() {
     m_ok->setToolTip(text);
 }
 
+// The field has one line, and what was given may have several.
+bool ParameterDialog::holdsGiven() const {
+    if (m_field->isModified() || m_given.isNull()) return false;
+    return isSql(m_given) ? m_asSql->isChecked() : m_asValue->isChecked();
+}
+
 QString ParameterDialog::problem() const {
-    if (m_asNull->isChecked() || m_unset->isChecked()) return {};
+    if (m_asNull->isChecked() || m_unset->isChecked() || holdsGiven()) return {};
     if (m_asSql->isChecked()) {
-        return m_field->text().trimmed().isEmpty() ? tr("A column or an expression is expected.")
-                                                   : QString();
+        const QString text = orv::argumentProblem(m_field->text());
+        return text.isEmpty() ? questionMarkProblem(m_field->text()) : text;
     }
-    const bool isGiven = !m_field->isModified() && !m_given.isNull() && !isSql(m_given);
-    return isGiven ? QString() : readParameter(m_field->text(), m_type).problem;
+    return readParameter(m_field->text(), m_type).problem;
 }
 
 QVariant ParameterDialog::value() const {
     if (m_unset->isChecked()) return {};
     if (m_asNull->isChecked()) return QVariant::fromValue(nullptr);
+    if (holdsGiven()) return m_given;
     if (m_asSql->isChecked()) {
         return QVariant::fromValue(orv::SqlText{m_field->text().trimmed()});
     }
-    // The field has one line and the value may have several.
-    if (!m_field->isModified() && !m_given.isNull() && !isSql(m_given)) return m_given;
-    return readParameter(m_field->text(), m_type).value;
+    const QVariant value = readParameter(m_field->text(), m_type).value;
+    // As a value of its own kind it would be written with a "T", which not every database reads.
+    return value.metaType().id() == QMetaType::QDateTime ? parameterText(value) : value;
 }
 
 }  // namespace orvquery
