@@ -14,11 +14,14 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace orvquery {
 
 namespace {
 
 constexpr int fieldWidthInCharacters = 44;
+constexpr int problemLines = 2;
 
 bool isSql(const QVariant& value) {
     return value.metaType() == QMetaType::fromType<orv::SqlText>();
@@ -83,8 +86,9 @@ void ParameterDialog::buildChoices(const Subject& subject) {
     m_problem->setObjectName(QStringLiteral("problem"));
     m_problem->setTextFormat(Qt::PlainText);
     m_problem->setWordWrap(true);
-    // Its line is always there, so that nothing moves while one types.
-    m_problem->setMinimumHeight(m_problem->fontMetrics().lineSpacing());
+    // The lines of most texts are always there, so that nothing moves while one types.
+    m_problem->setMinimumHeight(problemLines * m_problem->fontMetrics().lineSpacing());
+    m_problem->setAlignment(Qt::AlignTop | Qt::AlignLeading);
     m_asValue->setObjectName(QStringLiteral("asValue"));
     m_asSql->setObjectName(QStringLiteral("asSql"));
     m_asNull->setObjectName(QStringLiteral("asNull"));
@@ -124,6 +128,9 @@ void ParameterDialog::refresh() {
     // An empty field is no mistake yet.
     m_problem->setText(m_field->text().isEmpty() ? QString() : text);
     m_problem->setAccessibleName(m_problem->text());
+    // The dialog takes no notice of the height that its width needs, and would cut it off.
+    m_problem->setMinimumHeight(
+        std::max(m_problem->minimumHeight(), m_problem->heightForWidth(m_problem->width())));
     m_ok->setEnabled(text.isEmpty());
     m_ok->setToolTip(text);
 }

@@ -309,7 +309,12 @@ void TestParameterDialogs::wrongSqlIsToldInPlace() {
     const auto problemOf = [&](const char* text) {
         field->selectAll();
         QTest::keyClicks(field, QLatin1String(text));
-        const QString problem = childOf<QLabel>(dialog, "problem")->text();
+        const auto* label = childOf<QLabel>(dialog, "problem");
+        const QString problem = label->text();
+        QCoreApplication::processEvents();
+        if (label->height() < label->heightForWidth(label->width())) {
+            return QStringLiteral("(cut off)");
+        }
         return problem.isEmpty() == ok->isEnabled() ? problem : QStringLiteral("(OK differs)");
     };
     QCOMPARE(problemOf("1, 2"),
