@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "database/FirebirdTypes.h"
 
+#include "data/SqlText.h"
+#include "parser/ORVQDArgument.h"
+
 namespace orvquery {
 
 namespace {
@@ -27,6 +30,12 @@ enum FirebirdType {
 };
 
 constexpr int textSubType = 1;
+
+// One that cannot stand in a call, as it has a comment perhaps, is left to be asked for.
+QVariant expressionValue(const QString& text) {
+    return orv::argumentProblem(text).isEmpty() ? QVariant::fromValue(orv::SqlText{text})
+                                                : QVariant();
+}
 
 }  // namespace
 
@@ -69,10 +78,11 @@ QVariant firebirdDefault(const QString& source) {
     if (isNumber) return whole;
     const double number = text.toDouble(&isNumber);
     if (isNumber) return number;
-    if (text.size() < 2 || !text.startsWith(u'\'') || !text.endsWith(u'\'')) return {};
     QString inner = text.mid(1, text.size() - 2);
-    // What is left besides doubled apostrophes ends the text before its end: an expression.
-    if (QString(inner).remove(QStringLiteral("''")).contains(u'\'')) return {};
+    // What is left besides doubled apostrophes ends the text before its end.
+    const bool isText = text.size() > 1 && text.startsWith(u'\'') && text.endsWith(u'\'') &&
+                        !QString(inner).remove(QStringLiteral("''")).contains(u'\'');
+    if (!isText) return expressionValue(text);
     return inner.replace(QStringLiteral("''"), QStringLiteral("'"));
 }
 

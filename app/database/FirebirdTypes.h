@@ -12,8 +12,9 @@ namespace orvquery {
 /// RDB$FIELD_SCALE.
 [[nodiscard]] TFieldType fieldTypeOfFirebird(int type, int subType, int scale);
 
-/// The value of a default as its source stands in the catalog ("DEFAULT 5", "= 'x'"), when it is a
-/// number, a text or NULL; an invalid variant for all else.
+/// The value of a default as its source stands in the catalog ("DEFAULT 5", "= 'x'"): a number, a
+/// text, NULL, or an orv::SqlText for an expression. An invalid variant when there is none that can
+/// stand in a call.
 [[nodiscard]] QVariant firebirdDefault(const QString& source);
 
 }  // namespace orvquery

@@ -9,6 +9,7 @@
 #include "querybuilder/ORVQDWindow.h"
 #include "workarea/ORVQDSProc.h"
 
+#include <QCoreApplication>
 #include <QHash>
 
 namespace orvquery {
@@ -23,10 +24,14 @@ void addProcedure(Descriptions& known, const TorvQDSProc& procedure) {
     for (std::size_t index = 0; index < std::min(rows.size(), parameters.size()); ++index) {
         const TorvQDListItem& row = *rows[index];
         const QString name = parameterPlaceholder(row);
-        if (name.isEmpty() || known.contains(name)) continue;
-        const QVariant& value = parameters[index].Value;
-        const bool isSql = value.metaType() == QMetaType::fromType<orv::SqlText>();
-        known.insert(name, {name, row.FieldType, isSql ? QVariant() : value});
+        if (name.isEmpty()) continue;
+        if (!known.contains(name)) {
+            const QVariant& value = parameters[index].Value;
+            const bool isSql = value.metaType() == QMetaType::fromType<orv::SqlText>();
+            known.insert(name, {name, row.FieldType, isSql ? QVariant() : value});
+        }
+        known[name].takers += QCoreApplication::translate("orvquery", "%1 of %2")
+                                  .arg(orv::unquotedName(row.Name), procedure.GetCaption());
     }
 }
 
@@ -107,6 +112,7 @@ std::vector<ParameterDescription> describeParameters(const QString& statement,
     std::vector<ParameterDescription> result;
     for (const QString& name : placeholderNames(statement)) {
         result.push_back(known.value(name, {name}));
+        result.back().takers.sort();
     }
     return result;
 }

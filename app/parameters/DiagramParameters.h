@@ -4,6 +4,7 @@
 #include "data/FieldTypes.h"
 
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 #include <vector>
@@ -20,6 +21,8 @@ struct ParameterDescription {
     /// What the procedure takes when nothing is given; an invalid variant when a value must be
     /// given.
     QVariant byDefault = {};
+    /// The parameters of procedures that get the value, as people read them.
+    QStringList takers = {};
 };
 
 /// Whether the database refuses values of another type than the column with which a placeholder is

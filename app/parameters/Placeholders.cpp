@@ -3,6 +3,8 @@
 
 #include "core/Error.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 namespace orvquery {
@@ -14,10 +16,11 @@ bool isNamePart(QChar character) {
            character == u'$';
 }
 
-// Walks over a statement once. What it is at is a placeholder, a comment or anything else.
+// Walks over a statement once. What it is at is a placeholder, with a name or without one, a
+// comment or anything else.
 class Scanner {
 public:
-    enum class Kind { Other, Comment, Placeholder };
+    enum class Kind { Other, Comment, Placeholder, QuestionMark };
 
     explicit Scanner(QStringView text) : m_text(text) {}
 
@@ -34,7 +37,7 @@ public:
         if (first == u'[' && startsName()) return quoted(u']');
         if (first == u':') return colons();
         ++m_position;
-        return Kind::Other;
+        return first == u'?' ? Kind::QuestionMark : Kind::Other;
     }
 
 private:
@@ -105,6 +108,18 @@ QStringList placeholderNames(const QString& statement) {
     return names;
 }
 
+QString questionMarkProblem(const QString& statement) {
+    Scanner scanner(statement);
+    while (!scanner.isAtEnd()) {
+        if (scanner.next() != Scanner::Kind::QuestionMark) continue;
+        return QCoreApplication::translate(
+            "orvquery",
+            "The statement has a parameter \"?\", which has no name by which it could get a value; "
+            "please write it as :NAME.");
+    }
+    return {};
+}
+
 BoundStatement boundStatement(const QString& statement, const PlaceholderValues& values) {
     BoundStatement result;
     Scanner scanner(statement);
@@ -112,6 +127,9 @@ BoundStatement boundStatement(const QString& statement, const PlaceholderValues&
         const qsizetype start = scanner.position();
         const Scanner::Kind kind = scanner.next();
         const QStringView piece = QStringView(statement).sliced(start, scanner.position() - start);
+        if (kind == Scanner::Kind::QuestionMark) {
+            throw orv::Error(questionMarkProblem(statement));
+        }
         if (kind == Scanner::Kind::Other) {
             result.text += piece;
         } else if (kind == Scanner::Kind::Comment) {

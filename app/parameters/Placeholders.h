@@ -26,6 +26,10 @@ struct Placeholder {
 /// Their names, each once, in the order in which they first appear.
 [[nodiscard]] QStringList placeholderNames(const QString& statement);
 
+/// One sentence when a "?" stands outside quotes and comments, which databases take for a parameter
+/// of its own and which nothing can give a value; empty when none does.
+[[nodiscard]] QString questionMarkProblem(const QString& statement);
+
 /// The values of placeholders by their names in upper case; a null variant is NULL.
 using PlaceholderValues = QHash<QString, QVariant>;
 
@@ -37,7 +41,7 @@ struct BoundStatement {
 };
 
 /// Puts values to the placeholders. Comments become blanks, because Qt would look for placeholders
-/// in them. Raises orv::Error when one of the placeholders has no value.
+/// in them. Raises orv::Error when one of the placeholders has no value or no name.
 [[nodiscard]] BoundStatement boundStatement(const QString& statement,
                                             const PlaceholderValues& values);
 

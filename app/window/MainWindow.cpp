@@ -146,9 +146,8 @@ void MainWindow::enterParameter(TorvQDTable* box, TorvQDListItem* row) {
     const ParameterDialog::Subject subject = {procedure->GetCaption(), orv::unquotedName(row->Name),
                                               row->FieldType,
                                               u':' + TorvQDSProc::placeholderName(*row)};
-    const bool hasValue = parameterPlaceholder(*row).isEmpty();
     const QPointer<ParameterDialog> dialog =
-        new ParameterDialog(subject, hasValue ? TorvQDSProc::valueOf(*row) : QVariant(), this);
+        new ParameterDialog(subject, TorvQDSProc::valueOf(*row), this);
     connect(procedure, &QObject::destroyed, dialog, &QDialog::reject);
     const bool isAccepted = orv::runDialog(*dialog) == QDialog::Accepted;
     if (!self || !dialog) return;
@@ -237,7 +236,8 @@ std::optional<PlaceholderValues> MainWindow::askParameters(const QString& statem
 QString MainWindow::whatPreventsRunning(const QString& text) const {
     if (m_database == nullptr) return tr("There are no rows: no database is open.");
     if (!m_statement->problem().isEmpty()) return m_statement->problem();
-    return m_statement->isEdited() ? QString() : whatIsMissing(text);
+    const QString missing = m_statement->isEdited() ? QString() : whatIsMissing(text);
+    return missing.isEmpty() ? questionMarkProblem(text) : missing;
 }
 
 void MainWindow::stopQuery() {

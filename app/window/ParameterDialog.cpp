@@ -3,6 +3,8 @@
 
 #include "data/SqlText.h"
 #include "parameters/ParameterText.h"
+#include "parameters/Placeholders.h"
+#include "parser/ORVQDArgument.h"
 
 #include <QDialogButtonBox>
 #include <QFontMetrics>
@@ -12,11 +14,14 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace orvquery {
 
 namespace {
 
 constexpr int fieldWidthInCharacters = 44;
+constexpr int problemLines = 2;
 
 bool isSql(const QVariant& value) {
     return value.metaType() == QMetaType::fromType<orv::SqlText>();
@@ -81,8 +86,9 @@ void ParameterDialog::buildChoices(const Subject& subject) {
     m_problem->setObjectName(QStringLiteral("problem"));
     m_problem->setTextFormat(Qt::PlainText);
     m_problem->setWordWrap(true);
-    // Its line is always there, so that nothing moves while one types.
-    m_problem->setMinimumHeight(m_problem->fontMetrics().lineSpacing());
+    // The lines of most texts are always there, so that nothing moves while one types.
+    m_problem->setMinimumHeight(problemLines * m_problem->fontMetrics().lineSpacing());
+    m_problem->setAlignment(Qt::AlignTop | Qt::AlignLeading);
     m_asValue->setObjectName(QStringLiteral("asValue"));
     m_asSql->setObjectName(QStringLiteral("asSql"));
     m_asNull->setObjectName(QStringLiteral("asNull"));
@@ -94,11 +100,13 @@ void ParameterDialog::buildChoices(const Subject& subject) {
     connect(m_field, &QLineEdit::textChanged, this, &ParameterDialog::refresh);
 }
 
-// Whoever opens it without a value is about to type one.
+// With what the parameter has, so that whoever only looks changes nothing.
 void ParameterDialog::begin(const QVariant& value) {
-    if (isSql(value)) {
+    if (!value.isValid()) {
+        m_unset->setChecked(true);
+    } else if (isSql(value)) {
         m_asSql->setChecked(true);
-    } else if (value.isValid() && value.isNull()) {
+    } else if (value.isNull()) {
         m_asNull->setChecked(true);
     } else {
         m_asValue->setChecked(true);
@@ -120,29 +128,38 @@ void ParameterDialog::refresh() {
     // An empty field is no mistake yet.
     m_problem->setText(m_field->text().isEmpty() ? QString() : text);
     m_problem->setAccessibleName(m_problem->text());
+    // The dialog takes no notice of the height that its width needs, and would cut it off.
+    m_problem->setMinimumHeight(
+        std::max(m_problem->minimumHeight(), m_problem->heightForWidth(m_problem->width())));
     m_ok->setEnabled(text.isEmpty());
     m_ok->setToolTip(text);
 }
 
+// The field has one line, and what was given may have several.
+bool ParameterDialog::holdsGiven() const {
+    if (m_field->isModified() || m_given.isNull()) return false;
+    return isSql(m_given) ? m_asSql->isChecked() : m_asValue->isChecked();
+}
+
 QString ParameterDialog::problem() const {
-    if (m_asNull->isChecked() || m_unset->isChecked()) return {};
+    if (m_asNull->isChecked() || m_unset->isChecked() || holdsGiven()) return {};
     if (m_asSql->isChecked()) {
-        return m_field->text().trimmed().isEmpty() ? tr("A column or an expression is expected.")
-                                                   : QString();
+        const QString text = orv::argumentProblem(m_field->text());
+        return text.isEmpty() ? questionMarkProblem(m_field->text()) : text;
     }
-    const bool isGiven = !m_field->isModified() && !m_given.isNull() && !isSql(m_given);
-    return isGiven ? QString() : readParameter(m_field->text(), m_type).problem;
+    return readParameter(m_field->text(), m_type).problem;
 }
 
 QVariant ParameterDialog::value() const {
     if (m_unset->isChecked()) return {};
     if (m_asNull->isChecked()) return QVariant::fromValue(nullptr);
+    if (holdsGiven()) return m_given;
     if (m_asSql->isChecked()) {
         return QVariant::fromValue(orv::SqlText{m_field->text().trimmed()});
     }
-    // The field has one line and the value may have several.
-    if (!m_field->isModified() && !m_given.isNull() && !isSql(m_given)) return m_given;
-    return readParameter(m_field->text(), m_type).value;
+    const QVariant value = readParameter(m_field->text(), m_type).value;
+    // As a value of its own kind it would be written with a "T", which not every database reads.
+    return value.metaType().id() == QMetaType::QDateTime ? parameterText(value) : value;
 }
 
 }  // namespace orvquery

@@ -40,6 +40,7 @@ private:
     void begin(const QVariant& value);
     void fieldEdited();
     void refresh();
+    [[nodiscard]] bool holdsGiven() const;
     [[nodiscard]] QString problem() const;
 
     TFieldType m_type;

@@ -18,6 +18,7 @@ namespace orvquery {
 namespace {
 
 constexpr int fieldWidthInCharacters = 32;
+constexpr int linesOfRow = 3;
 
 QLabel* makePlainLabel(const QString& text, QWidget* parent) {
     auto* label = new QLabel(parent);
@@ -56,10 +57,10 @@ PlaceholderDialog::PlaceholderDialog(const std::vector<ParameterDescription>& pa
     auto* content = new QWidget;
     auto* grid = new QGridLayout(content);
     for (const ParameterDescription& parameter : parameters) {
-        m_rows.push_back(makeRow(parameter, *grid, 2 * int(m_rows.size())));
+        m_rows.push_back(makeRow(parameter, *grid, linesOfRow * int(m_rows.size())));
     }
     grid->setColumnStretch(1, 1);
-    grid->setRowStretch(2 * int(m_rows.size()), 1);
+    grid->setRowStretch(linesOfRow * int(m_rows.size()), 1);
 
     auto* area = new RowsArea(this);
     area->setWidgetResizable(true);
@@ -87,6 +88,7 @@ PlaceholderDialog::PlaceholderDialog(const std::vector<ParameterDescription>& pa
 
 //   :NAME (type)  | field           | [ ] NULL
 //                 | what is wrong with the field
+//                 | which parameters get it, when there are several
 PlaceholderDialog::Row PlaceholderDialog::makeRow(const ParameterDescription& parameter,
                                                   QGridLayout& grid, int line) {
     QWidget* content = grid.parentWidget();
@@ -111,6 +113,14 @@ PlaceholderDialog::Row PlaceholderDialog::makeRow(const ParameterDescription& pa
     grid.addWidget(row.field, line, 1);
     grid.addWidget(row.null, line, 2);
     grid.addWidget(row.problem, line + 1, 1, 1, 2);
+    if (parameter.takers.size() > 1) {
+        const QString text = tr("For %1").arg(parameter.takers.join(QStringLiteral(", ")));
+        auto* takers = makePlainLabel(text, content);
+        takers->setObjectName(QStringLiteral("takers ") + parameter.name);
+        takers->setWordWrap(true);
+        row.field->setAccessibleDescription(text);
+        grid.addWidget(takers, line + 2, 1, 1, 2);
+    }
 
     connect(row.field, &QLineEdit::textEdited, this, [this, null = row.null] {
         null->setChecked(false);

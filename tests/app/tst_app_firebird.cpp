@@ -2,14 +2,17 @@
 #include "AppTestTools.h"
 #include "FirebirdTestTools.h"
 #include "data/ProcessName.h"
+#include "data/SqlText.h"
 #include "database/FirebirdTypes.h"
 #include "database/OpenDatabase.h"
 #include "database/RunQuery.h"
+#include "parameters/ParameterText.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "tables/Host.h"
 #include "window/QueryRunner.h"
 #include "workarea/ORVQDSProc.h"
 
+#include <QDateTime>
 #include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QSignalSpy>
@@ -55,6 +58,14 @@ RETURNS ("Out put" VARCHAR(60), D DATE, YES BOOLEAN) AS
 BEGIN "Out put" = "my param" || '/' || COALESCE("SELECT", 'null') || '/' || WHO || '/' || QUOTED
     || '/' || PRICE;
     D = "***"; YES = FLAG; SUSPEND; END^
+CREATE PROCEDURE DEFAULTS (D DATE = CURRENT_DATE, FLAG BOOLEAN DEFAULT TRUE,
+    WHO VARCHAR(60) = CURRENT_USER, ODD INTEGER = 5 /* five */)
+RETURNS (R VARCHAR(60)) AS
+BEGIN R = IIF(D = CURRENT_DATE, 'today', D) || '/' || FLAG || '/' ||
+    IIF(WHO = CURRENT_USER, 'me', WHO) || '/' || ODD;
+    SUSPEND; END^
+CREATE PROCEDURE MOMENTS (S TIMESTAMP, D DATE, T TIME) RETURNS (S2 TIMESTAMP, D2 DATE, T2 TIME) AS
+BEGIN S2 = S; D2 = D; T2 = T; SUSPEND; END^
 CREATE PROCEDURE NO_ROWS (A INTEGER) RETURNS (N INTEGER) AS BEGIN N = A; END^
 CREATE PROCEDURE WRITES RETURNS (N INTEGER) AS
 BEGIN INSERT INTO ORDERS (ID) VALUES (99); N = 1; SUSPEND; END^
@@ -85,12 +96,14 @@ private Q_SLOTS:
     void parameters();
     void defaults_data();
     void defaults();
+    void expressionDefaultsRun();
     void find_data();
     void find();
     void rows();
     void placeholders();
     void procedureBoxRuns_data();
     void procedureBoxRuns();
+    void momentsArePassed();
     void manyParametersRun();
     void nothingIsWritten();
     void signalsEndTheProgram();
@@ -170,9 +183,9 @@ void TestFirebird::catalog() {
         found +=
             entry.name + QStringLiteral(" %1 %2").arg(int(entry.kind)).arg(entry.parameters.size());
     }
-    QCOMPARE(found,
-             (QStringList{"BIG_ORDERS 1 0", "ENDLESS 2 0", "lower 0 0", "MANY 2 200",
-                          "Odd proc 2 8", "ONES 2 0", "ORDERS 0 0", "SERIES 2 2", "WRITES 2 0"}));
+    QCOMPARE(found, (QStringList{"BIG_ORDERS 1 0", "DEFAULTS 2 4", "ENDLESS 2 0", "lower 0 0",
+                                 "MANY 2 200", "MOMENTS 2 3", "Odd proc 2 8", "ONES 2 0",
+                                 "ORDERS 0 0", "SERIES 2 2", "WRITES 2 0"}));
 }
 
 void TestFirebird::columns() {
@@ -202,12 +215,13 @@ void TestFirebird::parameters() {
         found += parameter.Name + u' ' + orv::fieldTypeIdentifier(parameter.DataType) + u' ' +
                  (!value.isValid() ? QStringLiteral("-")
                   : value.isNull() ? QStringLiteral("NULL")
-                                   : value.toString());
+                                   : parameterText(value));
         QCOMPARE(parameter.ParamType, ptInput);
     }
-    QCOMPARE(found, (QStringList{"my param ftString -", "SELECT ftInteger -", "*** ftDate -",
-                                 "WHO ftString nobody", "FLAG ftBoolean -", "QUOTED ftString it's",
-                                 "NOTHING ftInteger NULL", "PRICE ftFloat -1.5"}));
+    QCOMPARE(found,
+             (QStringList{"my param ftString -", "SELECT ftInteger -", "*** ftDate -",
+                          "WHO ftString nobody", "FLAG ftBoolean TRUE", "QUOTED ftString it's",
+                          "NOTHING ftInteger NULL", "PRICE ftFloat -1.5"}));
     QVERIFY(!open()->describe(QStringLiteral("ONES"))->parameters);
     QVERIFY(!open()->describe(QStringLiteral("ORDERS"))->parameters);
     QCOMPARE(open()->describe(QStringLiteral("MANY"))->parameters->Items.back().Name,
@@ -224,8 +238,14 @@ void TestFirebird::defaults_data() {
     QTest::newRow("text") << "='a''b'" << QVariant("a'b");
     QTest::newRow("empty text") << "= ''" << QVariant("");
     QTest::newRow("null") << "= NULL" << sqlNull;
-    QTest::newRow("expression") << "= CURRENT_DATE" << QVariant();
-    QTest::newRow("two texts") << "= 'a' || 'b'" << QVariant();
+    const auto sql = [](const char* text) {
+        return QVariant::fromValue(orv::SqlText{QString::fromLatin1(text)});
+    };
+    QTest::newRow("expression") << "= CURRENT_DATE" << sql("CURRENT_DATE");
+    QTest::newRow("word of truth") << "DEFAULT true" << sql("true");
+    QTest::newRow("two texts") << "= 'a' || 'b'" << sql("'a' || 'b'");
+    QTest::newRow("one apostrophe") << "= '" << QVariant();
+    QTest::newRow("comment") << "= 5 /* five */" << QVariant();
     QTest::newRow("nothing") << "" << QVariant();
 }
 
@@ -234,6 +254,20 @@ void TestFirebird::defaults() {
     QFETCH(QVariant, expected);
     QCOMPARE(firebirdDefault(source), expected);
     QCOMPARE(firebirdDefault(source).isValid(), expected.isValid());
+}
+
+// They stand in the call as they stand in the procedure.
+void TestFirebird::expressionDefaultsRun() {
+    const std::unique_ptr<Database> database = open();
+    TorvQueryBuilder builder;
+    builder.setKeepMeaning(true);
+    connectTables(builder, *database);
+    QVERIFY(addTable(builder, *database, QStringLiteral("DEFAULTS")));
+    builder.ListOfTables->Tables(0)->Items.front()->SetCheck(true);
+    const QString statement = builder.GetSQLStatment();
+    QCOMPARE(statement, QStringLiteral("SELECT DEFAULTS.R\r\n"
+                                       "FROM DEFAULTS(CURRENT_DATE, TRUE, CURRENT_USER, :ODD)"));
+    QCOMPARE(run(statement, {{"ODD", 6}}).rows(), (std::vector<Row>{{"today/TRUE/me/6"}}));
 }
 
 void TestFirebird::find_data() {
@@ -344,6 +378,24 @@ void TestFirebird::procedureBoxRuns() {
     QCOMPARE(run(builder.GetSQLStatment()).rows(), (std::vector<Row>{{1}, {1}}));
 }
 
+// By placeholder, and as the texts that stand in the box.
+void TestFirebird::momentsArePassed() {
+    const QDateTime moment(QDate(2024, 1, 2), QTime(3, 4, 5));
+    const QDate date(2024, 2, 29);
+    const QTime time(18, 30, 15);
+    const std::vector<RowCollector> found = {
+        run("SELECT S2, D2, T2 FROM MOMENTS(:S, :D, :T)",
+            {{"S", moment}, {"D", date}, {"T", time}}),
+        run(QStringLiteral("SELECT S2, D2, T2 FROM MOMENTS('%1', '%2', '%3')")
+                .arg(parameterText(moment), parameterText(date), parameterText(time)))};
+    for (const RowCollector& rows : found) {
+        QCOMPARE(rows.rows().size(), 1U);
+        QCOMPARE(rows.rows()[0][0].toDateTime(), moment);
+        QCOMPARE(rows.rows()[0][1].toDate(), date);
+        QCOMPARE(rows.rows()[0][2].toTime(), time);
+    }
+}
+
 void TestFirebird::manyParametersRun() {
     const std::unique_ptr<Database> database = open();
     TorvQueryBuilder builder;
@@ -388,6 +440,15 @@ void TestFirebird::errorsAreTold() {
     const QString error = apptest::errorOf([this] { (void)run("SELECT X FROM NOWHERE"); });
     QVERIFY2(error.startsWith(QStringLiteral("The database says: ")), qPrintable(error));
     QVERIFY2(error.contains(QStringLiteral("NOWHERE")), qPrintable(error));
+    // The engine would take whatever is in the memory for their values.
+    const QString unnamed = QStringLiteral(
+        "The statement has a parameter \"?\", which has no name by which it could get a value; "
+        "please write it as :NAME.");
+    QCOMPARE(apptest::errorOf([this] { (void)run("SELECT N FROM SERIES(1, ?)"); }), unnamed);
+    QCOMPARE(apptest::errorOf([this] {
+                 (void)run("SELECT ID FROM ORDERS WHERE ID = ? OR ID = :B", {{"B", 2}});
+             }),
+             unnamed);
 }
 
 void TestFirebird::endlessQueryStops() {

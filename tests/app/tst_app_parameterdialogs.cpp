@@ -70,11 +70,17 @@ private Q_SLOTS:
     void valueIsTyped();
     void wrongTextIsToldInPlace();
     void sqlStandsForValue();
+    void wrongSqlIsToldInPlace();
+    void untouchedDialogChangesNothing_data();
+    void untouchedDialogChangesNothing();
+    void typingReplacesUnset();
+    void momentIsTextWithBlank();
     void nullAndBack();
     void typingMeansValue();
     void longValueStays();
     void everyWidgetHasName();
     void allPlaceholdersAreAskedFor();
+    void sharedPlaceholderNamesItsTakers();
     void placeholdersBeginWithAnswers();
     void hundredsOfPlaceholdersScroll();
 
@@ -83,16 +89,20 @@ private Q_SLOTS:
     void keysReachParameters();
     void unsetParameterIsAskedFor();
     void loadedPlaceholderIsNoValue();
+    void unsetParameterStaysUnset();
+    void procedureBoxesShareAnswer();
     void answersAreRemembered();
     void cancelledDialogCancelsRun();
     void nullIsAnAnswer();
     void typedStatementHasPlaceholders();
+    void questionMarkIsRefused();
     void boxClosedWhileDialogIsOpen();
     void diagramClearedWhileDialogIsOpen();
     void databaseChangedWhileDialogIsOpen();
     void windowGoesWhileDialogIsOpen();
     void schemaProcedureTakesValues();
     void firebirdProcedureFromListToRows();
+    void firebirdProcedureTakesMoments();
 
 private:
     template <typename Widget>
@@ -289,6 +299,85 @@ void TestParameterDialogs::sqlStandsForValue() {
     QCOMPARE(again.value(), dialog.value());
 }
 
+// It would shift the arguments behind it, or break the statement.
+void TestParameterDialogs::wrongSqlIsToldInPlace() {
+    ParameterDialog dialog({"P", "X", ftInteger, ":X"}, {});
+    activate(dialog);
+    auto* field = childOf<QLineEdit>(dialog, "value");
+    auto* ok = dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
+    choose(dialog, "asSql", Qt::Key_S);
+    const auto problemOf = [&](const char* text) {
+        field->selectAll();
+        QTest::keyClicks(field, QLatin1String(text));
+        const auto* label = childOf<QLabel>(dialog, "problem");
+        const QString problem = label->text();
+        QCoreApplication::processEvents();
+        if (label->height() < label->heightForWidth(label->width())) {
+            return QStringLiteral("(cut off)");
+        }
+        return problem.isEmpty() == ok->isEnabled() ? problem : QStringLiteral("(OK differs)");
+    };
+    QCOMPARE(problemOf("1, 2"),
+             QStringLiteral("A comma outside brackets makes more than one argument of this."));
+    QCOMPARE(problemOf("T.A -- c"), QStringLiteral("An argument has no comments."));
+    QCOMPARE(problemOf("("), QStringLiteral("The brackets do not match."));
+    QCOMPARE(problemOf("it's"), QStringLiteral("A quote is not closed."));
+    QVERIFY(problemOf("?").contains(QStringLiteral(":NAME")));
+    QCOMPARE(problemOf("COALESCE(T.A, 0)"), QString());
+    QTest::keyClick(field, Qt::Key_Return);
+    QCOMPARE(dialog.value(), QVariant::fromValue(orv::SqlText{QStringLiteral("COALESCE(T.A, 0)")}));
+}
+
+void TestParameterDialogs::untouchedDialogChangesNothing_data() {
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<QString>("choice");
+    const auto sql = [](const char* text) {
+        return QVariant::fromValue(orv::SqlText{QString::fromLatin1(text)});
+    };
+    QTest::newRow("unset") << QVariant() << "unset";
+    QTest::newRow("null") << sqlNull << "asNull";
+    QTest::newRow("text") << QVariant("Rome") << "asValue";
+    QTest::newRow("no text") << QVariant("") << "asValue";
+    QTest::newRow("SQL") << sql("T.A") << "asSql";
+    QTest::newRow("other placeholder") << sql(":OTHER") << "asSql";
+    QTest::newRow("SQL of two lines") << sql("T.A\n+ 1") << "asSql";
+    QTest::newRow("left out") << sql("") << "asSql";
+}
+
+void TestParameterDialogs::untouchedDialogChangesNothing() {
+    QFETCH(QVariant, value);
+    QFETCH(QString, choice);
+    ParameterDialog dialog({"P", "X", ftString, ":X"}, value);
+    activate(dialog);
+    QVERIFY(dialog.findChild<QRadioButton*>(choice)->isChecked());
+    QCOMPARE(dialog.focusWidget(), childOf<QLineEdit>(dialog, "value"));
+    QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
+    QCOMPARE(dialog.result(), int(QDialog::Accepted));
+    QCOMPARE(dialog.value().isValid(), value.isValid());
+    QCOMPARE(dialog.value(), value);
+}
+
+void TestParameterDialogs::typingReplacesUnset() {
+    ParameterDialog dialog({"P", "X", ftString, ":X"}, {});
+    activate(dialog);
+    QTest::keyClicks(dialog.focusWidget(), "a");
+    QVERIFY(childOf<QRadioButton>(dialog, "asValue")->isChecked());
+    QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
+    QCOMPARE(dialog.value(), QVariant("a"));
+}
+
+// With a "T" between date and time Firebird refuses it, and SQLite compares it wrongly.
+void TestParameterDialogs::momentIsTextWithBlank() {
+    ParameterDialog dialog({"P", "X", ftDateTime, ":X"}, {});
+    activate(dialog);
+    QTest::keyClicks(dialog.focusWidget(), "2024-01-02T03:04");
+    QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
+    QCOMPARE(dialog.value(), QVariant("2024-01-02 03:04:00"));
+    ParameterDialog again({"P", "X", ftDateTime, ":X"}, dialog.value());
+    QVERIFY(childOf<QRadioButton>(again, "asValue")->isChecked());
+    QCOMPARE(childOf<QLineEdit>(again, "value")->text(), QStringLiteral("2024-01-02 03:04:00"));
+}
+
 void TestParameterDialogs::nullAndBack() {
     ParameterDialog dialog({"P", "X", ftDate, ":X"}, QDate(2024, 1, 31));
     activate(dialog);
@@ -375,6 +464,17 @@ void TestParameterDialogs::placeholdersBeginWithAnswers() {
     // No text is a text, too.
     QCOMPARE(next.values().value("D"), QVariant(QString("")));
     QVERIFY(!next.values().value("D").isNull());
+}
+
+void TestParameterDialogs::sharedPlaceholderNamesItsTakers() {
+    PlaceholderDialog dialog(
+        {{"X", ftInteger, {}, {"X of P", "X of Q"}}, {"Y", ftInteger, {}, {"Y of P"}}}, {});
+    activate(dialog);
+    auto* takers = childOf<QLabel>(dialog, "takers X");
+    QVERIFY(takers != nullptr && takers->isVisible());
+    QCOMPARE(takers->text(), QStringLiteral("For X of P, X of Q"));
+    QCOMPARE(childOf<QLineEdit>(dialog, "X")->accessibleDescription(), takers->text());
+    QVERIFY(childOf<QLabel>(dialog, "takers Y") == nullptr);
 }
 
 void TestParameterDialogs::hundredsOfPlaceholdersScroll() {
@@ -489,13 +589,43 @@ void TestParameterDialogs::loadedPlaceholderIsNoValue() {
     answer([](QDialog& dialog) {
         QCOMPARE(childOf<QLabel>(dialog, "subject")->text(),
                  QStringLiteral("Parameter ARG (String) of PRAGMA_TABLE_INFO (I)"));
-        QCOMPARE(childOf<QLineEdit>(dialog, "value")->text(), QString());
+        QVERIFY(childOf<QRadioButton>(dialog, "asSql")->isChecked());
+        QCOMPARE(childOf<QLineEdit>(dialog, "value")->text(), QStringLiteral(":t"));
+        QTest::keyClick(&dialog, Qt::Key_Return);
+    });
+    doubleClickRow("ARG");
+    QVERIFY2(text().contains(QStringLiteral("PRAGMA_TABLE_INFO(:t, NULL) I")), qPrintable(text()));
+    answer([](QDialog& dialog) {
+        choose(dialog, "asValue", Qt::Key_V);
+        childOf<QLineEdit>(dialog, "value")->selectAll();
         QTest::keyClicks(childOf<QLineEdit>(dialog, "value"), "it's");
         QTest::keyClick(&dialog, Qt::Key_Return);
     });
     doubleClickRow("ARG");
     QVERIFY2(text().contains(QStringLiteral("PRAGMA_TABLE_INFO('it''s', NULL) I")),
              qPrintable(text()));
+}
+
+void TestParameterDialogs::unsetParameterStaysUnset() {
+    child<QTreeView>("tables")->expandAll();
+    doubleClickInList(QStringLiteral("pragma_table_info"));
+    rowOf(*box(), "NAME")->SetCheck(true);
+    answer([](QDialog& dialog) { QTest::keyClick(dialog.focusWidget(), Qt::Key_Return); });
+    doubleClickRow("ARG");
+    QVERIFY2(text().endsWith(QStringLiteral("PRAGMA_TABLE_INFO(:ARG, NULL)")), qPrintable(text()));
+}
+
+void TestParameterDialogs::procedureBoxesShareAnswer() {
+    builder().LoadSQL(
+        "select a.name, b.name from pragma_table_info(:arg) a, pragma_index_list(:arg) b");
+    answer([](QDialog& dialog) {
+        auto* takers = childOf<QLabel>(dialog, "takers ARG");
+        QVERIFY(takers != nullptr);
+        QCOMPARE(takers->text(), QStringLiteral("For ARG of PRAGMA_INDEX_LIST (B), "
+                                                "ARG of PRAGMA_TABLE_INFO (A)"));
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    });
+    run();
 }
 
 void TestParameterDialogs::answersAreRemembered() {
@@ -557,6 +687,17 @@ void TestParameterDialogs::typedStatementHasPlaceholders() {
 }
 
 // --- what may happen meanwhile ---
+
+// Nobody is asked for the other values first.
+void TestParameterDialogs::questionMarkIsRefused() {
+    child<QPlainTextEdit>("statement")
+        ->setPlainText("select id from orders where id = ? or 1 = :x");
+    run();
+    QVERIFY(!child<QToolButton>("stopButton")->isEnabled());
+    QCOMPARE(child<QLabel>("resultText")->text(),
+             QStringLiteral("The statement has a parameter \"?\", which has no name by which it "
+                            "could get a value; please write it as :NAME."));
+}
 
 void TestParameterDialogs::boxClosedWhileDialogIsOpen() {
     child<QTreeView>("tables")->expandAll();
@@ -663,6 +804,45 @@ void TestParameterDialogs::firebirdProcedureFromListToRows() {
     run();
     QVERIFY(waitForRows());
     QCOMPARE(column(0), (QStringList{"2", "3", "4"}));
+}
+
+// What is typed runs, be it in the box or when the query runs.
+void TestParameterDialogs::firebirdProcedureTakesMoments() {
+    const QString missing = firebirdtest::whatIsMissing();
+    if (!missing.isEmpty()) QSKIP(qPrintable(missing));
+    const QString path = m_folder.filePath(QStringLiteral("moments.fdb"));
+    QVERIFY(firebirdtest::makeDatabase(
+        path,
+        "CREATE PROCEDURE MOMENTS (S TIMESTAMP, D DATE, T TIME) RETURNS (R VARCHAR(80)) AS "
+        "BEGIN R = DATEADD(1 SECOND TO S) || '/' || DATEADD(1 DAY TO D) || '/' || "
+        "DATEADD(1 MINUTE TO T); SUSPEND; END^"));
+    QVERIFY(m_window->openDatabase(path));
+    doubleClickInList(QStringLiteral("MOMENTS"));
+    rowOf(*box(), "R")->SetCheck(true);
+    const QString expected = QStringLiteral("2024-01-02 03:04:01.0000/2024-03-01/18:31:15.0000");
+    answer([](QDialog& dialog) {
+        QTest::keyClicks(childOf<QLineEdit>(dialog, "S"), "2024-01-02 03:04");
+        QTest::keyClicks(childOf<QLineEdit>(dialog, "D"), "2024-02-29");
+        QTest::keyClicks(childOf<QLineEdit>(dialog, "T"), "18:30:15");
+        QTest::keyClick(&dialog, Qt::Key_Return);
+    });
+    run();
+    QVERIFY(waitForRows());
+    QCOMPARE(column(0), QStringList{expected});
+    const std::vector<std::pair<const char*, QString>> typed = {
+        {"S", "2024-01-02 03:04"}, {"D", "2024-02-29"}, {"T", "18:30:15"}};
+    for (const auto& [name, text] : typed) {
+        answer([text](QDialog& dialog) {
+            QTest::keyClicks(dialog.focusWidget(), text);
+            QTest::keyClick(&dialog, Qt::Key_Return);
+        });
+        doubleClickRow(name);
+    }
+    QCOMPARE(text(), QStringLiteral("SELECT MOMENTS.R\nFROM MOMENTS('2024-01-02 03:04:00', "
+                                    "'2024-02-29', '18:30:15')"));
+    run();
+    QVERIFY(waitForRows());
+    QCOMPARE(column(0), QStringList{expected});
 }
 
 QTEST_MAIN(TestParameterDialogs)

@@ -19,6 +19,8 @@ private Q_SLOTS:
     void boundText();
     void valuesFollowTheText();
     void missingValue();
+    void questionMarks_data();
+    void questionMarks();
     void longStatement();
 };
 
@@ -111,6 +113,40 @@ void TestPlaceholders::missingValue() {
                  (void)boundStatement("SELECT :A, :b", {{"A", 1}});
              }),
              QStringLiteral("The parameter :b has no value."));
+}
+
+void TestPlaceholders::questionMarks_data() {
+    QTest::addColumn<QString>("statement");
+    QTest::addColumn<bool>("isRefused");
+    const auto row = [](const char* statement, bool isRefused) {
+        QTest::newRow(statement) << QString::fromUtf8(statement) << isRefused;
+    };
+    row("SELECT ?", true);
+    row("SELECT R FROM P(?)", true);
+    row("SELECT A FROM T WHERE A=? OR A=:X", true);
+    row("SELECT ?1, :X", true);
+    row("SELECT A[?]", true);
+    row("SELECT :X?", true);
+    row("SELECT 'it''s', ?", true);
+    row("SELECT `a`, ?, `b`", true);
+    row("SELECT /* ? */ ?", true);
+    row("SELECT :X", false);
+    row("SELECT '?', 'it''s ?'", false);
+    row("SELECT \"a?\"\"b\", `?`, [it's ?]", false);
+    row("SELECT 1 -- ?\n, 2 /* ? */", false);
+}
+
+void TestPlaceholders::questionMarks() {
+    QFETCH(QString, statement);
+    QFETCH(bool, isRefused);
+    const QString expected = QStringLiteral(
+        "The statement has a parameter \"?\", which has no name by which it could get a value; "
+        "please write it as :NAME.");
+    QCOMPARE(questionMarkProblem(statement), isRefused ? expected : QString());
+    QCOMPARE(apptest::errorOf([&] {
+                 (void)boundStatement(statement, {{"X", 1}});
+             }),
+             isRefused ? expected : QStringLiteral("(no error)"));
 }
 
 // A walk that looked at the rest of the text for each character would take minutes.

@@ -35,6 +35,8 @@ private Q_SLOTS:
     void nullIsNoEmptyText();
     void rowsAreCut();
     void functionsRunWithPlaceholders();
+    void questionMarksInNames_data();
+    void questionMarksInNames();
     void valuesAreBound_data();
     void valuesAreBound();
     void queriesThatFail_data();
@@ -291,6 +293,23 @@ void TestSqliteDatabase::functionsRunWithPlaceholders() {
     QCOMPARE(twice.rows(), (std::vector<Row>{{7, 8, 7}}));
 }
 
+void TestSqliteDatabase::questionMarksInNames_data() {
+    QTest::addColumn<QString>("name");
+    QTest::newRow("double quotes") << "\"it's a?b\"";
+    QTest::newRow("backticks") << "`it's a?b`";
+    QTest::newRow("brackets") << "[it's a?b]";
+}
+
+// Only what stands outside them is a parameter.
+void TestSqliteDatabase::questionMarksInNames() {
+    QFETCH(QString, name);
+    const QString statement =
+        QStringLiteral("SELECT %1, '?', :X FROM (SELECT 5 AS %1) WHERE %1 = :Y").arg(name);
+    QCOMPARE(run(statement, 100, {{"X", "?"}, {"Y", 5}}).rows(), (std::vector<Row>{{5, "?", "?"}}));
+    QCOMPARE(run(QStringLiteral("SELECT 5 AS %1").arg(name)).columns(),
+             QStringList{name.sliced(1, name.size() - 2)});
+}
+
 void TestSqliteDatabase::valuesAreBound_data() {
     QTest::addColumn<QVariant>("value");
     QTest::addColumn<QString>("type");
@@ -361,6 +380,9 @@ void TestSqliteDatabase::queriesThatFail_data() {
     row("SELECT FROM", "The database says: near \"FROM\": syntax error");
     row("SELECT 1; SELECT 2", "Only one statement can be run at a time.");
     row("SELECT id FROM orders WHERE id = :X", "The parameter :X has no value.");
+    row("SELECT id FROM orders WHERE id = ?",
+        "The statement has a parameter \"?\", which has no name by which it could get a value; "
+        "please write it as :NAME.");
     row("SELECT id FROM orders WHERE id = $X",
         "The statement has parameters that are not written as :NAME; it cannot be run without "
         "their values.");
