@@ -35,11 +35,17 @@ if(ORV_DESIGNER_PLUGIN_DIR)
 endif()
 string(APPEND ORV_DESIGNER_PLUGIN
     "/${CMAKE_SHARED_MODULE_PREFIX}orvquerybuilderplugin${CMAKE_SHARED_MODULE_SUFFIX}")
+# Where the bindings are left out here, another build may have installed them at their usual place.
+set(ORV_PYTHON_PACKAGE "lib/python3/dist-packages")
+if(ORV_PYTHON_INSTALL_DIR)
+    set(ORV_PYTHON_PACKAGE "${ORV_PYTHON_INSTALL_DIR}")
+endif()
+string(APPEND ORV_PYTHON_PACKAGE "/orvquerybuilder/__init__.py")
 configure_package_config_file(
     "${PROJECT_SOURCE_DIR}/cmake/OrvQueryBuilderConfig.cmake.in"
     "${PROJECT_BINARY_DIR}/OrvQueryBuilderConfig.cmake"
     INSTALL_DESTINATION "${ORV_PACKAGE_DIR}"
-    PATH_VARS ORV_PROGRAM ORV_DESIGNER_PLUGIN
+    PATH_VARS ORV_PROGRAM ORV_DESIGNER_PLUGIN ORV_PYTHON_PACKAGE
     NO_CHECK_REQUIRED_COMPONENTS_MACRO
     NO_SET_AND_CHECK_MACRO)
 # Until 1.0 a minor version may change what hosts were written against.

@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
 import datetime
+import decimal
 import enum
 from typing import Any, Callable, Iterable, Iterator, List, Optional, Tuple, Union, overload
 
@@ -165,19 +166,15 @@ class MessageRequest:
     def buttons(self) -> MessageButtons: ...
 
 _Field = Union[TFieldDef, Tuple[str, TFieldType]]
+_Held = Union[None, bool, int, float, str, QDate, QTime, QDateTime, QByteArray, SqlText]
 _Value = Union[
-    None,
-    bool,
-    int,
-    float,
-    str,
+    _Held,
+    decimal.Decimal,
+    bytes,
+    bytearray,
     datetime.date,
     datetime.time,
     datetime.datetime,
-    QDate,
-    QTime,
-    QDateTime,
-    SqlText,
 ]
 
 class TFieldDef:
@@ -218,7 +215,7 @@ class TParam:
     @property
     def HasValue(self) -> bool: ...
     @property
-    def Value(self) -> Union[None, bool, int, float, str, QDate, QTime, QDateTime, SqlText]: ...
+    def Value(self) -> _Held: ...
 
 class TParams:
     def __init__(self, Items: Iterable[TParam] = ...) -> None: ...
@@ -343,14 +340,14 @@ class TorvQDListItem:
     def FieldType(self) -> TFieldType: ...
     @property
     def ParamType(self) -> TParamType: ...
-    @property
-    def Checked(self) -> bool: ...
-    @property
-    def IsNull(self) -> bool: ...
+    Checked: bool
+    IsNull: bool
     @property
     def Table(self) -> TorvQDTable: ...
     @property
-    def Value(self) -> Union[None, bool, int, float, str, QDate, QTime, QDateTime, SqlText]: ...
+    def Value(self) -> _Held: ...
+    @Value.setter
+    def Value(self, value: _Value) -> None: ...
     def GetIndex(self) -> int: ...
     def GetDataName(self) -> str: ...
     def SetCheck(self, value: bool) -> None: ...

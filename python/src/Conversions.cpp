@@ -7,6 +7,8 @@
 #include <QDateTime>
 
 #include <algorithm>
+#include <cmath>
+#include <stdexcept>
 #include <type_traits>
 
 namespace orvpy {
@@ -184,6 +186,14 @@ bool setOperators(TorvQueryBuilder* builder, PyObject* operators) {
 
 // --- values ---
 
+QString typeName(PyObject* object) {
+    const Shared name =
+        adopt(PyObject_GetAttrString(reinterpret_cast<PyObject*>(Py_TYPE(object)), "__name__"));
+    const Shared bytes = adopt(name ? PyUnicode_AsUTF8String(name.get()) : nullptr);
+    if (!bytes) PyErr_Clear();
+    return bytes ? QString::fromUtf8(PyBytes_AsString(bytes.get())) : QStringLiteral("object");
+}
+
 namespace {
 
 /// The object as that wrapped type, when it can be one.
@@ -204,6 +214,74 @@ bool convert(PyObject* object, const sipTypeDef* type, QVariant& value) {
     return true;
 }
 
+/// Whether the object is of a class of a module of Python.
+bool isA(PyObject* object, const char* module, const char* name) {
+    const Shared imported = adopt(PyImport_ImportModule(module));
+    const Shared type = adopt(imported ? PyObject_GetAttrString(imported.get(), name) : nullptr);
+    const int isInstance = type ? PyObject_IsInstance(object, type.get()) : -1;
+    if (isInstance < 0) throwPythonError();
+    return isInstance != 0;
+}
+
+/// What the object's method answers.
+Shared answerOf(PyObject* object, const char* method, const char* format = nullptr,
+                const char* argument = nullptr) {
+    Shared answer = adopt(PyObject_CallMethod(object, method, format, argument));
+    if (!answer) throwPythonError();
+    return answer;
+}
+
+[[noreturn]] void refuseNumber() {
+    throw std::invalid_argument("a number must be finite: SQL has none for infinity and NaN");
+}
+
+// As SQL, so that no digit is lost. Without an exponent, which would make it a broken number of few
+// digits for most databases, unless it were very long then.
+QVariant decimalOf(PyObject* object) {
+    constexpr long mostZeros = 100;
+    if (!PyObject_IsTrue(answerOf(object, "is_finite").get())) refuseNumber();
+    const long exponent = PyLong_AsLong(answerOf(object, "adjusted").get());
+    if (exponent == -1 && PyErr_Occurred()) throwPythonError();
+    const bool isShort = exponent >= -mostZeros && exponent <= mostZeros;
+    const Shared text =
+        isShort ? answerOf(object, "__format__", "s", "f") : answerOf(object, "__str__");
+    return QVariant::fromValue(orv::SqlText{textOf(text.get()).toUpper()});
+}
+
+QByteArray bytesOf(PyObject* object) {
+    const Shared bytes = adopt(PyBytes_FromObject(object));
+    if (!bytes) throwPythonError();
+    return {PyBytes_AsString(bytes.get()), qsizetype(PyBytes_Size(bytes.get()))};
+}
+
+/// Whether it is a moment of Python with a time zone, which a moment of Qt made from it would lack.
+bool hasTimeZone(PyObject* object) {
+    const Shared zone = adopt(PyObject_GetAttrString(object, "tzinfo"));
+    if (!zone) PyErr_Clear();
+    return zone && zone.get() != Py_None;
+}
+
+// Throws for a value of a good kind that cannot be written as it is.
+void checkContent(const QVariant& value) {
+    const auto checkMoment = [](bool isValid) {
+        if (!isValid) throw std::invalid_argument("the date or time is not a valid one");
+    };
+    switch (value.typeId()) {
+    case QMetaType::Double:
+        if (!std::isfinite(value.toDouble())) refuseNumber();
+        break;
+    case QMetaType::QByteArray:
+        if (!value.toByteArray().isValidUtf8()) {
+            throw std::invalid_argument("bytes are written as a text and must be one in UTF-8");
+        }
+        break;
+    case QMetaType::QDate: checkMoment(value.toDate().isValid()); break;
+    case QMetaType::QTime: checkMoment(value.toTime().isValid()); break;
+    case QMetaType::QDateTime: checkMoment(value.toDateTime().isValid()); break;
+    default: break;
+    }
+}
+
 bool canBeWritten(const QVariant& value) {
     switch (value.typeId()) {
     case QMetaType::Bool:
@@ -213,6 +291,7 @@ bool canBeWritten(const QVariant& value) {
     case QMetaType::ULongLong:
     case QMetaType::Double:
     case QMetaType::QString:
+    case QMetaType::QByteArray:
     case QMetaType::QDate:
     case QMetaType::QTime:
     case QMetaType::QDateTime: return true;
@@ -229,16 +308,39 @@ bool toValue(PyObject* object, QVariant& value) {
         return true;
     }
     return attempt([&] {
+        if (PyBytes_Check(object) || PyByteArray_Check(object)) {
+            value = bytesOf(object);
+            checkContent(value);
+            return;
+        }
+        if (isA(object, "decimal", "Decimal")) {
+            value = decimalOf(object);
+            return;
+        }
         // A datetime is a date, too.
         const bool isConverted = convert<orv::SqlText>(object, sipType_orv_SqlText, value) ||
                                  convert<QDateTime>(object, sipFindType("QDateTime"), value) ||
                                  convert<QDate>(object, sipFindType("QDate"), value) ||
                                  convert<QTime>(object, sipFindType("QTime"), value) ||
                                  convert<QVariant>(object, sipType_QVariant, value);
-        if (isConverted && canBeWritten(value)) return;
+        if (isConverted && canBeWritten(value)) {
+            if (hasTimeZone(object)) {
+                throw std::invalid_argument(
+                    "a date or time with a time zone would be written without it: convert it to "
+                    "the zone of the database, and give it without tzinfo");
+            }
+            checkContent(value);
+            return;
+        }
+        if (PyLong_Check(object)) {
+            PyErr_SetString(PyExc_OverflowError,
+                            "a whole number must fit 64 bits; a larger one is given as a Decimal");
+            throwPythonError();
+        }
         throwTypeError(
-            QStringLiteral("the value of a parameter must be a bool, a number, a text, "
-                           "a date or time, a SqlText or None"));
+            QStringLiteral("the value of a parameter must be a bool, a number, a Decimal, a text, "
+                           "bytes, a date or time, a SqlText or None, not %1")
+                .arg(typeName(object)));
     });
 }
 

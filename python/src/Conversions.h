@@ -28,7 +28,9 @@ namespace orvpy {
 [[nodiscard]] OperatorListRef* toOperatorList(PyObject* iterable);
 [[nodiscard]] bool setOperators(TorvQueryBuilder* builder, PyObject* operators);
 
-/// No object is no value, None is NULL.
+/// What Python calls the object's type.
+[[nodiscard]] QString typeName(PyObject* object);
+/// No object is no value, None is NULL. False with an exception set for what cannot be written.
 [[nodiscard]] bool toValue(PyObject* object, QVariant& value);
 [[nodiscard]] PyObject* fromValue(const QVariant& value);
 

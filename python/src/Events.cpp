@@ -1,22 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "Events.h"
 
+#include "Conversions.h"
 #include "Refs.h"
 #include "sipAPI_core.h"
 
 #include <QCoreApplication>
 
+#include <optional>
+
 namespace orvpy {
 
 namespace {
-
-QString typeName(PyObject* object) {
-    const Shared name =
-        adopt(PyObject_GetAttrString(reinterpret_cast<PyObject*>(Py_TYPE(object)), "__name__"));
-    const Shared bytes = adopt(name ? PyUnicode_AsUTF8String(name.get()) : nullptr);
-    if (!bytes) PyErr_Clear();
-    return bytes ? QString::fromUtf8(PyBytes_AsString(bytes.get())) : QStringLiteral("object");
-}
 
 PyObject* wrapBuilder(TorvQueryBuilder* builder) {
     return sipConvertFromType(builder, sipType_TorvQueryBuilder, nullptr);
@@ -47,6 +42,12 @@ PyObject* wrap(TorvQDListItem* item) {
 
 PyObject* wrap(TAddRemove action) {
     return sipConvertFromEnum(action, sipType_TAddRemove);
+}
+
+// Made before a Turn: what that drops may still look at the object.
+std::optional<Offer> offerOf(const TorvQDFloatObject* object, TAddRemove action) {
+    if (action != araAdd) return std::nullopt;
+    return std::optional<Offer>(std::in_place, object);
 }
 
 /// One event on its way to Python: keeps the callable and the builder for as long as it runs.
@@ -126,6 +127,7 @@ void AddRemoveTable::operator()(QObject* sender, TorvQDTable* table, TAddRemove 
                                 bool& canDo) const {
     if (!isPythonAlive()) return;
     const Lock lock;
+    const auto offer = offerOf(table, action);
     const Turn turn(m_builder, callable());
     canDo = isAllowed(turn.call({wrapObject(sender), wrap(table), wrap(action)}));
 }
@@ -134,6 +136,7 @@ void AddRemoveLink::operator()(QObject* sender, TorvQDLink* link, TAddRemove act
                                bool& canDo) const {
     if (!isPythonAlive()) return;
     const Lock lock;
+    const auto offer = offerOf(link, action);
     const Turn turn(m_builder, callable());
     canDo = isAllowed(turn.call({wrapObject(sender), wrap(link), wrap(action)}));
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Refs.h"
 
+#include "workarea/ORVQDFloatPanel.h"
 #include "workarea/ORVQDSProc.h"
 
 #include <algorithm>
@@ -19,12 +20,32 @@ int checkedIndex(int index, int count) {
     return fromStart;
 }
 
+// What a handler is being asked about; the innermost last.
+std::vector<const TorvQDFloatObject*> offered;
+
 }  // namespace
+
+// --- what is on the diagram ---
+
+Offer::Offer(const TorvQDFloatObject* object) {
+    offered.push_back(object);
+}
+
+Offer::~Offer() {
+    offered.pop_back();
+}
+
+bool isOnDiagram(const TorvQDFloatObject* object) {
+    if (!object) return false;
+    const auto* area = qobject_cast<const TorvQDWorkArea*>(object->Parent.data());
+    if (area && area->holds(object)) return true;
+    return std::find(offered.begin(), offered.end(), object) != offered.end();
+}
 
 // --- boxes ---
 
 TorvQDTable* TableRef::get() const {
-    if (!m_table) throw GoneError("this table is no longer on the diagram");
+    if (!isAlive()) throw GoneError("this table is no longer on the diagram");
     return m_table;
 }
 
@@ -61,37 +82,68 @@ void TableRef::setParameter(const RowRef& row, const QVariant& value) {
 }
 
 QString TableRef::repr() const {
-    return m_table ? QStringLiteral("<TorvQDTable %1>").arg(m_table->GetCaption())
-                   : QStringLiteral("<TorvQDTable, deleted>");
+    return isAlive() ? QStringLiteral("<TorvQDTable %1>").arg(m_table->GetCaption())
+                     : QStringLiteral("<TorvQDTable, deleted>");
 }
 
 // --- rows ---
 
 TorvQDListItem* RowRef::get() const {
-    if (!m_table) throw GoneError("the table of this row is no longer on the diagram");
+    if (!isAlive()) throw GoneError("the table of this row is no longer on the diagram");
     return m_item;
 }
 
 void RowRef::SetCheck(bool value) {
     TorvQDListItem* item = get();
-    if (item->Checked != value && item->Table->owns(item)) item->Table->toggle(item);
+    if (!item->Table->owns(item)) return;
+    if (item->ParamType == ptInput) {
+        item->SetCheck(value);
+    } else if (item->Checked != value) {
+        item->Table->toggle(item);
+    }
+}
+
+template <typename Change>
+void RowRef::changeParameter(const Change& change) {
+    TorvQDListItem* item = get();
+    auto* procedure = qobject_cast<TorvQDSProc*>(item->Table);
+    if (!procedure || item->ParamType == ptOutput || !procedure->owns(item)) {
+        throw std::invalid_argument(
+            "only a row of a parameter takes this; SetCheck() ticks a field");
+    }
+    change(*item);
+    auto* area = qobject_cast<TorvQDWorkArea*>(procedure->Parent.data());
+    if (area) area->parameterChanged(procedure, item);
+}
+
+void RowRef::setChecked(bool value) {
+    changeParameter([&](TorvQDListItem& item) { item.UpdateCheck(value ? -1 : 0); });
+}
+
+void RowRef::setIsNull(bool value) {
+    changeParameter([&](TorvQDListItem& item) { item.IsNull = value; });
+}
+
+void RowRef::setValue(const QVariant& value) {
+    changeParameter([&](TorvQDListItem& item) { item.Value = value; });
 }
 
 QString RowRef::repr() const {
-    return m_table ? QStringLiteral("<TorvQDListItem %1.%2>").arg(m_table->GetAlias(), m_item->Name)
-                   : QStringLiteral("<TorvQDListItem, deleted>");
+    return isAlive()
+               ? QStringLiteral("<TorvQDListItem %1.%2>").arg(m_table->GetAlias(), m_item->Name)
+               : QStringLiteral("<TorvQDListItem, deleted>");
 }
 
 // --- links ---
 
 TorvQDLink* LinkRef::get() const {
-    if (!m_link) throw GoneError("this link is no longer on the diagram");
+    if (!isAlive()) throw GoneError("this link is no longer on the diagram");
     return m_link;
 }
 
 QString LinkRef::repr() const {
-    return m_link ? QStringLiteral("<TorvQDLink %1>").arg(m_link->GetHint())
-                  : QStringLiteral("<TorvQDLink, deleted>");
+    return isAlive() ? QStringLiteral("<TorvQDLink %1>").arg(m_link->GetHint())
+                     : QStringLiteral("<TorvQDLink, deleted>");
 }
 
 // --- the list of tables ---

@@ -28,12 +28,26 @@ public:
 
 class RowRef;
 
+/// While one lives, the box or link counts as one of the diagram: the host is asked whether it may
+/// become one.
+class Offer {
+public:
+    explicit Offer(const TorvQDFloatObject* object);
+    ~Offer();
+    Offer(const Offer&) = delete;
+    Offer& operator=(const Offer&) = delete;
+};
+
+/// Whether the box or link is on the diagram, or offered to it. One that was closed is not, though
+/// it dies later.
+[[nodiscard]] bool isOnDiagram(const TorvQDFloatObject* object);
+
 /// A box of the diagram.
 class TableRef {
 public:
     explicit TableRef(TorvQDTable* table) : m_table(table), m_hash(qHash(quintptr(table))) {}
 
-    [[nodiscard]] bool isAlive() const { return !m_table.isNull(); }
+    [[nodiscard]] bool isAlive() const { return isOnDiagram(m_table); }
     /// The box; throws GoneError when there is none any more.
     [[nodiscard]] TorvQDTable* get() const;
 
@@ -83,7 +97,7 @@ public:
     explicit RowRef(TorvQDListItem* item)
         : m_table(item->Table), m_item(item), m_hash(qHash(quintptr(item))) {}
 
-    [[nodiscard]] bool isAlive() const { return !m_table.isNull(); }
+    [[nodiscard]] bool isAlive() const { return isOnDiagram(m_table); }
     [[nodiscard]] TorvQDListItem* get() const;
 
     [[nodiscard]] TableRef* Table() const { return new TableRef(get()->Table); }
@@ -93,10 +107,15 @@ public:
     [[nodiscard]] int GetIndex() const { return get()->GetIndex(); }
     [[nodiscard]] QString GetDataName() const { return get()->GetDataName(); }
     [[nodiscard]] bool Checked() const { return get()->Checked; }
-    /// As the user does, when the row is not as wanted.
+    /// As the user does: a field when it is not as wanted, for an input parameter the host is asked
+    /// whatever it is.
     void SetCheck(bool value);
     [[nodiscard]] bool IsNull() const { return get()->IsNull; }
     [[nodiscard]] QVariant Value() const { return get()->Value; }
+    // The members of a parameter; throw std::invalid_argument for a field.
+    void setChecked(bool value);
+    void setIsNull(bool value);
+    void setValue(const QVariant& value);
 
     [[nodiscard]] QString repr() const;
     [[nodiscard]] std::size_t hash() const { return m_hash; }
@@ -106,6 +125,9 @@ public:
     }
 
 private:
+    template <typename Change>
+    void changeParameter(const Change& change);
+
     QPointer<TorvQDTable> m_table;
     TorvQDListItem* m_item;
     std::size_t m_hash;
@@ -116,7 +138,7 @@ class LinkRef {
 public:
     explicit LinkRef(TorvQDLink* link) : m_link(link), m_hash(qHash(quintptr(link))) {}
 
-    [[nodiscard]] bool isAlive() const { return !m_link.isNull(); }
+    [[nodiscard]] bool isAlive() const { return isOnDiagram(m_link); }
     [[nodiscard]] TorvQDLink* get() const;
 
     [[nodiscard]] TableRef* Table1() const { return new TableRef(get()->Join->Table1); }

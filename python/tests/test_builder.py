@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """The control: tables, statements, events, procedures, properties, signals."""
 
+import decimal
 import json
 import threading
 import unittest
@@ -201,23 +202,81 @@ class Tables(TestCase):
         self.assertTrue(table.isAlive() and row.isAlive())
         numbers = hash(table), hash(row)
         builder.Clear()
-        delete_deferred()
-        self.assertFalse(table.isAlive() or row.isAlive())
-        for use in (
-            lambda: table.TableName,
-            lambda: table.Items,
-            lambda: table.CloseTable(),
-            lambda: setattr(table, "Left", 3),
-            lambda: row.Name,
-            lambda: row.SetCheck(True),
-            lambda: row.Value,
-            lambda: builder.ListOfTables.DeleteTable(table),
+        # The event loop deletes it later; it is gone at once.
+        for is_deleted in (False, True):
+            with self.subTest(is_deleted=is_deleted):
+                if is_deleted:
+                    delete_deferred()
+                self.assertFalse(table.isAlive() or row.isAlive())
+                for use in (
+                    lambda: table.TableName,
+                    lambda: table.Items,
+                    lambda: table.CloseTable(),
+                    lambda: setattr(table, "Left", 3),
+                    lambda: row.Name,
+                    lambda: row.SetCheck(True),
+                    lambda: row.Value,
+                    lambda: builder.ListOfTables.DeleteTable(table),
+                ):
+                    with self.assertRaisesRegex(RuntimeError, "no longer on the diagram"):
+                        use()
+                self.assertEqual((hash(table), hash(row)), numbers)
+                self.assertEqual(table, table)
+                self.assertIn("deleted", repr(table))
+                self.assertIn("deleted", repr(row))
+
+    def test_box_is_gone_whatever_took_it_away(self):
+        for take in (
+            lambda builder, table: table.CloseTable(),
+            lambda builder, table: builder.ListOfTables.DeleteTable(0),
+            lambda builder, table: builder.LoadSQL("SELECT C.NAME FROM CUSTOMER C"),
+            lambda builder, table: builder.RestoreState(builder_with_tables().SaveState()),
         ):
-            with self.assertRaisesRegex(RuntimeError, "no longer on the diagram"):
-                use()
-        self.assertEqual((hash(table), hash(row)), numbers)
-        self.assertEqual(table, table)
-        self.assertIn("deleted", repr(table) + repr(row))
+            builder = builder_with_tables("ORDERS")
+            table = builder.ListOfTables[0]
+            row = table.Items[0]
+            take(builder, table)
+            self.assertFalse(table.isAlive() or row.isAlive())
+            with self.assertRaises(RuntimeError):
+                row.SetCheck(True)
+            self.assertEqual([f for f in builder.SelectedFields() if "ORDERS" in f], [])
+
+    def test_box_is_there_while_the_host_is_asked_about_it(self):
+        builder = TorvQueryBuilder()
+        seen = []
+
+        def look(sender, table, action):
+            row = table.Items[0]
+            seen.append((action, table.isAlive(), row.isAlive(), row.Name, repr(table)))
+
+        builder.OnAddRemoveTable = look
+        table = builder.ListOfTables.AddTable("ORDERS", data_set("ORDERS"))
+        self.assertTrue(table.isAlive())
+        table.CloseTable()
+        name = "<TorvQDTable ORDERS>"
+        self.assertEqual(
+            seen,
+            [(araAdd, True, True, "CUSTNO", name), (araRemove, True, True, "CUSTNO", name)],
+        )
+        self.assertFalse(table.isAlive())
+
+    def test_link_is_gone_with_its_box(self):
+        builder = builder_with_tables()
+        kept = []
+
+        def look(sender, link, action):
+            kept.append((link, link.isAlive(), link.GetHint()))
+
+        builder.OnAddRemoveLink = look
+        builder.LoadSQL(JOINED)
+        ((link, was_alive, hint),) = kept
+        self.assertTrue(was_alive and hint)
+        self.assertTrue(link.isAlive())
+        link.Table2.CloseTable()
+        self.assertFalse(link.isAlive())
+        self.assertIn("deleted", repr(link))
+        with self.assertRaisesRegex(RuntimeError, "no longer on the diagram"):
+            link.Table1
 
 
 class Statements(TestCase):
@@ -461,12 +520,20 @@ class Procedures(TestCase):
         builder = TorvQueryBuilder()
         table = self.add(builder)
         row = table.GetFieldItem("X")
-        for value, written in ((5, "5"), (None, "NULL"), (SqlText("T.B + 1"), "T.B + 1")):
+        for value, written in (
+            (5, "5"),
+            (2**64 - 1, "18446744073709551615"),
+            (None, "NULL"),
+            (SqlText("T.B + 1"), "T.B + 1"),
+            (b"bytes", "'bytes'"),
+        ):
             with self.subTest(value=value):
                 table.setParameter(row, value)
                 self.assertEqual(table.GetParameters(), f"{written}, 'text'")
                 self.assertEqual(row.Value, value)
                 self.assertEqual(row.IsNull, value is None)
+        table.setParameter(row, decimal.Decimal("0.30"))
+        self.assertEqual(table.GetParameters(), "0.30, 'text'")
         table.setParameter(row)
         self.assertEqual(table.GetParameters(), ":X, 'text'")
         with self.assertRaises(TypeError):
@@ -496,6 +563,90 @@ class Procedures(TestCase):
         table.GetFieldItem("X").SetCheck(True)
         self.assertEqual(asked, [(True, True, "X")])
         self.assertEqual(table.GetParameters(), "7, 'text'")
+
+    def test_event_asks_whatever_the_row_has(self):
+        builder = TorvQueryBuilder()
+        table = self.add(builder)
+        asked = []
+        builder.OnEnterProcParameter = lambda sender, procedure, row: asked.append(row.Name)
+        for name in ("X", "Y"):
+            for value in (True, False):
+                table.GetFieldItem(name).SetCheck(value)
+        self.assertEqual(asked, ["X", "X", "Y", "Y"])
+        self.assertEqual(table.GetParameters(), ":X, 'text'")
+        self.assertEqual([row.Checked for row in table.Items], [False, False, True])
+
+    def test_handler_sets_the_members_of_the_row(self):
+        builder = TorvQueryBuilder()
+        table = self.add(builder)
+        changes = []
+        builder.StatementChanged.connect(lambda: changes.append(table.GetParameters()))
+
+        def enter(sender, procedure, row):
+            row.IsNull = False
+            row.Value = 7
+            row.Checked = True
+
+        builder.OnEnterProcParameter = enter
+        row = table.GetFieldItem("X")
+        row.SetCheck(True)
+        self.assertEqual((row.Value, row.Checked, row.IsNull), (7, True, False))
+        # Told once, when the handler is through.
+        self.assertEqual(changes, ["7, 'text'"])
+
+        def enter_null(sender, procedure, row):
+            row.IsNull = True
+
+        builder.OnEnterProcParameter = enter_null
+        row.SetCheck(True)
+        self.assertEqual(changes[1:], ["NULL, 'text'"])
+
+        def take_back(sender, procedure, row):
+            row.Checked = False
+
+        builder.OnEnterProcParameter = take_back
+        row.SetCheck(True)
+        self.assertEqual(changes[2:], [":X, 'text'"])
+
+    def test_handler_may_tick_the_row_by_SetCheck(self):
+        builder = TorvQueryBuilder()
+        table = self.add(builder)
+
+        def enter(sender, procedure, row):
+            row.Value = None
+            row.SetCheck(True)
+
+        builder.OnEnterProcParameter = enter
+        table.GetFieldItem("X").SetCheck(True)
+        self.assertEqual(table.GetParameters(), "NULL, 'text'")
+
+    def test_members_set_outside_the_handler_are_told(self):
+        builder = TorvQueryBuilder()
+        row = self.add(builder).GetFieldItem("Y")
+        changes = []
+        builder.StatementChanged.connect(lambda: changes.append(row.Table.GetParameters()))
+        row.Value = "other"
+        row.IsNull = True
+        row.Checked = False
+        self.assertEqual(changes, [":X, 'other'", ":X, NULL", ":X, :Y"])
+
+    def test_members_of_a_field_are_not_set(self):
+        builder = builder_with_tables("ORDERS")
+        procedure = self.add(builder)
+        for row in (builder.ListOfTables.tableByAlias("ORDERS").Items[0], procedure.Items[0]):
+            for name, value in (("Value", 5), ("Checked", True), ("IsNull", False)):
+                with self.subTest(name=name), self.assertRaisesRegex(ValueError, "parameter"):
+                    setattr(row, name, value)
+            self.assertFalse(row.Checked)
+        self.assertEqual(builder.SelectedFields(), [])
+
+    def test_members_take_their_types_only(self):
+        builder = TorvQueryBuilder()
+        row = self.add(builder).GetFieldItem("Y")
+        for name, value in (("Value", [5]), ("IsNull", "no"), ("Checked", None)):
+            with self.subTest(name=name), self.assertRaises(TypeError):
+                setattr(row, name, value)
+        self.assertEqual(row.Value, "text")
 
     def test_event_hands_over_a_procedure(self):
         builder = TorvQueryBuilder()

@@ -6,8 +6,8 @@ import sys
 import traceback
 import unittest
 
-from PyQt6.QtCore import QMimeData, QPoint, Qt
-from PyQt6.QtGui import QDragEnterEvent
+from PyQt6.QtCore import QMimeData, QPoint, QPointF, Qt
+from PyQt6.QtGui import QDragEnterEvent, QDragMoveEvent, QDropEvent
 from PyQt6.QtTest import QTest
 from support import TestCase, app, builder_with_tables, data_set, work_area
 
@@ -192,6 +192,99 @@ class InsideAnEvent(TestCase):
         app.sendEvent(self.area.viewport(), event)
         (error,) = self.take_hooked()
         self.assertIsInstance(error, Refused)
+
+    def drop(self, kind, at=QPoint(400, 200)):
+        data = QMimeData()
+        data.setText("T")
+        place = QPointF(at) if kind is QDropEvent else at
+        event = kind(
+            place,
+            Qt.DropAction.CopyAction,
+            data,
+            Qt.MouseButton.LeftButton,
+            Qt.KeyboardModifier.NoModifier,
+        )
+        app.sendEvent(self.area.viewport(), event)
+
+    def test_drop(self):
+        self.builder.OnDragOver = lambda *_: True
+        self.builder.OnDragDrop = refuse
+        for kind in (QDragEnterEvent, QDragMoveEvent):
+            self.drop(kind)
+        self.assertEqual(self.take_hooked(), [])
+        self.drop(QDropEvent)
+        (error,) = self.take_hooked()
+        self.assertIsInstance(error, Refused)
+        self.assertIsNone(self.builder.DragMimeData())
+
+    def drag_a_field(self):
+        table = self.builder.ListOfTables[0]
+        start = QPoint(table.Left + 60, table.Top + 30)
+        viewport = self.area.viewport()
+        QTest.mousePress(viewport, Qt.MouseButton.LeftButton, pos=start)
+        QTest.mouseMove(viewport, start + QPoint(40, 3))
+        QTest.mouseMove(viewport, start + QPoint(80, 6))
+        QTest.mouseRelease(viewport, Qt.MouseButton.LeftButton, pos=start + QPoint(80, 6))
+
+    def test_beginning_and_end_of_a_drag(self):
+        for name, count in (("OnStartDrag", 2), ("OnEndDrag", 4)):
+            with self.subTest(event=name):
+                setattr(self.builder, name, refuse)
+                self.drag_a_field()
+                errors = self.take_hooked()
+                self.assertTrue(errors)
+                for error in errors:
+                    self.assertIsInstance(error, Refused)
+                    self.assertEqual(error.args, (count,))
+                setattr(self.builder, name, None)
+        told = []
+        self.builder.OnStartDrag = lambda sender, field: told.append(field.field)
+        self.drag_a_field()
+        self.assertEqual(told, ["CUSTNO"])
+
+    def link_by_keys(self):
+        """Link the current rows of the two boxes."""
+        QTest.keyClick(self.area, Qt.Key.Key_Insert)
+        QTest.keyClick(self.area, Qt.Key.Key_PageDown, Qt.KeyboardModifier.ControlModifier)
+        QTest.keyClick(self.area, Qt.Key.Key_Insert)
+
+    def test_link_veto(self):
+        self.builder.ListOfTables.AddTable("CUSTOMER", data_set("CUSTOMER"))
+        self.builder.OnAddRemoveLink = refuse
+        self.link_by_keys()
+        (error,) = self.take_hooked()
+        self.assertIsInstance(error, Refused)
+        self.assertEqual(error.args, (3,))
+        self.assertNotIn("JOIN", self.builder.GetSQLStatment())
+        self.builder.OnAddRemoveLink = None
+        QTest.keyClick(self.area, Qt.Key.Key_Escape)
+        self.link_by_keys()
+        self.assertIn("INNER JOIN", self.builder.GetSQLStatment())
+
+    def test_veto_of_a_removal_that_is_posted(self):
+        self.builder.ListOfTables.AddTable("CUSTOMER", data_set("CUSTOMER"))
+        self.link_by_keys()
+        orv.setMessageService(lambda request: orv.MessageAnswer.Yes)
+        for handler, is_left in ((refuse, True), (None, False)):
+            self.builder.OnAddRemoveLink = handler
+            QTest.keyClick(self.area, Qt.Key.Key_PageDown, Qt.KeyboardModifier.AltModifier)
+            QTest.keyClick(self.area, Qt.Key.Key_Delete)
+            app.processEvents()
+            errors = [type(error) for error in self.take_hooked()]
+            self.assertEqual(errors, [Refused] if handler else [])
+            self.assertEqual("INNER JOIN" in self.builder.GetSQLStatment(), is_left)
+
+    def test_message_service(self):
+        self.builder.ListOfTables.AddTable("CUSTOMER", data_set("CUSTOMER"))
+        self.link_by_keys()
+        orv.setMessageService(refuse)
+        QTest.keyClick(self.area, Qt.Key.Key_PageDown, Qt.KeyboardModifier.AltModifier)
+        # It asks whether the link is to go.
+        QTest.keyClick(self.area, Qt.Key.Key_Delete)
+        app.processEvents()
+        (error,) = self.take_hooked()
+        self.assertIsInstance(error, Refused)
+        self.assertIn("INNER JOIN", self.builder.GetSQLStatment())
 
     def test_exceptions_that_end_programs_do_not(self):
         for kind in (SystemExit, KeyboardInterrupt):

@@ -89,13 +89,22 @@ class Stub(TestCase):
                 if isinstance(value, property):
                     with self.subTest(name=name, member=member.target.id):
                         self.assertIsNotNone(value.fset)
-            for member in node.body:
-                if not isinstance(member, ast.FunctionDef) or not member.decorator_list:
-                    continue
-                value = vars(thing).get(member.name)
-                if isinstance(value, property) and member.name != "Operators":
-                    with self.subTest(name=name, member=member.name):
-                        self.assertIsNone(value.fset)
+            decorated = [
+                (member.name, decorator)
+                for member in node.body
+                if isinstance(member, ast.FunctionDef)
+                for decorator in member.decorator_list
+            ]
+            settable = {
+                of
+                for of, decorator in decorated
+                if isinstance(decorator, ast.Attribute) and decorator.attr == "setter"
+            }
+            for member, _ in decorated:
+                value = vars(thing).get(member)
+                if isinstance(value, property):
+                    with self.subTest(name=name, member=member):
+                        self.assertEqual(value.fset is not None, member in settable)
 
 
 if __name__ == "__main__":

@@ -4,9 +4,11 @@
 import copy
 import datetime
 import decimal
+import fractions
 import pickle
 import unittest
 
+from PyQt6.QtCore import QByteArray, QDate, QDateTime, QTime
 from support import TestCase
 
 import orvquerybuilder as orv
@@ -121,8 +123,69 @@ class Params(TestCase):
         self.assertEqual(TParam("X", Value=datetime.time(7, 8)).Value.toPyTime().minute, 8)
 
     def test_other_values_are_refused(self):
-        for value in ([1], {}, object(), decimal.Decimal(1), b"x"):
-            with self.subTest(value=value), self.assertRaises(TypeError):
+        for value in ([1], {}, object(), 1j, datetime.timedelta(1), fractions.Fraction(1, 3)):
+            with self.subTest(value=value), self.assertRaisesRegex(TypeError, "Decimal, a text"):
+                TParam("X", Value=value)
+
+    def test_bytes_are_a_text(self):
+        for value in (b"", b"it", bytearray(b"it"), QByteArray(b"it"), "für".encode()):
+            with self.subTest(value=value):
+                self.assertEqual(TParam("X", Value=value).Value, bytes(value))
+
+    def test_bytes_that_are_no_text_are_refused(self):
+        for value in (b"\xff", QByteArray(b"a\xc3")):
+            with self.subTest(value=value), self.assertRaisesRegex(ValueError, "UTF-8"):
+                TParam("X", Value=value)
+
+    def test_decimals_keep_their_digits(self):
+        for text, written in (
+            ("1.10", "1.10"),
+            ("-0.1", "-0.1"),
+            ("12345678901234567890.123456789", "12345678901234567890.123456789"),
+            ("18446744073709551616", "18446744073709551616"),
+            ("1E+3", "1000"),
+            ("1E-9", "0.000000001"),
+            ("0E-2", "0.00"),
+            ("1E+500", "1E+500"),
+        ):
+            with self.subTest(text=text):
+                value = TParam("X", Value=decimal.Decimal(text)).Value
+                self.assertEqual(value, SqlText(written))
+
+    def test_decimals_of_another_context_keep_their_digits(self):
+        with decimal.localcontext() as context:
+            context.prec = 3
+            context.capitals = 0
+            self.assertEqual(TParam("X", Value=decimal.Decimal("1.23456")).Value, SqlText("1.23456"))
+
+    def test_numbers_that_are_none_are_refused(self):
+        infinite = float("inf")
+        for value in (infinite, -infinite, float("nan"), decimal.Decimal("NaN"),
+                      decimal.Decimal("-Infinity"), decimal.Decimal("sNaN")):
+            with self.subTest(value=value), self.assertRaisesRegex(ValueError, "finite"):
+                TParam("X", Value=value)
+
+    def test_whole_numbers_have_64_bits(self):
+        for value in (2**31, -(2**63), 2**63 - 1, 2**64 - 1):
+            with self.subTest(value=value):
+                self.assertEqual(TParam("X", Value=value).Value, value)
+        for value in (2**64, -(2**63) - 1, 10**100):
+            with self.subTest(value=value), self.assertRaisesRegex(OverflowError, "64 bits.*Decimal"):
+                TParam("X", Value=value)
+
+    def test_time_zones_are_refused(self):
+        zone = datetime.timezone(datetime.timedelta(hours=1))
+        for value in (
+            datetime.datetime(2024, 2, 29, 13, 5, tzinfo=datetime.timezone.utc),
+            datetime.datetime(2024, 2, 29, 13, 5, tzinfo=zone),
+            datetime.time(13, 5, tzinfo=zone),
+        ):
+            with self.subTest(value=value), self.assertRaisesRegex(ValueError, "time zone"):
+                TParam("X", Value=value)
+
+    def test_dates_that_are_none_are_refused(self):
+        for value in (QDate(), QTime(), QDateTime(), QDate(2024, 2, 30)):
+            with self.subTest(value=value), self.assertRaisesRegex(ValueError, "not a valid"):
                 TParam("X", Value=value)
 
     def test_list_of_parameters(self):
@@ -194,6 +257,7 @@ class Copies(TestCase):
             TParam("X", ftInteger, ptInput),
             TParam("X", ftInteger, ptInput, None),
             TParam("X", ftInteger, ptInput, SqlText("T.A")),
+            TParam("X", ftString, ptInput, b"text"),
             TParams([TParam("X"), TParam("Y", Value=5)]),
             TorvQDOperator("N", "C", "R", "PO", "PR", 3),
             SqlText("T.A"),

@@ -59,8 +59,5 @@ endforeach()
 build_host("${CMAKE_CURRENT_LIST_DIR}/host" "${SCRATCH_DIR}/host"
     "-DCMAKE_PREFIX_PATH=${root}/usr" "-DEXPECTED_PREFIX=${root}/usr")
 run_host("${SCRATCH_DIR}/host")
-if("application" IN_LIST CPACK_COMPONENTS_ALL)
-    # The library lies where the loader looks only when the package is really installed.
-    run("${CMAKE_COMMAND}" -E env "LD_LIBRARY_PATH=${root}/usr/${LIBDIR}"
-        "${root}/usr/bin/orvquery" --version)
-endif()
+# The library lies where the loader looks only when the package is really installed.
+load_components("${root}/usr" "${CPACK_COMPONENTS_ALL}" "LD_LIBRARY_PATH=${root}/usr/${LIBDIR}")
