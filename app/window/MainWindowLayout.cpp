@@ -127,7 +127,7 @@ void MainWindow::buildMenus() {
     query->addSeparator();
     query->addAction(addAction(nullptr, tr("&Operators..."), {}, &MainWindow::modifyOperators));
     query->addAction(
-        addAction(nullptr, tr("&Default operators"), {}, &MainWindow::useDefaultOperators));
+        addAction(nullptr, tr("Restore &default operators"), {}, &MainWindow::useDefaultOperators));
 
     buildDiagramMenu();
 

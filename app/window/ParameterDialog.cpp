@@ -6,8 +6,10 @@
 #include "parameters/Placeholders.h"
 #include "parser/ORVQDArgument.h"
 
+#include <QCoreApplication>
 #include <QDialogButtonBox>
 #include <QFontMetrics>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -120,6 +122,18 @@ void ParameterDialog::begin(const QVariant& value) {
 
 void ParameterDialog::fieldEdited() {
     if (m_asNull->isChecked() || m_unset->isChecked()) m_asValue->setChecked(true);
+}
+
+// Whoever chose by keyboard what the text shall be goes on with typing it.
+void ParameterDialog::keyPressEvent(QKeyEvent* event) {
+    const bool isTyping = !event->text().isEmpty() && event->text().front().isPrint() &&
+                          !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
+    if (isTyping && qobject_cast<QRadioButton*>(focusWidget()) != nullptr) {
+        m_field->setFocus();
+        QCoreApplication::sendEvent(m_field, event);
+        return;
+    }
+    QDialog::keyPressEvent(event);
 }
 
 void ParameterDialog::refresh() {

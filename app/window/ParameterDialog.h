@@ -35,6 +35,9 @@ public:
     /// The value that was chosen, in the same way.
     [[nodiscard]] QVariant value() const;
 
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     void buildChoices(const Subject& subject);
     void begin(const QVariant& value);

@@ -67,6 +67,7 @@ PlaceholderDialog::PlaceholderDialog(const std::vector<ParameterDescription>& pa
     area->setFrameShape(QFrame::NoFrame);
     area->setFocusPolicy(Qt::NoFocus);
     area->setWidget(content);
+    m_rowsArea = area;
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
     m_run = buttons->addButton(tr("&Run"), QDialogButtonBox::AcceptRole);
@@ -157,6 +158,16 @@ void PlaceholderDialog::refresh() {
     }
     m_run->setEnabled(first.isEmpty());
     m_run->setToolTip(first);
+    growToRows();
+}
+
+// A line that tells what is wrong must not need scrolling for.
+void PlaceholderDialog::growToRows() {
+    if (!isVisible()) return;
+    m_rowsArea->widget()->layout()->activate();
+    m_rowsArea->updateGeometry();
+    layout()->activate();
+    resize(size().expandedTo(sizeHint()));
 }
 
 PlaceholderValues PlaceholderDialog::values() const {

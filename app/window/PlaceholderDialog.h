@@ -11,6 +11,7 @@ class QGridLayout;
 class QLabel;
 class QLineEdit;
 class QPushButton;
+class QScrollArea;
 
 namespace orvquery {
 
@@ -47,8 +48,10 @@ private:
     void begin(const Row& row, const ParameterAnswers& answers);
     [[nodiscard]] static QString problemOf(const Row& row);
     void refresh();
+    void growToRows();
 
     std::vector<Row> m_rows;
+    QScrollArea* m_rowsArea = nullptr;
     QPushButton* m_run = nullptr;
 };
 

@@ -97,7 +97,7 @@ private Q_SLOTS:
         answer(deleteTheFirst);
         choose(window, "Operators...");
         QVERIFY(settings().contains("operators"));
-        choose(window, "Default operators");
+        choose(window, "Restore default operators");
         QCOMPARE(operatorsOf(window), defaultOperators());
         QVERIFY(!settings().contains("operators"));
     }

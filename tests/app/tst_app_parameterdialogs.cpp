@@ -20,6 +20,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpression>
+#include <QScrollBar>
 #include <QSettings>
 #include <QTableView>
 #include <QTemporaryDir>
@@ -77,12 +78,14 @@ private Q_SLOTS:
     void momentIsTextWithBlank();
     void nullAndBack();
     void typingMeansValue();
+    void typingBehindChoiceGoesToField();
     void longValueStays();
     void everyWidgetHasName();
     void allPlaceholdersAreAskedFor();
     void sharedPlaceholderNamesItsTakers();
     void placeholdersBeginWithAnswers();
     void hundredsOfPlaceholdersScroll();
+    void problemsNeedNoScrolling();
 
     void functionsStandBehindTables();
     void functionFromListToRows();
@@ -403,6 +406,20 @@ void TestParameterDialogs::typingMeansValue() {
 }
 
 // Whoever only looks changes nothing, also where the field cannot show all of it.
+void TestParameterDialogs::typingBehindChoiceGoesToField() {
+    ParameterDialog dialog({"P", "X", ftInteger, ":X"}, {});
+    activate(dialog);
+    auto* sql = childOf<QRadioButton>(dialog, "asSql");
+    sql->setFocus();
+    QTest::keyClick(sql, Qt::Key_Space);
+    QVERIFY(sql->isChecked());
+    QTest::keyClick(sql, Qt::Key_A);
+    auto* field = childOf<QLineEdit>(dialog, "value");
+    QCOMPARE(dialog.focusWidget(), field);
+    QCOMPARE(field->text(), QStringLiteral("a"));
+    QVERIFY(sql->isChecked());
+}
+
 void TestParameterDialogs::longValueStays() {
     const QVariant value = QStringLiteral("[1,\n 2]");
     ParameterDialog dialog({"P", "X", ftMemo, ":X"}, value);
@@ -487,6 +504,17 @@ void TestParameterDialogs::hundredsOfPlaceholdersScroll() {
     QVERIFY(dialog.height() <= dialog.screen()->availableGeometry().height());
     QVERIFY(childOf<QPushButton>(dialog, "run")->isVisible());
     QCOMPARE(dialog.values().size(), 200);
+}
+
+void TestParameterDialogs::problemsNeedNoScrolling() {
+    PlaceholderDialog dialog({{"FROM_DAY", ftDate}}, {});
+    activate(dialog);
+    QTest::keyClicks(childOf<QLineEdit>(dialog, "FROM_DAY"), "31.12.2024");
+    QCoreApplication::processEvents();
+    const auto* problem = childOf<QLabel>(dialog, "problem FROM_DAY");
+    QVERIFY(!problem->text().isEmpty());
+    QCOMPARE(problem->visibleRegion().boundingRect(), problem->rect());
+    for (const QScrollBar* bar : dialog.findChildren<QScrollBar*>()) QVERIFY(!bar->isVisible());
 }
 
 // --- in the window ---
