@@ -20,8 +20,10 @@ struct StateNotes {
 enum class JsonLayout { Indented, Compact };
 
 /// The state of a query as one JSON document in UTF-8: statement, tables, columns and all else that
-/// the control holds, keys in a fixed order. `statement` is null when it cannot be written; its
-/// error then stands under `error`, unless `notes` has one.
+/// the control holds, keys in a fixed order. A procedure has "parameters": name, type, direction
+/// and, but for outputs, kind and value of each; "brackets" is false where its call was loaded
+/// without any. `statement` is null when it cannot be written; its error then stands under `error`,
+/// unless `notes` has one.
 [[nodiscard]] ORV_EXPORT QByteArray stateJson(TorvQueryBuilder& builder, const StateNotes& notes,
                                               JsonLayout layout = JsonLayout::Indented);
 

@@ -35,7 +35,7 @@ private:
     int below(int limit) { return int(m_random() % unsigned(limit)); }
     [[nodiscard]] bool keeps() const { return m_on.builder.KeepMeaning(); }
 
-    // In the specified mode a table that is there takes the second mention of its name.
+    // By the plain rules a table that is there takes the second mention of its name.
     void addTable() {
         const QString name = names[below(int(names.size()))];
         if (!keeps() && isThere(name)) return;
@@ -47,7 +47,7 @@ private:
         for (TorvQDListItem* row : proc->parameterRows()) proc->setParameter(row, anyValue());
     }
 
-    // In the specified mode inner apostrophes are not doubled.
+    // By the plain rules inner apostrophes are not doubled.
     QVariant anyValue() {
         static const QList<QVariant> values = {{},
                                                QVariant::fromValue(nullptr),

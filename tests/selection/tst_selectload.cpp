@@ -291,10 +291,10 @@ private Q_SLOTS:
     }
 
     void invalidNameIsAFindingUnlessMeaningIsKept() {
-        HostedBuilder specified;
-        specified.builder.LoadSQL("select count(*) from t");
-        QCOMPARE(specified.columns(), QStringList("COUNT_OF_*|COUNT|*"));
-        QCOMPARE(specified.findings(), QStringList("count(*)"));
+        HostedBuilder plain;
+        plain.builder.LoadSQL("select count(*) from t");
+        QCOMPARE(plain.columns(), QStringList("COUNT_OF_*|COUNT|*"));
+        QCOMPARE(plain.findings(), QStringList("count(*)"));
         HostedBuilder kept(true);
         kept.builder.LoadSQL("select count(*) from t");
         QCOMPARE(kept.columns(), QStringList("COUNT_OF_*|COUNT|*"));
@@ -314,9 +314,9 @@ private Q_SLOTS:
     }
 
     void nameOfAnAggregateThatIsNotWrittenIsAFinding() {
-        HostedBuilder specified;
-        specified.builder.LoadSQL("select sum(t.a) a from t");
-        QCOMPARE(specified.findings(), QStringList("sum(t.a) a"));
+        HostedBuilder plain;
+        plain.builder.LoadSQL("select sum(t.a) a from t");
+        QCOMPARE(plain.findings(), QStringList("sum(t.a) a"));
         HostedBuilder kept(true);
         kept.builder.LoadSQL("select sum(t.a) a from t");
         QCOMPARE(kept.findings(), QStringList());

@@ -248,11 +248,11 @@ QString brokenSorting(TorvQueryBuilder& builder) {
 }
 
 QString brokenStatement(TorvQueryBuilder& builder) {
-    static const QRegularExpression specified(
+    static const QRegularExpression expected(
         "^There is no agregate function on page \"Selection\" in \\d+ row$");
     const QString error = errorOf([&] { (void)builder.GetSQLStatment(); });
-    const bool isSpecified = error == "(no error)" || specified.match(error).hasMatch();
-    return isSpecified ? QString() : "the statement fails: " + error;
+    const bool isExpected = error == "(no error)" || expected.match(error).hasMatch();
+    return isExpected ? QString() : "the statement fails: " + error;
 }
 
 }  // namespace

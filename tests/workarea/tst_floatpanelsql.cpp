@@ -232,18 +232,21 @@ private Q_SLOTS:
         verifyBuilder(on.builder);
     }
 
+    // By the plain rules its call gets brackets, which not every database takes.
     void hostSaysWhatIsAProcedure() {
-        HostedBuilder on;
-        on.builder.OnGetTableFields = [](const QString&, std::unique_ptr<TDataSet>& dataSet,
-                                         std::unique_ptr<TParams>& params) {
-            dataSet = std::make_unique<TDataSet>();
-            params = std::make_unique<TParams>();
-        };
-        on.builder.LoadSQL("select 1 from p");
-        QCOMPARE(on.tables(), QStringList("P"));
-        QVERIFY(on.proc("P"));
-        QCOMPARE(on.builder.WorkArea->GetSQLStatment(), QString("P()"));
-        QCOMPARE(on.findings(), QStringList());
+        for (const bool keepMeaning : {false, true}) {
+            HostedBuilder on(keepMeaning);
+            on.builder.OnGetTableFields = [](const QString&, std::unique_ptr<TDataSet>& dataSet,
+                                             std::unique_ptr<TParams>& params) {
+                dataSet = std::make_unique<TDataSet>();
+                params = std::make_unique<TParams>();
+            };
+            on.builder.LoadSQL("select 1 from p");
+            QCOMPARE(on.tables(), QStringList("P"));
+            QVERIFY(on.proc("P"));
+            QCOMPARE(on.builder.WorkArea->GetSQLStatment(), keepMeaning ? "P" : "P()");
+            QCOMPARE(on.findings(), keepMeaning ? QStringList() : QStringList("p"));
+        }
     }
 
     void refusedTableIsAFindingAndTheOthersLoad() {
