@@ -42,7 +42,8 @@ enum class GridKey { None, Edit, Delete, MoveUp, MoveDown, Menu };
 
 GridKey gridKey(int key, Qt::KeyboardModifiers modifiers) {
     modifiers &= ~Qt::KeypadModifier;
-    if (modifiers == Qt::NoModifier && (orv::isEnter(key) || key == Qt::Key_F2)) return GridKey::Edit;
+    if (modifiers == Qt::NoModifier && (orv::isEnter(key) || key == Qt::Key_F2))
+        return GridKey::Edit;
     if (modifiers == Qt::ControlModifier && key == Qt::Key_Delete) return GridKey::Delete;
     if (modifiers == Qt::AltModifier && key == Qt::Key_Up) return GridKey::MoveUp;
     if (modifiers == Qt::AltModifier && key == Qt::Key_Down) return GridKey::MoveDown;
