@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
+// The program: a window, or one of the outputs of the command line.
 #include "batch/Batch.h"
 #include "batch/Options.h"
+#include "database/QueryThread.h"
+#include "database/WorkerThread.h"
+#include "toolkit/Services.h"
 #include "window/MainWindow.h"
 
 #include <QApplication>
@@ -8,6 +12,12 @@
 #include <QLoggingCategory>
 
 #include <cstdio>
+#include <cstdlib>
+
+#ifdef Q_OS_UNIX
+#include "window/DocumentController.h"
+#include "window/EndSignals.h"
+#endif
 
 #ifdef Q_OS_WIN
 #include <fcntl.h>
@@ -59,10 +69,22 @@ int runBatch(const Options& options, int argc, char** argv) {
 
 int runWindow(const Options& options, int argc, char** argv) {
     const QApplication application(argc, argv);
-    MainWindow window;
-    window.show();
-    window.begin(options);
-    return QApplication::exec();
+    int status = 0;
+    {
+        MainWindow window;
+#ifdef Q_OS_UNIX
+        const EndSignals ending([&] { window.documents().endAtOnce(); });
+#endif
+        window.show();
+        // Within the loop: a window that is closed while its database is opened ends the program.
+        QMetaObject::invokeMethod(
+            &window, [&] { orv::guarded([&] { window.begin(options); }); }, Qt::QueuedConnection);
+        status = QApplication::exec();
+    }
+    // A thread that waits for a database which does not answer still uses what would be cleaned up,
+    // and so may one that is about to end; everything was saved by now.
+    if (QueryThread::hasAbandoned() || WorkerThread::hasAbandoned()) std::_Exit(status);
+    return status;
 }
 
 int run(int argc, char** argv) {
@@ -74,8 +96,10 @@ int run(int argc, char** argv) {
         return printOut(QStringLiteral("orvquery %1\n").arg(QStringLiteral(ORVQUERY_VERSION)));
     case Output::Window: return runWindow(options, argc, argv);
     case Output::Print:
+    case Output::Explain:
     case Output::State:
     case Output::StateOfEach:
+    case Output::Compare:
     case Output::Run:
     case Output::Render: return runBatch(options, argc, argv);
     }

@@ -44,6 +44,12 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(library "liborvquerybuilder${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}")
 set(same "(= ${PROJECT_VERSION})")
 
+set(about
+"OrvQueryBuilder is a control for Qt 6 Widgets in which a person puts a SQL
+query together by mouse: tables are boxes whose columns are ticked, joins are
+lines, and the control writes the statement. It loads statements as well.
+.")
+
 # orv_package(component name section depends description): the description's first line is its
 # summary.
 macro(orv_package component name section depends description)
@@ -56,25 +62,16 @@ endmacro()
 
 orv_package(runtime "${library}" libs ""
 "visual SQL query builder control for Qt 6 - library
-OrvQueryBuilder is a control for Qt 6 Widgets in which a person puts a SQL
-query together by mouse: tables are boxes whose columns are ticked, joins are
-lines, and the control writes the statement. It loads statements as well.
-.
+${about}
 This package has the shared library.")
 orv_package(development liborvquerybuilder-dev libdevel
     "${library} ${same}, qt6-base-dev (>= ${ORV_QT_VERSION})"
 "visual SQL query builder control for Qt 6 - development files
-OrvQueryBuilder is a control for Qt 6 Widgets in which a person puts a SQL
-query together by mouse: tables are boxes whose columns are ticked, joins are
-lines, and the control writes the statement. It loads statements as well.
-.
+${about}
 This package has the headers and the CMake package OrvQueryBuilder.")
 orv_package(designer orvquerybuilder-designer devel "${library} ${same}"
 "visual SQL query builder control for Qt 6 - Qt Designer plugin
-OrvQueryBuilder is a control for Qt 6 Widgets in which a person puts a SQL
-query together by mouse: tables are boxes whose columns are ticked, joins are
-lines, and the control writes the statement. It loads statements as well.
-.
+${about}
 With this package Qt Designer offers the control for forms, and programs load
 such forms at run time.")
 orv_package(application orvquery database "${library} ${same}, libqt6sql6-sqlite"
@@ -86,10 +83,7 @@ loads statements that someone wrote.")
 orv_package(python python3-orvquerybuilder python
     "${library} ${same}, python3 (>= 3.9), python3-pyqt6"
 "visual SQL query builder control for Qt 6 - Python bindings
-OrvQueryBuilder is a control for Qt 6 Widgets in which a person puts a SQL
-query together by mouse: tables are boxes whose columns are ticked, joins are
-lines, and the control writes the statement. It loads statements as well.
-.
+${about}
 This package has the bindings for Python 3 and PyQt 6.")
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/packaging/triggers")

@@ -38,8 +38,7 @@ QString QueryBuilderWidget::toolTip() const {
 QString QueryBuilderWidget::whatsThis() const {
     return QStringLiteral(
         "A diagram of tables above pages for conditions, output columns, grouping and sorting. "
-        "What "
-        "is drawn there becomes a SELECT statement, and a statement becomes the drawing.");
+        "What is drawn there becomes a SELECT statement, and a statement becomes the drawing.");
 }
 
 QString QueryBuilderWidget::includeFile() const {

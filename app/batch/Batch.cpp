@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "batch/Batch.h"
 
-#include "batch/Picture.h"
+#include "batch/TableIdentity.h"
 #include "database/OpenDatabase.h"
-#include "database/RunQuery.h"
-#include "database/SqlErrorText.h"
+#include "database/QueryThread.h"
+#include "differences/Differences.h"
+#include "names/KeptCase.h"
 #include "parameters/DiagramParameters.h"
 #include "parameters/ParameterText.h"
+#include "pictures/Picture.h"
 #include "querybuilder/ORVQDState.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "sample/SampleDatabase.h"
@@ -17,8 +19,11 @@
 #include "text/TextFile.h"
 #include "text/TextPosition.h"
 #include "toolkit/Services.h"
+#include "words/Explanation.h"
 
 #include <QFileDevice>
+
+#include <algorithm>
 
 namespace orvquery {
 
@@ -43,6 +48,10 @@ QVariant parameterValue(const ParameterDescription& parameter, const std::option
                          .arg(parameter.name, *text, reading.problem));
 }
 
+std::unique_ptr<TableSource> noTables() {
+    return std::make_unique<SchemaFile>(QByteArray("{}"), QString());
+}
+
 }  // namespace
 
 Batch::Batch(Options options, QIODevice& output, QIODevice& errors)
@@ -65,6 +74,7 @@ Batch::~Batch() {
 
 int Batch::run() {
     try {
+        readGiven();
         openTables();
         runOutput();
         requireWritten();
@@ -76,33 +86,107 @@ int Batch::run() {
     return m_status;
 }
 
+// Before the tables are opened: a query file knows which ones it needs.
+void Batch::readGiven() {
+    if (m_options.load) m_given.push_back(read(*m_options.load));
+    for (const QString& path : m_options.compared) m_given.push_back(read(path));
+}
+
+Batch::Given Batch::read(const QString& path) {
+    try {
+        return {path, readGivenQuery(path), {}};
+    } catch (const orv::Error& error) {
+        const bool namesFile = error.Message().contains(path);
+        return {
+            path, {}, namesFile ? error.Message() : path + QStringLiteral(": ") + error.Message()};
+    }
+}
+
 void Batch::openTables() {
+    const DocumentDatabase wanted = wantedDatabase();
     if (m_options.schema) {
         m_tables = SchemaFile::read(*m_options.schema);
+    } else if (m_options.database) {
+        use(orvquery::openDatabase(*m_options.database));
+    } else if (!wanted.isNone()) {
+        openTablesOf(wanted);
+    } else if (m_options.output == Output::Compare && !hasStatementToLoad()) {
+        m_tables = noTables();
+        m_knowsTables = false;
     } else {
-        const QString path = m_options.database ? *m_options.database : sampleDatabasePath();
-        auto database = orvquery::openDatabase(path);
-        m_database = database.get();
-        m_tables = std::move(database);
+        use(orvquery::openDatabase(sampleDatabasePath()));
     }
     m_builder = std::make_unique<TorvQueryBuilder>();
     m_builder->setKeepMeaning(m_options.keepMeaning);
     connectTables(*m_builder, *m_tables);
 }
 
+void Batch::use(std::unique_ptr<Database> database) {
+    m_database = database.get();
+    m_tables = std::move(database);
+}
+
+// A query file holds what is drawn and written; the database is needed for rows, and to load a
+// statement.
+void Batch::openTablesOf(const DocumentDatabase& wanted) {
+    const bool needsRows = m_options.output == Output::Run;
+    if (needsRows && !wanted.schema.isEmpty()) {
+        throw orv::Error(
+            QStringLiteral("The query is for the tables of the file \"%1\", which has no "
+                           "rows; --database FILE names a database.")
+                .arg(wanted.schema));
+    }
+    try {
+        if (!wanted.schema.isEmpty()) {
+            m_tables = SchemaFile::read(wanted.schema);
+        } else {
+            use(orvquery::openDatabase(wanted.isSample ? sampleDatabasePath() : wanted.address));
+        }
+    } catch (const orv::Error& error) {
+        const QString name = wanted.name.isEmpty() ? wanted.address : wanted.name;
+        const QString problem =
+            QStringLiteral("The query's database %1 is not open. ").arg(name) + error.Message();
+        if (needsRows || hasStatementToLoad()) throw orv::Error(problem);
+        fail(problem);
+        m_tables = noTables();
+        m_knowsTables = false;
+    }
+}
+
+// That of the first query file that names one. Two diagrams are compared without any.
+DocumentDatabase Batch::wantedDatabase() const {
+    if (m_options.output == Output::Compare && !hasStatementToLoad()) return {};
+    for (const Given& given : m_given) {
+        if (!given.query.document) continue;
+        const DocumentDatabase& database = given.query.document->database;
+        if (!database.isNone()) return database;
+    }
+    return {};
+}
+
+bool Batch::hasStatementToLoad() const {
+    return std::any_of(m_given.begin(), m_given.end(), [](const Given& given) {
+        return given.problem.isEmpty() && !given.query.hasDiagram();
+    });
+}
+
 void Batch::runOutput() {
     if (m_options.output == Output::StateOfEach) return runList();
     if (m_options.output == Output::State) return runState();
-    if (m_options.load && !load(*m_options.load).isEmpty()) return;
+    if (m_options.output == Output::Compare) return runCompare();
+    if (!m_given.empty() && !load(m_given.front()).isEmpty()) return;
+    if (m_options.output != Output::Render) requireQuery();
     switch (m_options.output) {
     case Output::Print: write(statement().toUtf8() + '\n'); return;
+    case Output::Explain: runExplain(); return;
     case Output::Run: runQueryOfStatement(); return;
     case Output::Render:
-        layOut(*m_builder->WorkArea);
+        if (!m_given.front().query.hasDiagram()) layOut(*m_builder->WorkArea);
         writePicture(*m_builder->WorkArea, m_options.picture);
         return;
     case Output::State:
     case Output::StateOfEach:
+    case Output::Compare:
     case Output::Window:
     case Output::Help:
     case Output::Version: break;
@@ -110,8 +194,24 @@ void Batch::runOutput() {
     Q_ASSERT_X(false, "Batch::runOutput", "the output is for others");
 }
 
+// A statement without a table is one all the same.
+void Batch::requireQuery() const {
+    const Given& given = m_given.front();
+    const bool isEmpty = given.query.isEmpty() ||
+                         (given.query.hasDiagram() && m_builder->ListOfTables->TablesCount() == 0);
+    if (isEmpty) {
+        throw orv::Error(QStringLiteral("There is no query on the diagram of %1.").arg(given.path));
+    }
+}
+
 void Batch::runState() {
-    writeState(m_options.load ? load(*m_options.load) : QString(), orv::JsonLayout::Indented);
+    writeState(m_given.empty() ? QString() : load(m_given.front()), orv::JsonLayout::Indented);
+}
+
+void Batch::runExplain() {
+    m_builder->CommitPendingEdits();
+    const orv::QueryState state = orv::readState(m_builder->SaveState());
+    write(plainText(explain(state, m_options.keepMeaning)).toUtf8());
 }
 
 void Batch::runList() {
@@ -121,9 +221,35 @@ void Batch::runList() {
         if (path.isEmpty()) continue;
         m_messages.clear();
         m_builder->Clear();
-        writeState(load(path), orv::JsonLayout::Compact);
+        writeState(load(read(path)), orv::JsonLayout::Compact);
         requireWritten();
     }
+}
+
+void Batch::runCompare() {
+    const std::optional<Compared> before = comparedOf(m_given.front());
+    const std::optional<Compared> after = comparedOf(m_given.back());
+    if (!before || !after) return;
+    std::vector<Difference> found =
+        differences(before->state, after->state, m_options.keepMeaning, tableKeyOf(*m_tables));
+    const auto notHeld = differencesNotHeld(before->notHeld, after->notHeld);
+    found.insert(found.end(), notHeld.begin(), notHeld.end());
+    write(plainText(inWords(found)).toUtf8());
+    if (!found.empty() && m_status == 0) m_status = 1;
+}
+
+// None was told.
+std::optional<Batch::Compared> Batch::comparedOf(const Given& given) {
+    if (given.problem.isEmpty() && given.query.hasDiagram()) {
+        return Compared{orv::readState(given.query.document->state()), {}};
+    }
+    m_findings.clear();
+    if (!load(given).isEmpty()) return std::nullopt;
+    Compared compared = {orv::readState(m_builder->SaveState()), m_findings};
+    const QString problem = whyNotComparable(compared.state, compared.notHeld);
+    if (problem.isEmpty()) return compared;
+    fail(given.path + QStringLiteral(": ") + problem);
+    return std::nullopt;
 }
 
 void Batch::runQueryOfStatement() {
@@ -132,11 +258,9 @@ void Batch::runQueryOfStatement() {
     if (!missing.isEmpty()) throw orv::Error(missing);
     const PlaceholderValues values = parameterValues(text);
     for (const QString& line : findingLines(m_builder->Validate())) tell(line);
-    Connection connection(m_database->settings());
-    const QSqlError error = connection.open();
-    if (error.isValid()) throw orv::Error(sqlErrorText(error));
     const std::unique_ptr<RowWriter> writer = makeRowWriter(m_options.format, m_output);
-    runQuery(connection.database(), text, *writer, values);
+    StopPoint stop;
+    rowsOfQuery(m_database->settings(), text, values)(*writer, stop);
     writer->finish();
 }
 
@@ -170,23 +294,62 @@ PlaceholderValues Batch::parameterValues(const QString& statement) const {
     return values;
 }
 
-QString Batch::load(const QString& path) {
-    QString text;
+// The text says what went wrong; it was told.
+QString Batch::load(const Given& given) {
+    if (!given.problem.isEmpty()) {
+        fail(given.problem);
+        return given.problem;
+    }
+    if (given.query.document && given.query.document->typed) {
+        tell(QStringLiteral("%1 has a text besides that was typed and not loaded; it is left out.")
+                 .arg(given.path));
+    }
+    if (given.query.hasDiagram()) return restore(given);
+    if (given.query.isEmpty()) return {};
+    // Its lines are not those of the file.
+    const QString name =
+        given.query.document ? given.path + QStringLiteral(" (statement)") : given.path;
+    return loadText(name, given.query.statement);
+}
+
+QString Batch::restore(const Given& given) {
     try {
-        text = readTextFile(path);
+        m_builder->RestoreState(given.query.document->state());
+        if (m_knowsTables) tellMissingTables(given);
     } catch (const orv::Error& error) {
-        fail(error.Message());
+        const QString text = given.path + QStringLiteral(": ") + error.Message();
+        fail(text);
+        return text;
+    }
+    return {};
+}
+
+// The query is whole all the same: what it knows of its tables is in its file.
+void Batch::tellMissingTables(const Given& given) {
+    QStringList missing;
+    const orv::QueryState state = orv::readState(given.query.document->state());
+    for (const auto& table : state.tables) {
+        const bool isNew = !missing.contains(table.name);
+        if (isNew && !m_tables->find(table.name)) missing += table.name;
+    }
+    if (missing.isEmpty()) return;
+    tell(QStringLiteral("%1: %2 has no %3; the query keeps what it knows of them.")
+             .arg(given.path, m_tables->title(), missing.join(QStringLiteral(", "))));
+    if (m_options.strict) m_status = failure();
+}
+
+QString Batch::loadText(const QString& name, const QString& text) {
+    QString loaded;
+    try {
+        loaded = m_tables->forLoading(text);
+        m_builder->LoadSQL(loaded);
+    } catch (const orv::Error& error) {
+        fail(name + QStringLiteral(": ") + error.Message());
         return error.Message();
     }
-    try {
-        m_builder->LoadSQL(text);
-    } catch (const orv::Error& error) {
-        fail(path + QStringLiteral(": ") + error.Message());
-        return error.Message();
-    }
-    const orv::Findings& findings = m_builder->LoadReport();
-    tellFindings(path, text, findings);
-    if (m_options.strict && !findings.empty()) m_status = 1;
+    m_findings = findingsBefore(m_builder->LoadReport(), loaded, text);
+    tellFindings(name, text, m_findings);
+    if (m_options.strict && !m_findings.empty()) m_status = failure();
     return {};
 }
 
@@ -222,7 +385,12 @@ void Batch::tell(const QString& text) {
 
 void Batch::fail(const QString& text) {
     tell(text);
-    m_status = 1;
+    m_status = failure();
+}
+
+// Where differences are told by a status of their own, trouble has another one.
+int Batch::failure() const {
+    return m_options.output == Output::Compare ? 2 : 1;
 }
 
 void Batch::write(const QByteArray& bytes) {

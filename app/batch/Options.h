@@ -13,15 +13,28 @@
 namespace orvquery {
 
 /// What the program is asked to do with the statement; Window asks for none of the others.
-enum class Output { Window, Print, State, StateOfEach, Run, Render, Help, Version };
+enum class Output {
+    Window,
+    Print,
+    Explain,
+    State,
+    StateOfEach,
+    Compare,
+    Run,
+    Render,
+    Help,
+    Version
+};
 
 /// The command line, taken apart. A plain value.
 struct Options {
     Output output = Output::Window;
     std::optional<QString> database;  ///< a file or an address; the sample database without one
     std::optional<QString> schema;    ///< a JSON file that describes tables
-    std::optional<QString> load;      ///< a file with a statement; "-" is standard input
-    QString list;                     ///< for StateOfEach: a file with names of statement files
+    std::optional<QString> load;      ///< a file with a query; "-" is standard input
+    std::optional<QString> document;  ///< for Window: a query file, or a statement file named alone
+    QString list;                     ///< for StateOfEach: a file with names of such files
+    QStringList compared;             ///< for Compare: two of them, or of states
     QString picture;                  ///< for Render
     RowFormat format = RowFormat::Table;
     /// For Run: the values of placeholders by their names in upper case; none is NULL.

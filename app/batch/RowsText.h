@@ -9,7 +9,7 @@ class QIODevice;
 
 namespace orvquery {
 
-enum class RowFormat { Table, Csv, Json };
+enum class RowFormat { Table, Csv, Tsv, Json };
 
 /// Writes rows as text while they come, or at the end where all must be known first.
 class RowWriter : public RowSink {
@@ -22,7 +22,8 @@ public:
 ///
 /// Table: columns in line, numbers to the right, NULL as that word, at most as many rows as a
 /// person can look at, and their count. CSV: RFC 4180 with a line of names; NULL is nothing, an
-/// empty text is a pair of quotes, bytes are hexadecimal. JSON: a list with one object a row, keys
+/// empty text is a pair of quotes, bytes are hexadecimal. TSV: the same with tabs in the place of
+/// commas and LF alone at the end of lines. JSON: a list with one object a row, keys
 /// in the order of the columns, a second one of a name with "_2".
 [[nodiscard]] std::unique_ptr<RowWriter> makeRowWriter(RowFormat format, QIODevice& device);
 

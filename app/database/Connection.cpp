@@ -1,6 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "database/Connection.h"
 
+#include "core/Error.h"
+#include "database/SqlErrorText.h"
+
+#include <QSqlDriver>
+#include <QSqlQuery>
+
 namespace orvquery {
 
 namespace {
@@ -34,8 +40,22 @@ Connection::~Connection() {
 
 QSqlError Connection::open() {
     if (!m_database.open()) return m_database.lastError();
-    if (m_settings.isTakenBack && !m_database.transaction()) return m_database.lastError();
+    for (const QString& statement : m_settings.afterOpening) {
+        QSqlQuery query(m_database);
+        if (!query.exec(statement)) return query.lastError();
+    }
+    // What has no transactions has nothing to take back, and is asked all the same.
+    const bool isTakenBack =
+        m_settings.isTakenBack && m_database.driver()->hasFeature(QSqlDriver::Transactions);
+    if (isTakenBack && !m_database.transaction()) return m_database.lastError();
     return {};
+}
+
+void Connection::openOrRaise() {
+    const QSqlError error = open();
+    if (!error.isValid()) return;
+    if (m_settings.raiseWhyClosed) m_settings.raiseWhyClosed(error);
+    throw orv::Error(QStringLiteral("The database cannot be opened: %1").arg(sqlErrorText(error)));
 }
 
 StopCall Connection::letStop(const std::atomic<bool>& isStopped) const {

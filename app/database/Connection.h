@@ -6,6 +6,9 @@
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QString>
+#include <QStringList>
+
+#include <functional>
 
 namespace orvquery {
 
@@ -18,11 +21,15 @@ struct ConnectionSettings {
     int port = -1;
     QString user = {};
     QString password = {};
+    /// Statements that make an opened connection ready, each of which must succeed.
+    QStringList afterOpening = {};
     /// Whether all that is done on the connection is taken back at its end: for databases that
     /// cannot be opened for reading only, whose queries may call what writes.
     bool isTakenBack = false;
     /// How a query on the connection is ended early; none when that takes its next row.
     StopSwitchMaker makeStopSwitch = nullptr;
+    /// Raises what is wrong, as one sentence, when it cannot be opened.
+    std::function<void(const QSqlError&)> raiseWhyClosed = nullptr;
 };
 
 /// One connection under a name of its own, which goes with it. Belongs to the thread that made it;
@@ -36,6 +43,8 @@ public:
 
     /// Opens it; an invalid error means that it is open.
     [[nodiscard]] QSqlError open();
+    /// Opens it, or raises orv::Error with one sentence.
+    void openOrRaise();
 
     /// Lets queries on the open connection fail soon after the flag has become true. Whoever sets
     /// the flag calls what this returns, again and again until the query has ended: a query that

@@ -2,8 +2,11 @@
 #include "database/FirebirdDatabase.h"
 
 #include "core/Error.h"
+#include "database/AddressSettings.h"
 #include "database/DatabaseFile.h"
 #include "database/FirebirdTypes.h"
+#include "database/ForeignKeyRows.h"
+#include "database/ServerErrors.h"
 #include "database/SqlErrorText.h"
 
 #include <QFileInfo>
@@ -19,12 +22,13 @@ namespace orvquery {
 namespace {
 
 constexpr char driver[] = "QIBASE";
+constexpr int defaultPort = 3050;
 
 // An engine within the program asks for no password; of itself it knows this one person.
 constexpr char embeddedUser[] = "SYSDBA";
 
-QString filePath(const QUrl& address) {
-    QString path = address.path(QUrl::FullyDecoded);
+QString filePath(const DatabaseAddress& address) {
+    QString path = address.database;
 #ifdef Q_OS_WIN
     // firebird:///C:/data.fdb
     if (path.startsWith(u'/') && path.mid(2, 1) == u":") path.remove(0, 1);
@@ -43,23 +47,23 @@ void requireDatabaseFile(const QString& path) {
     }
 }
 
-ConnectionSettings settingsFor(const QUrl& address) {
-    if (!QSqlDatabase::isDriverAvailable(QLatin1String(driver))) {
-        throw orv::Error(
-            QStringLiteral("Firebird databases cannot be opened: Qt's driver %1 is not installed.")
-                .arg(QLatin1String(driver)));
-    }
-    ConnectionSettings settings;
-    settings.driver = QLatin1String(driver);
+ConnectionSettings settingsFor(const DatabaseAddress& address) {
+    // The texts come as the program reads them in any case.
+    const QStringList options = driverOptions(address, {QStringLiteral("ISC_DPB_SQL_ROLE_NAME")}) +
+                                QStringList{QStringLiteral("ISC_DPB_LC_CTYPE=UTF8")};
+    ConnectionSettings settings = settingsOnServer(driver, address);
     settings.databaseName = filePath(address);
-    settings.options = QStringLiteral("ISC_DPB_LC_CTYPE=UTF8");
-    settings.host = address.host(QUrl::FullyDecoded);
-    settings.port = address.port();
-    settings.user = address.userName(QUrl::FullyDecoded);
-    settings.password = address.password(QUrl::FullyDecoded);
+    settings.options = options.join(u';');
     // A procedure that gives rows may write as well.
     settings.isTakenBack = true;
     settings.makeStopSwitch = firebirdStopSwitch;
+    settings.raiseWhyClosed = [address](const QSqlError& error) {
+        if (!address.host.isEmpty()) failToOpen(error, address, defaultPort);
+        const QString path = filePath(address);
+        requireDatabaseFile(path);
+        throw orv::Error(QStringLiteral("The database \"%1\" cannot be opened: %2")
+                             .arg(QFileInfo(path).fileName(), sqlErrorText(error)));
+    };
     if (settings.host.isEmpty()) {
         requireDatabaseFile(settings.databaseName);
         settings.databaseName = QFileInfo(settings.databaseName).absoluteFilePath();
@@ -96,18 +100,39 @@ QString nameOf(const QVariant& value) {
     return name;
 }
 
+// Other servers make a name of the user's; the client's library takes one from its surroundings.
+QString missingPartOf(const DatabaseAddress& address) {
+    if (address.database.isEmpty()) {
+        return QStringLiteral(
+            "The database is not named yet: by its alias or its path on the server.");
+    }
+    if (address.user.isEmpty() && !qEnvironmentVariableIsSet("ISC_USER")) {
+        return QStringLiteral("The user is not named yet: Firebird's servers ask for one.");
+    }
+    return {};
+}
+
 }  // namespace
 
-FirebirdDatabase::FirebirdDatabase(const QUrl& address)
+Engine firebirdEngine() {
+    return {QStringLiteral("firebird"),
+            {},
+            QStringLiteral("Firebird"),
+            QLatin1String(driver),
+            Engine::Place::FileOrServer,
+            defaultPort,
+            [](const DatabaseAddress& address) -> std::unique_ptr<Database> {
+                return std::make_unique<FirebirdDatabase>(address);
+            },
+            missingPartOf};
+}
+
+FirebirdDatabase::FirebirdDatabase(const DatabaseAddress& address)
     : Database(settingsFor(address), NameFolding::firebird()) {
 #ifdef Q_OS_UNIX
     const KeptSignals signals;
 #endif
-    const QSqlError error = openCatalog();
-    if (error.isValid()) {
-        throw orv::Error(QStringLiteral("The database \"%1\" cannot be opened: %2")
-                             .arg(title(), sqlErrorText(error)));
-    }
+    openCatalog();
 }
 
 // A header page is of type 1, has no flags and tells its size, a power of two, at byte 16; the
@@ -124,35 +149,22 @@ QString FirebirdDatabase::title() const {
     return QFileInfo(settings().databaseName).fileName();
 }
 
-QSqlQuery FirebirdDatabase::run(const QString& statement, const QStringList& values) const {
-    QSqlQuery query(catalog());
-    query.setForwardOnly(true);
-    bool isDone = query.prepare(statement);
-    for (const QString& value : values) query.addBindValue(value);
-    isDone = isDone && query.exec();
-    if (!isDone) {
-        throw orv::Error(QStringLiteral("The tables of \"%1\" cannot be read: %2")
-                             .arg(title(), sqlErrorText(query.lastError())));
-    }
-    return query;
-}
-
 // The procedures of packages, and those that give no rows, are not for a FROM clause.
 std::vector<TableEntry> FirebirdDatabase::readEntries() const {
     std::vector<TableEntry> entries;
     QSqlQuery relations =
-        run(QStringLiteral("SELECT RDB$RELATION_NAME, IIF(RDB$VIEW_BLR IS NULL, 0, 1) "
+        ask(QStringLiteral("SELECT RDB$RELATION_NAME, IIF(RDB$VIEW_BLR IS NULL, 0, 1) "
                            "FROM RDB$RELATIONS WHERE COALESCE(RDB$SYSTEM_FLAG, 0) = 0"));
-    while (relations.next()) {
+    while (next(relations)) {
         entries.push_back({nameOf(relations.value(0)),
                            relations.value(1).toInt() == 1 ? TableKind::View : TableKind::Table});
     }
     const QHash<QString, QStringList> parameters = inputNames();
     QSqlQuery procedures =
-        run(QStringLiteral("SELECT RDB$PROCEDURE_NAME FROM RDB$PROCEDURES "
+        ask(QStringLiteral("SELECT RDB$PROCEDURE_NAME FROM RDB$PROCEDURES "
                            "WHERE RDB$PROCEDURE_TYPE = 1 AND RDB$PACKAGE_NAME IS NULL "
                            "AND COALESCE(RDB$SYSTEM_FLAG, 0) = 0"));
-    while (procedures.next()) {
+    while (next(procedures)) {
         const QString name = nameOf(procedures.value(0));
         entries.push_back({name, TableKind::Procedure, parameters.value(name)});
     }
@@ -162,37 +174,68 @@ std::vector<TableEntry> FirebirdDatabase::readEntries() const {
 QHash<QString, QStringList> FirebirdDatabase::inputNames() const {
     QHash<QString, QStringList> names;
     QSqlQuery query =
-        run(QStringLiteral("SELECT RDB$PROCEDURE_NAME, RDB$PARAMETER_NAME "
+        ask(QStringLiteral("SELECT RDB$PROCEDURE_NAME, RDB$PARAMETER_NAME "
                            "FROM RDB$PROCEDURE_PARAMETERS "
                            "WHERE RDB$PARAMETER_TYPE = 0 AND RDB$PACKAGE_NAME IS NULL "
                            "ORDER BY RDB$PROCEDURE_NAME, RDB$PARAMETER_NUMBER"));
-    while (query.next()) names[nameOf(query.value(0))] += nameOf(query.value(1));
+    while (nextUncounted(query)) names[nameOf(query.value(0))] += nameOf(query.value(1));
     return names;
 }
 
-TFieldDefs FirebirdDatabase::readColumns(const TableEntry& entry) const {
+std::vector<ColumnEntry> FirebirdDatabase::readColumns(const TableEntry& entry) const {
     const QString ofTable = QStringLiteral(
-        "SELECT C.RDB$FIELD_NAME, F.RDB$FIELD_TYPE, F.RDB$FIELD_SUB_TYPE, F.RDB$FIELD_SCALE "
+        "SELECT C.RDB$FIELD_NAME, F.RDB$FIELD_TYPE, F.RDB$FIELD_SUB_TYPE, F.RDB$FIELD_SCALE, "
+        "COALESCE(C.RDB$NULL_FLAG, F.RDB$NULL_FLAG, 0), F.RDB$FIELD_PRECISION, "
+        "F.RDB$CHARACTER_LENGTH, "
+        "(SELECT COUNT(*) FROM RDB$RELATION_CONSTRAINTS K "
+        "JOIN RDB$INDEX_SEGMENTS S ON S.RDB$INDEX_NAME = K.RDB$INDEX_NAME "
+        "WHERE K.RDB$CONSTRAINT_TYPE = 'PRIMARY KEY' "
+        "AND K.RDB$RELATION_NAME = C.RDB$RELATION_NAME AND S.RDB$FIELD_NAME = C.RDB$FIELD_NAME) "
         "FROM RDB$RELATION_FIELDS C JOIN RDB$FIELDS F ON F.RDB$FIELD_NAME = C.RDB$FIELD_SOURCE "
         "WHERE C.RDB$RELATION_NAME = ? ORDER BY C.RDB$FIELD_POSITION");
     const QString ofProcedure = QStringLiteral(
-        "SELECT P.RDB$PARAMETER_NAME, F.RDB$FIELD_TYPE, F.RDB$FIELD_SUB_TYPE, F.RDB$FIELD_SCALE "
+        "SELECT P.RDB$PARAMETER_NAME, F.RDB$FIELD_TYPE, F.RDB$FIELD_SUB_TYPE, F.RDB$FIELD_SCALE, "
+        "COALESCE(P.RDB$NULL_FLAG, F.RDB$NULL_FLAG, 0), F.RDB$FIELD_PRECISION, "
+        "F.RDB$CHARACTER_LENGTH, 0 "
         "FROM RDB$PROCEDURE_PARAMETERS P "
         "JOIN RDB$FIELDS F ON F.RDB$FIELD_NAME = P.RDB$FIELD_SOURCE "
         "WHERE P.RDB$PROCEDURE_NAME = ? AND P.RDB$PARAMETER_TYPE = 1 "
         "AND P.RDB$PACKAGE_NAME IS NULL ORDER BY P.RDB$PARAMETER_NUMBER");
-    QSqlQuery query = run(isCalled(entry.kind) ? ofProcedure : ofTable, {entry.name});
-    TFieldDefs columns;
-    while (query.next()) {
-        columns.push_back({nameOf(query.value(0)),
-                           fieldTypeOfFirebird(query.value(1).toInt(), query.value(2).toInt(),
-                                               query.value(3).toInt())});
+    QSqlQuery query = ask(isCalled(entry.kind) ? ofProcedure : ofTable, {entry.name});
+    std::vector<ColumnEntry> columns;
+    while (next(query)) {
+        const FirebirdField field = {query.value(1).toInt(), query.value(2).toInt(),
+                                     query.value(3).toInt(), query.value(5).toInt(),
+                                     query.value(6).toInt()};
+        columns.push_back(
+            {nameOf(query.value(0)), fieldTypeOfFirebird(field.type, field.subType, field.scale),
+             firebirdDeclaration(field), query.value(7).toInt() > 0, query.value(4).toInt() != 0});
     }
     return columns;
 }
 
+std::vector<ForeignKey> FirebirdDatabase::readForeignKeys() const {
+    QSqlQuery query = ask(QStringLiteral(
+        "SELECT K.RDB$CONSTRAINT_NAME, K.RDB$RELATION_NAME, S.RDB$FIELD_NAME, "
+        "U.RDB$RELATION_NAME, T.RDB$FIELD_NAME "
+        "FROM RDB$RELATION_CONSTRAINTS K "
+        "JOIN RDB$REF_CONSTRAINTS R ON R.RDB$CONSTRAINT_NAME = K.RDB$CONSTRAINT_NAME "
+        "JOIN RDB$RELATION_CONSTRAINTS U ON U.RDB$CONSTRAINT_NAME = R.RDB$CONST_NAME_UQ "
+        "JOIN RDB$INDEX_SEGMENTS S ON S.RDB$INDEX_NAME = K.RDB$INDEX_NAME "
+        "JOIN RDB$INDEX_SEGMENTS T ON T.RDB$INDEX_NAME = U.RDB$INDEX_NAME "
+        "AND T.RDB$FIELD_POSITION = S.RDB$FIELD_POSITION "
+        "WHERE K.RDB$CONSTRAINT_TYPE = 'FOREIGN KEY' "
+        "ORDER BY K.RDB$CONSTRAINT_NAME, S.RDB$FIELD_POSITION"));
+    ForeignKeyRows rows;
+    while (next(query)) {
+        rows.add(nameOf(query.value(0)), nameOf(query.value(1)), nameOf(query.value(2)),
+                 nameOf(query.value(3)), nameOf(query.value(4)));
+    }
+    return rows.keys();
+}
+
 std::vector<TParam> FirebirdDatabase::readParameters(const TableEntry& entry) const {
-    QSqlQuery query = run(
+    QSqlQuery query = ask(
         QStringLiteral("SELECT P.RDB$PARAMETER_NAME, F.RDB$FIELD_TYPE, F.RDB$FIELD_SUB_TYPE, "
                        "F.RDB$FIELD_SCALE, COALESCE(P.RDB$DEFAULT_SOURCE, F.RDB$DEFAULT_SOURCE) "
                        "FROM RDB$PROCEDURE_PARAMETERS P "
@@ -201,7 +244,7 @@ std::vector<TParam> FirebirdDatabase::readParameters(const TableEntry& entry) co
                        "AND P.RDB$PACKAGE_NAME IS NULL ORDER BY P.RDB$PARAMETER_NUMBER"),
         {entry.name});
     std::vector<TParam> parameters;
-    while (query.next()) {
+    while (next(query)) {
         TParam parameter{nameOf(query.value(0)),
                          fieldTypeOfFirebird(query.value(1).toInt(), query.value(2).toInt(),
                                              query.value(3).toInt()),

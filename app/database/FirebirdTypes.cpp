@@ -63,6 +63,37 @@ TFieldType fieldTypeOfFirebird(int type, int subType, int scale) {
     }
 }
 
+QString firebirdDeclaration(const FirebirdField& field) {
+    const auto number = [&](const char* plain) {
+        if (field.scale >= 0) return QString::fromLatin1(plain);
+        return QStringLiteral("NUMERIC(%1,%2)").arg(field.precision).arg(-field.scale);
+    };
+    const auto text = [&](const char* plain) {
+        return QStringLiteral("%1(%2)").arg(QLatin1String(plain)).arg(field.characters);
+    };
+    switch (field.type) {
+    case SmallInt: return number("SMALLINT");
+    case Integer: return number("INTEGER");
+    case BigInt: return number("BIGINT");
+    case Int128: return number("INT128");
+    case Float: return QStringLiteral("FLOAT");
+    case Double: return QStringLiteral("DOUBLE PRECISION");
+    case DecFloat16: return QStringLiteral("DECFLOAT(16)");
+    case DecFloat34: return QStringLiteral("DECFLOAT(34)");
+    case Date: return QStringLiteral("DATE");
+    case Time: return QStringLiteral("TIME");
+    case TimeWithZone: return QStringLiteral("TIME WITH TIME ZONE");
+    case Timestamp: return QStringLiteral("TIMESTAMP");
+    case TimestampWithZone: return QStringLiteral("TIMESTAMP WITH TIME ZONE");
+    case Char: return text("CHAR");
+    case VarChar: return text("VARCHAR");
+    case Boolean: return QStringLiteral("BOOLEAN");
+    case Blob:
+        return field.subType == textSubType ? QStringLiteral("BLOB TEXT") : QStringLiteral("BLOB");
+    default: return {};
+    }
+}
+
 QVariant firebirdDefault(const QString& source) {
     QString text = source.trimmed();
     if (text.startsWith(u'=')) {

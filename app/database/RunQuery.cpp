@@ -2,10 +2,10 @@
 #include "database/RunQuery.h"
 
 #include "core/Error.h"
+#include "database/MariadbRows.h"
+#include "database/ServerQuery.h"
 #include "database/SqlErrorText.h"
-#include "parameters/ParameterText.h"
 
-#include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -75,23 +75,14 @@ QStringList columnNames(const QSqlRecord& record) {
     return names;
 }
 
-// SQLite has no type for these, and keeps them as texts that compare rightly.
-QVariant withoutMoments(const QVariant& value) {
-    const int type = value.metaType().id();
-    const bool isMoment =
-        type == QMetaType::QDate || type == QMetaType::QTime || type == QMetaType::QDateTime;
-    return isMoment ? QVariant(parameterText(value)) : value;
-}
-
-bool start(QSqlQuery& query, const QString& statement, const PlaceholderValues& values) {
-    const BoundStatement bound = boundStatement(statement, values);
-    if (bound.values.isEmpty()) return query.exec(statement);
-    if (!query.prepare(bound.text)) return false;
-    const bool isSqlite = query.driver()->dbmsType() == QSqlDriver::SQLite;
-    for (const QVariant& value : bound.values) {
-        query.addBindValue(isSqlite ? withoutMoments(value) : value);
+void runOnMariadb(const QSqlDatabase& database, const QString& statement, RowSink& sink) {
+    MariadbRows rows(database);
+    if (!rows.start(statement)) failToRun(rows.lastError());
+    sink.begin(rows.columns());
+    while (rows.next()) {
+        if (!sink.row(rows.row())) return;
     }
-    return query.exec();
+    if (rows.lastError().isValid()) failToRun(rows.lastError());
 }
 
 }  // namespace
@@ -110,15 +101,21 @@ bool RowCollector::row(const Row& values) {
 void runQuery(const QSqlDatabase& database, const QString& statement, RowSink& sink,
               const PlaceholderValues& values) {
     requireQuery(statement);
+    if (MariadbRows::canRead(database)) {
+        return runOnMariadb(database, mariadbStatement(statement, values), sink);
+    }
     QSqlQuery query(database);
     query.setForwardOnly(true);
-    if (!start(query, statement, values)) failToRun(query.lastError());
+    if (!startQuery(query, statement, values)) failToRun(query.lastError());
 
     const QStringList columns = columnNames(query.record());
     sink.begin(columns);
-    Row row(columns.size());
+    const RowReader reader(query);
     while (query.next()) {
-        for (int column = 0; column < row.size(); ++column) row[column] = query.value(column);
+        // A row of its own each time: large values must be gone before the next ones come.
+        Row row;
+        row.reserve(columns.size());
+        for (int column = 0; column < columns.size(); ++column) row += reader.value(column);
         if (!sink.row(row)) return;
     }
     if (query.lastError().isValid()) failToRun(query.lastError());

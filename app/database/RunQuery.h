@@ -26,6 +26,9 @@ public:
 
     /// The next row; false ends the query early.
     virtual bool row(const Row& values) = 0;
+
+    /// The query is to end: a row that waits is to be refused. Comes from another thread.
+    virtual void stop() {}
 };
 
 /// The rows of a query, up to a number that a person can look at. A plain value.

@@ -2,8 +2,10 @@
 #include "database/SqliteDatabase.h"
 
 #include "core/Error.h"
+#include "database/AddressSettings.h"
 #include "database/ColumnTypes.h"
 #include "database/DatabaseFile.h"
+#include "database/ForeignKeyRows.h"
 #include "database/SqlErrorText.h"
 #include "database/SqliteFunctions.h"
 
@@ -30,6 +32,16 @@ void requireDatabaseFile(const QString& path) {
     }
 }
 
+[[noreturn]] void failToReadFile(const QString& path, const QSqlError& error) {
+    switch (sqliteErrorCode(error)) {
+    case SqliteError::Busy: failWithFile(path, QStringLiteral("is locked by another program"));
+    case SqliteError::NotADatabase: failWithFile(path, QStringLiteral("is not an SQLite database"));
+    case SqliteError::Corrupt: failWithFile(path, QStringLiteral("is damaged"));
+    case SqliteError::Other: break;
+    }
+    failWithFile(path, QStringLiteral("cannot be read: ") + sqlErrorText(error));
+}
+
 ConnectionSettings settingsFor(const QString& path) {
     requireDatabaseFile(path);
     ConnectionSettings settings;
@@ -37,26 +49,37 @@ ConnectionSettings settingsFor(const QString& path) {
     settings.databaseName = QFileInfo(path).absoluteFilePath();
     settings.options = QLatin1String(readOnlyOptions);
     settings.makeStopSwitch = sqliteStopSwitch;
+    settings.raiseWhyClosed = [path](const QSqlError& error) {
+        requireDatabaseFile(path);
+        failToReadFile(path, error);
+    };
     return settings;
 }
 
 }  // namespace
 
+Engine sqliteEngine() {
+    return {QStringLiteral("sqlite"),
+            {QStringLiteral("file")},
+            QStringLiteral("SQLite"),
+            QStringLiteral("QSQLITE"),
+            Engine::Place::File,
+            -1,
+            [](const DatabaseAddress& address) -> std::unique_ptr<Database> {
+                (void)driverOptions(address, {});
+                return std::make_unique<SqliteDatabase>(address.database);
+            }};
+}
+
 SqliteDatabase::SqliteDatabase(const QString& path)
     : Database(settingsFor(path), NameFolding::sqlite()), m_path(path) {
-    const QSqlError error = openCatalog();
-    if (error.isValid()) fail(error);
+    openCatalog();
     requireReadable();
     m_functions = sqliteFunctions(catalog());
 }
 
 QString SqliteDatabase::title() const {
     return QFileInfo(m_path).fileName();
-}
-
-// "main" is the only schema of a file that is opened alone.
-bool SqliteDatabase::isDefaultSchema(const QString& schema) const {
-    return schema.compare(u"main", Qt::CaseInsensitive) == 0;
 }
 
 // Opening does not touch the file yet; the first look into it does.
@@ -74,14 +97,14 @@ std::vector<TableEntry> SqliteDatabase::readEntries() const {
         fail(query.lastError());
     }
     std::vector<TableEntry> entries;
-    while (query.next()) {
+    while (next(query)) {
         const bool isView = query.value(1).toString() == QLatin1String("view");
         entries.push_back({query.value(0).toString(), isView ? TableKind::View : TableKind::Table});
     }
     // A table of the same name is found first, by SQLite and here.
     const auto isHidden = [&](const TableEntry& function) {
         return std::any_of(entries.begin(), entries.end(), [&](const TableEntry& entry) {
-            return folding().isSameName(entry.name, function.name);
+            return folding().isSameName(entry.name, function.name, NameFolding::Of::Table);
         });
     };
     std::vector<TableEntry> functions;
@@ -91,25 +114,42 @@ std::vector<TableEntry> SqliteDatabase::readEntries() const {
     return entries;
 }
 
-TFieldDefs SqliteDatabase::readColumns(const TableEntry& entry) const {
+std::vector<ColumnEntry> SqliteDatabase::readColumns(const TableEntry& entry) const {
     QSqlQuery query(catalog());
     query.setForwardOnly(true);
     // Hidden is 1 for the internal columns of virtual tables and the parameters of functions;
     // generated columns have 2 and 3.
     query.prepare(
-        QStringLiteral("SELECT name, type FROM pragma_table_xinfo(?) "
+        QStringLiteral("SELECT name, type, pk, \"notnull\" FROM pragma_table_xinfo(?) "
                        "WHERE hidden <> 1 ORDER BY cid"));
     query.addBindValue(entry.name);
     if (!query.exec()) {
         throw orv::Error(QStringLiteral("The columns of \"%1\" cannot be read: %2")
                              .arg(entry.name, sqlErrorText(query.lastError())));
     }
-    TFieldDefs columns;
-    while (query.next()) {
-        columns.push_back(
-            {query.value(0).toString(), fieldTypeOfDeclaration(query.value(1).toString())});
+    std::vector<ColumnEntry> columns;
+    while (next(query)) {
+        const QString type = query.value(1).toString();
+        columns.push_back({query.value(0).toString(), fieldTypeOfDeclaration(type), type,
+                           query.value(2).toInt() > 0, query.value(3).toBool()});
     }
     return columns;
+}
+
+// A key that names no columns refers to the primary key; its columns are in the order of the key.
+std::vector<ForeignKey> SqliteDatabase::readForeignKeys() const {
+    QSqlQuery query = ask(QStringLiteral(
+        "SELECT t.name, k.id, k.\"table\", k.\"from\", "
+        "coalesce(k.\"to\", (SELECT p.name FROM pragma_table_xinfo(k.\"table\") p "
+        "WHERE p.pk = k.seq + 1)) "
+        "FROM sqlite_master t, pragma_foreign_key_list(t.name) k WHERE t.type = 'table' "
+        "ORDER BY t.name, k.id, k.seq"));
+    ForeignKeyRows rows;
+    while (next(query)) {
+        rows.add(query.value(1).toString(), query.value(0).toString(), query.value(3).toString(),
+                 query.value(2).toString(), query.value(4).toString());
+    }
+    return rows.keys();
 }
 
 std::vector<TParam> SqliteDatabase::readParameters(const TableEntry& entry) const {
@@ -117,14 +157,7 @@ std::vector<TParam> SqliteDatabase::readParameters(const TableEntry& entry) cons
 }
 
 void SqliteDatabase::fail(const QSqlError& error) const {
-    switch (sqliteErrorCode(error)) {
-    case SqliteError::Busy: failWithFile(m_path, QStringLiteral("is locked by another program"));
-    case SqliteError::NotADatabase:
-        failWithFile(m_path, QStringLiteral("is not an SQLite database"));
-    case SqliteError::Corrupt: failWithFile(m_path, QStringLiteral("is damaged"));
-    case SqliteError::Other: break;
-    }
-    failWithFile(m_path, QStringLiteral("cannot be read: ") + sqlErrorText(error));
+    failToReadFile(m_path, error);
 }
 
 }  // namespace orvquery

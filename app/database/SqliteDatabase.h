@@ -2,8 +2,11 @@
 #pragma once
 
 #include "database/Database.h"
+#include "database/Engine.h"
 
 namespace orvquery {
+
+[[nodiscard]] Engine sqliteEngine();
 
 /// An SQLite database file, opened for reading only: it is never created and never changed. What
 /// has parameters in it are SQLite's own functions that give rows.
@@ -17,9 +20,10 @@ public:
 
 protected:
     [[nodiscard]] std::vector<TableEntry> readEntries() const override;
-    [[nodiscard]] TFieldDefs readColumns(const TableEntry& entry) const override;
+    [[nodiscard]] std::vector<ColumnEntry> readColumns(const TableEntry& entry) const override;
     [[nodiscard]] std::vector<TParam> readParameters(const TableEntry& entry) const override;
-    [[nodiscard]] bool isDefaultSchema(const QString& schema) const override;
+    [[nodiscard]] std::vector<ForeignKey> readForeignKeys() const override;
+    [[nodiscard]] QStringList defaultSchemas() const override { return {QStringLiteral("main")}; }
 
 private:
     void requireReadable() const;

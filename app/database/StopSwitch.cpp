@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "database/StopSwitch.h"
 
+#include "database/Connection.h"
+
 #include <QLibrary>
 #include <QSqlDriver>
 #include <QSqlQuery>
@@ -8,6 +10,7 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 
 #ifdef ORVQUERY_HAS_SQLITE3
 #include <sqlite3.h>
@@ -83,6 +86,67 @@ StopCall firebirdStopSwitch(const QSqlDatabase& database, const std::atomic<bool
         std::array<std::intptr_t, 20> status = {};
         FirebirdHandle connection = value;
         cancel(status.data(), &connection, cancelRaise);
+    };
+}
+
+namespace {
+
+// As PostgreSQL's libpq-fe.h has them; its PGconn is a struct pg_conn.
+struct PostgresqlCancel {
+    using Get = void* (*)(void* connection);
+    using Send = int (*)(void* cancel, char* errors, int size);
+    using Free = void (*)(void* cancel);
+    Get get = nullptr;
+    Send send = nullptr;
+    Free free = nullptr;
+};
+
+const PostgresqlCancel& postgresqlCancel() {
+    static const PostgresqlCancel functions = [] {
+        QLibrary library(QStringLiteral("pq"), 5);
+        return PostgresqlCancel{
+            reinterpret_cast<PostgresqlCancel::Get>(library.resolve("PQgetCancel")),
+            reinterpret_cast<PostgresqlCancel::Send>(library.resolve("PQcancel")),
+            reinterpret_cast<PostgresqlCancel::Free>(library.resolve("PQfreeCancel"))};
+    }();
+    return functions;
+}
+
+}  // namespace
+
+StopCall postgresqlStopSwitch(const QSqlDatabase& database, const std::atomic<bool>&) {
+    const QVariant handle = database.driver()->handle();
+    const PostgresqlCancel& functions = postgresqlCancel();
+    const bool isKnown = qstrcmp(handle.typeName(), "pg_conn*") == 0 && functions.get != nullptr &&
+                         functions.send != nullptr && functions.free != nullptr;
+    if (!isKnown) return {};
+    void* const cancel = functions.get(*static_cast<void* const*>(handle.constData()));
+    if (cancel == nullptr) return {};
+    return [cancel = std::shared_ptr<void>(cancel, functions.free), send = functions.send] {
+        std::array<char, 256> errors = {};
+        send(cancel.get(), errors.data(), int(errors.size()));
+    };
+}
+
+StopCall mariadbStopSwitch(const QSqlDatabase& database, const std::atomic<bool>&) {
+    return mariadbQueryKill(database);
+}
+
+// Whoever calls it waits for the further connection, but not long.
+StopCall mariadbQueryKill(const QSqlDatabase& database) {
+    QSqlQuery query(database);
+    if (!query.exec(QStringLiteral("SELECT CONNECTION_ID()")) || !query.next()) return {};
+    ConnectionSettings settings;
+    settings.driver = database.driverName();
+    settings.options = database.connectOptions() + QStringLiteral(";MYSQL_OPT_CONNECT_TIMEOUT=2");
+    settings.host = database.hostName();
+    settings.port = database.port();
+    settings.user = database.userName();
+    settings.password = database.password();
+    return [settings, kill = QStringLiteral("KILL QUERY ") + query.value(0).toString()] {
+        Connection connection(settings);
+        if (connection.open().isValid()) return;
+        QSqlQuery(connection.database()).exec(kill);
     };
 }
 

@@ -24,4 +24,15 @@ using StopSwitchMaker = StopCall (*)(const QSqlDatabase& database,
 [[nodiscard]] StopCall firebirdStopSwitch(const QSqlDatabase& database,
                                           const std::atomic<bool>& isStopped);
 
+/// The way of PostgreSQL, whose server is told so over a connection of its own.
+[[nodiscard]] StopCall postgresqlStopSwitch(const QSqlDatabase& database,
+                                            const std::atomic<bool>& isStopped);
+
+/// The way of MariaDB, which is told so on a further connection.
+[[nodiscard]] StopCall mariadbStopSwitch(const QSqlDatabase& database,
+                                         const std::atomic<bool>& isStopped);
+
+/// Ends the query that will run on an open connection of MariaDB. May be empty.
+[[nodiscard]] StopCall mariadbQueryKill(const QSqlDatabase& database);
+
 }  // namespace orvquery

@@ -2,7 +2,7 @@
 #include "parameters/ParameterText.h"
 
 #include "data/SqlText.h"
-#include "database/ValueText.h"
+#include "values/ValueText.h"
 
 #include <QCoreApplication>
 #include <QDateTime>

@@ -95,9 +95,13 @@ bool isPresentSample(const QString& path) {
            query.value(0).toInt() == scriptVersion();
 }
 
+QString sampleDatabasePlace() {
+    return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) +
+           QStringLiteral("/sample.db");
+}
+
 QString sampleDatabasePath() {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-    QString path = folder + QStringLiteral("/sample.db");
+    QString path = sampleDatabasePlace();
     if (!isPresentSample(path)) makeSampleDatabase(path);
     return path;
 }

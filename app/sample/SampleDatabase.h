@@ -9,6 +9,9 @@ namespace orvquery {
 /// of another version of the program. Raises orv::Error when it cannot be made.
 [[nodiscard]] QString sampleDatabasePath();
 
+/// Where it is, or would be.
+[[nodiscard]] QString sampleDatabasePlace();
+
 /// Makes the sample database as a new file. A half-made file never stays under that name. Raises
 /// orv::Error.
 void makeSampleDatabase(const QString& path);

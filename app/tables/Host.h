@@ -12,9 +12,9 @@ namespace orvquery {
 /// on. The source must outlive the control, or its place in it until the next call.
 void connectTables(TorvQueryBuilder& builder, const TableSource& source);
 
-/// Adds a box of the table of that name, as tables() of the source gives it; false when there is no
-/// such table or the control does not take it. Raises orv::Error when its columns cannot be read.
-bool addTable(TorvQueryBuilder& builder, const TableSource& source, const QString& name);
+/// Adds a box of the table of that name, as tables() of the source gives it; false when the control
+/// does not take it. Raises orv::Error when the table is gone or its columns cannot be read.
+bool addTable(TorvQueryBuilder& builder, const TableSource& source, const TableName& name);
 
 /// Lays a query out that nobody has laid out yet: boxes as wide as their texts, placed by their
 /// joins.

@@ -47,16 +47,23 @@ std::vector<TableEntry> SchemaFile::tables() const {
 
 std::optional<TableDescription> SchemaFile::find(const QString& nameInStatement) const {
     if (auto table = describe(nameInStatement)) return table;
-    return describe(nameParts(nameInStatement).join(u'.'));
+    QStringList parts;
+    for (const NamePart& part : nameParts(nameInStatement)) parts += part.text;
+    return describe(parts.join(u'.'));
 }
 
-std::optional<TableDescription> SchemaFile::describe(const QString& name) const {
+std::optional<TableDescription> SchemaFile::describe(const TableName& name) const {
     const auto found =
         std::find_if(m_tables.begin(), m_tables.end(), [&](const TableDescription& table) {
-            return table.name.compare(name, Qt::CaseInsensitive) == 0;
+            return table.name.compare(name.name, Qt::CaseInsensitive) == 0;
         });
     if (found == m_tables.end()) return std::nullopt;
-    return *found;
+    TableDescription table = *found;
+    table.source = {table.name};
+    for (const TFieldDef& field : table.columns.FieldDefs) {
+        table.entries.push_back({field.Name, field.DataType});
+    }
+    return table;
 }
 
 }  // namespace orvquery

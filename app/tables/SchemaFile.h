@@ -27,7 +27,7 @@ public:
     [[nodiscard]] std::vector<TableEntry> tables() const override;
     [[nodiscard]] std::optional<TableDescription> find(
         const QString& nameInStatement) const override;
-    [[nodiscard]] std::optional<TableDescription> describe(const QString& name) const override;
+    [[nodiscard]] std::optional<TableDescription> describe(const TableName& name) const override;
 
 private:
     QString m_title;

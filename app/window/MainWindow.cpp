@@ -2,27 +2,34 @@
 #include "window/MainWindow.h"
 
 #include "core/Text.h"
-#include "database/OpenDatabase.h"
+#include "database/BackgroundDatabase.h"
+#include "names/KeptCase.h"
+#include "querybuilder/ORVQDValidate.h"
 #include "querybuilder/ORVQDWindow.h"
-#include "sample/SampleDatabase.h"
 #include "tables/Host.h"
 #include "tables/SchemaFile.h"
-#include "text/Completeness.h"
-#include "text/FindingLines.h"
-#include "text/TextFile.h"
+#include "text/Comments.h"
 #include "toolkit/Services.h"
+#include "window/DatabaseOpener.h"
+#include "window/DocumentController.h"
+#include "window/JoinAssistant.h"
 #include "window/KeptOperators.h"
+#include "window/KeyboardMap.h"
 #include "window/ParameterDialog.h"
-#include "window/ResultPane.h"
+#include "window/RunController.h"
+#include "window/SchemaBrowser.h"
 #include "window/StatementPane.h"
-#include "window/TableListPane.h"
+#include "window/TrialLoad.h"
+#include "window/UndoActions.h"
+#include "window/WhyNoRows.h"
+#include "window/WordsPanel.h"
 #include "workarea/ORVQDFloatPanel.h"
 #include "workarea/ORVQDKeptPlaces.h"
 #include "workarea/ORVQDSProc.h"
 
+#include <QAction>
 #include <QCloseEvent>
 #include <QCoreApplication>
-#include <QFileDialog>
 #include <QPointer>
 #include <QScopedValueRollback>
 #include <QSplitter>
@@ -31,51 +38,32 @@ namespace orvquery {
 
 namespace {
 
-// More rows are no help to a person, and would take memory without a bound.
-constexpr std::size_t mostRows = 10000;
+QString writtenBy(TorvQueryBuilder& builder) {
+    try {
+        return builder.GetSQLStatment();
+    } catch (const std::exception&) {
+        return {};
+    }
+}
 
 }  // namespace
 
 MainWindow::MainWindow() {
     buildPanes();
+    buildDocuments();
     buildActions();
     buildMenus();
+    buildOpening();
     restoreLayout();
     restoreOperators(*m_builder);
     useTables(std::make_unique<SchemaFile>(QByteArray("{}"), QString()), nullptr);
 }
 
 MainWindow::~MainWindow() {
+    delete m_documents;
     // Going, the control may still ask for tables and tell of changes.
     disconnect(m_builder, nullptr, this, nullptr);
     delete m_builder;
-}
-
-void MainWindow::begin(const Options& options) {
-    m_builder->setKeepMeaning(options.keepMeaning);
-    if (options.schema) {
-        tryTo([&] { useTables(SchemaFile::read(*options.schema), nullptr); });
-    } else if (options.database) {
-        openDatabase(*options.database);
-    } else if (openSample() && !options.load) {
-        loadText(sampleQuery());
-    }
-    if (!options.load) return;
-    QString text;
-    if (tryTo([&] { text = readTextFile(*options.load); })) loadText(text);
-}
-
-bool MainWindow::openDatabase(const QString& address) {
-    return tryTo([&] {
-        auto database = orvquery::openDatabase(address);
-        Database* const opened = database.get();
-        useTables(std::move(database), opened);
-    });
-}
-
-bool MainWindow::openSample() {
-    QString path;
-    return tryTo([&] { path = sampleDatabasePath(); }) && openDatabase(path);
 }
 
 bool MainWindow::tryTo(const std::function<void()>& action) {
@@ -88,34 +76,26 @@ bool MainWindow::tryTo(const std::function<void()>& action) {
     }
 }
 
-void MainWindow::useTables(std::unique_ptr<TableSource> tables, Database* database) {
+void MainWindow::useTables(std::unique_ptr<TableSource> tables, BackgroundDatabase* database) {
     // May raise; nothing has changed until then.
     const std::vector<TableEntry> entries = tables->tables();
-    m_runner->stop();
+    m_running->setDatabase(database);
+    m_whyNoRows->setDatabase(database);
     connectTables(*m_builder, *tables);
+    m_joins->setSource(*tables, entries);
     m_tables = std::move(tables);
-    m_database = database;
+    m_address.reset();
+    offerSampleQueries();
     m_builder->OnEnterProcParameter = [this](QObject*, TorvQDTable* box, TorvQDListItem* row) {
         enterParameter(box, row);
     };
     m_builder->Clear();
-    m_tableList->setTables(entries);
+    m_undo->reset();
+    m_tableList->setSource(*m_tables, entries);
     m_statement->forgetLoaded();
-    m_result->clear();
-    const QString title = m_tables->title();
-    setWindowTitle(title.isEmpty() ? tr("orvquery") : tr("%1 - orvquery").arg(title));
+    m_database = {};
+    m_documents->showTitle();
     statementChanged();
-}
-
-void MainWindow::chooseDatabase() {
-    const QString path = QFileDialog::getOpenFileName(
-        this, tr("Open database"), QString(),
-        tr("Databases (*.db *.sqlite *.sqlite3 *.db3 *.fdb *.gdb);;All files (*)"));
-    if (!path.isEmpty()) openDatabase(path);
-}
-
-void MainWindow::chooseSample() {
-    if (openSample()) loadText(sampleQuery());
 }
 
 void MainWindow::modifyOperators() {
@@ -133,8 +113,17 @@ void MainWindow::quit() {
     close();
 }
 
-void MainWindow::addTableToDiagram(const QString& name) {
-    orv::guarded([&] { addTable(*m_builder, *m_tables, name); });
+// A list that shows what is gone is read anew.
+void MainWindow::addTableToDiagram(const TableName& name) {
+    const orv::UndoRecorder::Group step(m_undo->recorder());
+    orv::guarded([&] {
+        try {
+            m_joins->addTable(name);
+        } catch (const GoneTableError&) {
+            m_tableList->refreshAction()->trigger();
+            throw;
+        }
+    });
 }
 
 // The box may be closed while the person thinks; then there is nothing left to ask.
@@ -159,21 +148,59 @@ void MainWindow::enterParameter(TorvQDTable* box, TorvQDListItem* row) {
 
 void MainWindow::loadStatement() {
     m_builder->CommitPendingEdits();
+    const QString text = m_statement->text();
+    if (isAgreedTo(text)) loadText(text);
+}
+
+void MainWindow::loadAnyway() {
+    // It may have been changed since it was offered.
+    if (!m_statement->isOffered()) return loadStatement();
+    m_builder->CommitPendingEdits();
     loadText(m_statement->text());
 }
 
+// What is on the diagram is never given up for nothing, and not for a text of which it cannot hold
+// all, or which lacks what is muted, before the person says so. The diagram's own statement changes
+// nothing.
+bool MainWindow::isAgreedTo(const QString& text) {
+    if (text == m_statement->statement()) return true;
+    const QPointer<MainWindow> self(this);
+    try {
+        const TrialLoad trial = tryLoading(*m_builder, *m_tables, text);
+        if (!self) return false;
+        if (!trial.refusal.isEmpty()) {
+            m_statement->setRefused(text, trial.refusal);
+            return false;
+        }
+        const QStringList muted = orv::mutedParts(*m_builder);
+        if (trial.findings.empty() && muted.isEmpty()) return true;
+        m_statement->setOffered(text, trial.findings, muted);
+        return false;
+    } catch (const std::exception& error) {
+        if (self) m_statement->setRefused(text, QString::fromUtf8(error.what()));
+        return false;
+    }
+}
+
 bool MainWindow::loadText(const QString& text) {
+    QString loaded;
+    const orv::UndoRecorder::Group step(m_undo->recorder(), tr("loading the statement"));
     try {
         const QScopedValueRollback<bool> loading(m_isLoading, true);
         const orv::KeptPlaces places(*m_builder->WorkArea);
-        m_builder->LoadSQL(text);
+        loaded = m_tables->forLoading(text);
+        m_builder->LoadSQL(loaded);
         // Another query: nobody has laid it out yet.
         if (!places.keepsAny(*m_builder->WorkArea)) layOut(*m_builder->WorkArea);
     } catch (const std::exception& error) {
         m_statement->setRefused(text, QString::fromUtf8(error.what()));
         return false;
     }
-    m_statement->setLoaded(text, m_builder->LoadReport());
+    orv::Findings findings = findingsBefore(m_builder->LoadReport(), loaded, text);
+    for (orv::Finding& comment : commentFindings(text, writtenBy(*m_builder))) {
+        findings.push_back(std::move(comment));
+    }
+    m_statement->setLoaded(text, findings);
     statementChanged();
     return true;
 }
@@ -181,6 +208,7 @@ bool MainWindow::loadText(const QString& text) {
 // Loading tells of many changes on its way; its end is what counts.
 void MainWindow::statementChanged() {
     if (m_isLoading) return;
+    m_words->queryChanged();
     try {
         const QString statement = m_builder->GetSQLStatment();
         // Without a table there are but the names of two clauses.
@@ -189,71 +217,18 @@ void MainWindow::statementChanged() {
     } catch (const std::exception& error) {
         m_statement->setProblem(QString::fromUtf8(error.what()));
     }
+    m_running->statementChanged();
 }
 
-void MainWindow::runStatement() {
-    if (m_runner->isRunning()) return;
-    m_builder->CommitPendingEdits();
-    const QString text = m_statement->text();
-    const QString problem = whatPreventsRunning(text);
-    if (!problem.isEmpty()) {
-        showDoubts();
-        return m_result->setProblem(problem);
-    }
-    const Database* const database = m_database;
-    const std::optional<PlaceholderValues> values = askParameters(text);
-    // While the dialog was open anything may have happened.
-    if (!values || m_database != database || m_runner->isRunning()) return;
-    showDoubts();
-    m_stop->setEnabled(true);
-    m_run->setEnabled(false);
-    m_result->setRunning();
-    m_runner->start(m_database->settings(), text, *values, mostRows);
-}
-
-// A text of the user's own is the user's business.
-void MainWindow::showDoubts() {
-    m_result->setNotes(m_statement->isEdited() ? QStringList()
-                                               : findingLines(m_builder->Validate()));
-}
-
-// None when the person thought better of it.
-std::optional<PlaceholderValues> MainWindow::askParameters(const QString& statement) {
-    const std::vector<ParameterDescription> parameters = describeParameters(
-        statement, *m_builder,
-        m_database->hasStrictTypes() ? ColumnTypes::AreStrict : ColumnTypes::AreLoose);
-    if (parameters.empty()) return PlaceholderValues();
-    const QPointer<MainWindow> self(this);
-    const QPointer<PlaceholderDialog> dialog = new PlaceholderDialog(parameters, m_answers, this);
-    const bool isAccepted = orv::runDialog(*dialog) == QDialog::Accepted;
-    if (!self || !dialog) return std::nullopt;
-    dialog->deleteLater();
-    if (!isAccepted) return std::nullopt;
-    m_answers.insert(dialog->answers());
-    return dialog->values();
-}
-
-QString MainWindow::whatPreventsRunning(const QString& text) const {
-    if (m_database == nullptr) return tr("There are no rows: no database is open.");
-    if (!m_statement->problem().isEmpty()) return m_statement->problem();
-    const QString missing = m_statement->isEdited() ? QString() : whatIsMissing(text);
-    return missing.isEmpty() ? questionMarkProblem(text) : missing;
-}
-
-void MainWindow::stopQuery() {
-    m_runner->stop();
-}
-
-void MainWindow::queryFinished(QueryOutcome& outcome) {
-    m_stop->setEnabled(false);
-    m_run->setEnabled(true);
-    m_result->setOutcome(outcome);
+void MainWindow::startAnew() {
+    m_documents->startAnew();
 }
 
 void MainWindow::clearAll() {
     m_builder->Clear();
     m_statement->forgetLoaded();
-    m_result->clear();
+    m_statement->showStatement();
+    m_running->clear();
     statementChanged();
 }
 
@@ -263,7 +238,13 @@ void MainWindow::tellError(const QString& text) {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
+    if (!m_documents->mayLeave()) {
+        event->ignore();
+        return;
+    }
+    m_documents->finish();
     saveLayout();
+    m_opener->giveUp();
     event->accept();
 }
 

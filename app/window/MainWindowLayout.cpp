@@ -1,11 +1,29 @@
 // SPDX-License-Identifier: MIT
+// The window: its panes, actions and menus.
+#include "querybuilder/ORVQDPageTabs.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
 #include "toolkit/Services.h"
+#include "window/AboutText.h"
+#include "window/DiagramLook.h"
+#include "window/DocumentController.h"
+#include "window/FindBar.h"
+#include "window/JoinAssistant.h"
+#include "window/KeyboardMap.h"
 #include "window/MainWindow.h"
+#include "window/PictureActions.h"
+#include "window/QueryComparer.h"
+#include "window/RecentMenu.h"
 #include "window/ResultPane.h"
+#include "window/RunController.h"
+#include "window/SampleMenu.h"
+#include "window/SchemaBrowser.h"
+#include "window/StatementCopies.h"
 #include "window/StatementPane.h"
-#include "window/TableListPane.h"
+#include "window/TableDrops.h"
+#include "window/UndoActions.h"
+#include "window/WhyNoRows.h"
+#include "window/WordsPanel.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <QAction>
@@ -41,23 +59,37 @@ QSplitter* makeSplitter(Qt::Orientation orientation, const char* name) {
 //   +--------+---------------------------+
 //   | tables | the control               |
 //   |        |                           |
-//   |        +-------------+-------------+
-//   |        | statement   | rows        |
-//   +--------+-------------+-------------+
+//   |        +-----------+-------+-------+
+//   |        | statement | words | rows  |
+//   +--------+-----------+-------+-------+
 void MainWindow::buildPanes() {
     m_outer = makeSplitter(Qt::Horizontal, "outer");
     m_inner = makeSplitter(Qt::Vertical, "inner");
     m_lower = makeSplitter(Qt::Horizontal, "lower");
-    m_tableList = new TableListPane;
+    m_tableList = new SchemaBrowser;
     m_builder = new TorvQueryBuilder;
+    new DiagramLook(*m_builder->WorkArea);
+    m_joins = new JoinAssistant(*m_builder, *this);
+    m_undo = new UndoActions(*m_builder, *this);
+    m_pictures = new PictureActions(*m_builder, *this);
     m_statement = new StatementPane;
+    m_words = new WordsPanel(*m_builder, [this] { return m_isLoading; });
+    m_comparer = new QueryComparer(
+        *m_builder, [this]() -> const TableSource& { return *m_tables; }, this);
     m_result = new ResultPane;
-    m_runner = new QueryRunner(this);
+    m_running = new RunController(m_builder, m_statement, m_result, this);
+    m_whyNoRows = new WhyNoRows(*m_builder, *m_running, this);
+    m_whyNoRows->setCommonActions(
+        {m_running->runAction(), m_undo->undoAction(), m_undo->redoAction()});
+    m_result->setNoRowsAction(m_whyNoRows->action());
     m_builder->setTabsHeight(pagesHeightPx);
+    // Editors elsewhere would type the digits.
+    if (auto* pages = qobject_cast<orv::PageTabs*>(m_builder->PageCtrl)) pages->addNumberKeys(this);
     // What is ticked shows here at once; the pages beside it are empty so far.
     m_builder->PageCtrl->setCurrentWidget(m_builder->SelectPanel->parentWidget());
 
     m_lower->addWidget(m_statement);
+    m_lower->addWidget(m_words);
     m_lower->addWidget(m_result);
     m_inner->addWidget(m_builder);
     m_inner->addWidget(m_lower);
@@ -69,12 +101,11 @@ void MainWindow::buildPanes() {
     m_outer->setContentsMargins(6, 6, 6, 6);
     setCentralWidget(m_outer);
 
-    connect(m_tableList, &TableListPane::tableChosen, this, &MainWindow::addTableToDiagram);
+    letTablesBeDropped(*m_builder, [this](const TableName& name) { addTableToDiagram(name); });
+    connect(m_tableList, &SchemaBrowser::tablesChosen, this, [this](const QList<TableName>& names) {
+        for (const TableName& name : names) addTableToDiagram(name);
+    });
     connect(m_builder, &TorvQueryBuilder::StatementChanged, this, &MainWindow::statementChanged);
-    connect(m_runner, &QueryRunner::finished, this,
-            [this](const std::shared_ptr<QueryOutcome>& outcome) {
-                orv::guarded([&] { queryFinished(*outcome); });
-            });
 }
 
 QAction* MainWindow::addAction(const char* icon, const QString& text, const QKeySequence& shortcut,
@@ -91,47 +122,83 @@ QAction* MainWindow::addAction(const char* icon, const QString& text, const QKey
 
 void MainWindow::buildActions() {
     m_open =
-        addAction("open", tr("&Open database..."), QKeySequence::Open, &MainWindow::chooseDatabase);
+        addAction("open", tr("&Open file..."), QKeySequence::Open, &MainWindow::chooseDatabase);
+    m_connect = addAction(nullptr, tr("&Connect..."), QKeySequence(QStringLiteral("Ctrl+Shift+O")),
+                          &MainWindow::connectToDatabase);
     m_sample = addAction(nullptr, tr("&Sample database"), {}, &MainWindow::chooseSample);
-    m_clear = addAction("clear", tr("&New"), QKeySequence::New, &MainWindow::clearAll);
+    m_clear = addAction("clear", tr("&New"), QKeySequence::New, &MainWindow::startAnew);
     m_load = addAction("load", tr("&Load"), QKeySequence(QStringLiteral("Ctrl+Return")),
                        &MainWindow::loadStatement);
-    m_run = addAction("run", tr("&Run"), QKeySequence(Qt::Key_F5), &MainWindow::runStatement);
-    m_stop = addAction("stop", tr("S&top"), QKeySequence(QStringLiteral("Shift+F5")),
-                       &MainWindow::stopQuery);
     m_load->setShortcuts(
         {QKeySequence(QStringLiteral("Ctrl+Return")), QKeySequence(QStringLiteral("Ctrl+Enter"))});
     m_open->setToolTip(tr("Open a database file of SQLite or Firebird"));
-    m_clear->setToolTip(tr("Empty the diagram"));
+    m_clear->setToolTip(tr("Begin a new query"));
     m_load->setToolTip(tr("Load the statement into the diagram (Ctrl+Enter)"));
-    m_run->setToolTip(tr("Run the statement (F5)"));
-    m_stop->setEnabled(false);
+    m_statement->setWordsAction(m_words->switchAction());
     m_statement->setLoadAction(m_load);
-    m_statement->setRunAction(m_run);
-    m_result->setStopAction(m_stop);
+    m_statement->setRunAction(m_running->runAction());
+    connect(m_statement->loadAnywayAction(), &QAction::triggered, this,
+            [this] { orv::guarded([this] { loadAnyway(); }); });
+    m_running->setLoadAction(m_load);
 }
 
 void MainWindow::buildMenus() {
     QMenu* file = menuBar()->addMenu(tr("&File"));
-    file->addActions({m_open, m_sample});
+    m_recent = new RecentMenu(tr("&Recent databases"), this);
+    file->addAction(m_clear);
+    m_documents->addToMenu(file);
+    file->addSeparator();
+    file->addActions({m_open, m_connect});
+    file->addMenu(m_recent);
+    file->addAction(m_sample);
+    file->addSeparator();
+    file->addAction(m_tableList->refreshAction());
     file->addSeparator();
     QAction* quit =
         addAction(nullptr, tr("&Quit"), QKeySequence(QStringLiteral("Ctrl+Q")), &MainWindow::quit);
     quit->setMenuRole(QAction::QuitRole);
     file->addAction(quit);
 
+    QMenu* edit = menuBar()->addMenu(tr("&Edit"));
+    edit->addActions({m_undo->undoAction(), m_undo->redoAction()});
+    edit->addSeparator();
+    const FindBar* find = m_statement->findBar();
+    edit->addActions({find->findAction(), find->nextAction(), find->previousAction()});
+    edit->addSeparator();
+    const auto rules = [this] {
+        const bool isMariadb = m_address && m_address->scheme == u"mariadb";
+        return isMariadb ? SqlRules::Mariadb : SqlRules::Postgresql;
+    };
+    (new StatementCopies(m_statement, rules))->addTo(*edit);
+
     QMenu* query = menuBar()->addMenu(tr("&Query"));
-    query->addActions({m_clear, m_load});
+    query->addAction(m_load);
     query->addSeparator();
-    query->addActions({m_run, m_stop});
+    query->addActions({m_words->switchAction(), m_comparer->action()});
+    query->addSeparator();
+    query->setToolTipsVisible(true);
+    query->addActions({m_running->runAction(), m_running->stopAction(), m_whyNoRows->action(),
+                       m_running->exportAction()});
     query->addSeparator();
     query->addAction(addAction(nullptr, tr("&Operators..."), {}, &MainWindow::modifyOperators));
     query->addAction(
         addAction(nullptr, tr("Restore &default operators"), {}, &MainWindow::useDefaultOperators));
 
+    query->addSeparator();
+    m_sampleQueries = new SampleMenu(tr("Sample &queries"), this);
+    query->addMenu(m_sampleQueries);
+    connect(m_sampleQueries, &SampleMenu::chosen, this, [this](const QString& statement) {
+        orv::guarded([&] { openSampleQuery(statement); });
+    });
+
     buildDiagramMenu();
 
     QMenu* help = menuBar()->addMenu(tr("&Help"));
+    QAction* keys = addAction(nullptr, tr("&Keyboard map"), QKeySequence(QStringLiteral("F1")),
+                              &MainWindow::showKeyboardMap);
+    keys->setObjectName(QStringLiteral("showKeyboardMap"));
+    help->addAction(keys);
+    help->addSeparator();
     QAction* about = addAction(nullptr, tr("&About orvquery"), {}, &MainWindow::showAbout);
     about->setMenuRole(QAction::AboutRole);
     help->addAction(about);
@@ -147,6 +214,7 @@ void MainWindow::buildDiagramMenu() {
         action->setShortcut(shortcut);
     };
     add(tr("&Arrange"), QKeySequence(QStringLiteral("Ctrl+Shift+L")), &TorvQDWorkArea::arrange);
+    menu->addAction(m_joins->switchAction());
     menu->addSeparator();
     add(tr("&Fit"), QKeySequence(QStringLiteral("Ctrl+9")), &TorvQDWorkArea::fit);
     add(tr("Actual &size"), QKeySequence(QStringLiteral("Ctrl+0")), &TorvQDWorkArea::actualSize);
@@ -155,6 +223,7 @@ void MainWindow::buildDiagramMenu() {
     menu->addSeparator();
     add(tr("&Copy as picture"), QKeySequence(QStringLiteral("Ctrl+Shift+C")),
         &TorvQDWorkArea::copyAsPicture);
+    m_pictures->addTo(*menu);
 }
 
 void MainWindow::restoreLayout() {
@@ -166,7 +235,8 @@ void MainWindow::restoreLayout() {
     restoreGeometry(stored.value(QStringLiteral("geometry")).toByteArray());
     m_outer->setSizes({190, firstSize.width() - 190});
     m_inner->setSizes({590, 240});
-    m_lower->setSizes({420, 560});
+    m_lower->setSizes({420, 300, 560});
+    m_words->switchAction()->setChecked(stored.value(QStringLiteral("words")).toBool());
     for (QSplitter* splitter : {m_outer, m_inner, m_lower}) {
         splitter->restoreState(stored.value(splitter->objectName()).toByteArray());
     }
@@ -175,16 +245,21 @@ void MainWindow::restoreLayout() {
 void MainWindow::saveLayout() const {
     QSettings stored = settings();
     stored.setValue(QStringLiteral("geometry"), saveGeometry());
+    stored.setValue(QStringLiteral("words"), m_words->switchAction()->isChecked());
     for (const QSplitter* splitter : {m_outer, m_inner, m_lower}) {
         stored.setValue(splitter->objectName(), splitter->saveState());
     }
 }
 
+void MainWindow::showKeyboardMap() {
+    if (!m_keyboardMap) m_keyboardMap = new KeyboardMap(this);
+    m_keyboardMap->show();
+    m_keyboardMap->raise();
+    m_keyboardMap->activateWindow();
+}
+
 void MainWindow::showAbout() {
-    QMessageBox::about(this, tr("About orvquery"),
-                       tr("<p><b>orvquery %1</b></p><p>Puts a SQL query together by mouse, and "
-                          "runs it.</p>")
-                           .arg(QCoreApplication::applicationVersion()));
+    QMessageBox::about(this, tr("About orvquery"), aboutText());
 }
 
 }  // namespace orvquery

@@ -1,58 +1,58 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "database/Connection.h"
-#include "database/RunQuery.h"
+#include "database/QueryThread.h"
+#include "database/RowFeed.h"
 
 #include <QObject>
 #include <QTimer>
 
 #include <memory>
 
-class QThread;
-
 namespace orvquery {
 
 /// What became of a query. A plain value.
 struct QueryOutcome {
-    QString error;  ///< empty when the rows are there
-    bool isStopped = false;
+    QueryEnd end = {};
     bool isCut = false;  ///< there were more rows
-    qint64 milliseconds = 0;
-    QStringList columns;
-    std::vector<Row> rows;
 };
 
-/// Runs one query at a time in a thread of its own, so that the window stays alive, on a connection
-/// of its own.
+/// Runs one query at a time in a thread of its own, so that the window stays alive, and hands its
+/// rows over as they come, up to a limit.
 class QueryRunner : public QObject {
     Q_OBJECT
 
 public:
     explicit QueryRunner(QObject* parent = nullptr);
-    /// Stops the query that runs and waits for its end.
     ~QueryRunner() override;
 
-    [[nodiscard]] bool isRunning() const { return m_thread != nullptr; }
+    [[nodiscard]] bool isRunning() const { return m_feed != nullptr; }
+    /// Since the start.
+    [[nodiscard]] qint64 milliseconds() const { return m_thread.milliseconds(); }
 
-    /// Starts a query with the values for its placeholders; nothing when one runs.
-    void start(const ConnectionSettings& settings, const QString& statement,
-               const PlaceholderValues& values, std::size_t mostRows);
+    /// Starts the query whose rows these are; nothing when one runs.
+    void start(RowSource source, RowLimits limits = {});
 
-    /// Ends the query early; finished comes nevertheless.
+    /// Ends the query early; finished comes nevertheless, soon or after some seconds.
     void stop();
 
+    /// How long a stopped query may take until its thread is abandoned.
+    void setPatience(std::chrono::milliseconds patience) { m_thread.setPatience(patience); }
+
 Q_SIGNALS:
-    void finished(const std::shared_ptr<orvquery::QueryOutcome>& outcome);
+    /// The query gives rows with these columns.
+    void begun(const QStringList& columns);
+    void rowsCame(const std::vector<orvquery::Row>& rows);
+    void finished(const orvquery::QueryOutcome& outcome);
 
 private:
-    struct Job;
+    void rowsArrived(RowFeed::Arrival arrival);
+    void takeRows();
+    void end(const QueryEnd& end);
 
-    void end();
-
-    QTimer m_stopAgain;
-    std::unique_ptr<QThread> m_thread;
-    std::shared_ptr<Job> m_job;
+    QueryThread m_thread;
+    std::shared_ptr<RowFeed> m_feed;  ///< while a query runs
+    QTimer m_pace;
 };
 
 }  // namespace orvquery

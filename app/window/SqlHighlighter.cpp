@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "window/SqlHighlighter.h"
 
+#include "window/Contrast.h"
+
 #include <QSet>
 
 #include <algorithm>
@@ -32,12 +34,24 @@ bool isWordCharacter(QChar character) {
 
 SqlHighlighter::SqlHighlighter(QTextDocument* document, const QColor& background)
     : QSyntaxHighlighter(document) {
-    const bool isDark = background.lightness() < 128;
-    m_keyword.setForeground(isDark ? QColor(0x8ab4f8) : QColor(0x1f4e8c));
     m_keyword.setFontWeight(QFont::DemiBold);
-    m_text.setForeground(isDark ? QColor(0xa5d6a7) : QColor(0x2e6b34));
-    m_number.setForeground(isDark ? QColor(0xf0b37e) : QColor(0x9a4a00));
-    m_comment.setForeground(isDark ? QColor(0x9aa0a6) : QColor(0x707780));
+    chooseColours(background);
+}
+
+void SqlHighlighter::setBackground(const QColor& background) {
+    chooseColours(background);
+    rehighlight();
+}
+
+void SqlHighlighter::chooseColours(const QColor& background) {
+    const bool isDark = background.lightness() < 128;
+    const auto colour = [&](QRgb onDark, QRgb onLight) {
+        return readableOn(background, QColor(isDark ? onDark : onLight));
+    };
+    m_keyword.setForeground(colour(0x8ab4f8, 0x1f4e8c));
+    m_text.setForeground(colour(0xa5d6a7, 0x2e6b34));
+    m_number.setForeground(colour(0xf0b37e, 0x9a4a00));
+    m_comment.setForeground(colour(0x9aa0a6, 0x707780));
 }
 
 void SqlHighlighter::highlightBlock(const QString& text) {

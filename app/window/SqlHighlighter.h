@@ -15,12 +15,16 @@ public:
     /// Picks colours that can be read on the background.
     SqlHighlighter(QTextDocument* document, const QColor& background);
 
+    /// The background has become another.
+    void setBackground(const QColor& background);
+
 protected:
     void highlightBlock(const QString& text) override;
 
 private:
     enum State { Plain = -1, InComment = 1, InText = 2 };
 
+    void chooseColours(const QColor& background);
     [[nodiscard]] qsizetype endOfSpan(const QString& text, qsizetype start, State state);
     [[nodiscard]] qsizetype highlightAt(const QString& text, qsizetype start);
     [[nodiscard]] qsizetype highlightWord(const QString& text, qsizetype start);

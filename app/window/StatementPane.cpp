@@ -1,17 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "window/StatementPane.h"
 
+#include "text/EditorText.h"
 #include "toolkit/Services.h"
+#include "window/FindBar.h"
 #include "window/SqlHighlighter.h"
+#include "window/StatementEditor.h"
+#include "window/TextMarks.h"
 
 #include <QAction>
+#include <QEvent>
 #include <QFontDatabase>
 #include <QFrame>
 #include <QLabel>
 #include <QListWidget>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTextBlock>
+#include <QTextDocument>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -21,13 +26,6 @@ namespace {
 
 constexpr int mostFindingLines = 5;
 constexpr qsizetype longestQuote = 40;
-
-// The editor counts each line break as one character.
-QString withSingleBreaks(QString text) {
-    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-    text.replace(u'\r', u'\n');
-    return text;
-}
 
 QFrame* makeBar(QWidget* parent) {
     auto* bar = new QFrame(parent);
@@ -56,20 +54,30 @@ StatementPane::StatementPane(QWidget* parent)
     : QWidget(parent),
       m_state(makePlainLabel(this)),
       m_refusal(makePlainLabel(this)),
+      m_note(makePlainLabel(this)),
       m_changedBar(makeBar(this)),
+      m_offerBar(makeBar(this)),
+      m_offerText(makePlainLabel(m_offerBar)),
       m_findingsTitle(makePlainLabel(this)),
       m_findingsList(new QListWidget(this)),
       m_back(new QToolButton(this)),
-      m_editor(new QPlainTextEdit(this)),
-      m_header(new QHBoxLayout) {
+      m_original(new QToolButton(this)),
+      m_editor(new StatementEditor(this)),
+      m_header(new QHBoxLayout),
+      m_loadAnyway(new QAction(tr("Load anyway"), this)),
+      m_marks(new TextMarks(m_editor)),
+      m_find(new FindBar(m_editor, m_marks, this)) {
     buildEditor();
     buildBars();
+    buildOfferBar();
+    buildFindings();
 
     auto* title = new QLabel(tr("&Statement"), this);
     title->setBuddy(m_editor);
     m_header->addWidget(title);
     m_header->addSpacing(8);
     m_header->addWidget(m_state, 1);
+    m_header->addWidget(m_original);
     m_header->addWidget(m_back);
 
     auto* layout = new QVBoxLayout(this);
@@ -79,7 +87,10 @@ StatementPane::StatementPane(QWidget* parent)
     layout->addWidget(m_refusal);
     layout->addWidget(m_findingsTitle);
     layout->addWidget(m_findingsList);
+    layout->addWidget(m_offerBar);
+    layout->addWidget(m_note);
     layout->addWidget(m_editor, 1);
+    layout->addWidget(m_find);
     refresh();
 }
 
@@ -89,8 +100,11 @@ void StatementPane::buildEditor() {
     m_editor->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     // Tab would end in the editor for those who work without a mouse.
     m_editor->setTabChangesFocus(true);
-    new SqlHighlighter(m_editor->document(), m_editor->palette().color(QPalette::Base));
+    m_highlighter =
+        new SqlHighlighter(m_editor->document(), m_editor->palette().color(QPalette::Base));
     connect(m_editor, &QPlainTextEdit::textChanged, this, &StatementPane::textEdited);
+    // A drop ends as an edit does, even when nothing was inserted.
+    connect(m_editor, &StatementEditor::refused, this, &StatementPane::tell, Qt::QueuedConnection);
 }
 
 void StatementPane::buildBars() {
@@ -98,6 +112,9 @@ void StatementPane::buildBars() {
     m_state->setForegroundRole(QPalette::PlaceholderText);
     m_refusal->setObjectName(QStringLiteral("refusal"));
     m_refusal->setWordWrap(true);
+    m_note->setObjectName(QStringLiteral("statementNote"));
+    m_note->setWordWrap(true);
+    m_note->hide();
 
     m_changedBar->setObjectName(QStringLiteral("changedBar"));
     auto* text = new QLabel(tr("The diagram has changed."), m_changedBar);
@@ -117,6 +134,39 @@ void StatementPane::buildBars() {
         refresh();
     });
 
+    m_back->setObjectName(QStringLiteral("backToStatement"));
+    m_back->setText(tr("Back to the statement"));
+    connect(m_back, &QToolButton::clicked, this, [this] { showContent(Content::Statement); });
+    m_original->setObjectName(QStringLiteral("showLoaded"));
+    m_original->setText(tr("Show the loaded text"));
+    connect(m_original, &QToolButton::clicked, this, [this] { showContent(Content::Loaded); });
+}
+
+void StatementPane::buildOfferBar() {
+    m_offerBar->setObjectName(QStringLiteral("offerBar"));
+    m_loadAnyway->setObjectName(QStringLiteral("loadAnywayAction"));
+    m_offerText->setObjectName(QStringLiteral("offerText"));
+    m_offerText->setWordWrap(true);
+    auto* load = new QPushButton(tr("Load &anyway"), m_offerBar);
+    load->setObjectName(QStringLiteral("loadAnyway"));
+    load->setToolTip(tr("Put into the diagram what it can hold"));
+    auto* keep = new QPushButton(tr("&Keep as text"), m_offerBar);
+    keep->setObjectName(QStringLiteral("keepAsText"));
+    keep->setToolTip(tr("Leave the diagram as it is"));
+    auto* layout = new QHBoxLayout(m_offerBar);
+    layout->setContentsMargins(6, 2, 2, 2);
+    layout->addWidget(m_offerText, 1);
+    layout->addWidget(load);
+    layout->addWidget(keep);
+    connect(load, &QPushButton::clicked, m_loadAnyway, &QAction::trigger);
+    connect(keep, &QPushButton::clicked, this, [this] {
+        m_isAsking = false;
+        m_editor->setFocus();
+        refresh();
+    });
+}
+
+void StatementPane::buildFindings() {
     m_findingsList->setObjectName(QStringLiteral("findings"));
     m_findingsList->setAccessibleName(tr("What was not loaded"));
     m_findingsList->setWordWrap(true);
@@ -126,10 +176,6 @@ void StatementPane::buildBars() {
             [this](QListWidgetItem* item) { showFinding(m_findingsList->row(item)); });
     connect(m_findingsList, &QListWidget::itemActivated, this,
             [this](QListWidgetItem* item) { showFinding(m_findingsList->row(item)); });
-
-    m_back->setObjectName(QStringLiteral("backToStatement"));
-    m_back->setText(tr("Back to the statement"));
-    connect(m_back, &QToolButton::clicked, this, [this] { showContent(Content::Statement); });
 }
 
 void StatementPane::setStatement(const QString& statement) {
@@ -157,12 +203,27 @@ void StatementPane::setLoaded(const QString& text, const orv::Findings& findings
     m_findings = findings;
     m_content = Content::Statement;
     m_isOutdated = false;
+    m_isOffered = false;
+    m_offeredText.clear();
     m_refusal->clear();
-    m_findingsList->clear();
-    for (const orv::Finding& finding : findings) {
-        m_findingsList->addItem(u'"' + shortQuote(finding.text) + QStringLiteral("\": ") +
-                                finding.what);
+    refresh();
+}
+
+void StatementPane::setOffered(const QString& text, const orv::Findings& findings,
+                               const QStringList& mutedParts) {
+    m_offeredText = text;
+    m_offeredFindings = findings;
+    m_mutedCount = int(mutedParts.size());
+    for (const QString& part : mutedParts) {
+        m_offeredFindings.push_back(
+            {0, 0, part, tr("It is muted, so the text does not have it; loading removes it.")});
     }
+    m_content = Content::Typed;
+    m_isOutdated = false;
+    m_isOffered = true;
+    m_isAsking = true;
+    m_refusal->clear();
+    replaceText(withSingleBreaks(text));
     refresh();
 }
 
@@ -173,7 +234,8 @@ void StatementPane::setRefused(const QString& text, const QString& reason) {
     }
     m_refusal->setText(tr("Not loaded: ") + reason);
     m_findings.clear();  // they were about another text
-    m_findingsList->clear();
+    m_isOffered = false;
+    m_offeredText.clear();
     m_isOutdated = false;
     refresh();
 }
@@ -181,10 +243,33 @@ void StatementPane::setRefused(const QString& text, const QString& reason) {
 void StatementPane::forgetLoaded() {
     m_loadedText.clear();
     m_findings.clear();
-    m_findingsList->clear();
+    m_isOffered = false;
+    m_offeredText.clear();
     m_refusal->clear();
-    if (m_content == Content::Loaded) showContent(Content::Statement);
+    leaveLoadedText();
     refresh();
+}
+
+void StatementPane::forgetHistory() {
+    m_editor->document()->clearUndoRedoStacks();
+}
+
+void StatementPane::setTyped(const QString& text) {
+    replaceText(withSingleBreaks(text));
+    textEdited();
+}
+
+void StatementPane::showStatement() {
+    showContent(Content::Statement);
+}
+
+void StatementPane::tell(const QString& note) {
+    m_note->setText(note);
+    m_note->setVisible(!note.isEmpty());
+}
+
+void StatementPane::leaveLoadedText() {
+    if (m_content == Content::Loaded) showContent(Content::Statement);
 }
 
 QString StatementPane::text() const {
@@ -203,6 +288,7 @@ QString StatementPane::problem() const {
 void StatementPane::showContent(Content content) {
     m_content = content;
     m_isOutdated = false;
+    m_isOffered = false;
     if (content == Content::Statement) m_refusal->clear();
     replaceText(withSingleBreaks(text()));
     refresh();
@@ -211,6 +297,7 @@ void StatementPane::showContent(Content content) {
 // The edit keeps its history, so that Undo brings back what was typed.
 void StatementPane::replaceText(const QString& wanted) {
     if (wanted == editorText()) return;
+    tell(QString());
     m_isReplacing = true;
     QTextCursor cursor(m_editor->document());
     cursor.select(QTextCursor::Document);
@@ -220,12 +307,13 @@ void StatementPane::replaceText(const QString& wanted) {
 }
 
 void StatementPane::showFinding(int row) {
-    if (row < 0 || static_cast<std::size_t>(row) >= m_findings.size()) return;
-    const orv::Finding& finding = m_findings[static_cast<std::size_t>(row)];
-    showContent(Content::Loaded);
-    const auto place = [this](int position) {
-        return int(withSingleBreaks(m_loadedText.left(position)).size());
-    };
+    const orv::Findings& findings = shownFindings();
+    if (row < 0 || static_cast<std::size_t>(row) >= findings.size()) return;
+    // What was typed meanwhile does not give way to what it is about.
+    if (!isPlaced(std::size_t(row)) || (m_content == Content::Typed && !m_isOffered)) return;
+    const orv::Finding finding = findings[static_cast<std::size_t>(row)];
+    if (!m_isOffered) showContent(Content::Loaded);
+    const EditorPlaces place(textOfFindings());
     QTextCursor cursor(m_editor->document());
     cursor.setPosition(place(finding.start));
     cursor.setPosition(place(finding.start + finding.length), QTextCursor::KeepAnchor);
@@ -235,10 +323,15 @@ void StatementPane::showFinding(int row) {
 
 void StatementPane::textEdited() {
     if (m_isReplacing) return;
+    tell(QString());
     const QString typed = editorText();
+    m_isOffered = false;
     if (typed == withSingleBreaks(m_statement)) {
         m_content = Content::Statement;
         m_isOutdated = false;
+    } else if (!m_offeredText.isEmpty() && typed == withSingleBreaks(m_offeredText)) {
+        m_content = Content::Typed;
+        m_isOffered = true;
     } else if (!m_findings.empty() && typed == withSingleBreaks(m_loadedText)) {
         m_content = Content::Loaded;
         m_isOutdated = false;
@@ -253,26 +346,88 @@ void StatementPane::refresh() {
     m_state->setText(stateText());
     m_refusal->setVisible(!m_refusal->text().isEmpty());
     m_changedBar->setVisible(m_isOutdated);
-    m_back->setVisible(m_content == Content::Loaded);
-
-    const int count = int(m_findings.size());
-    m_findingsTitle->setText(count == 1
-                                 ? tr("1 part of the loaded statement is not held as it stands:")
-                                 : tr("%1 parts of the loaded statement are not held as they "
-                                      "stand:")
-                                       .arg(count));
-    m_findingsTitle->setVisible(count > 0);
-    m_findingsList->setVisible(count > 0);
-    fitFindings();
+    m_offerBar->setVisible(m_isOffered && m_isAsking);
+    const bool hasQuery = !m_statement.isEmpty() || !m_problem.isEmpty();
+    m_offerText->setText(hasQuery ? tr("This text is not loaded; the diagram has another query.")
+                                  : tr("This text is not loaded; the diagram is empty."));
+    m_back->setVisible(m_content == Content::Loaded || (m_isOffered && !m_statement.isEmpty()));
+    m_original->setVisible(m_content == Content::Statement && !m_findings.empty());
+    refreshFindings();
 
     const bool hasProblem = m_content == Content::Statement && !m_problem.isEmpty();
     m_editor->setPlaceholderText(hasProblem ? m_problem
                                             : tr("Type a SELECT statement, or choose "
                                                  "tables from the list."));
-    if (m_editor->font().italic() == hasProblem) return;
-    QFont font = m_editor->font();
-    font.setItalic(hasProblem);
-    m_editor->setFont(font);
+    if (m_editor->font().italic() != hasProblem) {
+        QFont font = m_editor->font();
+        font.setItalic(hasProblem);
+        m_editor->setFont(font);
+    }
+    Q_EMIT contentChanged();
+}
+
+const orv::Findings& StatementPane::shownFindings() const {
+    return m_isOffered ? m_offeredFindings : m_findings;
+}
+
+const QString& StatementPane::textOfFindings() const {
+    return m_isOffered ? m_offeredText : m_loadedText;
+}
+
+// What is muted has no place in the text.
+bool StatementPane::isPlaced(std::size_t finding) const {
+    return !m_isOffered || finding + std::size_t(m_mutedCount) < m_offeredFindings.size();
+}
+
+QString StatementPane::offerTitle() const {
+    const int count = int(m_offeredFindings.size()) - m_mutedCount;
+    QStringList parts;
+    if (count > 0) {
+        parts += count == 1
+                     ? tr("1 part of the statement would not be held as it stands")
+                     : tr("%1 parts of the statement would not be held as they stand").arg(count);
+    }
+    if (m_mutedCount > 0) {
+        parts += m_mutedCount == 1
+                     ? tr("1 muted part of the diagram would be removed")
+                     : tr("%1 muted parts of the diagram would be removed").arg(m_mutedCount);
+    }
+    return parts.join(QStringLiteral("; ")) + u':';
+}
+
+QString StatementPane::findingsTitle() const {
+    if (m_isOffered) return offerTitle();
+    const int count = int(shownFindings().size());
+    return count == 1
+               ? tr("1 part of the loaded statement is not held as it stands:")
+               : tr("%1 parts of the loaded statement are not held as they stand:").arg(count);
+}
+
+void StatementPane::refreshFindings() {
+    const orv::Findings& findings = shownFindings();
+    if (findings != m_listed) {
+        m_listed = findings;
+        m_findingsList->clear();
+        for (const orv::Finding& finding : findings) {
+            m_findingsList->addItem(u'"' + shortQuote(finding.text) + QStringLiteral("\": ") +
+                                    finding.what);
+        }
+    }
+    m_findingsTitle->setText(findingsTitle());
+    m_findingsTitle->setVisible(!findings.empty());
+    m_findingsList->setVisible(!findings.empty());
+    fitFindings();
+
+    orv::Findings marked;
+    if (m_isOffered || m_content == Content::Loaded) marked = findings;
+    if (m_isOffered) marked.resize(findings.size() - std::size_t(m_mutedCount));
+    const EditorPlaces place(marked.empty() ? QString() : textOfFindings());
+    for (orv::Finding& finding : marked) {
+        const int start = place(finding.start);
+        finding.length = place(finding.start + finding.length) - start;
+        finding.start = start;
+    }
+    m_marks->setFindings(marked);
 }
 
 // As high as the findings need in this width, within bounds.
@@ -294,12 +449,23 @@ void StatementPane::resizeEvent(QResizeEvent* event) {
     fitFindings();
 }
 
+// A desktop may turn dark while the program runs.
+void StatementPane::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::PaletteChange || m_highlighter == nullptr) return;
+    // New formats are no edit.
+    m_isReplacing = true;
+    m_highlighter->setBackground(m_editor->palette().color(QPalette::Base));
+    m_isReplacing = false;
+}
+
 QString StatementPane::stateText() const {
     switch (m_content) {
     case Content::Statement: return {};
     case Content::Loaded: return tr("as it was loaded");
     case Content::Typed: break;
     }
+    if (m_isOffered && !m_isAsking) return tr("kept as text, not loaded");
     return tr("edited, not loaded");
 }
 
@@ -309,6 +475,10 @@ QString StatementPane::editorText() const {
     text.replace(QChar::ParagraphSeparator, u'\n');
     text.replace(QChar::LineSeparator, u'\n');
     return text;
+}
+
+void StatementPane::setWordsAction(QAction* action) {
+    addButton(action)->setObjectName(QStringLiteral("wordsButton"));
 }
 
 void StatementPane::setLoadAction(QAction* action) {

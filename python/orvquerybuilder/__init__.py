@@ -75,7 +75,8 @@ MessageButtons = _core.orv.MessageButtons
 MessageIcon = _core.orv.MessageIcon
 MessageRequest = _core.orv.MessageRequest
 SqlText = _core.orv.SqlText
-
+UndoRecorder = _core.orv.UndoRecorder
+UndoRecorder.Group = _core._UndoGroup
 
 
 def _add_attributes(cls):
@@ -101,6 +102,7 @@ for _class in (
     TorvQueryBuilder,
 ):
     _add_attributes(_class)
+
 
 def _add_copying(cls, arguments):
     """Let the modules copy and pickle make a value again from the arguments that made it."""
@@ -188,6 +190,8 @@ __all__ = sorted(
     name for name in globals() if not name.startswith("_")
 ) + ["__version__"]
 
+UndoRecorder.Group.__module__ = __name__
+UndoRecorder.Group.__qualname__ = "UndoRecorder.Group"
 for _name in __all__:
     _class = globals()[_name]
     if isinstance(_class, type):

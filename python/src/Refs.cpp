@@ -129,9 +129,8 @@ void RowRef::setValue(const QVariant& value) {
 }
 
 QString RowRef::repr() const {
-    return isAlive()
-               ? QStringLiteral("<TorvQDListItem %1.%2>").arg(m_table->GetAlias(), m_item->Name)
-               : QStringLiteral("<TorvQDListItem, deleted>");
+    return isAlive() ? QStringLiteral("<TorvQDListItem %1>").arg(m_item->qualifiedName())
+                     : QStringLiteral("<TorvQDListItem, deleted>");
 }
 
 // --- links ---

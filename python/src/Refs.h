@@ -4,6 +4,7 @@
 #include "data/DataSet.h"
 #include "diagram/ORVQDFloatTable.h"
 #include "diagram/ORVQDLinks.h"
+#include "querybuilder/ORVQDUndo.h"
 #include "querybuilder/ORVQDWindow.h"
 
 #include <QColor>
@@ -14,6 +15,7 @@
 
 #include <memory>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 // What Python holds instead of objects of the diagram and of the builder. These die when their
@@ -148,6 +150,10 @@ public:
     [[nodiscard]] QString operatorText() const { return get()->operatorText(); }
     [[nodiscard]] TKindOfJoin KindOfJoin() const { return get()->Join->KindOfJoin; }
     [[nodiscard]] QString GetHint() const { return get()->GetHint(); }
+    [[nodiscard]] bool Muted() const { return get()->Muted; }
+    void setMuted(bool value) const {
+        if (get()->Muted != value) get()->_MuteLink();
+    }
 
     [[nodiscard]] QString repr() const;
     [[nodiscard]] std::size_t hash() const { return m_hash; }
@@ -158,6 +164,23 @@ public:
 private:
     QPointer<TorvQDLink> m_link;
     std::size_t m_hash;
+};
+
+/// One step of an undo stack, from when it is entered until it is left.
+class UndoGroup {
+public:
+    explicit UndoGroup(orv::UndoRecorder* recorder, QString text = {})
+        : m_recorder(recorder), m_text(std::move(text)) {}
+
+    void enter() {
+        m_group = std::make_unique<orv::UndoRecorder::Group>(m_recorder.data(), m_text);
+    }
+    void leave() { m_group.reset(); }
+
+private:
+    QPointer<orv::UndoRecorder> m_recorder;
+    QString m_text;
+    std::unique_ptr<orv::UndoRecorder::Group> m_group;
 };
 
 /// The list of tables of a builder.

@@ -4,7 +4,8 @@
 import sys
 import unittest
 
-from PyQt6.QtCore import QEvent, QPoint, Qt
+from PyQt6.QtCore import QEvent, QMimeData, QPoint, QPointF, Qt
+from PyQt6.QtGui import QDropEvent
 from PyQt6.QtTest import QTest
 from PyQt6.QtWidgets import QAbstractScrollArea, QApplication
 
@@ -17,6 +18,20 @@ TABLES = {
     "ORDERS": [("CUSTNO", ftInteger), ("PRICE", ftFloat)],
     "CUSTOMER": [("CUSTNO", ftInteger), ("NAME", ftString)],
 }
+
+EVENTS = (
+    "OnGetTableFields",
+    "OnAddRemoveTable",
+    "OnAddRemoveLink",
+    "OnEnterProcParameter",
+    "OnStartDrag",
+    "OnDragOver",
+    "OnDragDrop",
+    "OnEndDrag",
+)
+
+JOINED = "SELECT O.PRICE FROM ORDERS O INNER JOIN CUSTOMER C ON (O.CUSTNO = C.CUSTNO)"
+WRONG_JOIN = "SELECT O.PRICE FROM ORDERS O INNER JOIN CUSTOMER C ON (O.NONE = C.CUSTNO)"
 
 
 def data_set(name):
@@ -40,22 +55,6 @@ def work_area(builder):
         if child.metaObject().className() == "TorvQDWorkArea"
     ]
     return area
-
-
-def close_button(builder, table):
-    """Where the close button of a box is, in the diagram's viewport."""
-    area = work_area(builder)
-    right = table.Left + table.Width - area.horizontalScrollBar().value()
-    top = table.Top - area.verticalScrollBar().value()
-    return QPoint(right - 10, top + 10)
-
-
-def click_close(builder, table):
-    """Close a box with the mouse."""
-    at = close_button(builder, table)
-    QTest.mouseClick(
-        work_area(builder).viewport(), Qt.MouseButton.LeftButton, pos=at
-    )
 
 
 def delete_deferred():
@@ -87,3 +86,41 @@ class TestCase(unittest.TestCase):
     def take_hooked(self):
         hooked, self.hooked = self.hooked, []
         return [value for _, value, _ in hooked]
+
+
+class ShownBuilder(TestCase):
+    """A builder on the screen with one box, and things of the host that can be dragged over it."""
+
+    def setUp(self):
+        super().setUp()
+        self.builder = builder_with_tables("ORDERS")
+        self.builder.resize(600, 500)
+        self.builder.show()
+        self.addCleanup(self.builder.hide)
+        self.area = work_area(self.builder)
+        self.data = QMimeData()
+        self.data.setText("CUSTOMER")
+
+    def send_drag(self, kind):
+        """Send such an event of a drag to a free place of the diagram; tells whether it is
+        accepted."""
+        at = QPoint(400, 200)
+        event = kind(
+            QPointF(at) if kind is QDropEvent else at,
+            Qt.DropAction.CopyAction,
+            self.data,
+            Qt.MouseButton.LeftButton,
+            Qt.KeyboardModifier.NoModifier,
+        )
+        app.sendEvent(self.area.viewport(), event)
+        return event.isAccepted()
+
+    def drag_a_field(self):
+        """Drag the first row of the box with the mouse."""
+        table = self.builder.ListOfTables[0]
+        start = QPoint(table.Left + 60, table.Top + 30)
+        viewport = self.area.viewport()
+        QTest.mousePress(viewport, Qt.MouseButton.LeftButton, pos=start)
+        QTest.mouseMove(viewport, start + QPoint(40, 3))
+        QTest.mouseMove(viewport, start + QPoint(80, 6))
+        QTest.mouseRelease(viewport, Qt.MouseButton.LeftButton, pos=start + QPoint(80, 6))

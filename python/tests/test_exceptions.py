@@ -6,10 +6,10 @@ import sys
 import traceback
 import unittest
 
-from PyQt6.QtCore import QMimeData, QPoint, QPointF, Qt
+from PyQt6.QtCore import Qt
 from PyQt6.QtGui import QDragEnterEvent, QDragMoveEvent, QDropEvent
 from PyQt6.QtTest import QTest
-from support import TestCase, app, builder_with_tables, data_set, work_area
+from support import JOINED, WRONG_JOIN, ShownBuilder, TestCase, app, builder_with_tables, data_set
 
 import orvquerybuilder as orv
 from orvquerybuilder import (
@@ -80,9 +80,7 @@ class InsideACall(TestCase):
         builder = builder_with_tables()
         builder.OnAddRemoveLink = refuse
         with self.assertRaises(Refused):
-            builder.LoadSQL(
-                "SELECT O.PRICE FROM ORDERS O INNER JOIN CUSTOMER C ON (O.CUSTNO = C.CUSTNO)"
-            )
+            builder.LoadSQL(JOINED)
 
     def test_parameter(self):
         builder = TorvQueryBuilder()
@@ -137,20 +135,10 @@ class InsideACall(TestCase):
         builder = builder_with_tables()
         orv.setMessageService(refuse)
         with self.assertRaises(Refused):
-            builder.LoadSQL(
-                "SELECT O.PRICE FROM ORDERS O INNER JOIN CUSTOMER C ON (O.NONE = C.CUSTNO)"
-            )
+            builder.LoadSQL(WRONG_JOIN)
 
 
-class InsideAnEvent(TestCase):
-    def setUp(self):
-        super().setUp()
-        self.builder = builder_with_tables("ORDERS")
-        self.builder.resize(600, 500)
-        self.builder.show()
-        self.addCleanup(self.builder.hide)
-        self.area = work_area(self.builder)
-
+class InsideAnEvent(ShownBuilder):
     def close_box(self):
         QTest.keyClick(self.area, Qt.Key.Key_Delete)
 
@@ -180,51 +168,20 @@ class InsideAnEvent(TestCase):
 
     def test_drag_over(self):
         self.builder.OnDragOver = refuse
-        data = QMimeData()
-        data.setText("T")
-        event = QDragEnterEvent(
-            QPoint(400, 200),
-            Qt.DropAction.CopyAction,
-            data,
-            Qt.MouseButton.LeftButton,
-            Qt.KeyboardModifier.NoModifier,
-        )
-        app.sendEvent(self.area.viewport(), event)
+        self.send_drag(QDragEnterEvent)
         (error,) = self.take_hooked()
         self.assertIsInstance(error, Refused)
-
-    def drop(self, kind, at=QPoint(400, 200)):
-        data = QMimeData()
-        data.setText("T")
-        place = QPointF(at) if kind is QDropEvent else at
-        event = kind(
-            place,
-            Qt.DropAction.CopyAction,
-            data,
-            Qt.MouseButton.LeftButton,
-            Qt.KeyboardModifier.NoModifier,
-        )
-        app.sendEvent(self.area.viewport(), event)
 
     def test_drop(self):
         self.builder.OnDragOver = lambda *_: True
         self.builder.OnDragDrop = refuse
         for kind in (QDragEnterEvent, QDragMoveEvent):
-            self.drop(kind)
+            self.send_drag(kind)
         self.assertEqual(self.take_hooked(), [])
-        self.drop(QDropEvent)
+        self.send_drag(QDropEvent)
         (error,) = self.take_hooked()
         self.assertIsInstance(error, Refused)
         self.assertIsNone(self.builder.DragMimeData())
-
-    def drag_a_field(self):
-        table = self.builder.ListOfTables[0]
-        start = QPoint(table.Left + 60, table.Top + 30)
-        viewport = self.area.viewport()
-        QTest.mousePress(viewport, Qt.MouseButton.LeftButton, pos=start)
-        QTest.mouseMove(viewport, start + QPoint(40, 3))
-        QTest.mouseMove(viewport, start + QPoint(80, 6))
-        QTest.mouseRelease(viewport, Qt.MouseButton.LeftButton, pos=start + QPoint(80, 6))
 
     def test_beginning_and_end_of_a_drag(self):
         for name, count in (("OnStartDrag", 2), ("OnEndDrag", 4)):

@@ -13,20 +13,9 @@ from PyQt6 import sip
 from PyQt6.QtCore import Qt
 from PyQt6.QtTest import QTest
 from PyQt6.QtWidgets import QWidget
-from support import TestCase, builder_with_tables, delete_deferred, work_area
+from support import EVENTS, TestCase, builder_with_tables, delete_deferred, work_area
 
 from orvquerybuilder import TDataSet, TFieldDef, TorvQueryBuilder, ftString
-
-EVENTS = (
-    "OnGetTableFields",
-    "OnAddRemoveTable",
-    "OnAddRemoveLink",
-    "OnEnterProcParameter",
-    "OnStartDrag",
-    "OnDragOver",
-    "OnDragDrop",
-    "OnEndDrag",
-)
 
 
 class Handler:
@@ -36,25 +25,26 @@ class Handler:
         return None
 
 
+def watch(builder, event):
+    """Give the builder a callable that nobody else keeps; returns a weak reference to that."""
+    handler = Handler()
+    setattr(builder, event, handler)
+    return weakref.ref(handler)
+
+
 class Callables(TestCase):
     def test_builder_keeps_its_callables(self):
         for name in EVENTS:
             with self.subTest(event=name):
                 builder = TorvQueryBuilder()
-                handler = Handler()
-                watched = weakref.ref(handler)
-                setattr(builder, name, handler)
-                del handler
+                watched = watch(builder, name)
                 self.assertIsNotNone(watched())
                 setattr(builder, name, None)
                 self.assertIsNone(watched())
 
     def test_replaced_callable_is_released(self):
         builder = TorvQueryBuilder()
-        handler = Handler()
-        watched = weakref.ref(handler)
-        builder.OnGetTableFields = handler
-        del handler
+        watched = watch(builder, "OnGetTableFields")
         builder.OnGetTableFields = Handler()
         self.assertIsNone(watched())
 
@@ -62,19 +52,14 @@ class Callables(TestCase):
         for name in EVENTS:
             with self.subTest(event=name):
                 builder = TorvQueryBuilder()
-                handler = Handler()
-                watched = weakref.ref(handler)
-                setattr(builder, name, handler)
-                del handler, builder
+                watched = watch(builder, name)
+                del builder
                 self.assertIsNone(watched())
 
     def test_callables_die_with_a_builder_that_qt_deletes(self):
         parent = QWidget()
         builder = TorvQueryBuilder(parent)
-        handler = Handler()
-        watched = weakref.ref(handler)
-        builder.OnDragOver = handler
-        del handler
+        watched = watch(builder, "OnDragOver")
         sip.delete(parent)
         self.assertIsNone(watched())
         with self.assertRaises(RuntimeError):

@@ -4,6 +4,7 @@
 #include "catalogue/ORVQDOptions.h"
 #include "core/TRect.h"
 
+#include <QColor>
 #include <QPoint>
 #include <QRegion>
 #include <QString>
@@ -33,6 +34,9 @@ public:
     [[nodiscard]] virtual int boldTextWidth(const QString& text) const = 0;
 
     [[nodiscard]] virtual const TorvQDWorkAreaOptions& options() const = 0;
+
+    /// The colour of links where they are painted now.
+    [[nodiscard]] virtual QColor linkColor() const { return Qt::black; }
 
     /// The one scroll bar that the selected box shows beside its rows. Rectangles in view
     /// coordinates; positions are rows.
@@ -89,6 +93,12 @@ public:
 
     /// Deletes the link when the host allows it, once the present event is over.
     virtual void postDeleteLink(TorvQDLink* link) = 0;
+
+    /// Mutes the link or has it written again; whoever hears of it may remove it.
+    virtual void muteLink(TorvQDLink* /*link*/, bool /*muted*/) {}
+
+    /// The link got a bend point, lost one, or one was moved.
+    virtual void linkBent(TorvQDLink* /*link*/) {}
 
     /// What the box shows has changed: which row is the current one, the tick of a row or (without
     /// a row) of its check box, whether its rows are shown, all of its rows.

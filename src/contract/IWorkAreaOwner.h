@@ -22,9 +22,11 @@ public:
     [[nodiscard]] virtual bool DoAddRemoveTable(TorvQDTable* Table, TAddRemove Action) = 0;
     [[nodiscard]] virtual bool DoAddRemoveLink(TorvQDLink* Link, TAddRemove Action) = 0;
 
-    /// Whether the host can be asked for tables, and asking it. No data set: an unknown table.
+    /// Whether the host can be asked for tables, and asking it; `asWritten` is the name with the
+    /// quotes that it has in the text. No data set: an unknown table.
     [[nodiscard]] virtual bool canGetTableFields() const = 0;
-    virtual void getTableFields(const QString& nameOfTable, std::unique_ptr<TDataSet>& dataSet,
+    virtual void getTableFields(const QString& nameOfTable, const QString& asWritten,
+                                std::unique_ptr<TDataSet>& dataSet,
                                 std::unique_ptr<TParams>& params) = 0;
 
     /// Asks the host for the value of a procedure's input parameter.
@@ -59,4 +61,7 @@ public:
     virtual void beginChange() = 0;
     virtual void endChange() = 0;
     virtual void statementChanged() = 0;
+
+    /// Boxes or bend points are at other places, and no hand holds them.
+    virtual void layoutChanged() = 0;
 };

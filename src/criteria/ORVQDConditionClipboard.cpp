@@ -3,10 +3,12 @@
 
 #include "core/Error.h"
 #include "core/Text.h"
+#include "criteria/ORVQDCopiedRows.h"
 #include "criteria/ORVQDRowBuilder.h"
 #include "parser/ORVQDExpressions.h"
 #include "parser/ORVQDNormalise.h"
 
+#include <QMimeData>
 #include <QSet>
 
 #include <algorithm>
@@ -296,6 +298,33 @@ SquareBrackets bracketsFor(const TOperatorList* operators) {
     return SquareBrackets::QuoteNames;
 }
 
+int groupsUnder(const TorvQDWhereRow& root) {
+    int deepest = 0;
+    std::vector<std::pair<const TorvQDWhereRow*, int>> open = {{&root, 0}};
+    while (!open.empty()) {
+        const auto [row, depth] = open.back();
+        open.pop_back();
+        deepest = std::max(deepest, depth);
+        for (int index = 0; index < row->SubRows->GetCount(); ++index) {
+            const TorvQDWhereRow* below = row->SubRows->Row(index);
+            if (below->isGroup()) open.emplace_back(below, depth + 1);
+        }
+    }
+    return deepest;
+}
+
+void unmuteAll(TorvQDWhereRow& root) {
+    std::vector<TorvQDWhereRow*> open = {&root};
+    while (!open.empty()) {
+        TorvQDWhereRow& row = *open.back();
+        open.pop_back();
+        row.Muted = false;
+        for (int index = 0; index < row.SubRows->GetCount(); ++index) {
+            open.push_back(row.SubRows->Row(index));
+        }
+    }
+}
+
 bool isWholeGroup(const std::vector<ConditionElement>& elements) {
     const std::size_t size = elements.size();
     return size > 0 && size <= 2 && elements.back().kind == ConditionElement::Bracket &&
@@ -305,7 +334,34 @@ bool isWholeGroup(const std::vector<ConditionElement>& elements) {
 }  // namespace
 
 LooseConditions::LooseConditions(const QString& text, const ConditionRules& rules,
-                                 const TGroupOperators* groups) {
+                                 const TGroupOperators* groups)
+    : m_context{.operators = rules.operators, .groupOperators = groups} {
+    read(text, rules);
+}
+
+LooseConditions::LooseConditions(const QMimeData& copied, const ConditionRules& rules,
+                                 const TGroupOperators* groups)
+    : m_context{.operators = rules.operators, .groupOperators = groups} {
+    if (!takeRows(copied.data(copiedRowsFormat()))) read(copied.text(), rules);
+}
+
+bool LooseConditions::takeRows(const QByteArray& rows) {
+    if (rows.isEmpty()) return false;
+    m_rows = std::make_unique<TorvQDWhereRows>(&m_context, nullptr);
+    TorvQDWhereRow* root = m_rows->AddRow();
+    if (!pasteRows(rows, *root)) return false;
+    m_isOneGroup = root->isGroup();
+    if (!m_isOneGroup) {
+        TorvQDWhereRow* group = m_rows->AddRow();
+        group->SetGroupOper(QStringLiteral("All"));
+        group->SubRows->AddRow()->Assign(*root);
+        m_rows->Delete(0);
+    }
+    m_groupsBelow = groupsUnder(*m_rows->Row(0));
+    return true;
+}
+
+void LooseConditions::read(const QString& text, const ConditionRules& rules) {
     // Behind a keyword it is read as a condition from the first word on.
     const QString keyword = QStringLiteral("WHERE ");
     const NormalisedSQL given = NormaliseSQL(keyword + text, bracketsFor(rules.operators));
@@ -326,8 +382,6 @@ LooseConditions::LooseConditions(const QString& text, const ConditionRules& rule
     m_groupsBelow = orv::groupsBelow(elements, Nots::Merge);
     if (m_groupsBelow > deepestCondition) raiseTooDeep();
     m_isOneGroup = isWholeGroup(elements);
-    m_context.operators = rules.operators;
-    m_context.groupOperators = groups;
     m_rows = std::make_unique<TorvQDWhereRows>(&m_context, nullptr);
     TorvQDWhereRow* row = m_rows->AddRow();
     row->SetGroupOper(QStringLiteral("All"));
@@ -344,6 +398,14 @@ QString conditionText(const TorvQDWhereRow& row, const ConditionRules& rules,
                       const TGroupOperators* groups) {
     if (row.isGroup()) {
         QString text = row.conditionAsRoot();
+        if (isBlank(text) && hasMutedRow(row)) {
+            const ConditionContext context{.operators = row.rows()->context().operators,
+                                           .groupOperators = groups};
+            TorvQDWhereRows rows(&context, nullptr);
+            TorvQDWhereRow* copy = copyRow(row, rows, 0);
+            unmuteAll(*copy);
+            text = copy->conditionAsRoot();
+        }
         if (isBlank(text)) throw Error(QStringLiteral("There is no condition to copy."));
         const QString lineBreak = QStringLiteral("\r\n");
         return text.startsWith(lineBreak) ? text.mid(lineBreak.size()) : text;
@@ -360,6 +422,14 @@ QString conditionText(const TorvQDWhereRow& row, const ConditionRules& rules,
         // It is not filled in, or its text breaks out of its brackets.
     }
     return written;
+}
+
+std::unique_ptr<QMimeData> copiedCondition(const TorvQDWhereRow& row, const ConditionRules& rules,
+                                           const TGroupOperators* groups) {
+    auto data = std::make_unique<QMimeData>();
+    data->setText(conditionText(row, rules, groups));
+    if (hasMutedRow(row)) data->setData(copiedRowsFormat(), copiedRows(row));
+    return data;
 }
 
 // Level by level instead of by recursion: groups may nest deeply.

@@ -71,6 +71,7 @@ QString rowSentence(const TorvQDWherePanel& panel, const TorvQDWhereRow& row) {
     const QString number = numberOf(row);
     QStringList parts(row.isGroup() ? groupSentence(row) : conditionSentence(row));
     if (!number.isEmpty()) parts.front().prepend(number + u' ');
+    if (row.Muted) parts << QStringLiteral("muted");
     if (!row.isGroup() && !row.Valid) parts << QStringLiteral("type mismatch");
     const QString problem = panel.rowProblem(row);
     if (!problem.isEmpty()) parts << problem;

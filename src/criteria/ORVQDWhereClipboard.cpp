@@ -11,13 +11,12 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMenu>
+#include <QMimeData>
 
 namespace {
 
 // The items of the row menu, behind those of the commands.
-enum TextItem { duplicateItem = 6, copyItem = 7, pasteItem = 8 };
-
-const QString noActiveRow = QStringLiteral("There are no active button");
+enum TextItem { duplicateItem = 6, copyItem = 7, pasteItem = 8, muteItem = 9 };
 
 bool isAnd(const QString& groupOper) {
     return groupOper == QStringLiteral("All") || groupOper == QStringLiteral("None");
@@ -33,6 +32,7 @@ std::vector<const TorvQDWhereRow*> rowsFor(const orv::LooseConditions& text,
                                            const TorvQDWhereRow& group) {
     const TorvQDWhereRow& root = text.root();
     const bool isEmptyPanel = !group.parentRow() && group.SubRows->GetCount() == 0;
+    if (root.Muted) return {&root};
     const bool isSingle = root.SubRows->GetCount() == 1;
     const bool mayUnpack =
         !text.isOneGroup() || (isEmptyPanel && root.GroupOper == group.GroupOper);
@@ -50,7 +50,7 @@ std::vector<const TorvQDWhereRow*> rowsFor(const orv::LooseConditions& text,
 // --- commands ---
 
 void TorvQDWherePanel::DuplicateCondition() {
-    const TorvQDWhereRow* row = commandRow(noActiveRow);
+    const TorvQDWhereRow* row = commandRow();
     if (!row) return;
     if (!row->parentRow()) throw orv::Error(QStringLiteral("Could not duplicate first row"));
     edit([&] {
@@ -60,7 +60,7 @@ void TorvQDWherePanel::DuplicateCondition() {
 }
 
 void TorvQDWherePanel::MoveCondition(int step) {
-    TorvQDWhereRow* row = commandRow(noActiveRow);
+    TorvQDWhereRow* row = commandRow();
     if (!row) return;
     const int to = row->GetIndex() + step;
     if (!row->parentRow() || to < 0 || to >= row->rows()->GetCount()) return;
@@ -71,22 +71,22 @@ void TorvQDWherePanel::MoveCondition(int step) {
 }
 
 void TorvQDWherePanel::CopyCondition() {
-    const TorvQDWhereRow* row = commandRow(noActiveRow);
-    if (row) QGuiApplication::clipboard()->setText(textOfRow(*row));
+    const TorvQDWhereRow* row = commandRow();
+    if (row) QGuiApplication::clipboard()->setMimeData(copyOfRow(*row).release());
 }
 
 // What is not deleted after all is not copied either.
 void TorvQDWherePanel::CutCondition() {
-    const TorvQDWhereRow* row = commandRow(noActiveRow);
+    const TorvQDWhereRow* row = commandRow();
     if (!row) return;
-    const QString text = row->parentRow() ? textOfRow(*row) : QString();
+    std::unique_ptr<QMimeData> copy = row->parentRow() ? copyOfRow(*row) : nullptr;
     const orv::ElementRef cut(*row, ekButton);
     DeleteCondition();
-    if (!cut.row()) QGuiApplication::clipboard()->setText(text);
+    if (!cut.row()) QGuiApplication::clipboard()->setMimeData(copy.release());
 }
 
-QString TorvQDWherePanel::textOfRow(const TorvQDWhereRow& row) const {
-    return orv::conditionText(row, readingRules(keepsMeaning()), GroupOpers);
+std::unique_ptr<QMimeData> TorvQDWherePanel::copyOfRow(const TorvQDWhereRow& row) const {
+    return orv::copiedCondition(row, readingRules(keepsMeaning()), GroupOpers);
 }
 
 bool TorvQDWherePanel::keepsMeaning() const {
@@ -95,10 +95,11 @@ bool TorvQDWherePanel::keepsMeaning() const {
 }
 
 void TorvQDWherePanel::PasteCondition() {
-    TorvQDWhereRow* row = commandRow(noActiveRow);
+    TorvQDWhereRow* row = commandRow();
     if (!row) return;
-    const QString text = QGuiApplication::clipboard()->text();
-    const orv::LooseConditions pasted(text, readingRules(keepsMeaning()), GroupOpers);
+    const QMimeData* copied = QGuiApplication::clipboard()->mimeData();
+    if (!copied) return;
+    const orv::LooseConditions pasted(*copied, readingRules(keepsMeaning()), GroupOpers);
     TorvQDWhereRow& group = row->isGroup() ? *row : *row->parentRow();
     const std::vector<const TorvQDWhereRow*> rows = rowsFor(pasted, group);
     const int more = rows.front() == &pasted.root() ? 1 : 0;
@@ -133,6 +134,7 @@ void TorvQDWherePanel::addTextItems() {
     add(QStringLiteral("Duplicate condition"), Qt::Key_D, &TorvQDWherePanel::DuplicateCondition);
     add(QStringLiteral("Copy"), Qt::Key_C, &TorvQDWherePanel::CopyCondition);
     add(QStringLiteral("Paste"), Qt::Key_V, &TorvQDWherePanel::PasteCondition);
+    add(QStringLiteral("Mute condition"), Qt::Key_M, &TorvQDWherePanel::MuteCondition);
 }
 
 void TorvQDWherePanel::enableTextItems(const TorvQDWhereRow& row) {
@@ -140,6 +142,9 @@ void TorvQDWherePanel::enableTextItems(const TorvQDWhereRow& row) {
     items[duplicateItem]->setEnabled(row.parentRow());
     items[copyItem]->setEnabled(!row.isGroup() || row.SubRows->GetCount() > 0);
     items[pasteItem]->setEnabled(!orv::isBlank(QGuiApplication::clipboard()->text()));
+    items[muteItem]->setEnabled(row.parentRow());
+    items[muteItem]->setText(row.Muted ? QStringLiteral("Unmute condition")
+                                       : QStringLiteral("Mute condition"));
 }
 
 void TorvQDWherePanel::runTextKey(int key) {
@@ -151,5 +156,6 @@ void TorvQDWherePanel::runTextKey(int key) {
     case Qt::Key_X: CutCondition(); break;
     case Qt::Key_V: PasteCondition(); break;
     case Qt::Key_D: DuplicateCondition(); break;
+    case Qt::Key_M: MuteCondition(); break;
     }
 }

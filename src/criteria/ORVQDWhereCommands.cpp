@@ -18,7 +18,6 @@ namespace {
 // The items of the row menu that change with its row.
 enum RowMenuItem { composeItem = 1, deleteItem = 2, expandItem = 4 };
 
-const QString noButton = QStringLiteral("There are no active button");
 const QString noCondition = QStringLiteral("There are no active condition");
 
 // "&" of a name is no mnemonic.
@@ -171,7 +170,7 @@ void TorvQDWherePanel::edit(const std::function<void()>& change) {
 
 // The new row is where the keys go on.
 void TorvQDWherePanel::AddCondition() {
-    TorvQDWhereRow* row = commandRow(noButton);
+    TorvQDWhereRow* row = commandRow();
     if (!row) return;
     edit([&] {
         TorvQDWhereRows& rows = row->isGroup() ? *row->SubRows : *row->rows();
@@ -182,12 +181,14 @@ void TorvQDWherePanel::AddCondition() {
 }
 
 void TorvQDWherePanel::MakeCompositCondition() {
-    TorvQDWhereRow* row = commandRow(noButton);
+    TorvQDWhereRow* row = commandRow();
     if (!row) return;
     if (row->isGroup()) throw orv::Error(QStringLiteral("Selected condition already compose"));
     if (row->depth() - 1 > orv::deepestCondition) orv::raiseTooDeep();
     edit([&] {
-        row->SubRows->AddRow()->Assign(*row);
+        TorvQDWhereRow* below = row->SubRows->AddRow();
+        below->Assign(*row);
+        below->Muted = false;  // with its group it is
         row->SetGroupOper(QStringLiteral("All"));
     });
 }
@@ -213,8 +214,15 @@ void TorvQDWherePanel::DeleteCondition() {
     });
 }
 
+void TorvQDWherePanel::MuteCondition() {
+    TorvQDWhereRow* row = commandRow();
+    if (!row) return;
+    if (!row->parentRow()) throw orv::Error(QStringLiteral("Could not mute first row"));
+    edit([&] { row->SetMuted(!row->Muted); });
+}
+
 void TorvQDWherePanel::ExpandCollapse() {
-    TorvQDWhereRow* row = commandRow(noButton);
+    TorvQDWhereRow* row = commandRow();
     if (!row) return;
     if (!row->isGroup()) {
         throw orv::Error(QStringLiteral("Can not expand/collapse simple condition"));

@@ -43,6 +43,7 @@ bool isCommand(const QKeyEvent& event) {
     case Qt::Key_C:
     case Qt::Key_X:
     case Qt::Key_V:
+    case Qt::Key_M:
     case Qt::Key_D: return isCtrl;
     default: return false;
     }
@@ -56,6 +57,7 @@ bool isTextKey(const QKeyEvent& event) {
     case Qt::Key_C:
     case Qt::Key_X:
     case Qt::Key_V:
+    case Qt::Key_M:
     case Qt::Key_D: return true;
     default: return false;
     }

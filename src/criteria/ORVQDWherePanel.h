@@ -130,6 +130,9 @@ public:
     void SelectOperator(const QAction* Sender);
     /// A copy of the row with all below it, right behind it. Raises orv::Error for the root row.
     void DuplicateCondition();
+    /// Mutes the row with all below it, which stays but is not written, or has it written again.
+    /// Raises orv::Error for the root row.
+    void MuteCondition();
     /// Moves the row up (-1) or down (1) among the conditions of its group; nothing at the ends.
     void MoveCondition(int step);
     /// The row with all below it as text on the clipboard; cutting deletes it then, after the
@@ -234,6 +237,7 @@ private:
     void DrawGroupCondition(QPainter& painter, const QString& text, const QPoint& at,
                             const QColor& ground) const;
     void DrawActiveElement(QPainter& painter, const QRect& rect, bool isSunken) const;
+    void drawGroup(QPainter& painter, const TorvQDWhereRow& row, int y) const;
     void drawElements(QPainter& painter, const TorvQDWhereRow& row, int y) const;
 
     void repositionEditor();
@@ -247,14 +251,15 @@ private:
     void scrollAtEdge();
 
     // The hand.
-    [[nodiscard]] TorvQDWhereRow* commandRow(const QString& refusal);
+    [[nodiscard]] TorvQDWhereRow* commandRow(
+        const QString& refusal = QStringLiteral("There are no active button"));
     void edit(const std::function<void()>& change);
     void createMenus();
     void popUp(QMenu* menu, const TorvQDControl& element, int y, const QVariant& chosen);
     void addTextItems();
     void enableTextItems(const TorvQDWhereRow& row);
     void runTextKey(int key);
-    [[nodiscard]] QString textOfRow(const TorvQDWhereRow& row) const;
+    [[nodiscard]] std::unique_ptr<QMimeData> copyOfRow(const TorvQDWhereRow& row) const;
     [[nodiscard]] bool keepsMeaning() const;
     bool handleKey(const QKeyEvent& event);
     void moveActive(int key, bool withCtrl);

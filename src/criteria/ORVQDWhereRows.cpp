@@ -182,6 +182,30 @@ void TorvQDWhereRow::SetExpanded(bool Value) {
     SubRows->Changed();
 }
 
+void TorvQDWhereRow::SetMuted(bool Value) {
+    Muted = Value;
+    contentChanged();
+    // Texts of collapsed groups around it have changed, and the looks of what is in it.
+    if (rows()) rows()->Changed();
+}
+
+bool TorvQDWhereRow::isWritten() const {
+    if (Muted) return false;
+    const int count = SubRows->GetCount();
+    if (!isGroup() || count == 0) return true;
+    for (int index = 0; index < count; ++index) {
+        if (SubRows->Row(index)->isWritten()) return true;
+    }
+    return false;
+}
+
+bool TorvQDWhereRow::isMutedWithin() const {
+    for (const TorvQDWhereRow* row = this; row; row = row->parentRow()) {
+        if (row->Muted) return true;
+    }
+    return false;
+}
+
 void TorvQDWhereRow::refreshTexts() {
     refreshTexts(GetFullIndex());
 }
@@ -315,6 +339,7 @@ void TorvQDWhereRow::Assign(const TCollectionItemEx& Source) {
     Valid = row->Valid;
     AuxText = row->AuxText;
     Expanded = row->Expanded;
+    Muted = row->Muted;
     contentChanged();
 }
 
@@ -366,20 +391,24 @@ void TorvQDWhereRow::append(Writer& writer, int depth) const {
 void TorvQDWhereRow::appendGroup(Writer& writer, int depth) const {
     const TGroupOperators* list = rows()->context().groupOperators;
     const TorvQDGroupFunc* group = list ? orv::findGroupOperator(*list, GroupOper) : nullptr;
-    const int count = SubRows->GetCount();
-    if (!group || count == 0) {
+    std::vector<const TorvQDWhereRow*> written;
+    for (int index = 0; index < SubRows->GetCount(); ++index) {
+        if (SubRows->Row(index)->isWritten()) written.push_back(SubRows->Row(index));
+    }
+    if (!group || written.empty()) {
         writer.text += orv::blankText();
         return;
     }
     writer.newLine(depth);
     writer.word(group->Prefix);
     writer.text += u'(';
-    for (int index = 0; index < count && !writer.isFull(); ++index) {
-        if (index > 0) {
+    for (const TorvQDWhereRow* row : written) {
+        if (writer.isFull()) break;
+        if (row != written.front()) {
             writer.newLine(depth);
             writer.word(group->Connector);
         }
-        SubRows->Row(index)->append(writer, depth + 1);
+        row->append(writer, depth + 1);
     }
     writer.newLine(depth);
     writer.text += u')';

@@ -121,6 +121,7 @@ public:
     bool Valid = true;      ///< the last type check succeeded
     QString AuxText;
     bool Expanded = false;
+    bool Muted = false;  ///< kept, but not written
     std::vector<std::unique_ptr<TorvQDControl>> Controls;
 
     [[nodiscard]] bool isGroup() const { return !GroupOper.isEmpty(); }
@@ -134,6 +135,12 @@ public:
     void setArguments(const QStringList& texts);
     void SetGroupOper(const QString& Name);
     void SetExpanded(bool Value);
+    void SetMuted(bool Value);
+    /// Whether the condition of its group has the row: it is not muted, nor, as a group, all that
+    /// is in it. A group without rows is written, as a place that is not filled.
+    [[nodiscard]] bool isWritten() const;
+    /// Whether the row lies in a muted group, or is muted itself.
+    [[nodiscard]] bool isMutedWithin() const;
     /// Brings the elements' texts up to date.
     void refreshTexts();
 

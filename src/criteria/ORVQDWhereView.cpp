@@ -31,6 +31,7 @@ constexpr int readableContrast = 60;  // between the lightnesses of text and gro
 constexpr int markLeftPx = 2;         // of the sign in front of a row, in content coordinates
 constexpr int frameGapPx = 1;         // between a text and its frame
 constexpr int longestTip = 2000;      // characters
+constexpr qreal mutedOpacity = 0.55;  // still to be read, on the colours of all desktops
 
 // The colours are made for light grounds: on a dark one they are as much lighter.
 QColor inkOn(const QColor& ground, const QColor& ink) {
@@ -39,6 +40,11 @@ QColor inkOn(const QColor& ground, const QColor& ink) {
     const int saturation = ink.hslSaturation();
     return ground.lightness() < 128 ? QColor::fromHsl(hue, saturation, 190)
                                     : QColor::fromHsl(hue, saturation, 60);
+}
+
+// What stands behind the operator of a group.
+QString groupWords() {
+    return QStringLiteral(" of following are met");
 }
 
 QColor blackOn(const QColor& ground) {
@@ -287,6 +293,7 @@ void TorvQDWherePanel::setHotElement(const TorvQDControl* element) {
 }
 
 QString TorvQDWherePanel::rowProblem(const TorvQDWhereRow& row) const {
+    if (row.isMutedWithin()) return {};
     if (row.isGroup()) {
         if (!row.parentRow() || row.SubRows->GetCount() > 0) return {};
         return QStringLiteral("This group has no conditions.");
@@ -358,10 +365,22 @@ void TorvQDWherePanel::DrawRow(QPainter& painter, const TorvQDWhereRow& row, int
                    QRectF(QPointF(markLeftPx - contentOffset().x(), markTop), QSizeF(mark.size())));
     }
     DrawButton(painter, row, y);
-    if (!row.isGroup()) {
-        drawElements(painter, row, y);
-        return;
+    painter.save();
+    if (row.isMutedWithin()) painter.setOpacity(mutedOpacity);
+    row.isGroup() ? drawGroup(painter, row, y) : drawElements(painter, row, y);
+    if (row.Muted) {
+        const bool hasWords = row.isGroup() && row.Expanded;
+        const int width =
+            hasWords ? m_widths->width(row.GroupOper, true) + m_widths->width(groupWords(), false)
+                     : row.rightBound() - row.Controls[1]->Left;
+        painter.fillRect(row.Controls[1]->Left - contentOffset().x(), y + m_context.rowHeight / 2,
+                         width, 1, blackOn(ground));
     }
+    painter.restore();
+}
+
+void TorvQDWherePanel::drawGroup(QPainter& painter, const TorvQDWhereRow& row, int y) const {
+    const QColor ground = bandColor(row);
     const TorvQDControl& element = *row.Controls[ekGroupOper];
     const int x = element.Left - contentOffset().x();
     if (m_active.get() == &element) {
@@ -412,7 +431,7 @@ void TorvQDWherePanel::DrawGroupCondition(QPainter& painter, const QString& text
     painter.drawText(band, flags, text);
     painter.setFont(m_widths->plainFont());
     painter.setPen(blackOn(ground));
-    painter.drawText(band.adjusted(width, 0, 0, 0), flags, QStringLiteral(" of following are met"));
+    painter.drawText(band.adjusted(width, 0, 0, 0), flags, groupWords());
 }
 
 // One pixel around the text. With the focus it lies lower than the row, without it higher.
@@ -491,10 +510,12 @@ QString TorvQDWherePanel::hintAt(const QPoint& viewPoint) {
         return tipOf(orv::orvTrim(row->shortCondition(longestTip)));
     }
     const TorvQDControl* element = LookControl(*row, point.x());
-    if (row->isGroup() || !element || element->Kind == ekButton) return rowProblem(*row);
+    QString problem = row->isMutedWithin()
+                          ? QStringLiteral("Muted: the statement does not have this condition.")
+                          : rowProblem(*row);
+    if (row->isGroup() || !element || element->Kind == ekButton) return problem;
     const QString full = fullText(*row, element->Kind);
     if (orv::isBlank(full) && !row->isExpression()) return whatIsMissing(element->Kind);
-    QString problem = rowProblem(*row);
     if (problem.isEmpty() && !row->Valid) {
         problem = QStringLiteral("The types of the two sides do not go together.");
     }

@@ -21,6 +21,10 @@ TorvQDListItem::TorvQDListItem(TorvQDTable* table, const QString& name, TFieldTy
                                TParamType paramType)
     : Table(table), Name(name), FieldType(fieldType), ParamType(paramType) {}
 
+QString TorvQDListItem::qualifiedName() const {
+    return Table->GetAlias() + u'.' + Name;
+}
+
 TRect TorvQDListItem::GetBoundsRect() const {
     return Table->GetFullItemRect(this);
 }

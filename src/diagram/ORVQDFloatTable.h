@@ -42,6 +42,9 @@ public:
     /// The row as links attach to it, in diagram coordinates.
     [[nodiscard]] TRect GetBoundsRect() const;
     [[nodiscard]] int GetIndex() const { return m_index; }
+    /// What the rest of the statement calls the field: the alias of its table, a full stop, its
+    /// name.
+    [[nodiscard]] QString qualifiedName() const;
     /// The type as a person reads it.
     [[nodiscard]] QString GetDataName() const { return orv::fieldTypeDisplayName(FieldType); }
 

@@ -163,6 +163,11 @@ void TorvQDLink::invalidateLine() const {
     if (canvas()) canvas()->invalidate(GetClipRgn(0));
 }
 
+void TorvQDLink::tellBent() {
+    invalidateLine();
+    if (canvas()) canvas()->linkBent(this);
+}
+
 // --- points ---
 
 bool TorvQDLink::isClose(const QPoint& a, const QPoint& b) {
@@ -201,7 +206,7 @@ void TorvQDLink::_DeletePoint() {
         invalidateLine();
         m_points.erase(m_points.begin() + index);
         if (index < m_chosenBend) --m_chosenBend;
-        invalidateLine();
+        tellBent();
         return;
     }
 }
@@ -213,7 +218,7 @@ void TorvQDLink::_InsertPoint() {
     invalidateLine();
     m_points.insert(m_points.begin() + segment + 1, DragPoint);
     if (segment < m_chosenBend) ++m_chosenBend;
-    invalidateLine();
+    tellBent();
 }
 
 QPoint TorvQDLink::toDiagram(const QPoint& viewPoint) const {
@@ -321,6 +326,15 @@ QRegion TorvQDLink::GetClipRgn(int Part) const {
     return region;
 }
 
+namespace {
+
+QColor between(const QColor& one, const QColor& other) {
+    return {(one.red() + other.red()) / 2, (one.green() + other.green()) / 2,
+            (one.blue() + other.blue()) / 2};
+}
+
+}  // namespace
+
 // Circles, and the line itself, keep off the boxes: a line that reaches a box from its left ends on
 // the pixel in front of the box's edge. Only the tip of a triangle lies on the edge.
 void TorvQDLink::Paint(QPainter& Painter) {
@@ -343,19 +357,22 @@ void TorvQDLink::Paint(QPainter& Painter) {
             drawCircle(left ? tip.x() - markerLengthPx : tip.x(), tip.y());
         }
     };
+    const QColor plain = canvas() ? canvas()->linkColor() : QColor(Qt::black);
+    const QColor ink = Muted ? between(plain, Painter.background().color()) : plain;
     Painter.save();
-    Painter.setPen(QPen(Qt::black, Selected ? selectedWidthPx : 1, Qt::SolidLine, Qt::FlatCap));
-    Painter.setBrush(Qt::black);
+    Painter.setPen(QPen(ink, Selected ? selectedWidthPx : 1, Muted ? Qt::DotLine : Qt::SolidLine,
+                        Qt::FlatCap));
+    Painter.setBrush(ink);
     Painter.drawPolyline(line);
     for (int index = 2; index < last - 1; ++index) {
         const QPoint bend = GetPoint(index);
         drawCircle(bend.x() - markerHalfHeightPx, bend.y());
     }
-    Painter.setPen(QPen(Qt::black, 1));
+    Painter.setPen(QPen(ink, 1));
     if (const int chosen = Selected ? chosenBend() : -1; chosen >= 0) {
         Painter.setBrush(Qt::white);
         Painter.drawEllipse(GetPoint(chosen), ringRadiusPx, ringRadiusPx);
-        Painter.setBrush(Qt::black);
+        Painter.setBrush(ink);
     }
     const TKindOfJoin kind = Join->KindOfJoin;
     drawMarker(GetPoint(0), startsLeft, kind == klLOuterJoin || kind == klFOuterJoin);

@@ -81,6 +81,7 @@ public:
     TorvQDJoin* Join;        ///< borrowed
     int Operator = 0;        ///< index in orv::linkOperators(); -1 for another one
     QString OperatorSource;  ///< its text as it was loaded, beside -1
+    bool Muted = false;      ///< kept, but not written; TorvQDWorkArea::muteLink() tells of it
     TorvQDListItem* Item1;   ///< row of the join's first box; borrowed
     TorvQDListItem* Item2;   ///< row of its second one; borrowed
     QPoint DragPoint;        ///< view coordinates while the mouse is down
@@ -109,6 +110,8 @@ public:
     void _DeleteLink();
     /// Opens the properties of the link and its join.
     void _LinkProperties();
+    /// Mutes the link, or has it written again.
+    void _MuteLink();
 
     /// Whether a bend point, or an end of the line, is being dragged.
     [[nodiscard]] bool isBendDragged() const;
@@ -145,7 +148,7 @@ public:
     void MouseUp(TWMMouse& Message, TTableHitTest HitTest) override;
     /// Enter and Space open the properties, Delete asks whether the link is to go. Insert makes a
     /// bend point in the middle of the longest segment, the arrows choose one, with Ctrl they move
-    /// it, Ctrl+Delete deletes it. Sets `Key` to 0 when it was one of these.
+    /// it, Ctrl+Delete deletes it. Ctrl+M mutes the link. Sets `Key` to 0 when it was one of these.
     void KeyDown(int& Key, Qt::KeyboardModifiers Shift) override;
     [[nodiscard]] bool usesKey(int key, Qt::KeyboardModifiers shift,
                                const QString& text) const override;
@@ -166,6 +169,7 @@ private:
     [[nodiscard]] QPoint toDiagram(const QPoint& viewPoint) const;
     void checkIndex(int index) const;
     void invalidateLine() const;
+    void tellBent();
     void recomputeBounds();
 
     std::vector<QPoint> m_points;

@@ -62,7 +62,7 @@ void TorvQDLink::MouseUp(TWMMouse& Message, TTableHitTest Hit) {
     bounds.Bottom = std::max(bounds.Bottom, point.y() + boundsMarginPx);
     SetBounds(bounds);
     SetPoint(DragIndex, point);
-    invalidateLine();
+    tellBent();
     DragIndex = -1;
 }
 
@@ -122,6 +122,8 @@ void TorvQDLink::PopupMenu(QMenu& Menu, int X, int Y, TTableHitTest Hit) {
     Menu.addSeparator();
     addAction(Menu, QStringLiteral("Delete link"), &TorvQDLink::_DeleteLink);
     addAction(Menu, QStringLiteral("Property"), &TorvQDLink::_LinkProperties);
+    addAction(Menu, Muted ? QStringLiteral("Unmute link") : QStringLiteral("Mute link"),
+              &TorvQDLink::_MuteLink);
 }
 
 void TorvQDLink::_DeleteLink() {
@@ -139,6 +141,10 @@ void TorvQDLink::_LinkProperties() {
     if (canvas()) canvas()->editLink(this);
 }
 
+void TorvQDLink::_MuteLink() {
+    if (canvas()) canvas()->muteLink(this, !Muted);
+}
+
 // --- the keys ---
 
 bool TorvQDLink::usesKey(int key, Qt::KeyboardModifiers shift, const QString&) const {
@@ -154,6 +160,7 @@ bool TorvQDLink::usesKey(int key, Qt::KeyboardModifiers shift, const QString&) c
     case Qt::Key_Enter:
     case Qt::Key_Space:
     case Qt::Key_Insert: return isPlain;
+    case Qt::Key_M: return shift == Qt::ControlModifier;
     default: return false;
     }
 }
@@ -170,6 +177,7 @@ void TorvQDLink::KeyDown(int& Key, Qt::KeyboardModifiers Shift) {
     case Qt::Key_Space: return _LinkProperties();
     case Qt::Key_Delete: return hasControl ? deleteChosenBend() : _DeleteLink();
     case Qt::Key_Insert: return insertPointInTheMiddle();
+    case Qt::Key_M: return _MuteLink();
     default: break;
     }
     if (hasControl) {
@@ -198,7 +206,7 @@ void TorvQDLink::moveChosenBend(const QPoint& by) {
     const QPoint moved = m_points[std::size_t(bend)] + by;
     SetPoint(bend, {std::max(0, moved.x()), std::max(0, moved.y())});
     SetBoundaryRect();
-    invalidateLine();
+    tellBent();
 }
 
 // The longest segment between the stubs is meant, wherever else the line runs past its middle.
@@ -214,7 +222,7 @@ void TorvQDLink::insertPointInTheMiddle() {
     invalidateLine();
     m_points.insert(m_points.begin() + longest + 1, middle);
     m_chosenBend = longest + 1;
-    invalidateLine();
+    tellBent();
 }
 
 // The one before it is chosen then; without bend points there is none.
@@ -224,5 +232,5 @@ void TorvQDLink::deleteChosenBend() {
     invalidateLine();
     m_points.erase(m_points.begin() + bend);
     m_chosenBend = GetCountPoints() > firstBend + 2 ? std::max(bend - 1, firstBend) : -1;
-    invalidateLine();
+    tellBent();
 }

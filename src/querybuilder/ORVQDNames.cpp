@@ -66,17 +66,16 @@ void visitArgumentProblems(
     int others = 0;
     bool isOwn = false;
     for (const TorvQDTable* table : builder.WorkArea->tablesWithField(isBare ? name : QString())) {
-        const TorvQDListItem* item = table->findItem(name);
-        if (!item || item->ParamType != ptOutput) continue;
-        if (table == &procedure) isOwn = true;
-        if (table != &procedure) ++others;
+        if (!table->findItem(name)) continue;
+        if (table == &procedure) {
+            isOwn = true;
+        } else {
+            ++others;
+        }
     }
-    if (others == 1 && isOwn) return;
-    if (others == 0 && isOwn) {
-        visit(name, QStringLiteral("An argument cannot mean a column of its own procedure."));
-        return;
-    }
-    visitNameProblems(builder, text, visit);
+    if (!isOwn || others > 1) return visitNameProblems(builder, text, visit);
+    if (others == 1) return;
+    visit(name, QStringLiteral("An argument cannot mean a column of its own procedure."));
 }
 
 void visitNameProblems(const TorvQueryBuilder& builder, const QString& text,

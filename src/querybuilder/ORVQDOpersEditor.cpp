@@ -453,14 +453,19 @@ void TorvQDOperatorsPropertyDlg::lbOperatorsClick() {
     ChangeData();
 }
 
+// The operator whose count is none stays the selected one.
+void TorvQDOperatorsPropertyDlg::returnToCount() {
+    selectLine(m_currentIndex);
+    ebCount->setFocus();
+    ebCount->selectAll();
+}
+
 void TorvQDOperatorsPropertyDlg::userSelected() {
     orv::guarded([this] {
         try {
             lbOperatorsClick();
         } catch (const orv::Error&) {
-            selectLine(m_currentIndex);
-            ebCount->setFocus();
-            ebCount->selectAll();
+            returnToCount();
             throw;
         }
     });
@@ -551,9 +556,7 @@ void TorvQDOperatorsPropertyDlg::userAdds() {
         try {
             btnAddClick();
         } catch (const orv::Error&) {
-            selectLine(m_currentIndex);
-            ebCount->setFocus();
-            ebCount->selectAll();
+            returnToCount();
             throw;
         }
         firstFreeEdit()->setFocus();

@@ -125,6 +125,7 @@ private:
     void connectControls();
     void fitFonts();
     void fitSizes();
+    void returnToCount();
     void userSelected();
     void userEdited(QLineEdit* edit);
     void userAdds();

@@ -14,6 +14,8 @@
 #include <QHash>
 #include <QSet>
 
+#include <algorithm>
+
 namespace orv {
 
 namespace {
@@ -41,7 +43,10 @@ void writeParameter(JsonWriter& json, const TorvQDListItem& item) {
     json.endObject();
 }
 
-void writeTable(JsonWriter& json, const TorvQDTable& table) {
+// What is scrolled to is no work of the user's.
+enum class Scrolling { Written, LeftOut };
+
+void writeTable(JsonWriter& json, const TorvQDTable& table, Scrolling scrolling) {
     json.beginObject();
     json.key("name").value(table.TableName);
     json.key("alias").value(table.GetAlias());
@@ -69,7 +74,8 @@ void writeTable(JsonWriter& json, const TorvQDTable& table) {
         if (procedure->isWithoutBrackets()) json.key("brackets").value(false);
     }
     if (!table.Expanded) json.key("collapsed").value(true);
-    if (table.FirstVisibleItem != 0) json.key("firstRow").value(table.FirstVisibleItem);
+    const bool isScrolled = table.FirstVisibleItem != 0 && scrolling == Scrolling::Written;
+    if (isScrolled) json.key("firstRow").value(table.FirstVisibleItem);
     json.endObject();
 }
 
@@ -104,6 +110,7 @@ void writeLinks(JsonWriter& json, const TorvQDWorkArea& area) {
         json.key("table2").value(link->Join->Table2->GetAlias());
         json.key("field2").value(link->Item2->Name);
         if (!link->bendPoints().empty()) writePoints(json.key("points"), link->bendPoints());
+        if (link->Muted) json.key("muted").value(true);
         json.endObject();
     }
     json.endArray();
@@ -144,6 +151,7 @@ void writeRow(JsonWriter& json, const TorvQDWhereRow& row) {
         for (const QString& argument : row.Arguments) arguments << filled(argument);
         writeTexts(json.key("arguments"), arguments);
     }
+    if (row.Muted) json.key("muted").value(true);
     json.endObject();
 }
 
@@ -158,6 +166,17 @@ void writeColumns(JsonWriter& json, const OutputColumns& columns) {
     for (const OutputColumn& column : columns) {
         const bool hasAggregate = !orvTrim(column.aggregate).isEmpty();
         writeTexts(json, {column.name, hasAggregate ? column.aggregate : QString(), column.source});
+    }
+    json.endArray();
+}
+
+void writeMutedColumns(JsonWriter& json, const OutputColumns& columns) {
+    const bool isAny = std::any_of(columns.begin(), columns.end(),
+                                   [](const OutputColumn& column) { return column.muted; });
+    if (!isAny) return;
+    json.key("mutedColumns").beginArray();
+    for (std::size_t index = 0; index < columns.size(); ++index) {
+        if (columns[index].muted) json.value(int(index) + 1);
     }
     json.endArray();
 }
@@ -204,11 +223,14 @@ void writeRestoringKeys(JsonWriter& json, TorvQueryBuilder& builder) {
         json.value(area.Tables(index)->VisibleCount);
     }
     json.endArray();
+}
+
+void writeView(JsonWriter& json, const TorvQDWorkArea& area) {
     const QPoint view = area.scrollPosition();
     json.key("view").beginArray().value(view.x()).value(view.y()).endArray();
 }
 
-void writeState(JsonWriter& json, TorvQueryBuilder& builder, const StateNotes& notes) {
+void writeStatement(JsonWriter& json, TorvQueryBuilder& builder, const StateNotes& notes) {
     QString statement;
     QString error = notes.error;
     bool written = true;
@@ -230,9 +252,12 @@ void writeState(JsonWriter& json, TorvQueryBuilder& builder, const StateNotes& n
         json.value(error);
     writeTexts(json.key("messages"), notes.messages);
     writeReport(json.key("report"), builder.LoadReport());
+}
+
+void writeParts(JsonWriter& json, TorvQueryBuilder& builder, Scrolling scrolling) {
     json.key("tables").beginArray();
     for (int index = 0; index < builder.WorkArea->TablesCount(); ++index) {
-        writeTable(json, *builder.WorkArea->Tables(index));
+        writeTable(json, *builder.WorkArea->Tables(index), scrolling);
     }
     json.endArray();
     writeJoins(json.key("joins"), *builder.WorkArea);
@@ -242,6 +267,7 @@ void writeState(JsonWriter& json, TorvQueryBuilder& builder, const StateNotes& n
     json.key("distinct").value(builder.SelectPanel->GetDistinct() != 0);
     json.key("tail").value(builder.TailText());
     writeColumns(json.key("columns"), builder.SelectPanel->grid()->columns());
+    writeMutedColumns(json, builder.SelectPanel->grid()->columns());
     writeOrder(json.key("order"), builder.OrderPanel->sortList());
     writeTexts(json.key("selectedFields"), builder.SelectedFields().names());
     writeTexts(json.key("allFields"), builder.AllFields().names());
@@ -252,7 +278,8 @@ void writeState(JsonWriter& json, TorvQueryBuilder& builder, const StateNotes& n
 QByteArray stateJson(TorvQueryBuilder& builder, const StateNotes& notes, JsonLayout layout) {
     JsonWriter json(layout);
     json.beginObject();
-    writeState(json, builder, notes);
+    writeStatement(json, builder, notes);
+    writeParts(json, builder, Scrolling::Written);
     json.endObject();
     return json.result();
 }
@@ -260,7 +287,18 @@ QByteArray stateJson(TorvQueryBuilder& builder, const StateNotes& notes, JsonLay
 QByteArray savedState(TorvQueryBuilder& builder) {
     JsonWriter json(JsonLayout::Indented);
     json.beginObject();
-    writeState(json, builder, {});
+    writeStatement(json, builder, {});
+    writeParts(json, builder, Scrolling::Written);
+    writeRestoringKeys(json, builder);
+    writeView(json, *builder.WorkArea);
+    json.endObject();
+    return json.result();
+}
+
+QByteArray editedState(TorvQueryBuilder& builder) {
+    JsonWriter json(JsonLayout::Compact);
+    json.beginObject();
+    writeParts(json, builder, Scrolling::LeftOut);
     writeRestoringKeys(json, builder);
     json.endObject();
     return json.result();

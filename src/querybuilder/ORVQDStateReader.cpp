@@ -216,6 +216,7 @@ QueryState::Link readLink(const Value& value) {
         if (numbers.size() != 2) fail(point.path(), QStringLiteral("is no point"));
         link.points.emplace_back(numbers[0], numbers[1]);
     }
+    link.muted = value.key("muted").flagOr(false);
     return link;
 }
 
@@ -259,6 +260,7 @@ void readLinks(const Value& root, QueryState& state) {
 QueryState::Row readRow(const Value& value) {
     QueryState::Row row;
     row.group = value.key("group").textOr(QString());
+    row.muted = value.key("muted").flagOr(false);
     if (!row.group.isEmpty()) {
         for (const Value& item : value.key("rows").items()) row.rows.push_back(readRow(item));
         return row;
@@ -272,9 +274,10 @@ QueryState::Row readRow(const Value& value) {
 }
 
 QueryState::Row readRoot(const Value& value) {
-    if (value.isMissing()) return {QStringLiteral("All"), {}, {}, {}, {}, {}, {}};
+    if (value.isMissing()) return {QStringLiteral("All"), {}, {}, {}, {}, {}, {}, false};
     QueryState::Row root = readRow(value);
     if (root.group.isEmpty()) fail(value.path(), QStringLiteral("is no group"));
+    if (root.muted) fail(value.path(), QStringLiteral("cannot be muted as a whole"));
     return root;
 }
 
@@ -309,18 +312,27 @@ std::vector<int> readCreationOrder(const Value& value, const QueryState& state) 
     return order;
 }
 
+// Of a list of numbers, from 1 on.
+std::vector<OutputColumn*> columnsIn(const Value& numbers, QueryState& state) {
+    std::vector<OutputColumn*> columns;
+    for (const int row : numbers.numbers()) {
+        if (row < 1 || row > int(state.columns.size())) {
+            fail(numbers.path(), QStringLiteral("names no output column"));
+        }
+        columns.push_back(&state.columns[std::size_t(row - 1)]);
+    }
+    return columns;
+}
+
 void readColumns(const Value& root, QueryState& state) {
     for (const Value& column : root.key("columns").items()) {
         const QStringList texts = column.texts(3);
         state.columns.push_back({texts[0], texts[1], texts[2]});
     }
-    const Value grouped = root.key("groupedColumns");
-    for (const int row : grouped.numbers()) {
-        if (row < 1 || row > int(state.columns.size())) {
-            fail(grouped.path(), QStringLiteral("names no output column"));
-        }
-        state.columns[std::size_t(row - 1)].grouped = true;
+    for (OutputColumn* column : columnsIn(root.key("groupedColumns"), state)) {
+        column->grouped = true;
     }
+    for (OutputColumn* column : columnsIn(root.key("mutedColumns"), state)) column->muted = true;
 }
 
 void readOrder(const Value& root, QueryState& state) {

@@ -44,6 +44,7 @@ struct QueryState {
         QString operation;
         QString field2;
         std::vector<QPoint> points;
+        bool muted = false;
     };
     /// A condition row, or a group when `group` is not empty.
     struct Row {
@@ -54,6 +55,7 @@ struct QueryState {
         QString operation;
         QString argFunc;
         QStringList arguments;
+        bool muted = false;
     };
 
     std::vector<Table> tables;       ///< front-most first

@@ -63,9 +63,22 @@ public:
         return std::move(m_findings);
     }
 
+    QStringList muted() {
+        checkJoins();
+        checkColumns();
+        checkRows(*m_builder.WherePanel->rootRow(), QString());
+        checkRows(*m_builder.HavingPanel->rootRow(), QString());
+        return m_muted;
+    }
+
 private:
     void report(const QString& text, const QString& what) {
         m_findings.push_back({0, 0, text, what});
+    }
+
+    void reportMuted(const QString& text, const QString& part) {
+        m_muted << text;
+        report(text, QStringLiteral("This %1 is muted: the statement does not have it.").arg(part));
     }
 
     // --- the diagram ---
@@ -77,6 +90,7 @@ private:
             m_numbers.insert(tables[std::size_t(index)], index);
         }
         for (const auto& join : m_builder.WorkArea->Joins()) {
+            if (!m_builder.WorkArea->isWritten(*join)) continue;
             components.unite(m_numbers.value(join->Table1), m_numbers.value(join->Table2));
         }
         uniteByArguments(components);
@@ -125,7 +139,7 @@ private:
                 !value.isValid() ||
                 !TorvQDSProc::valueText(value, row.FieldType, m_builder.KeepMeaning()).isEmpty();
             if (isWritten) return;
-            report(row.Table->GetAlias() + u'.' + row.Name,
+            report(row.qualifiedName(),
                    QStringLiteral("The value of this parameter is of a kind that cannot be "
                                   "written: the call leaves it out."));
         });
@@ -139,7 +153,7 @@ private:
         visitParameters([&](const TorvQDListItem& row) {
             if (row.ParamType != ptInput) return;
             const QVariant value = TorvQDSProc::valueOf(row);
-            const QString name = row.Table->GetAlias() + u'.' + row.Name;
+            const QString name = row.qualifiedName();
             if (!TorvQDSProc::hasText(value)) {
                 report(name, QStringLiteral("The value of this parameter cannot be written as SQL: "
                                             "the call has a placeholder."));
@@ -158,7 +172,7 @@ private:
     // A blank one is left out of the call.
     void checkArgument(const TorvQDListItem& row, const QString& sql) {
         const QString problem = isBlank(sql) ? QString() : argumentProblem(sql);
-        if (!problem.isEmpty()) report(row.Table->GetAlias() + u'.' + row.Name, problem);
+        if (!problem.isEmpty()) report(row.qualifiedName(), problem);
         visitArgumentProblems(
             m_builder, sql, *row.Table,
             [this](const QString& name, const QString& what) { reportName(name, what); });
@@ -192,7 +206,7 @@ private:
             for (const TorvQDListItem* row : placeholders(*procedure)) {
                 const QString name = u':' + TorvQDSProc::placeholderName(*row);
                 if (!inputs.contains(name)) order << name;
-                inputs[name] << table->GetAlias() + u'.' + row->Name;
+                inputs[name] << row->qualifiedName();
             }
         }
         for (const QString& name : order) {
@@ -206,6 +220,7 @@ private:
 
     // A condition that names two tables links them as a join does.
     void uniteByConditions(const TorvQDWhereRow& row, Components& components) {
+        if (row.Muted) return;
         for (int index = 0; index < row.SubRows->GetCount(); ++index) {
             uniteByConditions(*row.SubRows->Row(index), components);
         }
@@ -246,9 +261,16 @@ private:
     void checkJoins() {
         for (const TorvQDJoin* join : m_builder.WorkArea->Joins()) checkNames(join->Text);
         for (const TorvQDLink* link : m_builder.WorkArea->Links()) {
+            if (link->Muted) {
+                reportMuted(link->Join->Table1->GetAlias() + u'.' + link->Item1->Name + u' ' +
+                                link->operatorText() + u' ' + link->Join->Table2->GetAlias() +
+                                u'.' + link->Item2->Name,
+                            QStringLiteral("link"));
+                continue;
+            }
             for (const TorvQDListItem* item : {link->Item1, link->Item2}) {
                 if (item->ParamType == ptOutput) continue;
-                report(item->Table->GetAlias() + u'.' + item->Name,
+                report(item->qualifiedName(),
                        QStringLiteral("This is a parameter: it cannot be compared in a join."));
             }
         }
@@ -270,6 +292,10 @@ private:
         const SelectTextRules rules = grid.textRules();
         for (const OutputColumn& column : grid.columns()) {
             if (isBlank(column.source)) continue;
+            if (column.muted) {
+                reportMuted(columnText(column, rules), QStringLiteral("column"));
+                continue;
+            }
             checkNames(column.source);
             const QString problem = outputNameProblem(column, rules);
             if (!problem.isEmpty()) report(writtenOutputName(column, rules), problem);
@@ -278,6 +304,11 @@ private:
 
     // `number` is the row's outline number, empty for the root row.
     void checkRows(const TorvQDWhereRow& row, const QString& number) {
+        if (row.Muted) {
+            const QString condition = orvTrim(row.GetSQLCondition(false));
+            return reportMuted(number + u' ' + (condition.isEmpty() ? row.GroupOper : condition),
+                               QStringLiteral("condition"));
+        }
         if (row.isGroup()) {
             const int count = row.SubRows->GetCount();
             if (count == 0 && !number.isEmpty()) {
@@ -336,6 +367,13 @@ private:
     void checkWriting() {
         try {
             (void)m_builder.GetSQLStatment();
+            const QString having =
+                orvTrim(m_builder.HavingPanel->rootRow()->GetSQLCondition(false));
+            if (!having.isEmpty() &&
+                m_builder.SelectPanel->grid()->GetSQLStatment().groupBy.isEmpty()) {
+                report(having,
+                       QStringLiteral("Without a GROUP BY list this condition is not written."));
+            }
         } catch (const Error& error) {
             report({}, error.Message());
         }
@@ -344,6 +382,7 @@ private:
     TorvQueryBuilder& m_builder;
     QHash<const TorvQDTable*, int> m_numbers;  // in the order of creation
     QSet<QString> m_told;
+    QStringList m_muted;
     Findings m_findings;
 };
 
@@ -367,18 +406,23 @@ Findings tailFindings(TorvQueryBuilder& builder) {
         findings.push_back(
             {0, 0, tail, QStringLiteral("This is nothing that may follow a statement.")});
     }
-    if (builder.OrderPanel->sortList().lines().empty()) return findings;
+    const QString sorting = builder.OrderPanel->GetSQLStatment();
+    if (isBlank(sorting)) return findings;
     const QString word =
         tail.mid(tokens.front().start, tokens.front().end - tokens.front().start).toUpper();
     if (earlier.contains(word)) {
-        findings.push_back({0, 0, builder.OrderPanel->GetSQLStatment(),
-                            QStringLiteral("Sorting cannot stand in front of %1.").arg(word)});
+        findings.push_back(
+            {0, 0, sorting, QStringLiteral("Sorting cannot stand in front of %1.").arg(word)});
     }
     return findings;
 }
 
 Findings validate(TorvQueryBuilder& builder) {
     return Validator(builder).validate();
+}
+
+QStringList mutedParts(TorvQueryBuilder& builder) {
+    return Validator(builder).muted();
 }
 
 }  // namespace orv

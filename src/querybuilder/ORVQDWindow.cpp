@@ -371,11 +371,15 @@ bool TorvQueryBuilder::canGetTableFields() const {
     return bool(OnGetTableFields);
 }
 
-void TorvQueryBuilder::getTableFields(const QString& nameOfTable,
+void TorvQueryBuilder::getTableFields(const QString& nameOfTable, const QString& asWritten,
                                       std::unique_ptr<TDataSet>& dataSet,
                                       std::unique_ptr<TParams>& params) {
     const TGetTableFieldsEvent handler = OnGetTableFields;
     const HostCall call(this, m_hostCalls);
+    const auto restore =
+        qScopeGuard([self = QPointer(this), before = std::exchange(m_tableAsWritten, asWritten)] {
+            if (self) self->m_tableAsWritten = before;
+        });
     if (handler) handler(nameOfTable, dataSet, params);
 }
 

@@ -136,6 +136,11 @@ public:
     /// text. Empty: the statement that is written asks for the same rows as the loaded one.
     [[nodiscard]] const orv::Findings& LoadReport() const { return m_report; }
 
+    /// The name of the table for which OnGetTableFields is being asked, with the quotes that the
+    /// loaded text has around it, which the event's own name has not: for hosts whose databases
+    /// tell "ORDERS" from ORDERS. Empty at any other time.
+    [[nodiscard]] const QString& TableAsWritten() const { return m_tableAsWritten; }
+
     /// What is wrong with the present state, though it can be written: conditions that are not
     /// filled in, names of what is gone, tables that nothing links and the like. Findings have the
     /// shape of LoadReport()'s, without positions.
@@ -242,7 +247,8 @@ public:
 
     // What the diagram and the pages ask.
     [[nodiscard]] bool canGetTableFields() const override;
-    void getTableFields(const QString& nameOfTable, std::unique_ptr<TDataSet>& dataSet,
+    void getTableFields(const QString& nameOfTable, const QString& asWritten,
+                        std::unique_ptr<TDataSet>& dataSet,
                         std::unique_ptr<TParams>& params) override;
     void enterProcParameter(TorvQDTable* procedure, TorvQDListItem* item) override;
     [[nodiscard]] quint64 dragIdentity() const override { return m_dragIdentity; }
@@ -266,10 +272,15 @@ public:
     void beginChange() override;
     void endChange() override;
     void statementChanged() override;
+    void layoutChanged() override;
 
 Q_SIGNALS:
     /// After any change that can alter the statement; once per user action or call.
     void StatementChanged();
+    /// After boxes were moved, sized, collapsed or expanded or links were bent, by the user or by
+    /// program: once the hand has let go and the event is over. Follows changes of the statement
+    /// that bring boxes too.
+    void LayoutChanged();
     /// After LoadSQL, with the same findings as LoadReport().
     void LoadReported(const orv::Findings& findings);
 
@@ -342,6 +353,7 @@ private:
     quint64 m_dragIdentity;
     bool m_loading = false;
     int m_hostCalls = 0;  // handlers of the host that ask for something and have not returned
+    QString m_tableAsWritten;
     int m_changeDepth = 0;
     bool m_statementChanged = false;
     bool m_gridChanged = false;

@@ -43,6 +43,10 @@ void TorvQueryBuilder::statementChanged() {
     endChange();
 }
 
+void TorvQueryBuilder::layoutChanged() {
+    Q_EMIT LayoutChanged();
+}
+
 // --- ticks ---
 
 bool TorvQueryBuilder::isListed(const QString& name) const {
@@ -73,9 +77,8 @@ void TorvQueryBuilder::commitCellBefore(TorvQDListItem& item) {
 
 // A field that a loaded statement names in a way of its own is listed under that name.
 void TorvQueryBuilder::_AddRemoveField(QObject* Sender, TorvQDListItem* Item) {
-    auto* table = qobject_cast<TorvQDTable*>(Sender);
-    if (!table) return;
-    const QString name = table->GetAlias() + u'.' + Item->Name;
+    if (!qobject_cast<TorvQDTable*>(Sender)) return;
+    const QString name = Item->qualifiedName();
     beginChange();
     commitCellBefore(*Item);
     const QString given = listedGivenName(Item);
@@ -114,7 +117,7 @@ void TorvQueryBuilder::_SelectField(const QString& FullName) {
     item->UpdateCheck(-1);
     flushRemovals();
     m_selectedFields.appendNew(FullName);
-    if (FullName != item->Table->GetAlias() + u'.' + item->Name) {
+    if (FullName != item->qualifiedName()) {
         m_givenNames.insert(item, FullName);
     }
     endChange();
@@ -125,7 +128,7 @@ void TorvQueryBuilder::_UnselectField(const QString& FullName) {
     TorvQDListItem* item = resolveItem(FullName);
     if (!item) return;
     item->UpdateCheck(0);
-    QSet<QString> names = {FullName, item->Table->GetAlias() + u'.' + item->Name};
+    QSet<QString> names = {FullName, item->qualifiedName()};
     const auto given = m_givenNames.values(item);
     for (const QString& name : given) {
         if (resolveItem(name) == item) names.insert(name);
@@ -224,8 +227,9 @@ std::optional<PageField> TorvQueryBuilder::resolveField(const QString& text) con
 std::vector<PageField> TorvQueryBuilder::fieldsNamed(const QString& name) const {
     std::vector<PageField> found;
     for (const TorvQDTable* table : WorkArea->tablesWithField(name)) {
-        const TorvQDListItem* item = table->findItem(name);
-        if (item && item->ParamType == ptOutput) found.push_back(pageField(*table, *item));
+        if (const TorvQDListItem* item = table->findItem(name)) {
+            found.push_back(pageField(*table, *item));
+        }
     }
     return found;
 }

@@ -79,6 +79,7 @@ private:
         TorvQDLink* link = m_area.restoreLink(join, join->Table1->GetFieldItem(saved.field1),
                                               join->Table2->GetFieldItem(saved.field2));
         link->setOperatorText(saved.operation);
+        link->Muted = saved.muted;
         if (!saved.points.empty()) link->setBendPoints(saved.points);
     }
 
@@ -95,8 +96,9 @@ void checkDiagram(const orv::QueryState& state) {
         for (const TFieldDef& field : table.fields.FieldDefs) {
             fields.insert(ProcessName(field.Name).toUpper());
         }
+        // A host may link those that are put in, too.
         for (const TParam& param : table.params.Items) {
-            if (param.ParamType == ptOutput) fields.insert(ProcessName(param.Name).toUpper());
+            fields.insert(ProcessName(param.Name).toUpper());
         }
         fieldsOf.push_back(fields);
     }
@@ -153,6 +155,7 @@ public:
     }
 
     void fill(TorvQDWhereRow& row, const orv::QueryState::Row& saved) const {
+        row.Muted = saved.muted;
         if (!saved.group.isEmpty()) {
             row.SetGroupOper(saved.group);
             for (const orv::QueryState::Row& sub : saved.rows) fill(*row.SubRows->AddRow(), sub);
@@ -226,7 +229,7 @@ void TorvQueryBuilder::restoreNames(const QStringList& selected, const QStringLi
     for (const QString& name : selected) {
         m_selectedFields.append(name);
         const TorvQDListItem* item = resolveItem(name);
-        if (item && name != item->Table->GetAlias() + u'.' + item->Name) {
+        if (item && name != item->qualifiedName()) {
             m_givenNames.insert(item, name);
         }
     }

@@ -217,6 +217,37 @@ Difference difference(const List& shown, const List& wanted, const Equal& equal)
             int(ends.second.base() - other)};
 }
 
+// Lines that sort by what is not put out are shown as such columns are. The output rows are looked
+// for only where something is muted.
+void markMuted(QTreeWidget& list, const std::vector<orv::SortList::Line>& lines,
+               const TorvQDSelectGrid* grid, const std::function<orv::OutputRows()>& makeRows) {
+    if (lines.empty()) return;
+    const orv::OutputColumns none;
+    const orv::OutputColumns& columns = grid ? grid->columns() : none;
+    std::optional<orv::OutputRows> rows;
+    if (std::any_of(columns.begin(), columns.end(),
+                    [](const orv::OutputColumn& column) { return column.muted; })) {
+        rows = makeRows();
+    }
+    const QSignalBlocker silent(list);
+    for (std::size_t index = 0; index < lines.size(); ++index) {
+        const int row = rows ? rows->rowOf(lines[index]) : 0;
+        const bool isMuted = row > 0 && columns[std::size_t(row - 1)].muted;
+        QTreeWidgetItem* item = list.topLevelItem(int(index));
+        if (item->font(0).strikeOut() == isMuted) continue;
+        for (int column = 0; column < list.columnCount(); ++column) {
+            QFont font = list.font();
+            font.setStrikeOut(true);
+            const QBrush ink = list.palette().brush(QPalette::Disabled, QPalette::Text);
+            item->setData(column, Qt::FontRole, isMuted ? QVariant(font) : QVariant());
+            item->setData(column, Qt::ForegroundRole, isMuted ? QVariant(ink) : QVariant());
+            item->setToolTip(column, isMuted ? QStringLiteral("Muted: the statement is not sorted "
+                                                              "by this column.")
+                                             : QString());
+        }
+    }
+}
+
 }  // namespace
 
 // Items that stay are left alone, so that a tick costs the item that it adds.
@@ -261,6 +292,10 @@ void TorvQDOrderPanel::showLists(int line, int name) {
     const QSignalBlocker silentUnsorted(m_unsorted);
     showLines();
     showNames();
+    markMuted(*m_sorted, m_list.lines(), grid, [this] {
+        const Outputs shown = outputs();
+        return orv::OutputRows(shown.names, shown.sources);
+    });
     if (line >= 0) {
         m_sorted->setCurrentItem(m_sorted->topLevelItem(line));
     } else {
@@ -308,6 +343,7 @@ void TorvQDOrderPanel::RefreshFields() {
         showLists(selectedLine(), selectedName());
         _SelectItem();
     } else if (!m_editing) {
+        showLists(selectedLine(), selectedName());
         _SelectItem();
     }
 }
@@ -498,7 +534,8 @@ QString TorvQDOrderPanel::GetSQLStatment() const {
     QStringList items;
     for (const orv::SortList::Line& line : m_list.lines()) {
         const int row = rows.rowOf(line);
-        if (row < 1) continue;
+        // What is not put out is no order to tell.
+        if (row < 1 || grid->columns()[std::size_t(row - 1)].muted) continue;
         const bool descends = line.direction == orv::descendingText();
         items << grid->GetFieldName(row) + (descends ? QStringLiteral(" DESC") : QString());
     }

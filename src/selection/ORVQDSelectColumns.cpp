@@ -88,6 +88,7 @@ QString columnText(const OutputColumn& column, const SelectTextRules& rules) {
 
 bool isAggregated(const OutputColumns& columns, const SelectTextRules& rules) {
     return std::any_of(columns.begin(), columns.end(), [&](const OutputColumn& column) {
+        if (column.muted) return false;
         return !isBlank(column.aggregate) || callsAggregate(column.source, *rules.aggregates);
     });
 }
@@ -104,7 +105,7 @@ SelectTexts selectTexts(const OutputColumns& columns, const SelectTextRules& rul
     QStringList grouped;
     for (std::size_t index = 0; index < columns.size(); ++index) {
         const OutputColumn& column = columns[index];
-        if (isBlank(column.source)) continue;
+        if (isBlank(column.source) || column.muted) continue;
         const bool plain =
             isBlank(column.aggregate) && !callsAggregate(column.source, *rules.aggregates);
         if (texts.aggregated && plain) {

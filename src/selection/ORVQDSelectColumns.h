@@ -17,6 +17,7 @@ struct OutputColumn {
     QString aggregate;     ///< aggregate function; blank without one
     QString source;        ///< qualified field name or expression
     bool grouped = false;  ///< its source stood in the GROUP BY list of the loaded statement
+    bool muted = false;    ///< kept, but not written
 
     friend bool operator==(const OutputColumn&, const OutputColumn&) = default;
 };
@@ -61,7 +62,7 @@ struct SelectTexts {
 [[nodiscard]] ORV_EXPORT QString columnText(const OutputColumn& column,
                                             const SelectTextRules& rules);
 
-/// Whether the selection is aggregated: a column has an aggregate or calls one.
+/// Whether the selection is aggregated: a column that is written has an aggregate or calls one.
 [[nodiscard]] ORV_EXPORT bool isAggregated(const OutputColumns& columns,
                                            const SelectTextRules& rules);
 
@@ -70,9 +71,9 @@ struct SelectTexts {
 [[nodiscard]] ORV_EXPORT bool fitsAggregation(const OutputColumn& column,
                                               const SelectTextRules& rules);
 
-/// The select list, one column a line, and the GROUP BY list. Raises orv::Error "There is no
-/// agregate function on page "Selection" in %d row" when a column of an aggregated selection has no
-/// aggregate and cannot be grouped.
+/// The select list, one column a line, and the GROUP BY list, without muted columns. Raises
+/// orv::Error "There is no agregate function on page "Selection" in %d row" when a column of an
+/// aggregated selection has no aggregate and cannot be grouped.
 [[nodiscard]] ORV_EXPORT SelectTexts selectTexts(const OutputColumns& columns,
                                                  const SelectTextRules& rules);
 

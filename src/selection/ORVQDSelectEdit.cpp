@@ -38,7 +38,7 @@ QString withoutBlanks(QString name) {
 }
 
 /// What a key asks for in the grid.
-enum class GridKey { None, Edit, Delete, MoveUp, MoveDown, Menu };
+enum class GridKey { None, Edit, Delete, MoveUp, MoveDown, Mute, Menu };
 
 GridKey gridKey(int key, Qt::KeyboardModifiers modifiers) {
     modifiers &= ~Qt::KeypadModifier;
@@ -47,6 +47,7 @@ GridKey gridKey(int key, Qt::KeyboardModifiers modifiers) {
     if (modifiers == Qt::ControlModifier && key == Qt::Key_Delete) return GridKey::Delete;
     if (modifiers == Qt::AltModifier && key == Qt::Key_Up) return GridKey::MoveUp;
     if (modifiers == Qt::AltModifier && key == Qt::Key_Down) return GridKey::MoveDown;
+    if (modifiers == Qt::ControlModifier && key == Qt::Key_M) return GridKey::Mute;
     // Not every platform makes a context menu event of it.
     if (modifiers == Qt::ShiftModifier && key == Qt::Key_F10) return GridKey::Menu;
     return GridKey::None;
@@ -308,6 +309,19 @@ void TorvQDSelectGrid::moveRow(int From, int To) {
     if (self) scrollTo(currentIndex());
 }
 
+void TorvQDSelectGrid::SetMuted(int Row, bool Value) {
+    if (!isDataRow(Row) || m_columns[std::size_t(Row - 1)].muted == Value) return;
+    change([&] {
+        m_columns[std::size_t(Row - 1)].muted = Value;
+        changed();
+    });
+}
+
+void TorvQDSelectGrid::muteCurrentRow() {
+    if (!commitBefore() || !isDataRow(currentRow())) return;
+    SetMuted(currentRow(), !m_columns[std::size_t(currentRow() - 1)].muted);
+}
+
 void TorvQDSelectGrid::moveCurrentRow(int by) {
     moveRow(currentRow(), currentRow() + by);
 }
@@ -344,6 +358,7 @@ bool TorvQDSelectGrid::_StringKeyDown(int Key, Qt::KeyboardModifiers Shift) {
     case GridKey::Delete: askToDelete(); break;
     case GridKey::MoveUp: moveCurrentRow(-1); break;
     case GridKey::MoveDown: moveCurrentRow(1); break;
+    case GridKey::Mute: muteCurrentRow(); break;
     case GridKey::Menu: showMenu(visualRect(currentIndex()).center()); break;
     }
     return true;
@@ -442,6 +457,9 @@ void TorvQDSelectGrid::showMenu(const QPoint& point) {
         [this] { moveCurrentRow(-1); });
     add(tr("Move down"), QKeySequence(Qt::ALT | Qt::Key_Down), isData && isDataRow(current + 1),
         [this] { moveCurrentRow(1); });
+    const bool isMuted = isData && m_columns[std::size_t(current - 1)].muted;
+    add(isMuted ? tr("Unmute column") : tr("Mute column"), QKeySequence(Qt::CTRL | Qt::Key_M),
+        isData, [this] { muteCurrentRow(); });
     m_menu->popup(viewport()->mapToGlobal(point));
 }
 

@@ -27,7 +27,8 @@ namespace {
 constexpr std::size_t mostRuns = 64;
 
 bool looksEqual(const orv::OutputColumn& one, const orv::OutputColumn& other) {
-    return one.source == other.source && one.name == other.name && one.aggregate == other.aggregate;
+    return one.source == other.source && one.name == other.name &&
+           one.aggregate == other.aggregate && one.muted == other.muted;
 }
 
 // Red on the background of the cells, be it light or dark.
@@ -36,7 +37,16 @@ QColor problemColor(const QPalette& palette) {
                                                            : QColor(176, 0, 0);
 }
 
+QFont struckOut(QFont font) {
+    font.setStrikeOut(true);
+    return font;
+}
+
 }  // namespace
+
+bool TorvQDSelectGrid::Model::isMuted(const QModelIndex& index) const {
+    return index.row() < int(m_rows.size()) && m_rows[std::size_t(index.row())].column.muted;
+}
 
 int TorvQDSelectGrid::Model::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : int(m_rows.size()) + 1;
@@ -53,7 +63,9 @@ QVariant TorvQDSelectGrid::Model::data(const QModelIndex& index, int role) const
     case Qt::ToolTipRole: return toolTip(index);
     case Qt::AccessibleTextRole: return accessibleText(index);
     case Qt::AccessibleDescriptionRole: return problem(index);
+    case Qt::FontRole: return isMuted(index) ? QVariant(struckOut(m_grid->font())) : QVariant();
     case Qt::ForegroundRole:
+        if (isMuted(index)) return m_grid->palette().brush(QPalette::Disabled, QPalette::Text);
         return problem(index).isEmpty() ? QVariant() : QBrush(problemColor(m_grid->palette()));
     case Qt::DecorationRole:
         if (index.column() != orv::sourceColumn || problem(index).isEmpty()) return {};
@@ -85,10 +97,13 @@ QString TorvQDSelectGrid::Model::accessibleText(const QModelIndex& index) const 
         return index.column() == orv::sourceColumn ? tr("Source of a new column")
                                                    : tr("Empty row for a new column");
     }
+    const QString mark = isMuted(index) ? tr(", muted") : QString();
     switch (index.column()) {
-    case orv::nameColumn: return isBlank ? tr("No output name") : tr("Output name %1").arg(shown);
-    case orv::aggregateColumn: return isBlank ? tr("No aggregate") : tr("Aggregate %1").arg(shown);
-    default: return isBlank ? tr("No source") : tr("Source %1").arg(shown);
+    case orv::nameColumn:
+        return (isBlank ? tr("No output name") : tr("Output name %1").arg(shown)) + mark;
+    case orv::aggregateColumn:
+        return (isBlank ? tr("No aggregate") : tr("Aggregate %1").arg(shown)) + mark;
+    default: return (isBlank ? tr("No source") : tr("Source %1").arg(shown)) + mark;
     }
 }
 
@@ -100,12 +115,13 @@ QString TorvQDSelectGrid::Model::toolTip(const QModelIndex& index) const {
     if (isCut) lines << text(index);
     const QString what = problem(index);
     if (!what.isEmpty()) lines << what;
+    if (isMuted(index)) lines << tr("Muted: the statement does not have this column.");
     return orv::plainTip(lines.join(u'\n'));
 }
 
 QString TorvQDSelectGrid::Model::askProblem(const orv::OutputColumn& column) const {
     const IPagesHost* host = m_grid->host();
-    if (!host || orv::isBlank(column.source)) return {};
+    if (!host || orv::isBlank(column.source) || column.muted) return {};
     const QString gone = host->nameProblem(column.source);
     if (!gone.isEmpty()) return gone;
     const orv::SelectTextRules rules = m_grid->textRules();

@@ -51,6 +51,7 @@ private:
     [[nodiscard]] QString accessibleText(const QModelIndex& index) const;
     [[nodiscard]] QString toolTip(const QModelIndex& index) const;
     [[nodiscard]] QString askProblem(const orv::OutputColumn& column) const;
+    [[nodiscard]] bool isMuted(const QModelIndex& index) const;
     [[nodiscard]] QString problem(const QModelIndex& index) const;
     [[nodiscard]] std::optional<std::vector<Run>> removedRuns(
         const orv::OutputColumns& columns) const;

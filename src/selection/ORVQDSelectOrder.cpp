@@ -164,7 +164,12 @@ QString TorvQDSelectGrid::GetFieldName(int Row) const {
     QString source = Cells(2, Row);
     const bool plain = orv::orvTrim(Cells(1, Row)).isEmpty();
     if (plain && AllFields && AllFields->contains(source)) return source;
-    return orv::orvTrim(Cells(0, Row)).isEmpty() ? source : QString::number(Row);
+    if (orv::orvTrim(Cells(0, Row)).isEmpty()) return source;
+    // Columns in front of it that are muted have no place among those that come out.
+    const auto end = m_columns.begin() + std::min<std::ptrdiff_t>(Row, std::ssize(m_columns));
+    const auto muted = std::count_if(m_columns.begin(), end,
+                                     [](const orv::OutputColumn& column) { return column.muted; });
+    return QString::number(Row - int(muted));
 }
 
 QString TorvQDSelectGrid::GetFieldAlias(const QString& Name) const {

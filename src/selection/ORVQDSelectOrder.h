@@ -116,6 +116,9 @@ public:
     void _DeleteCurrentRow();
     /// Moves a data row to the place of another one; nothing with other rows.
     void moveRow(int From, int To);
+    /// Mutes a data row, which stays but is not written, or has it written again. Lines that sort
+    /// by it are not written either.
+    void SetMuted(int Row, bool Value);
 
     [[nodiscard]] bool isEditing() const { return m_edited.isValid(); }
     /// Takes over what is being typed in a cell and closes its editor.
@@ -183,6 +186,7 @@ private:
     void askToDelete();
     void showMenu(const QPoint& point);
     void moveCurrentRow(int by);
+    void muteCurrentRow();
 
     [[nodiscard]] int rowAtPoint(const QPoint& point) const;
     [[nodiscard]] QRect dropMark() const;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// SVG files of the few elements that glyphs have.
 #include "core/Error.h"
 #include "toolkit/GlyphReader_p.h"
 

@@ -126,7 +126,7 @@ public:
         if (kind == QAccessible::Name) {
             return line->Join->Table1->GetAlias() + u'.' + line->Item1->Name + u' ' +
                    line->operatorText() + u' ' + line->Join->Table2->GetAlias() + u'.' +
-                   line->Item2->Name;
+                   line->Item2->Name + (line->Muted ? TorvQDWorkArea::tr(", muted") : QString());
         }
         if (kind == QAccessible::Value) return joinWords(line->Join->KindOfJoin).toLower();
         return kind == QAccessible::Description ? joinMeaning(*line->Join) : QString();

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// What assistive technology is told of boxes and of their rows.
 #include "workarea/ORVQDAccessible_p.h"
 #include "workarea/ORVQDSProc.h"
 

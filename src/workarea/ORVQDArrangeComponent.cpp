@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The layout of tables that joins connect.
 #include "workarea/ORVQDArrange_p.h"
 
 #include <algorithm>

@@ -277,8 +277,14 @@ void DiagramKeys::paint(QPainter& painter) const {
         const QRect start = place(*from);
         const QRect end = place(*to);
         const bool goesRight = end.center().x() >= start.center().x();
-        painter.drawLine(goesRight ? start.right() : start.left(), start.center().y(),
+        const QLine line(goesRight ? start.right() : start.left(), start.center().y(),
                          goesRight ? end.left() : end.right(), end.center().y());
+        // Two colours, so that it is seen on whatever it runs over.
+        const QPen dots = painter.pen();
+        painter.setPen(QPen(Qt::white, dots.width()));
+        painter.drawLine(line);
+        painter.setPen(dots);
+        painter.drawLine(line);
     }
     painter.restore();
 }

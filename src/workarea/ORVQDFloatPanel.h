@@ -11,6 +11,7 @@
 
 #include <QAbstractScrollArea>
 #include <QBasicTimer>
+#include <QColor>
 #include <QHash>
 #include <QPointer>
 
@@ -87,8 +88,8 @@ public:
     TorvQDTable* AddProc(const QString& ProcName, const TDataSet* DataSet, const TParams* Params);
 
     /// Adds a box as a saved query has it: FROM writes `name`, and `alias` is its effective alias.
-    /// Nobody is asked, it is put in front of all others and is not selected.
-    /// With parameters, be they none, it is a procedure's.
+    /// With parameters, be they none, it is a procedure's. Nobody is asked, it is put in front of
+    /// all others and is not selected.
     TorvQDTable* restoreTable(const QString& name, const QString& alias, const TDataSet& dataSet,
                               const QRect& bounds, const TParams* params = nullptr);
     /// Adds a join without links, which restoreLink is to give it. Nobody is asked.
@@ -119,6 +120,8 @@ public:
     void deleteLink(TorvQDLink* link);
     /// Tells whoever wants to know that the link between two rows was selected or deselected.
     void SelectLink(TorvQDListItem* Item1, TorvQDListItem* Item2, bool State);
+    /// Whether the statement has the join: it has a link that is not muted, or a text.
+    [[nodiscard]] bool isWritten(const TorvQDJoin& join) const;
     /// Joins and links in the order of their creation.
     [[nodiscard]] std::vector<TorvQDJoin*> Joins() const;
     [[nodiscard]] std::vector<TorvQDLink*> Links() const;
@@ -180,7 +183,7 @@ public:
     /// Width and height of the diagram; boxes beyond widen it.
     static constexpr int diagramExtentPx = 5000;
 
-    /// Magnification, 1 by default; kept between 0.25 and 4. The anchor stays where it is. Rules
+    /// Magnification, 1 by default; kept between 0.05 and 4. The anchor stays where it is. Rules
     /// and numbers of boxes and links are about view pixels, which this divides.
     [[nodiscard]] qreal zoom() const { return m_zoom; }
     void setZoom(qreal zoom);
@@ -216,6 +219,8 @@ public:
     [[nodiscard]] bool isGesturing() const;
     /// Ends what the mouse is doing and restores what was before; false when it does nothing.
     bool cancelGesture();
+    /// A gesture is over: what it has moved is told.
+    void gestureEnded();
 
     /// Timers by their number: rows scroll up or down below a dragged field, the view scrolls at
     /// its edge, a hint appears, a hint goes.
@@ -248,6 +253,11 @@ public:
     [[nodiscard]] bool foreignDragOver(QObject* source, const QPoint& viewPoint,
                                        const QMimeData& data);
     void foreignDrop(QObject* source, const QPoint& viewPoint, const QMimeData& data);
+
+    /// The colour of links on the ground of the diagram: black, unless a host with a dark look
+    /// takes another one. Over boxes and in pictures they are black all the same.
+    void setLinkColor(const QColor& color);
+    [[nodiscard]] QColor linkColor() const override { return m_linkInk; }
 
     /// The rectangle that holds all boxes, in diagram coordinates; empty when there are none.
     [[nodiscard]] QRect diagramBounds() const;
@@ -285,6 +295,10 @@ public:
     void tableMoved(TorvQDTable* table) override;
     void tableResized(TorvQDTable* table) override;
     void rowsScrolled(TorvQDTable* table) override;
+    void linkBent(TorvQDLink* link) override;
+    /// A muted link stays, but is not written; with all of its links goes the join, unless it has a
+    /// text.
+    void muteLink(TorvQDLink* link, bool muted) override;
     void closeTable(TorvQDTable* table) override;
     void unlinkTable(TorvQDTable* table) override;
     void checkItem(TorvQDFloatObject* sender, TorvQDListItem* item) override;
@@ -355,11 +369,14 @@ private:
     static constexpr int placementGapPx = 10;
     void placeTable(TorvQDTable& table, int gapPx = placementGapPx) const;
     void reroute(const TorvQDTable* table);
+    void layoutTouched();
+    void tellLayoutLater();
     [[nodiscard]] bool takesLinks(const TorvQDTable* table) const;
     TorvQDJoin* holdJoin(std::unique_ptr<TorvQDJoin> join);
     void removeLink(int number, bool invalidates);
     void dropUnusedJoin(const TorvQDJoin* join);
     [[nodiscard]] bool createdBefore(const TorvQDTable* first, const TorvQDTable* second) const;
+    [[nodiscard]] std::vector<const TorvQDTable*> tablesOfFrom() const;
     [[nodiscard]] orv::FromDiagram fromDiagram() const;
     [[nodiscard]] const std::vector<TorvQDTable*>* tablesByField(const QString& name) const;
     [[nodiscard]] QString writeFrom(orv::FromPlaces* places) const;
@@ -375,6 +392,8 @@ private:
     [[nodiscard]] int indexOf(const QObject* table) const;
     [[nodiscard]] bool isOnDiagram(const QObject* box, const TorvQDListItem* item) const;
     void paintTables(QPainter& painter, const QRegion& region, bool fillsGround);
+    void paintLinks(QPainter& painter, const QRegion& region);
+    void paintLinks(QPainter& painter, const QRegion& region, const QColor& ink);
     void updateScrollRange();
     void updateScrollRange(const TorvQDTable& moved);
     [[nodiscard]] QSize viewSize() const;
@@ -441,8 +460,11 @@ private:
     bool m_mouseLeads = false;            // over the keyboard: it was used last
     bool m_showsFocus = false;            // as a frame when nothing is selected
     int m_wheelRest = 0;                  // of a notch, in eighths of a degree
+    bool m_isLayoutTouched = false;       // and the owner is not told yet
     QString m_typedText;
     qreal m_zoom = 1;
+    QColor m_linkColor = Qt::black;
+    QColor m_linkInk = Qt::black;      // of those that are painted now
     QSize m_extent;                    // of the diagram
     TRect m_rowScrollRect;             // of the shared scroll bar, in view coordinates
     mutable bool m_paintsAll = false;  // into a picture: nothing is scrolled

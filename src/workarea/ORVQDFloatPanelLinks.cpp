@@ -340,28 +340,46 @@ bool TorvQDWorkArea::createdBefore(const TorvQDTable* first, const TorvQDTable* 
     return m_creationNumber.value(first) < m_creationNumber.value(second);
 }
 
+// The tables as the text of FROM is made from them.
+std::vector<const TorvQDTable*> TorvQDWorkArea::tablesOfFrom() const {
+    if (m_owner->KeepMeaning()) return {m_creation.begin(), m_creation.end()};
+    std::vector<const TorvQDTable*> tables;
+    for (const auto& table : m_tables) tables.push_back(table.get());
+    return tables;
+}
+
+bool TorvQDWorkArea::isWritten(const TorvQDJoin& join) const {
+    if (!join.Text.isEmpty()) return true;
+    const auto& links = m_joins.at(m_joinNumbers.value(&join)).links;
+    return std::any_of(links.begin(), links.end(),
+                       [](const auto& entry) { return !entry.second->Muted; });
+}
+
+void TorvQDWorkArea::muteLink(TorvQDLink* link, bool muted) {
+    if (!link || link->Muted == muted) return;
+    link->Muted = muted;
+    invalidate(link->GetClipRgn(0));
+    m_owner->statementChanged();
+}
+
 orv::FromDiagram TorvQDWorkArea::fromDiagram() const {
     orv::FromDiagram diagram;
     QHash<const TorvQDTable*, int> numbers;
-    const auto add = [&](const TorvQDTable* table) {
+    for (const TorvQDTable* table : tablesOfFrom()) {
         numbers.insert(table, int(diagram.tables.size()));
         const auto* procedure = qobject_cast<const TorvQDSProc*>(table);
         const QString name = procedure ? procedure->call() : table->TableName;
         diagram.tables.push_back({name, table->GetAlias(), table->TableName});
-    };
-    if (m_owner->KeepMeaning()) {
-        for (const TorvQDTable* table : m_creation) add(table);
-    } else {
-        for (const auto& table : m_tables) add(table.get());
     }
     for (const auto& [joinNumber, held] : m_joins) {
         const TorvQDJoin& join = *held.join;
         orv::FromJoin from{
             numbers.value(join.Table1), numbers.value(join.Table2), join.KindOfJoin, {}, join.Text};
         for (const auto& [number, link] : held.links) {
+            if (link->Muted) continue;
             from.links.push_back({link->Item1->Name, link->operatorText(), link->Item2->Name});
         }
-        diagram.joins.push_back(std::move(from));
+        if (isWritten(join)) diagram.joins.push_back(std::move(from));
     }
     return diagram;
 }
@@ -369,7 +387,8 @@ orv::FromDiagram TorvQDWorkArea::fromDiagram() const {
 std::vector<TorvQDJoin*> TorvQDWorkArea::brokenCircles() const {
     orv::FromPlaces places;
     (void)writeFrom(&places);
-    const std::vector<TorvQDJoin*> joins = Joins();
+    std::vector<TorvQDJoin*> joins = Joins();
+    std::erase_if(joins, [this](const TorvQDJoin* join) { return !isWritten(*join); });
     std::vector<TorvQDJoin*> broken;
     for (std::size_t index = 0; index < joins.size(); ++index) {
         const orv::JoinPlace& place = places.joins[index];
@@ -394,13 +413,8 @@ std::vector<TorvQDListItem*> TorvQDWorkArea::earlyArguments() const {
     orv::FromPlaces places;
     (void)writeFrom(&places);
     QHash<const TorvQDTable*, int> placeOf;
-    const auto add = [&](const TorvQDTable* table) {
+    for (const TorvQDTable* table : tablesOfFrom()) {
         placeOf.insert(table, places.tables[std::size_t(placeOf.size())]);
-    };
-    if (m_owner->KeepMeaning()) {
-        for (const TorvQDTable* table : m_creation) add(table);
-    } else {
-        for (const auto& table : m_tables) add(table.get());
     }
     std::vector<TorvQDListItem*> early;
     for (const auto& [row, named] : mentions) {
@@ -417,8 +431,7 @@ std::vector<const TorvQDTable*> otherOwners(const TorvQDWorkArea& area, const QS
                                             const TorvQDListItem& row) {
     std::vector<const TorvQDTable*> others;
     for (const TorvQDTable* owner : area.tablesWithField(field)) {
-        const TorvQDListItem* item = owner == row.Table ? nullptr : owner->findItem(field);
-        if (item && item->ParamType == ptOutput) others.push_back(owner);
+        if (owner != row.Table && owner->findItem(field)) others.push_back(owner);
     }
     return others;
 }

@@ -31,7 +31,7 @@ constexpr int searchHeightPx = 15;
 constexpr int fitSlackPx = 4;
 constexpr int mostFittedWidthPx = 300;
 constexpr QSize preferredSize(300, 100);
-constexpr qreal leastZoom = 0.25;
+constexpr qreal leastZoom = 0.05;  // shows the largest diagram whole in a small window
 constexpr qreal mostZoom = 4;
 constexpr qreal zoomStep = 1.25;
 
@@ -139,6 +139,7 @@ void TorvQDWorkArea::paintEvent(QPaintEvent* event) {
     orv::guarded([&] {
         QRegion region = event->region();
         QPainter painter(viewport());
+        painter.setBackground(palette().color(QPalette::Window));
         // Where a pixel of the diagram is a whole number of pixels, boxes cover their ground fully.
         const qreal scale = m_zoom * devicePixelRatioF();
         const bool isWhole = scale == std::floor(scale);
@@ -150,10 +151,7 @@ void TorvQDWorkArea::paintEvent(QPaintEvent* event) {
                          .toAlignedRect();
         }
         paintTables(painter, region, isWhole);
-        const QPoint scroll = scrollPosition();
-        for (const auto& [number, link] : m_links) {
-            if (region.intersects(link->extent().translated(-scroll))) link->Paint(painter);
-        }
+        paintLinks(painter, region);
         m_gestures->paint(painter);
         m_keys->paint(painter);
         paintFocus(painter);
@@ -189,6 +187,40 @@ void TorvQDWorkArea::paintTables(QPainter& painter, const QRegion& region, bool 
         visible->table->Paint(painter);
         if (!visible->isWhole) painter.restore();
     }
+}
+
+void TorvQDWorkArea::setLinkColor(const QColor& color) {
+    if (m_linkColor == color) return;
+    m_linkColor = color;
+    viewport()->update();
+}
+
+// What can be read on a dark ground cannot on the rows of a box.
+void TorvQDWorkArea::paintLinks(QPainter& painter, const QRegion& region) {
+    if (m_linkColor == Qt::black) return paintLinks(painter, region, m_linkColor);
+    QRegion boxes;
+    for (const auto& table : m_tables) {
+        const QRect box = table->toView(table->GetBoundsRect()).toQRect();
+        if (region.intersects(box)) boxes += box;
+    }
+    painter.save();
+    painter.setClipRegion(region - boxes, Qt::IntersectClip);
+    paintLinks(painter, region, m_linkColor);
+    painter.restore();
+    painter.save();
+    painter.setClipRegion(region & boxes, Qt::IntersectClip);
+    painter.setBackground(Qt::white);
+    paintLinks(painter, region, Qt::black);
+    painter.restore();
+}
+
+void TorvQDWorkArea::paintLinks(QPainter& painter, const QRegion& region, const QColor& ink) {
+    m_linkInk = ink;
+    const QPoint scroll = scrollPosition();
+    for (const auto& [number, link] : m_links) {
+        if (region.intersects(link->extent().translated(-scroll))) link->Paint(painter);
+    }
+    m_linkInk = Qt::black;
 }
 
 // A selected object shows by itself where the focus is. A frame of the style's would tint the whole
@@ -350,10 +382,33 @@ void TorvQDWorkArea::tableMoved(TorvQDTable* table) {
     updateScrollRange(*table);
     reroute(table);
     placeOverlays();
+    layoutTouched();
 }
 
 void TorvQDWorkArea::tableResized(TorvQDTable* table) {
     tableMoved(table);
+}
+
+void TorvQDWorkArea::linkBent(TorvQDLink* /*link*/) {
+    layoutTouched();
+}
+
+// The owner is told when the present event is over: whoever moved something is not done yet, and
+// what the owner does may remove what was moved.
+void TorvQDWorkArea::layoutTouched() {
+    if (!std::exchange(m_isLayoutTouched, true)) tellLayoutLater();
+}
+
+void TorvQDWorkArea::gestureEnded() {
+    if (m_isLayoutTouched) tellLayoutLater();
+}
+
+void TorvQDWorkArea::tellLayoutLater() {
+    const auto tell = [this] {
+        if (m_gestures->movesThings() || !std::exchange(m_isLayoutTouched, false)) return;
+        orv::guarded([this] { m_owner->layoutChanged(); });
+    };
+    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
 }
 
 void TorvQDWorkArea::rowsScrolled(TorvQDTable* table) {

@@ -46,13 +46,11 @@ QString answerProblem(const TDataSet& dataSet, const TParams* params) {
     const auto isNameless = [](const auto& item) { return item.Name.isEmpty(); };
     if (std::any_of(dataSet.FieldDefs.begin(), dataSet.FieldDefs.end(), isNameless)) {
         return QStringLiteral(
-            "The program gives this table a field without a name: it is not "
-            "loaded.");
+            "The program gives this table a field without a name: it is not loaded.");
     }
     if (params && std::any_of(params->Items.begin(), params->Items.end(), isNameless)) {
         return QStringLiteral(
-            "The program gives this procedure a parameter without a name: it is "
-            "not loaded.");
+            "The program gives this procedure a parameter without a name: it is not loaded.");
     }
     return {};
 }
@@ -110,7 +108,7 @@ TorvQDTable* FromLoader::loadTable(const TorvQDParser& node) {
     m_readUpTo = std::max(table.end, loseAddition(table));
     std::unique_ptr<TDataSet> dataSet;
     std::unique_ptr<TParams> params;
-    m_area.m_owner->getTableFields(table.lookup, dataSet, params);
+    m_area.m_owner->getTableFields(table.lookup, node.Text(), dataSet, params);
     if (!m_guard) return nullptr;
     if (!dataSet) {
         report(table.start, table.end,

@@ -180,6 +180,7 @@ void Gestures::reset() {
     m_object.clear();
     m_hit = htTOutSide;
     m_pressedRow = -1;
+    m_area.gestureEnded();
 }
 
 void Gestures::end() {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "core/Error.h"
 #include "database/Connection.h"
+#include "support/TestTools.h"
 
 #include <QFile>
 #include <QSqlError>
@@ -14,26 +14,22 @@
 // these report through their results.
 namespace apptest {
 
-/// The text of the orv::Error that the body raises; a text that no error has when it raises none.
-template <typename Body>
-QString errorOf(Body&& body) {
-    try {
-        body();
-    } catch (const orv::Error& error) {
-        return error.Message();
-    }
-    return QStringLiteral("(no error)");
-}
+using orvtest::errorOf;
 
 inline bool writeFile(const QString& path, const QByteArray& content) {
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
 }
 
-/// Runs statements on a database file, which is made when it is missing.
-inline bool runStatements(const QString& path, const QStringList& statements) {
-    orvquery::Connection connection({QStringLiteral("QSQLITE"), path, QString()});
-    if (connection.open().isValid()) return false;
+/// Runs statements on a database; false, with a warning, when one fails.
+inline bool runStatements(const orvquery::ConnectionSettings& settings,
+                          const QStringList& statements) {
+    orvquery::Connection connection(settings);
+    const QSqlError error = connection.open();
+    if (error.isValid()) {
+        qWarning("%s", qPrintable(error.text()));
+        return false;
+    }
     QSqlQuery query(connection.database());
     for (const QString& statement : statements) {
         if (!query.exec(statement)) {
@@ -44,12 +40,22 @@ inline bool runStatements(const QString& path, const QStringList& statements) {
     return true;
 }
 
-/// The first value of a query on a database file; an invalid variant when it fails.
-inline QVariant valueOf(const QString& path, const QString& statement) {
-    orvquery::Connection connection({QStringLiteral("QSQLITE"), path, QString()});
+/// Runs statements on a database file, which is made when it is missing.
+inline bool runStatements(const QString& path, const QStringList& statements) {
+    return runStatements({QStringLiteral("QSQLITE"), path, QString()}, statements);
+}
+
+/// The first value of a query; an invalid variant when it fails.
+inline QVariant valueOf(const orvquery::ConnectionSettings& settings, const QString& statement) {
+    orvquery::Connection connection(settings);
     if (connection.open().isValid()) return {};
     QSqlQuery query(connection.database());
     return query.exec(statement) && query.next() ? query.value(0) : QVariant();
+}
+
+/// The same on a database file.
+inline QVariant valueOf(const QString& path, const QString& statement) {
+    return valueOf({QStringLiteral("QSQLITE"), path, QString()}, statement);
 }
 
 }  // namespace apptest

@@ -1,22 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "AppTestTools.h"
-#include "FirebirdTestTools.h"
-#include "data/ProcessName.h"
-#include "data/SqlText.h"
-#include "database/FirebirdTypes.h"
-#include "database/OpenDatabase.h"
-#include "database/RunQuery.h"
-#include "parameters/ParameterText.h"
-#include "querybuilder/ORVQDWindow.h"
-#include "tables/Host.h"
+#include "FirebirdShop.h"
+#include "database/ServerErrors.h"
+#include "values/ValueText.h"
 #include "window/QueryRunner.h"
-#include "workarea/ORVQDSProc.h"
 
-#include <QDateTime>
 #include <QElapsedTimer>
-#include <QRegularExpression>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 
 #ifdef Q_OS_UNIX
 #include <csignal>
@@ -24,129 +13,48 @@
 
 using namespace orvquery;
 
-namespace {
-
-constexpr int manyParameters = 200;
-
-QString manyProcedure() {
-    QStringList parameters;
-    QStringList sum;
-    for (int number = 1; number <= manyParameters; ++number) {
-        parameters += QStringLiteral("P%1 INTEGER").arg(number);
-        sum += QStringLiteral(":P%1").arg(number);
-    }
-    return QStringLiteral(
-               "CREATE PROCEDURE MANY (%1) RETURNS (TOTAL BIGINT) AS BEGIN "
-               "TOTAL = %2; SUSPEND; END^\n")
-        .arg(parameters.join(QStringLiteral(", ")), sum.join(QStringLiteral(" + ")));
-}
-
-const char* const script = R"(
-CREATE TABLE ORDERS (ID INTEGER NOT NULL PRIMARY KEY, "Order Date" DATE, TOTAL DECIMAL(8,2),
-    NOTE BLOB SUB_TYPE TEXT, PHOTO BLOB, PLACED TIMESTAMP, AT_TIME TIME, PAID BOOLEAN, BIG BIGINT,
-    RATIO DOUBLE PRECISION, SMALL SMALLINT, CODE CHAR(5), CITY VARCHAR(20))^
-CREATE TABLE "lower" ("ORDER" INTEGER, "a.b" VARCHAR(5))^
-CREATE VIEW BIG_ORDERS AS SELECT ID FROM ORDERS WHERE TOTAL > 5^
-CREATE DOMAIN D_NAME AS VARCHAR(10) DEFAULT 'nobody'^
-CREATE PROCEDURE SERIES (LOW INTEGER, HIGH INTEGER = 3) RETURNS (N INTEGER, SQUARE BIGINT) AS
-BEGIN N = LOW; WHILE (N <= HIGH) DO BEGIN SQUARE = N * N; SUSPEND; N = N + 1; END END^
-CREATE PROCEDURE ONES RETURNS (N INTEGER) AS BEGIN N = 1; SUSPEND; SUSPEND; END^
-CREATE PROCEDURE "Odd proc" ("my param" VARCHAR(20), "SELECT" INTEGER, "***" DATE,
-    WHO D_NAME, FLAG BOOLEAN = TRUE, QUOTED VARCHAR(9) DEFAULT 'it''s', NOTHING INTEGER = NULL,
-    PRICE NUMERIC(9,2) = -1.5)
-RETURNS ("Out put" VARCHAR(60), D DATE, YES BOOLEAN) AS
-BEGIN "Out put" = "my param" || '/' || COALESCE("SELECT", 'null') || '/' || WHO || '/' || QUOTED
-    || '/' || PRICE;
-    D = "***"; YES = FLAG; SUSPEND; END^
-CREATE PROCEDURE DEFAULTS (D DATE = CURRENT_DATE, FLAG BOOLEAN DEFAULT TRUE,
-    WHO VARCHAR(60) = CURRENT_USER, ODD INTEGER = 5 /* five */)
-RETURNS (R VARCHAR(60)) AS
-BEGIN R = IIF(D = CURRENT_DATE, 'today', D) || '/' || FLAG || '/' ||
-    IIF(WHO = CURRENT_USER, 'me', WHO) || '/' || ODD;
-    SUSPEND; END^
-CREATE PROCEDURE MOMENTS (S TIMESTAMP, D DATE, T TIME) RETURNS (S2 TIMESTAMP, D2 DATE, T2 TIME) AS
-BEGIN S2 = S; D2 = D; T2 = T; SUSPEND; END^
-CREATE PROCEDURE NO_ROWS (A INTEGER) RETURNS (N INTEGER) AS BEGIN N = A; END^
-CREATE PROCEDURE WRITES RETURNS (N INTEGER) AS
-BEGIN INSERT INTO ORDERS (ID) VALUES (99); N = 1; SUSPEND; END^
-CREATE PROCEDURE ENDLESS RETURNS (N INTEGER) AS
-BEGIN N = 0; WHILE (1 = 1) DO N = MOD(N + 1, 1000); SUSPEND; END^
-COMMIT^
-INSERT INTO ORDERS (ID, "Order Date", TOTAL, NOTE, PAID, CITY)
-    VALUES (1, '2024-01-31', 10.50, 'größer', TRUE, 'Zürich')^
-INSERT INTO ORDERS (ID, TOTAL, PAID, CITY) VALUES (2, 3, FALSE, '')^
-)";
-
-}  // namespace
-
 // Databases of Firebird's embedded engine.
-class TestFirebird : public QObject {
+class TestFirebird : public QObject, protected apptest::FirebirdShop {
     Q_OBJECT
 
 private Q_SLOTS:
     void initTestCase();
-    void init();
-    void cleanup() { lReservedWords().clear(); }
-    void cleanupTestCase() { m_database.reset(); }
+    void init() { begin(); }
+    void cleanup() { end(); }
+    void cleanupTestCase() { tearDown(); }
 
     void opensFilesAndAddresses();
+    void roleIsTaken();
     void filesThatAreNoDatabase();
+    void serversThatRefuse_data();
+    void serversThatRefuse();
+    void serverThatIsDown();
     void catalog();
+    void parametersThatCannotBeRead();
     void columns();
-    void parameters();
-    void defaults_data();
-    void defaults();
-    void expressionDefaultsRun();
     void find_data();
     void find();
     void rows();
+    void blobs();
+    void decimals();
     void placeholders();
-    void procedureBoxRuns_data();
-    void procedureBoxRuns();
-    void momentsArePassed();
-    void manyParametersRun();
     void nothingIsWritten();
     void signalsEndTheProgram();
     void errorsAreTold();
     void endlessQueryStops();
     void reservedWordsAreRefused();
 
-private:
-    [[nodiscard]] std::unique_ptr<Database> open() const { return openDatabase(m_path); }
-    [[nodiscard]] RowCollector run(const QString& statement,
-                                   const PlaceholderValues& values = {}) const;
-
 #ifdef Q_OS_UNIX
+private:
     struct sigaction m_terminate = {};  ///< as it was before the engine was loaded
 #endif
-    QTemporaryDir m_folder;
-    QString m_path;
-    std::unique_ptr<Database> m_database;  ///< keeps the engine's own state of the file alive
 };
 
 void TestFirebird::initTestCase() {
-    const QString missing = firebirdtest::whatIsMissing();
-    if (!missing.isEmpty()) QSKIP(qPrintable(missing));
-    firebirdtest::setLockFolder(m_folder.path());
-    m_path = m_folder.filePath(QStringLiteral("shop.fdb"));
-    QVERIFY(firebirdtest::makeDatabase(m_path, QString::fromUtf8(script) + manyProcedure()));
 #ifdef Q_OS_UNIX
     sigaction(SIGTERM, nullptr, &m_terminate);
 #endif
-    m_database = open();
-}
-
-void TestFirebird::init() {
-    QTest::failOnWarning(
-        QRegularExpression(QStringLiteral("^(?!This plugin does not support propagateSizeHints)")));
-}
-
-RowCollector TestFirebird::run(const QString& statement, const PlaceholderValues& values) const {
-    RowCollector rows(1000);
-    Connection connection(m_database->settings());
-    if (connection.open().isValid()) return rows;
-    runQuery(connection.database(), statement, rows, values);
-    return rows;
+    setUp();
 }
 
 void TestFirebird::opensFilesAndAddresses() {
@@ -160,6 +68,18 @@ void TestFirebird::opensFilesAndAddresses() {
     const QString sqlite = m_folder.filePath(QStringLiteral("sqlite.fdb"));
     QVERIFY(apptest::runStatements(sqlite, {"CREATE TABLE t (x)"}));
     QVERIFY(openDatabase(sqlite)->describe(QStringLiteral("t")));
+}
+
+void TestFirebird::roleIsTaken() {
+    const auto database = openDatabase(QStringLiteral("firebird://") + m_path +
+                                       QStringLiteral("?isc_dpb_sql_role_name=READERS"));
+    Connection connection(database->settings());
+    QVERIFY(!connection.open().isValid());
+    QSqlQuery query(connection.database());
+    QVERIFY(query.exec(QStringLiteral("SELECT TRIM(CURRENT_ROLE), 'größer' FROM RDB$DATABASE")));
+    QVERIFY(query.next());
+    QCOMPARE(query.value(0).toString(), QStringLiteral("READERS"));
+    QCOMPARE(query.value(1).toString().trimmed(), QStringLiteral("größer"));
 }
 
 void TestFirebird::filesThatAreNoDatabase() {
@@ -177,21 +97,117 @@ void TestFirebird::filesThatAreNoDatabase() {
     QVERIFY(!QFile::exists(none));
 }
 
+void TestFirebird::serversThatRefuse_data() {
+    QTest::addColumn<QString>("user");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("sentence");
+    QTest::addColumn<bool>("isLogin");
+    const char* const refused =
+        "Your user name and password are not defined. Ask your database administrator to set up "
+        "a Firebird login.";
+    QTest::newRow("password") << "ada" << refused
+                              << "The server at db.example.org:3050 refuses the user \"ada\" with "
+                                 "this password."
+                              << true;
+    QTest::newRow("nobody") << "" << refused
+                            << "The server at db.example.org:3050 wants a user and a password."
+                            << true;
+    QTest::newRow("login ends")
+        << "ada"
+        << "Error occurred during login, please check server firebird.log for details"
+        << "The server at db.example.org:3050 refuses the user \"ada\" with this password." << true;
+    QTest::newRow("no server")
+        << "ada"
+        << "Unable to complete network request to host \"db.example.org\". - Failed to establish "
+           "a connection."
+        << "No server answers at db.example.org:3050." << false;
+    QTest::newRow("no host")
+        << "ada"
+        << "Unable to complete network request to host \"db.example.org\". - Failed to locate "
+           "host machine. - The specified name was not found in the hosts file or Domain Name "
+           "Services."
+        << "No host of that name is known: db.example.org:3050." << false;
+    QTest::newRow("no database")
+        << "ada"
+        << "I/O error during \"open\" operation for file \"shop\" - Error while trying to open "
+           "file - No such file or directory"
+        << "The server at db.example.org:3050 has no database \"shop\"." << false;
+    QTest::newRow("anything else")
+        << "ada"
+        << "unsupported on-disk structure"
+        << "The database \"shop\" at db.example.org:3050 cannot be opened: unsupported on-disk "
+           "structure."
+        << false;
+}
+
+// The driver has the code -902 for each of them.
+void TestFirebird::serversThatRefuse() {
+    QFETCH(QString, user);
+    QFETCH(QString, text);
+    QFETCH(QString, sentence);
+    QFETCH(bool, isLogin);
+    DatabaseAddress address;
+    address.scheme = QStringLiteral("firebird");
+    address.host = QStringLiteral("db.example.org");
+    address.database = QStringLiteral("shop");
+    address.user = user;
+    address.password = QStringLiteral("wrong");
+    const QSqlError error(QStringLiteral("Error opening database"), text,
+                          QSqlError::ConnectionError, QStringLiteral("-902"));
+    bool isLoginError = false;
+    const QString found = apptest::errorOf([&] {
+        try {
+            failToOpen(error, address, 3050);
+        } catch (const LoginError&) {
+            isLoginError = true;
+            throw;
+        }
+    });
+    QCOMPARE(found, sentence);
+    QCOMPARE(isLoginError, isLogin);
+}
+
+void TestFirebird::serverThatIsDown() {
+    QCOMPARE(
+        apptest::errorOf([] { (void)openDatabase(QStringLiteral("firebird://u@127.0.0.1:1/x")); }),
+        QStringLiteral("No server answers at 127.0.0.1:1."));
+}
+
 void TestFirebird::catalog() {
     QStringList found;
     for (const TableEntry& entry : open()->tables()) {
         found +=
             entry.name + QStringLiteral(" %1 %2").arg(int(entry.kind)).arg(entry.parameters.size());
     }
-    QCOMPARE(found, (QStringList{"BIG_ORDERS 1 0", "DEFAULTS 2 4", "ENDLESS 2 0", "lower 0 0",
-                                 "MANY 2 200", "MOMENTS 2 3", "Odd proc 2 8", "ONES 2 0",
-                                 "ORDERS 0 0", "SERIES 2 2", "WRITES 2 0"}));
+    QCOMPARE(found, (QStringList{"BIG_ORDERS 1 0", "BLOBS 0 0", "DEFAULTS 2 4", "ENDLESS 2 0",
+                                 "lower 0 0", "MANY 2 200", "MOMENTS 2 3", "Odd proc 2 8",
+                                 "ONES 2 0", "ORDERS 0 0", "SERIES 2 2", "WRITES 2 0"}));
+}
+
+// Without them a procedure would be called in a wrong way.
+void TestFirebird::parametersThatCannotBeRead() {
+    const QString path = m_folder.filePath(QStringLiteral("broken.fdb"));
+    QVERIFY(firebirdtest::makeDatabase(
+        path, "CREATE PROCEDURE P (BROKENAME INTEGER) RETURNS (N INTEGER) AS BEGIN SUSPEND; END^"));
+    QCOMPARE(openDatabase(path)->tables().size(), 1U);
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    QVERIFY(bytes.contains("BROKENAME"));
+    // No letter in UTF-8, in which names are kept.
+    const QString copy = m_folder.filePath(QStringLiteral("broken copy.fdb"));
+    QVERIFY(apptest::writeFile(copy, QByteArray(bytes).replace("BROKENAME",
+                                                               "BROKE\xf6"
+                                                               "AME")));
+    const QString error = apptest::errorOf([&] { (void)openDatabase(copy)->tables(); });
+    const QString beginning = QStringLiteral("The tables of \"broken copy.fdb\" cannot be read: ");
+    QVERIFY2(error.startsWith(beginning), qPrintable(error));
 }
 
 void TestFirebird::columns() {
     const auto texts = [this](const char* table) {
         QStringList result;
-        const auto description = open()->describe(QLatin1String(table));
+        const auto description = open()->describe(QString::fromLatin1(table));
         for (const TFieldDef& field : description->columns.FieldDefs) {
             result += field.Name + u' ' + orv::fieldTypeIdentifier(field.DataType);
         }
@@ -205,69 +221,6 @@ void TestFirebird::columns() {
     QCOMPARE(texts("lower"), (QStringList{"ORDER ftInteger", "\"a.b\" ftString"}));
     QCOMPARE(texts("SERIES"), (QStringList{"N ftInteger", "SQUARE ftLargeint"}));
     QCOMPARE(texts("BIG_ORDERS"), QStringList{"ID ftInteger"});
-}
-
-void TestFirebird::parameters() {
-    const auto description = open()->describe(QStringLiteral("Odd proc"));
-    QStringList found;
-    for (const TParam& parameter : description->parameters->Items) {
-        const QVariant& value = parameter.Value;
-        found += parameter.Name + u' ' + orv::fieldTypeIdentifier(parameter.DataType) + u' ' +
-                 (!value.isValid() ? QStringLiteral("-")
-                  : value.isNull() ? QStringLiteral("NULL")
-                                   : parameterText(value));
-        QCOMPARE(parameter.ParamType, ptInput);
-    }
-    QCOMPARE(found,
-             (QStringList{"my param ftString -", "SELECT ftInteger -", "*** ftDate -",
-                          "WHO ftString nobody", "FLAG ftBoolean TRUE", "QUOTED ftString it's",
-                          "NOTHING ftInteger NULL", "PRICE ftFloat -1.5"}));
-    QVERIFY(!open()->describe(QStringLiteral("ONES"))->parameters);
-    QVERIFY(!open()->describe(QStringLiteral("ORDERS"))->parameters);
-    QCOMPARE(open()->describe(QStringLiteral("MANY"))->parameters->Items.back().Name,
-             QStringLiteral("P200"));
-}
-
-void TestFirebird::defaults_data() {
-    QTest::addColumn<QString>("source");
-    QTest::addColumn<QVariant>("expected");
-    const QVariant sqlNull(QMetaType::fromType<QString>());
-    QTest::newRow("equals") << "= 5" << QVariant(5LL);
-    QTest::newRow("word") << "DEFAULT -7" << QVariant(-7LL);
-    QTest::newRow("fraction") << "default 1.5" << QVariant(1.5);
-    QTest::newRow("text") << "='a''b'" << QVariant("a'b");
-    QTest::newRow("empty text") << "= ''" << QVariant("");
-    QTest::newRow("null") << "= NULL" << sqlNull;
-    const auto sql = [](const char* text) {
-        return QVariant::fromValue(orv::SqlText{QString::fromLatin1(text)});
-    };
-    QTest::newRow("expression") << "= CURRENT_DATE" << sql("CURRENT_DATE");
-    QTest::newRow("word of truth") << "DEFAULT true" << sql("true");
-    QTest::newRow("two texts") << "= 'a' || 'b'" << sql("'a' || 'b'");
-    QTest::newRow("one apostrophe") << "= '" << QVariant();
-    QTest::newRow("comment") << "= 5 /* five */" << QVariant();
-    QTest::newRow("nothing") << "" << QVariant();
-}
-
-void TestFirebird::defaults() {
-    QFETCH(QString, source);
-    QFETCH(QVariant, expected);
-    QCOMPARE(firebirdDefault(source), expected);
-    QCOMPARE(firebirdDefault(source).isValid(), expected.isValid());
-}
-
-// They stand in the call as they stand in the procedure.
-void TestFirebird::expressionDefaultsRun() {
-    const std::unique_ptr<Database> database = open();
-    TorvQueryBuilder builder;
-    builder.setKeepMeaning(true);
-    connectTables(builder, *database);
-    QVERIFY(addTable(builder, *database, QStringLiteral("DEFAULTS")));
-    builder.ListOfTables->Tables(0)->Items.front()->SetCheck(true);
-    const QString statement = builder.GetSQLStatment();
-    QCOMPARE(statement, QStringLiteral("SELECT DEFAULTS.R\r\n"
-                                       "FROM DEFAULTS(CURRENT_DATE, TRUE, CURRENT_USER, :ODD)"));
-    QCOMPARE(run(statement, {{"ODD", 6}}).rows(), (std::vector<Row>{{"today/TRUE/me/6"}}));
 }
 
 void TestFirebird::find_data() {
@@ -312,6 +265,46 @@ void TestFirebird::rows() {
     QVERIFY(!rows.rows()[1][4].isNull());
 }
 
+// Those that are declared as texts are texts; what their bytes look like makes none of the others.
+void TestFirebird::blobs() {
+    const QString text = QString::fromUtf8("größer");
+    const QVariant null = QVariant(QMetaType::fromType<QByteArray>());
+    const auto rows = run("SELECT ID, UTF, LATIN, FOREIGN_TEXT, PLAIN, OCTETS, UTF || '!' AS LOUD, "
+                          "NULLIF(ID, 0), CAST('x' AS BLOB SUB_TYPE BINARY) "
+                          "FROM BLOBS ORDER BY ID")
+                          .rows();
+    QCOMPARE(rows.size(), 4U);
+    QCOMPARE(rows[0], (Row{1, text, text, text, QByteArray("abc"), QByteArray("abc"),
+                           text + QStringLiteral("!"), 1, QByteArray("x")}));
+    QCOMPARE(rows[1], (Row{2, QString(""), QString(""), QString(""), QByteArray(""), QByteArray(""),
+                           QStringLiteral("!"), 2, QByteArray("x")}));
+    for (int column = 1; column <= 6; ++column) {
+        QVERIFY(!rows[1][column].isNull());
+        QVERIFY(rows[2][column].isNull());
+    }
+    // Of no known character set, and not in the one that is expected.
+    QCOMPARE(rows[3][3], QVariant(QByteArray("gr\xf6\xdf")));
+    QCOMPARE(run("SELECT CAST('b' AS BLOB), NOTE FROM ORDERS WHERE ID = 1").rows(),
+             (std::vector<Row>{{QByteArray("b"), text}}));
+}
+
+// As they are written into a file.
+void TestFirebird::decimals() {
+    const auto exact = [this](const char* value) {
+        const auto rows =
+            run(QStringLiteral("SELECT %1 FROM RDB$DATABASE").arg(QLatin1String(value))).rows();
+        return rows.size() == 1 ? exactText(rows[0][0]) : QStringLiteral("(no row)");
+    };
+    QCOMPARE(exact("CAST(0.3 AS NUMERIC(4,1))"), QStringLiteral("0.3"));
+    QCOMPARE(exact("CAST(-0.07 AS DECIMAL(8,2))"), QStringLiteral("-0.07"));
+    QCOMPARE(exact("CAST(0.57 AS DECIMAL(8,2))"), QStringLiteral("0.57"));
+    QCOMPARE(exact("CAST(0.3 AS NUMERIC(18,4))"), QStringLiteral("0.3"));
+    QCOMPARE(exact("CAST(1234567890.1234 AS NUMERIC(18,4))"), QStringLiteral("1234567890.1234"));
+    QCOMPARE(exact("CAST(NULL AS NUMERIC(18,4))"), QString());
+    // These are of double precision themselves.
+    QCOMPARE(exact("CAST(1E-7 AS DOUBLE PRECISION)"), QStringLiteral("1e-07"));
+}
+
 void TestFirebird::placeholders() {
     QCOMPARE(run("SELECT ID FROM ORDERS WHERE ID = :X -- don't\n", {{"X", 2}}).rows(),
              (std::vector<Row>{{2}}));
@@ -330,91 +323,6 @@ void TestFirebird::placeholders() {
                 {{"X", QVariant(QMetaType::fromType<QString>())}})
                 .rows()
                 .empty());
-}
-
-void TestFirebird::procedureBoxRuns_data() {
-    QTest::addColumn<bool>("keepsMeaning");
-    QTest::newRow("meaning kept") << true;
-    QTest::newRow("classic") << false;
-}
-
-// What the box writes, with values of all types and with none, is what the database understands.
-void TestFirebird::procedureBoxRuns() {
-    QFETCH(bool, keepsMeaning);
-    const std::unique_ptr<Database> database = open();
-    TorvQueryBuilder builder;
-    builder.setKeepMeaning(keepsMeaning);
-    connectTables(builder, *database);
-    QVERIFY(addTable(builder, *database, QStringLiteral("Odd proc")));
-    auto* box = qobject_cast<TorvQDSProc*>(builder.ListOfTables->Tables(0));
-    QVERIFY(box != nullptr);
-    const std::vector<TorvQDListItem*> rows = box->parameterRows();
-    QCOMPARE(rows.size(), 8U);
-    for (const auto& item : box->Items) {
-        if (item->ParamType == ptOutput) item->SetCheck(true);
-    }
-    // In the classic way apostrophes would end the text.
-    if (!keepsMeaning) box->setParameter(rows[5], QStringLiteral("its"));
-    box->setParameter(rows[4], QStringLiteral("false"));
-    const QString quoted = keepsMeaning ? QStringLiteral("'it''s'") : QStringLiteral("'its'");
-    QCOMPARE(
-        box->GetParameters(),
-        QStringLiteral(":MY_PARAM, :SELECT, :Par5, 'nobody', 'false', %1, NULL, -1.5").arg(quoted));
-    const RowCollector found =
-        run(builder.GetSQLStatment(),
-            {{"MY_PARAM", "a'b"}, {"SELECT", 3}, {"PAR5", QDate(2024, 2, 29)}});
-    QCOMPARE(found.columns(), (QStringList{"Out put", "D", "YES"}));
-    QCOMPARE(found.rows().size(), 1U);
-    const QString it = keepsMeaning ? QStringLiteral("it's") : QStringLiteral("its");
-    QCOMPARE(found.rows()[0][0].toString(), QStringLiteral("a'b/3/nobody/%1/-1.50").arg(it));
-    QCOMPARE(found.rows()[0][1].toDate(), QDate(2024, 2, 29));
-    QCOMPARE(found.rows()[0][2].toBool(), false);
-
-    builder.Clear();
-    QVERIFY(addTable(builder, *database, QStringLiteral("ONES")));
-    builder.ListOfTables->Tables(0)->Items.front()->SetCheck(true);
-    // With empty brackets the engine would refuse it.
-    QCOMPARE(builder.GetSQLStatment(), QStringLiteral("SELECT ONES.N\r\nFROM ONES"));
-    QCOMPARE(run(builder.GetSQLStatment()).rows(), (std::vector<Row>{{1}, {1}}));
-}
-
-// By placeholder, and as the texts that stand in the box.
-void TestFirebird::momentsArePassed() {
-    const QDateTime moment(QDate(2024, 1, 2), QTime(3, 4, 5));
-    const QDate date(2024, 2, 29);
-    const QTime time(18, 30, 15);
-    const std::vector<RowCollector> found = {
-        run("SELECT S2, D2, T2 FROM MOMENTS(:S, :D, :T)",
-            {{"S", moment}, {"D", date}, {"T", time}}),
-        run(QStringLiteral("SELECT S2, D2, T2 FROM MOMENTS('%1', '%2', '%3')")
-                .arg(parameterText(moment), parameterText(date), parameterText(time)))};
-    for (const RowCollector& rows : found) {
-        QCOMPARE(rows.rows().size(), 1U);
-        QCOMPARE(rows.rows()[0][0].toDateTime(), moment);
-        QCOMPARE(rows.rows()[0][1].toDate(), date);
-        QCOMPARE(rows.rows()[0][2].toTime(), time);
-    }
-}
-
-void TestFirebird::manyParametersRun() {
-    const std::unique_ptr<Database> database = open();
-    TorvQueryBuilder builder;
-    connectTables(builder, *database);
-    QVERIFY(addTable(builder, *database, QStringLiteral("MANY")));
-    auto* box = qobject_cast<TorvQDSProc*>(builder.ListOfTables->Tables(0));
-    builder.ListOfTables->Tables(0)->Items.front()->SetCheck(true);
-    const std::vector<TorvQDListItem*> rows = box->parameterRows();
-    QCOMPARE(rows.size(), std::size_t(manyParameters));
-    // The first half has values, the second is asked for.
-    PlaceholderValues values;
-    for (int index = 0; index < manyParameters; ++index) {
-        if (index < manyParameters / 2) {
-            box->setParameter(rows[std::size_t(index)], index + 1);
-        } else {
-            values.insert(QStringLiteral("P%1").arg(index + 1), index + 1);
-        }
-    }
-    QCOMPARE(run(builder.GetSQLStatment(), values).rows(), (std::vector<Row>{{20100LL}}));
 }
 
 void TestFirebird::nothingIsWritten() {
@@ -455,14 +363,25 @@ void TestFirebird::endlessQueryStops() {
     QueryRunner runner;
     QSignalSpy finished(&runner, &QueryRunner::finished);
     const std::unique_ptr<Database> database = open();
-    runner.start(database->settings(), QStringLiteral("SELECT N FROM ENDLESS"), {}, 10);
+    std::vector<Row> rows;
+    connect(&runner, &QueryRunner::rowsCame, this,
+            [&rows](const std::vector<Row>& batch) { rows = batch; });
+    const auto rowsOf = [&](const char* statement) {
+        return rowsOfQuery(database->settings(), QLatin1String(statement), {});
+    };
+    runner.start(rowsOf("SELECT N FROM ENDLESS"));
     runner.stop();
     QVERIFY(finished.wait(30000));
-    QVERIFY(finished[0][0].value<std::shared_ptr<QueryOutcome>>()->isStopped);
-    runner.start(database->settings(), QStringLiteral("SELECT N FROM ONES"), {}, 10);
+    QVERIFY(finished[0][0].value<QueryOutcome>().end.isStopped);
+    // One that is cut is ended in the same way.
+    runner.start(rowsOf("SELECT N FROM ONES"), {.mostRows = 1});
     QVERIFY(finished.wait(30000));
-    QCOMPARE(finished[1][0].value<std::shared_ptr<QueryOutcome>>()->rows,
-             (std::vector<Row>{{1}, {1}}));
+    QVERIFY(finished[1][0].value<QueryOutcome>().isCut);
+    QCOMPARE(finished[1][0].value<QueryOutcome>().end.error, QString());
+    QCOMPARE(rows, std::vector<Row>{Row{1}});
+    runner.start(rowsOf("SELECT N FROM ONES"));
+    QVERIFY(finished.wait(30000));
+    QCOMPARE(rows, (std::vector<Row>{{1}, {1}}));
 }
 
 // Every word is refused by this version of the engine, or by a later one.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "AppTestTools.h"
 #include "text/Completeness.h"
+#include "window/Contrast.h"
 #include "window/SqlHighlighter.h"
 
 #include <QTextBlock>
@@ -41,6 +42,10 @@ private Q_SLOTS:
     void colours_data();
     void colours();
     void longLinesStayPlain();
+    void contrastIsThatOfTheEye();
+    void coloursCanBeRead_data();
+    void coloursCanBeRead();
+    void readableColoursStay();
     void missingParts();
 };
 
@@ -70,6 +75,43 @@ void TestHighlighter::colours() {
 
 void TestHighlighter::longLinesStayPlain() {
     QCOMPARE(coloured(QStringLiteral("select ") + QString(20000, u'x')), QStringList());
+}
+
+void TestHighlighter::contrastIsThatOfTheEye() {
+    QCOMPARE(contrastRatio(Qt::black, Qt::white), 21.0);
+    QCOMPARE(contrastRatio(Qt::white, Qt::black), 21.0);
+    QCOMPARE(contrastRatio(Qt::red, Qt::red), 1.0);
+    // (1 + 0.05) / (0.2126 + 0.05)
+    QVERIFY(qAbs(contrastRatio(Qt::red, Qt::white) - 3.998) < 0.001);
+}
+
+void TestHighlighter::coloursCanBeRead_data() {
+    QTest::addColumn<QColor>("background");
+    for (const char* name : {"#ffffff", "#fcfcfc", "#efefef", "#c0c0c0", "#808080", "#7f7f7f",
+                             "#505050", "#2d2d2d", "#1e1e1e", "#000000", "#002b36", "#fdf6e3"}) {
+        QTest::newRow(name) << QColor(QLatin1String(name));
+    }
+}
+
+// Also when the background becomes that one later.
+void TestHighlighter::coloursCanBeRead() {
+    QFETCH(QColor, background);
+    QTextDocument document(QStringLiteral("select 'text', 17 -- comment"));
+    SqlHighlighter highlighter(&document, background.lightness() < 128 ? Qt::white : Qt::black);
+    highlighter.setBackground(background);
+    const auto formats = document.firstBlock().layout()->formats();
+    QCOMPARE(formats.size(), 4);
+    for (const QTextLayout::FormatRange& range : formats) {
+        const QColor colour = range.format.foreground().color();
+        QVERIFY2(contrastRatio(background, colour) >= 4.5, qPrintable(colour.name()));
+    }
+}
+
+void TestHighlighter::readableColoursStay() {
+    QCOMPARE(readableOn(Qt::white, QColor(0x1f4e8c)), QColor(0x1f4e8c));
+    QCOMPARE(readableOn(Qt::white, Qt::black), QColor(Qt::black));
+    QVERIFY(contrastRatio(Qt::white, readableOn(Qt::white, Qt::white)) >= 4.5);
+    QVERIFY(contrastRatio(Qt::black, readableOn(Qt::black, Qt::black)) >= 4.5);
 }
 
 void TestHighlighter::missingParts() {

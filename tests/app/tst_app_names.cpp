@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "AppTestTools.h"
 #include "data/ProcessName.h"
+#include "names/BareNames.h"
 #include "names/NameFolding.h"
 
 #include <QRegularExpression>
@@ -76,6 +77,11 @@ private Q_SLOTS:
     void sameName();
     void parts_data();
     void parts();
+    void meant_data();
+    void meant();
+    void bareNamesAreRenamed_data();
+    void bareNamesAreRenamed();
+    void foldingDownHandsLowerCaseOver();
 };
 
 void TestAppNames::reservedWordsAreThoseThatSqliteRefuses() {
@@ -165,23 +171,103 @@ void TestAppNames::sameName() {
 }
 
 void TestAppNames::parts_data() {
+    using Parts = QList<NamePart>;
     QTest::addColumn<QString>("name");
-    QTest::addColumn<QStringList>("expected");
-    QTest::newRow("plain") << "ORDERS" << QStringList{"ORDERS"};
-    QTest::newRow("quoted") << "\"Order Details\"" << QStringList{"Order Details"};
-    QTest::newRow("qualified") << "MAIN.\"Order Details\"" << QStringList{"MAIN", "Order Details"};
-    QTest::newRow("stop in quotes") << "\"a.b\"" << QStringList{"a.b"};
-    QTest::newRow("doubled quote") << "\"a\"\"b\"" << QStringList{"a\"b"};
-    QTest::newRow("blanks around") << "main . orders" << QStringList{"main", "orders"};
-    QTest::newRow("three") << "A.B.C" << QStringList{"A", "B", "C"};
-    QTest::newRow("unmatched quote") << "\"a.b" << QStringList{"\"a.b"};
-    QTest::newRow("empty") << "" << QStringList{""};
+    QTest::addColumn<Parts>("expected");
+    QTest::newRow("plain") << "ORDERS" << Parts{{"ORDERS"}};
+    QTest::newRow("quoted") << "\"Order Details\"" << Parts{{"Order Details", true}};
+    QTest::newRow("quoted, plain") << "\"ORDERS\"" << Parts{{"ORDERS", true}};
+    QTest::newRow("qualified") << "MAIN.\"Order Details\""
+                               << Parts{{"MAIN"}, {"Order Details", true}};
+    QTest::newRow("stop in quotes") << "\"a.b\"" << Parts{{"a.b", true}};
+    QTest::newRow("doubled quote") << "\"a\"\"b\"" << Parts{{"a\"b", true}};
+    QTest::newRow("blanks around") << "main . orders" << Parts{{"main"}, {"orders"}};
+    QTest::newRow("three") << "A.B.C" << Parts{{"A"}, {"B"}, {"C"}};
+    QTest::newRow("unmatched quote") << "\"a.b" << Parts{{"\"a.b"}};
+    QTest::newRow("empty") << "" << Parts{{""}};
 }
 
 void TestAppNames::parts() {
     QFETCH(QString, name);
-    QFETCH(QStringList, expected);
+    QFETCH(QList<NamePart>, expected);
     QCOMPARE(nameParts(name), expected);
+}
+
+void TestAppNames::meant_data() {
+    using Unquoted = NameFolding::Unquoted;
+    QTest::addColumn<int>("rule");
+    QTest::addColumn<QString>("inStatement");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("expected");
+    const auto row = [](const char* title, Unquoted rule, const char* inStatement, const char* name,
+                        bool expected) {
+        QTest::newRow(title) << int(rule) << inStatement << name << expected;
+    };
+    row("ignored", Unquoted::IgnoresCase, "ORDERS", "Orders", true);
+    row("ignored, quoted", Unquoted::IgnoresCase, "\"oRDERS\"", "Orders", true);
+    row("up", Unquoted::FoldsUp, "orders", "ORDERS", true);
+    row("up, other", Unquoted::FoldsUp, "ORDERS", "orders", false);
+    row("up, quoted", Unquoted::FoldsUp, "\"orders\"", "orders", true);
+    row("down", Unquoted::FoldsDown, "ORDERS", "orders", true);
+    row("down, upper name", Unquoted::FoldsDown, "ORDERS", "ORDERS", false);
+    row("down, quoted upper name", Unquoted::FoldsDown, "\"ORDERS\"", "ORDERS", true);
+    row("down, quoted", Unquoted::FoldsDown, "\"ORDERS\"", "orders", false);
+    row("kept", Unquoted::KeepsCase, "orders", "orders", true);
+    row("kept, other", Unquoted::KeepsCase, "ORDERS", "orders", false);
+}
+
+void TestAppNames::meant() {
+    QFETCH(int, rule);
+    QFETCH(QString, inStatement);
+    QFETCH(QString, name);
+    const NameFolding folding(NameFolding::Unquoted(rule), {});
+    QTEST(folding.isMeant(nameParts(inStatement).front(), name, NameFolding::Of::Table),
+          "expected");
+}
+
+void TestAppNames::foldingDownHandsLowerCaseOver() {
+    const NameFolding folding(NameFolding::Unquoted::FoldsDown, {QStringLiteral("USER")});
+    QCOMPARE(folding.handedOver(QStringLiteral("orders")), QStringLiteral("ORDERS"));
+    QCOMPARE(folding.handedOver(QStringLiteral("Orders")), QStringLiteral("Orders"));
+    // The control would write it without quotes, and the database would look for "orders".
+    QCOMPARE(folding.handedOver(QStringLiteral("ORDERS")), QStringLiteral("\"ORDERS\""));
+    QCOMPARE(folding.plainAlias(QStringLiteral("Orders")), QStringLiteral("ORDERS"));
+    QCOMPARE(folding.plainAlias(QStringLiteral("user")), QString());
+    QCOMPARE(folding.plainAlias(QStringLiteral("order details")), QString());
+}
+
+void TestAppNames::bareNamesAreRenamed_data() {
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("expected");
+    const auto row = [](const char* text, const char* expected) {
+        QTest::newRow(text) << QString::fromLatin1(text) << QString::fromLatin1(expected);
+    };
+    row("ID", "T.ID");
+    row("\"my id\"", "T.\"my id\"");
+    row("\"a\"\"b\"", "T.\"a\"\"b\"");
+    row("LOWER(ID) || ID", "LOWER(T.ID) || T.ID");
+    row("'ID it''s ID'", "'ID it''s ID'");
+    row("U.ID + ID.X", "U.ID + ID.X");
+    row(":ID", ":ID");
+    row("ID(1)", "ID(1)");
+    row("ID '2024-01-31'", "ID '2024-01-31'");
+    row("INTERVAL '1' ID", "INTERVAL '1' ID");
+    row("CAST(OTHER AS ID)", "CAST(OTHER AS ID)");
+    row("EXTRACT(ID FROM ID)", "EXTRACT(ID FROM T.ID)");
+    row("SELECT ID FROM U", "SELECT ID FROM U");
+    row("ID IN (SELECT ID FROM (U)) OR (ID = 1)", "T.ID IN (SELECT ID FROM (U)) OR (T.ID = 1)");
+    row("", "");
+}
+
+void TestAppNames::bareNamesAreRenamed() {
+    QFETCH(QString, text);
+    QFETCH(QString, expected);
+    const QStringList known = {QStringLiteral("ID"), QStringLiteral("\"my id\""),
+                               QStringLiteral("\"a\"\"b\"")};
+    const auto renamed = [&](const QString& name) {
+        return known.contains(name) ? QStringLiteral("T.") + name : QString();
+    };
+    QCOMPARE(withBareNamesRenamed(text, renamed), expected);
 }
 
 QTEST_GUILESS_MAIN(TestAppNames)

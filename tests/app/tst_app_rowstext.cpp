@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "AppTestTools.h"
 #include "batch/RowsText.h"
-#include "database/ValueText.h"
+#include "values/ValueText.h"
 
 #include <QBuffer>
 #include <QJsonArray>
@@ -38,6 +38,7 @@ private Q_SLOTS:
     void longTableIsCut();
     void csv();
     void csvTellsNullFromEmptyText();
+    void tsv();
     void json();
     void jsonWithoutRows();
     void jsonKeysAreUnique();
@@ -88,6 +89,16 @@ void TestRowsText::csv() {
 void TestRowsText::csvTellsNullFromEmptyText() {
     QCOMPARE(written(RowFormat::Csv, {"a", "b", "c"}, {{null, QString(""), null}}),
              QByteArray("a,b,c\r\n,\"\",\r\n"));
+    QCOMPARE(written(RowFormat::Csv, {"a"}, {{QByteArray("")}}), QByteArray("a\r\n\"\"\r\n"));
+}
+
+void TestRowsText::tsv() {
+    QCOMPARE(written(RowFormat::Tsv, {"a", "b\tc", "d"},
+                     {{1, "x, y", null},
+                      {"", "tab\there", "say \"no\""},
+                      {"two\nlines", 2.5, QByteArray("z")}}),
+             QByteArray("a\t\"b\tc\"\td\n1\tx, y\t\n\"\"\t\"tab\there\"\t\"say \"\"no\"\"\"\n"
+                        "\"two\nlines\"\t2.5\t7a\n"));
 }
 
 void TestRowsText::json() {
@@ -114,6 +125,9 @@ void TestRowsText::jsonTextsComeBack() {
     const QJsonObject row = QJsonDocument::fromJson(json).array().at(0).toObject();
     QCOMPARE(row.value(text).toString(), text);
     QVERIFY(json.contains("\"n\": \"Infinity\""));
+    QVERIFY(written(RowFormat::Json, {"n", "b"},
+                    {{std::numeric_limits<double>::quiet_NaN(), QByteArray("\x01\xab")}})
+                .contains("{\"n\": \"NaN\", \"b\": \"01ab\"}"));
 }
 
 void TestRowsText::numbers() {

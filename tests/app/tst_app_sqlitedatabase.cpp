@@ -194,7 +194,7 @@ void TestSqliteDatabase::find() {
 void TestSqliteDatabase::columns() {
     const auto texts = [this](const char* table) {
         QStringList result;
-        const auto description = SqliteDatabase(m_path).describe(QLatin1String(table));
+        const auto description = SqliteDatabase(m_path).describe(QString::fromLatin1(table));
         for (const TFieldDef& field : description->columns.FieldDefs) {
             result += field.Name + u' ' + orv::fieldTypeIdentifier(field.DataType);
         }
@@ -272,7 +272,7 @@ void TestSqliteDatabase::tableHidesFunction() {
         ++count;
     }
     QCOMPARE(count, 1);
-    QVERIFY(!database.describe("json_each")->parameters);
+    QVERIFY(!database.describe(QStringLiteral("json_each"))->parameters);
 }
 
 void TestSqliteDatabase::functionsRunWithPlaceholders() {

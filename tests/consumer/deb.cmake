@@ -56,6 +56,18 @@ foreach(name IN LISTS names)
         message(FATAL_ERROR "It does not need Qt SQL and its driver")
     endif()
 endforeach()
+if("application" IN_LIST CPACK_COMPONENTS_ALL)
+    foreach(file IN ITEMS bin/orvquery share/man/man1/orvquery.1.gz
+            share/applications/orvquery.desktop share/mime/packages/orvquery.xml
+            share/icons/hicolor/scalable/apps/orvquery.svg
+            share/icons/hicolor/scalable/mimetypes/application-x-orvquery+json.svg
+            share/bash-completion/completions/orvquery share/zsh/vendor-completions/_orvquery
+            share/fish/vendor_completions.d/orvquery.fish)
+        if(NOT EXISTS "${root}/usr/${file}")
+            message(FATAL_ERROR "orvquery lacks ${file}")
+        endif()
+    endforeach()
+endif()
 build_host("${CMAKE_CURRENT_LIST_DIR}/host" "${SCRATCH_DIR}/host"
     "-DCMAKE_PREFIX_PATH=${root}/usr" "-DEXPECTED_PREFIX=${root}/usr")
 run_host("${SCRATCH_DIR}/host")

@@ -92,9 +92,9 @@ private Q_SLOTS:
         const QList<QAction*> items = openRowMenu(on, "1.");
         QStringList captions;
         for (const QAction* item : items) captions << (item->isSeparator() ? "-" : item->text());
-        QCOMPARE(captions,
-                 QStringList({"Add condition", "Make compose condition", "Delete condition", "-",
-                              "Expand condition", "-", "Duplicate condition", "Copy", "Paste"}));
+        QCOMPARE(captions, QStringList({"Add condition", "Make compose condition",
+                                        "Delete condition", "-", "Expand condition", "-",
+                                        "Duplicate condition", "Copy", "Paste", "Mute condition"}));
         const QList<QKeySequence> keys = {QKeySequence("Ctrl+D"), QKeySequence("Ctrl+C"),
                                           QKeySequence("Ctrl+V")};
         for (int index = 0; index < 3; ++index) {

@@ -296,9 +296,9 @@ private Q_SLOTS:
     void menuDependsOnThePlace() {
         const Diagram on({{150, 80}});
         QCOMPARE(on.menuTexts({150, 80}, htTPoint),
-                 QStringList({"Delete point", "-", "Delete link", "Property"}));
+                 QStringList({"Delete point", "-", "Delete link", "Property", "Mute link"}));
         QCOMPARE(on.menuTexts({200, 55}, htTClient),
-                 QStringList({"Insert point", "-", "Delete link", "Property"}));
+                 QStringList({"Insert point", "-", "Delete link", "Property", "Mute link"}));
         for (const TTableHitTest hit : {htTEndLine, htTOutSide, htTCaption}) {
             QCOMPARE(on.menuTexts({100, 29}, hit), QStringList());
         }

@@ -13,6 +13,18 @@
 
 namespace orvtest {
 
+/// An operator for two operands, which is shown by its name.
+inline TorvQDOperator operatorOf(const QString& name, const QString& prefix, const QString& relate,
+                                 const QString& postfix) {
+    TorvQDOperator entry;
+    entry.Name = name;
+    entry.Caption = name;
+    entry.Prefix = prefix;
+    entry.Relate = relate;
+    entry.Postfix = postfix;
+    return entry;
+}
+
 /// The operator dialog on the screen, and a user with a mouse and a keyboard at it.
 class OpersUser {
 public:

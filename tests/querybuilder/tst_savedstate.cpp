@@ -403,6 +403,21 @@ private Q_SLOTS:
         QVERIFY(!on.proc("P")->parameterRows().front()->Checked);
     }
 
+    void linkOfWhatIsPutInIsRestored() {
+        HostedBuilder on;
+        on.host.addProc("P", {"A"}, TParams({{"X", ftString, ptInput}}));
+        on.addProc("P");
+        on.addTable("T");
+        TorvQDTable* proc = on.table("P");
+        TorvQDTable* table = on.table("T");
+        (void)on.builder.WorkArea->AddLink(proc, table, proc->GetFieldItem("X"),
+                                           table->GetFieldItem("A"));
+        const QByteArray state = on.builder.SaveState();
+        on.builder.RestoreState(state);
+        QCOMPARE(on.builder.WorkArea->Links().size(), 1U);
+        QCOMPARE(on.builder.SaveState(), state);
+    }
+
     void textThatIsNoJsonIsRefused() {
         HostedBuilder on;
         on.builder.LoadSQL("select t.a from t");

@@ -153,6 +153,27 @@ private Q_SLOTS:
         QCOMPARE(orvtest::visibleState(on.builder), before);
     }
 
+    // Databases that fold names tell "T" from T; the event's own name has no quotes.
+    void hostIsToldTheNameWithItsQuotes() {
+        HostedBuilder on;
+        QStringList names;
+        QStringList written;
+        on.builder.OnGetTableFields = [&](const QString& name, std::unique_ptr<TDataSet>& dataSet,
+                                          std::unique_ptr<TParams>&) {
+            names << name;
+            written << on.builder.TableAsWritten();
+            dataSet = std::make_unique<TDataSet>(TFieldDefs{{"A"}});
+        };
+        on.builder.LoadSQL("select 1 from t, \"T\" b, s.\"order lines\" c, \"a.b\" d");
+        QCOMPARE(names, QStringList({"T", "T", "S.order lines", "a.b"}));
+        QCOMPARE(written, QStringList({"T", "\"T\"", "S.\"order lines\"", "\"a.b\""}));
+        QCOMPARE(on.builder.TableAsWritten(), QString());
+        on.builder.OnGetTableFields = [](const QString&, std::unique_ptr<TDataSet>&,
+                                         std::unique_ptr<TParams>&) { throw orv::Error("gone"); };
+        QCOMPARE(orvtest::errorOf([&] { on.builder.LoadSQL("select 1 from t"); }), "gone");
+        QCOMPARE(on.builder.TableAsWritten(), QString());
+    }
+
     // The report is about the last call, and that has loaded nothing.
     void refusalEmptiesTheReport() {
         HostedBuilder on;

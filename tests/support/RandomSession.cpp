@@ -21,6 +21,7 @@ namespace orvtest {
 namespace {
 
 constexpr int loggedEvents = 20;
+constexpr int undoLimit = 20;
 constexpr int mostPicturePx = 2000;
 
 QString textOf(const QPoint& point) {
@@ -93,6 +94,8 @@ RandomSession::RandomSession(quint32 seed)
         }
     };
     area().installEventFilter(this);
+    m_undoStack.setUndoLimit(undoLimit);
+    m_recorder = std::make_unique<orv::UndoRecorder>(&m_on.builder, &m_undoStack);
     QObject::connect(&m_on.builder, &TorvQueryBuilder::StatementChanged, this,
                      [this] { disturbAtChange(); });
     m_on.builder.resize(900, 650);
@@ -130,7 +133,7 @@ QString RandomSession::step() {
         {3, &Session::zoom},       {1, &Session::arrangeOrFit}, {2, &Session::changeOption},
         {4, &Session::tick},       {3, &Session::changeGrid},   {6, &Session::addLinks},
         {3, &Session::callBox},    {1, &Session::keepMeaning},  {1, &Session::foreignDrag},
-        {150, &Session::usePages},
+        {2, &Session::undo},       {150, &Session::usePages},
     };
     int sum = 0;
     for (const Action& action : actions) sum += action.weight;
@@ -145,7 +148,11 @@ QString RandomSession::step() {
     if (error != "(no error)") note("  raised: " + error);
     for (const QString& text : std::as_const(m_services.errors)) note("  error: " + text);
     settle();
-    if (std::exchange(m_isSpoilt, false)) clearAll();
+    m_everLoose += m_loose;
+    if (std::exchange(m_isSpoilt, false)) {
+        clearAll();
+        m_recorder->reset();
+    }
     if (!m_complaint.isEmpty()) return m_complaint;
     if (!m_pages.complaint().isEmpty()) return m_pages.complaint();
     watchTicks(before, unknown);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "meaning/Dice.h"
+#include "querybuilder/ORVQDUndo.h"
 #include "support/BuilderTools.h"
 #include "support/PageHand.h"
 
@@ -9,6 +10,7 @@
 #include <QPointer>
 #include <QSet>
 #include <QStringList>
+#include <QUndoStack>
 
 #include <functional>
 #include <vector>
@@ -71,6 +73,7 @@ private:
     void clearAll();
     void load();
     void restore();
+    void undo();
     void zoom();
     void arrangeOrFit();
     void changeOption();
@@ -111,6 +114,8 @@ private:
 
     Dice m_dice;
     HostedBuilder m_on;
+    QUndoStack m_undoStack;
+    std::unique_ptr<orv::UndoRecorder> m_recorder;
     PageHand m_pages;
     RecordedServices m_services;
     orv::DragRunner m_oldDrags;
@@ -124,7 +129,8 @@ private:
     bool m_isSpoilt = false;  // all begins anew after this event
     QList<Saved> m_states;    // saved on the way
     QSet<QString> m_loose;    // fields whose tick and column need not agree
-    int m_disturbances = 0;   // how often the host did something inside of an event
+    QSet<QString> m_everLoose;
+    int m_disturbances = 0;  // how often the host did something inside of an event
     bool m_isDisturbing = false;
 };
 

@@ -109,6 +109,26 @@ void RandomSession::restore() {
     m_on.builder.RestoreState(saved.state);
 }
 
+// What was undone and redone is as it was, and any step may be the one that is left.
+void RandomSession::undo() {
+    m_recorder->record();
+    if (!m_undoStack.canUndo()) return;
+    note("undo " + m_undoStack.undoText());
+    m_loose += m_everLoose;
+    const QByteArray before = orv::editedState(m_on.builder);
+    const int disturbances = m_disturbances;
+    m_undoStack.undo();
+    m_undoStack.redo();
+    const bool isAsBefore = orv::editedState(m_on.builder) == before;
+    if (!isAsBefore && m_services.errors.isEmpty() && m_disturbances == disturbances) {
+        m_complaint = "what was undone and redone is not as it was";
+    }
+    for (int steps = m_dice.below(4); steps > 0 && m_undoStack.canUndo(); --steps) {
+        m_undoStack.undo();
+    }
+    if (m_dice.chance(30)) m_undoStack.redo();
+}
+
 void RandomSession::zoom() {
     const qreal zoom = m_dice.chance(50) ? 1 : m_dice.between(20, 420) / 100.0;
     note(QStringLiteral("zoom %1").arg(zoom));
@@ -326,7 +346,8 @@ QString RandomSession::brokenState() {
     HostedBuilder other(m_on.builder.KeepMeaning());
     other.builder.setWorkAreaOptions(*m_on.builder.WorkAreaOptions);
     other.builder.setOperators(*m_on.builder.Operators);
-    other.builder.RestoreState(saved);
+    const QString error = errorOf([&] { other.builder.RestoreState(saved); });
+    if (error != "(no error)") return "the saved state cannot be read: " + error;
     const QStringList before = stateLines(saved);
     const QStringList after = stateLines(other.builder.SaveState());
     if (after == before) return brokenWayBack(saved);

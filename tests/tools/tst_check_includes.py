@@ -57,6 +57,18 @@ class CheckIncludes(unittest.TestCase):
         self.assert_refused("app/main.cpp", '"designer/B.h"', "same floor (7)",
                             files={"designer/B.h": ""})
 
+    def test_folders_of_the_program(self):
+        self.assert_allowed("app/database/A.cpp", '"names/B.h"', files={"app/names/B.h": ""})
+        self.assert_allowed("app/database/A.cpp", '"database/B.h"', files={"app/database/B.h": ""})
+        self.assert_allowed("app/main.cpp", '"window/B.h"', files={"app/window/B.h": ""})
+        self.assert_refused("app/database/A.cpp", '"window/B.h"',
+                            "database/ (floor 4) must not look up to window/ (floor 7)",
+                            files={"app/window/B.h": ""})
+        self.assert_refused("app/names/A.h", '"words/B.h"',
+                            "names/ and words/ stand on the same floor (2)",
+                            files={"app/words/B.h": ""})
+        self.assert_refused("app/cellar/A.h", '"core/B.h"', "app/cellar/ is no folder")
+
     def test_pages_do_not_know_the_diagram(self):
         self.assert_refused("src/criteria/A.h", '"diagram/B.h"', "must not know diagram/")
         self.assert_refused("src/selection/A.cpp", '"diagram/B.h"', "must not know diagram/")

@@ -178,7 +178,8 @@ private Q_SLOTS:
             QVERIFY(on.menu());
             const QPoint place = on.area().viewport()->mapFromGlobal(on.menu()->pos());
             QVERIFY(link->HitTest(on.area().toViewPoint(place)) != htTOutSide);
-            QCOMPARE(on.takeMenu(), QStringList({"Insert point", "Delete link", "Property"}));
+            QCOMPARE(on.takeMenu(),
+                     QStringList({"Insert point", "Delete link", "Property", "Mute link"}));
 
             on.deselect();
             open();

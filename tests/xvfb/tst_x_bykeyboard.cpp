@@ -84,7 +84,7 @@ void tst_x_bykeyboard::drawTables() {
     ProgramDesk& desk = *m_desk;
     Hand& hand = *m_hand;
     const auto* filter = desk.child<QLineEdit>("filter");
-    hand.key("alt+q")
+    hand.key("alt+f")
         .until("the menu is up", ProgramDesk::menuIsUp())
         .keyUntil<QString>("Down", activeEntry, "New")
         .key("Return")

@@ -80,7 +80,7 @@ void tst_x_bymouse::drawTables() {
     ProgramDesk& desk = *m_desk;
     Hand& hand = *m_hand;
     orvtest::takePicture("mouse0-start");
-    hand.click(desk.menuTitle("Query"))
+    hand.click(desk.menuTitle("File"))
         .until("the menu is up", ProgramDesk::menuIsUp())
         .click(ProgramDesk::menuEntry("New"))
         .until("the diagram is empty", [&] { return desk.area().TablesCount() == 0; });

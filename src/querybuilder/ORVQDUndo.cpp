@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+#include "querybuilder/ORVQDUndo.h"
+
+#include "querybuilder/ORVQDState.h"
+#include "querybuilder/ORVQDUndoText.h"
+#include "querybuilder/ORVQDWindow.h"
+#include "toolkit/Services.h"
+#include "workarea/ORVQDFloatPanel.h"
+
+#include <QHash>
+#include <QScopedValueRollback>
+#include <QUndoStack>
+
+#include <utility>
+
+namespace orv {
+
+namespace {
+
+// States are long and much the same from place to place: they take a tenth of their room then, at
+// the fastest level.
+QByteArray packed(const QByteArray& state) {
+    return qCompress(state, 1);
+}
+
+// What a user has scrolled to, and the box that is selected.
+class ViewOfDiagram {
+public:
+    explicit ViewOfDiagram(const TorvQDWorkArea& area) : m_position(area.scrollPosition()) {
+        for (const TorvQDTable* box : area.tablesByCreation()) {
+            if (box->FirstVisibleItem != 0) m_firstRows[box->GetAlias()] = box->FirstVisibleItem;
+        }
+        const auto* selected = qobject_cast<const TorvQDTable*>(area.selectedObject());
+        if (selected) m_selected = selected->GetAlias();
+    }
+
+    void restore(TorvQDWorkArea& area) const {
+        for (TorvQDTable* box : area.tablesByCreation()) {
+            const int row = m_firstRows.value(box->GetAlias());
+            if (row != 0) box->SetFirstVisibleItem(row);
+        }
+        area.scrollTo(m_position);
+        // The selected box is the one in front. Any other would change the order of stacking.
+        if (area.TablesCount() == 0 || m_selected.isEmpty()) return;
+        if (area.Tables(0)->GetAlias() == m_selected) area.selectObject(area.Tables(0));
+    }
+
+private:
+    QPoint m_position;
+    QHash<QString, int> m_firstRows;  // by alias
+    QString m_selected;               // alias
+};
+
+}  // namespace
+
+class UndoRecorder::Step : public QUndoCommand {
+public:
+    Step(UndoRecorder* recorder, const QByteArray& before, const QByteArray& after)
+        : m_recorder(recorder), m_before(packed(before)), m_after(packed(after)) {}
+
+    void undo() override { show(m_before); }
+    // The stack redoes what is pushed, which has happened already.
+    void redo() override {
+        if (std::exchange(m_isDone, true)) show(m_after);
+    }
+
+private:
+    // One that cannot be shown goes; the stack removes it.
+    void show(const QByteArray& state) {
+        if (!m_recorder || !m_recorder->show(qUncompress(state))) setObsolete(true);
+    }
+
+    QPointer<UndoRecorder> m_recorder;
+    QByteArray m_before;
+    QByteArray m_after;
+    bool m_isDone = false;
+};
+
+UndoRecorder::UndoRecorder(TorvQueryBuilder* builder, QUndoStack* stack, QObject* parent)
+    : QObject(parent), m_builder(builder), m_stack(stack) {
+    if (m_builder->WorkArea) m_present = editedState(*m_builder);
+    connect(m_builder, &TorvQueryBuilder::StatementChanged, this, &UndoRecorder::record);
+    connect(m_builder, &TorvQueryBuilder::LayoutChanged, this, &UndoRecorder::record);
+}
+
+UndoRecorder::~UndoRecorder() = default;
+
+void UndoRecorder::reset() {
+    if (m_builder && m_builder->WorkArea) m_present = editedState(*m_builder);
+    if (m_stack) m_stack->clear();
+}
+
+void UndoRecorder::record() {
+    if (m_groups == 0) take({});
+}
+
+void UndoRecorder::take(const QString& text) {
+    if (m_isRestoring || !m_stack || !m_builder || !m_builder->WorkArea) return;
+    const QByteArray state = editedState(*m_builder);
+    if (state == m_present) return;
+    auto* step = new Step(this, m_present, state);
+    step->setText(text.isEmpty() ? changeText(m_present, state) : text);
+    m_present = state;
+    m_stack->push(step);
+}
+
+bool UndoRecorder::show(const QByteArray& state) {
+    if (!m_builder || m_isRestoring) return false;
+    const QScopedValueRollback restoring(m_isRestoring, true);
+    const QPointer<UndoRecorder> self(this);
+    bool isShown = false;
+    guarded([&] {
+        const ViewOfDiagram view(*m_builder->WorkArea);
+        m_builder->RestoreState(state);
+        if (!self || !m_builder) return;
+        view.restore(*m_builder->WorkArea);
+        m_present = state;
+        isShown = true;
+    });
+    return isShown;
+}
+
+UndoRecorder::Group::Group(UndoRecorder* recorder, QString text)
+    : m_recorder(recorder), m_text(std::move(text)) {
+    if (m_recorder) ++m_recorder->m_groups;
+}
+
+UndoRecorder::Group::~Group() {
+    if (m_recorder && --m_recorder->m_groups == 0) m_recorder->take(m_text);
+}
+
+}  // namespace orv

@@ -1,0 +1,81 @@
+# SPDX-License-Identifier: MIT
+"""Tests of ./dev with tools that only pretend: what a person reads while it works."""
+
+import os
+import re
+import shutil
+import subprocess
+import tempfile
+import threading
+import unittest
+
+SCRIPT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "dev")
+REAL_TOOLS = ["bash", "dirname", "getconf", "grep", "mkdir", "tail", "uname"]
+MOST_SECONDS = 30
+
+# Its builds last until somebody writes into the pipe.
+CMAKE = """#!/bin/bash
+[ "$1" = --build ] || exit 0
+echo "[1/2] Building"
+read -r < "$PIPE"
+"""
+
+
+@unittest.skipUnless(shutil.which("bash"), "there is no bash")
+class Dev(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.root = folder.name
+        shutil.copy(SCRIPT, self.path("dev"))
+        os.makedirs(self.path("tools"))
+        os.makedirs(self.path("build/release/bin"))
+        for tool in REAL_TOOLS:
+            real = shutil.which(tool)
+            if real is None:
+                self.skipTest(f"there is no {tool}")
+            os.symlink(real, self.path("tools", tool))
+        # Seconds pass at once.
+        for tool in ("sleep", "ninja", "c++", "qmake6"):
+            self.write(f"tools/{tool}", "#!/bin/bash\n")
+        self.write("tools/cmake", CMAKE)
+        self.write("build/release/bin/orvquery", '#!/bin/bash\necho "started with $*"\n')
+        os.mkfifo(self.path("pipe"))
+        self.pipe = os.open(self.path("pipe"), os.O_RDWR)
+        self.addCleanup(os.close, self.pipe)
+
+    def path(self, *parts):
+        return os.path.join(self.root, *parts)
+
+    def write(self, name, text):
+        with open(self.path(name), "w", encoding="utf-8") as out:
+            out.write(text)
+        os.chmod(self.path(name), 0o755)
+
+    def end_build(self):
+        os.write(self.pipe, b"\n")
+
+    def test_progress_without_a_terminal(self):
+        running = subprocess.Popen(
+            [shutil.which("bash"), self.path("dev"), "run", "--version"],
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
+            env={"PATH": self.path("tools"), "PIPE": self.path("pipe")})
+        # A build of which nothing is told ends all the same.
+        patience = threading.Timer(MOST_SECONDS, self.end_build)
+        patience.start()
+        told = re.compile(r"\[3/3\] Building \(release\) \.\.\. \d+ s \[1/2\]\n")
+        lines = []
+        for line in running.stderr:
+            lines.append(line)
+            if told.fullmatch(line):
+                self.end_build()
+        patience.cancel()
+        output = running.communicate()[0]
+        self.assertEqual((running.returncode, output), (0, "started with --version\n"))
+        self.assertTrue(any(told.fullmatch(line) for line in lines), lines)
+        self.assertRegex(lines[-1], r"^\[3/3\] Building \(release\) \.\.\. \d+ s\n$")
+        self.assertNotIn("\r", "".join(lines))
+
+
+if __name__ == "__main__":
+    unittest.main()
