@@ -115,7 +115,8 @@ inline void JoinDesk::end() {
     orv::setMessageService({});
     orv::setErrorHandler({});
     orv::setDialogRunner({});
-    QCOMPARE(QSqlDatabase::connectionNames(), QStringList());
+    // A connection that is slow to close goes on by itself for a moment after its window.
+    QTRY_COMPARE(QSqlDatabase::connectionNames(), QStringList());
 }
 
 inline QStringList JoinDesk::links() const {

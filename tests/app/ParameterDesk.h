@@ -144,7 +144,8 @@ inline void ParameterDesk::end() {
     orv::setMessageService({});
     orv::setDialogRunner({});
     QCOMPARE(m_messages, QStringList());
-    QCOMPARE(QSqlDatabase::connectionNames(), QStringList());
+    // A connection that is slow to close goes on by itself for a moment after its window.
+    QTRY_COMPARE(QSqlDatabase::connectionNames(), QStringList());
 }
 
 inline QStringList ParameterDesk::column(int number) const {

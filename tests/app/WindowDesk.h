@@ -107,7 +107,8 @@ inline void WindowDesk::end() {
     m_window.reset();
     orv::setMessageService({});
     orv::setDialogRunner({});
-    QCOMPARE(QSqlDatabase::connectionNames(), QStringList());
+    // A connection that is slow to close goes on by itself for a moment after its window.
+    QTRY_COMPARE(QSqlDatabase::connectionNames(), QStringList());
 }
 
 inline void WindowDesk::open(const orvquery::Options& options) {

@@ -255,7 +255,8 @@ void TestOpening::cleanup() {
     orv::setDialogRunner({});
     qunsetenv("ORVQUERY_PASSWORD");
     QVERIFY(m_answers.empty());
-    QCOMPARE(QSqlDatabase::connectionNames(), QStringList());
+    // A connection that is slow to close goes on by itself for a moment after its window.
+    QTRY_COMPARE(QSqlDatabase::connectionNames(), QStringList());
 }
 
 void TestOpening::passwordIsAskedForUntilItIsRight() {
