@@ -2,9 +2,9 @@
 #include "connections/SavedConnections.h"
 
 #include "core/Error.h"
+#include "text/KeptSettings.h"
 
 #include <QCoreApplication>
-#include <QSettings>
 
 #include <algorithm>
 #include <optional>
@@ -15,10 +15,6 @@ namespace {
 
 const QString namedKey = QStringLiteral("connections");
 const QString recentKey = QStringLiteral("recent");
-
-QSettings connectionSettings() {
-    return QSettings(QStringLiteral("orvquery"), QStringLiteral("orvquery"));
-}
 
 std::optional<DatabaseAddress> readAddress(const QString& url) {
     try {
@@ -50,13 +46,13 @@ void writeNamed(const std::vector<SavedConnection>& connections) {
     for (const SavedConnection& connection : connections) {
         lines += connection.address.toUrl() + u' ' + connection.name;
     }
-    connectionSettings().setValue(namedKey, lines);
+    keptSettings().setValue(namedKey, lines);
 }
 
 void writeRecent(const std::vector<DatabaseAddress>& addresses) {
     QStringList lines;
     for (const DatabaseAddress& address : addresses) lines += address.toUrl();
-    connectionSettings().setValue(recentKey, lines);
+    keptSettings().setValue(recentKey, lines);
 }
 
 auto findName(std::vector<SavedConnection>& connections, const QString& name) {
@@ -68,7 +64,7 @@ auto findName(std::vector<SavedConnection>& connections, const QString& name) {
 
 std::vector<SavedConnection> SavedConnections::named() const {
     std::vector<SavedConnection> connections;
-    const QStringList lines = connectionSettings().value(namedKey).toStringList();
+    const QStringList lines = keptSettings().value(namedKey).toStringList();
     for (const QString& line : lines) {
         const std::optional<DatabaseAddress> address = readAddress(line.section(u' ', 0, 0));
         const QString name = line.section(u' ', 1).simplified();
@@ -80,7 +76,7 @@ std::vector<SavedConnection> SavedConnections::named() const {
 
 std::vector<DatabaseAddress> SavedConnections::recent() const {
     std::vector<DatabaseAddress> addresses;
-    const QStringList lines = connectionSettings().value(recentKey).toStringList();
+    const QStringList lines = keptSettings().value(recentKey).toStringList();
     for (const QString& line : lines) {
         const std::optional<DatabaseAddress> address = readAddress(line);
         if (!address || addresses.size() == mostRecent) continue;
@@ -142,7 +138,7 @@ void SavedConnections::forgetRecent(const DatabaseAddress& address) {
 }
 
 void SavedConnections::forgetAllRecent() {
-    connectionSettings().remove(recentKey);
+    keptSettings().remove(recentKey);
 }
 
 }  // namespace orvquery

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "documents/RecentDocuments.h"
 
+#include "text/KeptSettings.h"
+
 #include <QFileInfo>
-#include <QSettings>
 
 namespace orvquery {
 
@@ -10,14 +11,10 @@ namespace {
 
 const QString recentKey = QStringLiteral("recentQueries");
 
-QSettings settings() {
-    return QSettings(QStringLiteral("orvquery"), QStringLiteral("orvquery"));
-}
-
 }  // namespace
 
 QStringList RecentDocuments::paths() const {
-    QStringList paths = settings().value(recentKey).toStringList();
+    QStringList paths = keptSettings().value(recentKey).toStringList();
     paths.removeDuplicates();
     return paths.mid(0, mostRecent);
 }
@@ -27,17 +24,17 @@ void RecentDocuments::use(const QString& path) {
     QStringList known = paths();
     known.removeAll(absolute);
     known.prepend(absolute);
-    settings().setValue(recentKey, known.mid(0, mostRecent));
+    keptSettings().setValue(recentKey, known.mid(0, mostRecent));
 }
 
 void RecentDocuments::forgetMissing() {
     QStringList known = paths();
     known.removeIf([](const QString& path) { return !QFileInfo::exists(path); });
-    settings().setValue(recentKey, known);
+    keptSettings().setValue(recentKey, known);
 }
 
 void RecentDocuments::forgetAll() {
-    settings().remove(recentKey);
+    keptSettings().remove(recentKey);
 }
 
 }  // namespace orvquery

@@ -3,12 +3,12 @@
 
 #include "core/Error.h"
 #include "documents/DocumentFile.h"
+#include "text/KeptSettings.h"
 #include "text/TextFile.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QSet>
-#include <QSettings>
 #include <QStandardPaths>
 #include <QUuid>
 
@@ -145,7 +145,7 @@ std::vector<LeftCopy> RecoveryFolder::left(QStringList* unreadable) const {
 }
 
 QStringList RecoveryFolder::untold(const QStringList& unreadable) const {
-    QSettings settings(QStringLiteral("orvquery"), QStringLiteral("orvquery"));
+    QSettings settings = keptSettings();
     const QStringList told = settings.value(toldKey).toStringList();
     if (told != unreadable) settings.setValue(toldKey, unreadable);
     QStringList names = unreadable;

@@ -7,10 +7,10 @@
 #include "text/TextFile.h"
 #include "toolkit/Services.h"
 #include "window/DocumentController.h"
+#include "window/SaveDialog.h"
 #include "window/StatementPane.h"
 #include "workarea/ORVQDFloatPanel.h"
 
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QMainWindow>
 #include <QPointer>
@@ -160,33 +160,20 @@ QString DocumentController::usualFolder() const {
 
 QString DocumentController::chosenPath(DocumentKind suggested) {
     const QPointer<DocumentController> self(this);
-    const QPointer<QFileDialog> dialog = new QFileDialog(m_host.window, tr("Save query as"));
-    dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->setFileMode(QFileDialog::AnyFile);
-    dialog->setNameFilters({tr("Query with its layout (*.orvq)"), tr("Statement alone (*.sql)")});
-    const auto takeSuffix = [dialog](const QString& filter) {
-        const QString suffix = filter.section(QStringLiteral("*."), -1).chopped(1);
-        dialog->setDefaultSuffix(suffix);
-        // A default suffix is not for a name that has one.
-        const QStringList files = dialog->selectedFiles();
-        const QFileInfo info(files.isEmpty() ? QString() : files.front());
-        if (documentKind(info.filePath()) != DocumentKind::None) {
-            dialog->selectFile(info.completeBaseName() + u'.' + suffix);
-        }
-    };
-    connect(dialog, &QFileDialog::filterSelected, dialog, takeSuffix);
+    const QPointer<SaveDialog> dialog = new SaveDialog(
+        tr("Save query as"), {tr("Query with its layout (*.orvq)"), tr("Statement alone (*.sql)")},
+        [](const QString& path) { return documentKind(path) != DocumentKind::None; },
+        m_host.window);
     if (suggested == DocumentKind::Statement) {
         dialog->selectNameFilter(dialog->nameFilters().last());
     }
-    takeSuffix(dialog->selectedNameFilter());
     dialog->setDirectory(usualFolder());
-    const QString name = m_path.isEmpty() ? tr("query") : QFileInfo(m_path).completeBaseName();
-    dialog->selectFile(name + u'.' + dialog->defaultSuffix());
+    dialog->propose(m_path.isEmpty() ? tr("query") : QFileInfo(m_path).completeBaseName());
     const bool isAccepted = orv::runDialog(*dialog) == QDialog::Accepted;
     if (!self || !dialog) return {};
     dialog->deleteLater();
-    const QStringList files = dialog->selectedFiles();
-    return isAccepted && !files.isEmpty() ? QFileInfo(files.front()).absoluteFilePath() : QString();
+    const QString file = dialog->file();
+    return isAccepted && !file.isEmpty() ? QFileInfo(file).absoluteFilePath() : QString();
 }
 
 // Without a suggestion it is a file of the same kind.

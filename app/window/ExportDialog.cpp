@@ -2,11 +2,11 @@
 #include "window/ExportDialog.h"
 
 #include "names/NameFolding.h"
+#include "text/KeptSettings.h"
 #include "window/RowsExport.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QSettings>
 
 namespace orvquery {
 
@@ -14,40 +14,19 @@ namespace {
 
 const QString folderKey = QStringLiteral("exportFolder");
 
-QSettings keptSettings() {
-    return QSettings(QStringLiteral("orvquery"), QStringLiteral("orvquery"));
-}
-
 }  // namespace
 
 ExportDialog::ExportDialog(const QString& title, const QString& name, QWidget* parent)
-    : QFileDialog(parent, title) {
-    setAcceptMode(QFileDialog::AcceptSave);
-    setFileMode(QFileDialog::AnyFile);
-    setNameFilters(
-        {tr("Comma separated (*.csv)"), tr("Tab separated (*.tsv)"), tr("JSON (*.json)")});
+    : SaveDialog(
+          title, {tr("Comma separated (*.csv)"), tr("Tab separated (*.tsv)"), tr("JSON (*.json)")},
+          [](const QString& path) { return rowFormatOfFile(path).has_value(); }, parent) {
     const QString folder = keptSettings().value(folderKey).toString();
     setDirectory(!folder.isEmpty() && QDir(folder).exists() ? folder : QDir::homePath());
-    selectFile(name);
-    takeFormat(selectedNameFilter());
-    connect(this, &QFileDialog::filterSelected, this, &ExportDialog::takeFormat);
-}
-
-// An end that a person has typed and that is no format's is a part of the name.
-void ExportDialog::takeFormat(const QString& filter) {
-    const QString suffix = filter.section(QStringLiteral("*."), -1).chopped(1);
-    setDefaultSuffix({});
-    const QString path = selectedFiles().value(0);
-    if (!path.isEmpty() && !QFileInfo(path).isDir()) {
-        const QFileInfo file(path);
-        const QString name = rowFormatOfFile(path) ? file.completeBaseName() : file.fileName();
-        selectFile(name + u'.' + suffix);
-    }
-    setDefaultSuffix(suffix);
+    propose(name);
 }
 
 QString ExportDialog::takeFile() const {
-    const QString path = selectedFiles().value(0);
+    const QString path = file();
     if (!path.isEmpty()) keptSettings().setValue(folderKey, QFileInfo(path).absolutePath());
     return path;
 }

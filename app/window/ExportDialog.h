@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QFileDialog>
+#include "window/SaveDialog.h"
 
 namespace orvquery {
 
-/// Asks for the file into which rows are written, in the folder where that was done last. What is
-/// proposed has the end of the chosen format, also when another one is chosen.
-class ExportDialog : public QFileDialog {
+/// Asks for the file into which rows are written, in the folder where that was done last.
+class ExportDialog : public SaveDialog {
     Q_OBJECT
 
 public:
@@ -16,9 +15,6 @@ public:
 
     /// The chosen file, whose folder is proposed from now on; empty when there is none.
     [[nodiscard]] QString takeFile() const;
-
-private:
-    void takeFormat(const QString& filter);
 };
 
 /// What a file with the rows of a table may be called on every system. The name is that of a

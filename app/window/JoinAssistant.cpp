@@ -8,12 +8,12 @@
 #include "querybuilder/ORVQDWindow.h"
 #include "tables/BareFields.h"
 #include "tables/Host.h"
+#include "text/KeptSettings.h"
 #include "toolkit/Services.h"
 #include "window/JoinDialog.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <QAction>
-#include <QSettings>
 
 #include <algorithm>
 
@@ -22,10 +22,6 @@ namespace orvquery {
 namespace {
 
 const QString proposeKey = QStringLiteral("proposeJoins");
-
-QSettings keptSettings() {
-    return QSettings(QStringLiteral("orvquery"), QStringLiteral("orvquery"));
-}
 
 QString writtenName(const TableDescription& table, int column) {
     return ProcessName(table.columns.FieldDefs[std::size_t(column)].Name);

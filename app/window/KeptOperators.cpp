@@ -3,10 +3,10 @@
 
 #include "core/Error.h"
 #include "querybuilder/ORVQDWindow.h"
+#include "text/KeptSettings.h"
 #include "toolkit/Services.h"
 
 #include <QCoreApplication>
-#include <QSettings>
 
 namespace orvquery {
 
@@ -14,14 +14,10 @@ namespace {
 
 const QString operatorsKey = QStringLiteral("operators");
 
-QSettings settings() {
-    return QSettings(QStringLiteral("orvquery"), QStringLiteral("orvquery"));
-}
-
 }  // namespace
 
 void restoreOperators(TorvQueryBuilder& builder) {
-    const QStringList texts = settings().value(operatorsKey).toStringList();
+    const QStringList texts = keptSettings().value(operatorsKey).toStringList();
     if (texts.isEmpty()) return;
     TOperatorList kept;
     try {
@@ -39,7 +35,7 @@ void keepOperators(const TorvQueryBuilder& builder) {
     TOperatorList defaults;
     orv::fillOperators(defaults);
     const QStringList texts = builder.OperatorsList();
-    QSettings kept = settings();
+    QSettings kept = keptSettings();
     if (texts == defaults.toStrings()) {
         kept.remove(operatorsKey);
     } else {

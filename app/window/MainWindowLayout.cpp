@@ -3,6 +3,7 @@
 #include "querybuilder/ORVQDPageTabs.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
+#include "text/KeptSettings.h"
 #include "toolkit/Services.h"
 #include "window/AboutText.h"
 #include "window/DiagramLook.h"
@@ -31,7 +32,6 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QScreen>
-#include <QSettings>
 #include <QSplitter>
 #include <QToolBar>
 
@@ -41,10 +41,6 @@ namespace {
 
 constexpr QSize firstSize(1180, 840);
 constexpr int pagesHeightPx = 160;
-
-QSettings settings() {
-    return QSettings(QStringLiteral("orvquery"), QStringLiteral("orvquery"));
-}
 
 QSplitter* makeSplitter(Qt::Orientation orientation, const char* name) {
     auto* splitter = new QSplitter(orientation);
@@ -228,7 +224,7 @@ void MainWindow::buildDiagramMenu() {
 
 void MainWindow::restoreLayout() {
     setWindowIcon(QIcon(QStringLiteral(":/orvquery/icons/orvquery.svg")));
-    const QSettings stored = settings();
+    const QSettings stored = keptSettings();
     // At a large scale the screen may be smaller than that.
     const QSize room = screen()->availableSize();
     resize(firstSize.boundedTo(room.isEmpty() ? firstSize : room));
@@ -243,7 +239,7 @@ void MainWindow::restoreLayout() {
 }
 
 void MainWindow::saveLayout() const {
-    QSettings stored = settings();
+    QSettings stored = keptSettings();
     stored.setValue(QStringLiteral("geometry"), saveGeometry());
     stored.setValue(QStringLiteral("words"), m_words->switchAction()->isChecked());
     for (const QSplitter* splitter : {m_outer, m_inner, m_lower}) {

@@ -3,20 +3,20 @@
 
 #include "pictures/Picture.h"
 #include "querybuilder/ORVQDWindow.h"
+#include "text/KeptSettings.h"
 #include "toolkit/Services.h"
 #include "window/ExportDialog.h"
+#include "window/SaveDialog.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <QAction>
 #include <QDir>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QMenu>
 #include <QPointer>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
-#include <QSettings>
 
 namespace orvquery {
 
@@ -26,23 +26,6 @@ constexpr qreal pageMarginMm = 15;
 
 const QString folderKey = QStringLiteral("pictureFolder");
 const QString fullSizeKey = QStringLiteral("printFullSize");
-
-QSettings keptSettings() {
-    return QSettings(QStringLiteral("orvquery"), QStringLiteral("orvquery"));
-}
-
-// A name that is typed without an end gets that of the chosen format.
-void takeFormat(QFileDialog& dialog, const QString& filter) {
-    const QString suffix = filter.section(QStringLiteral("*."), -1).chopped(1);
-    const QString path = dialog.selectedFiles().value(0);
-    if (!path.isEmpty() && !QFileInfo(path).isDir()) {
-        const QFileInfo file(path);
-        const QString name = pictureFormatOfFile(path) ? file.completeBaseName() : file.fileName();
-        dialog.setDefaultSuffix({});
-        dialog.selectFile(name + u'.' + suffix);
-    }
-    dialog.setDefaultSuffix(suffix);
-}
 
 }  // namespace
 
@@ -98,21 +81,17 @@ void PictureActions::requireTables() const {
 void PictureActions::exportPicture() {
     requireTables();
     const QPointer<PictureActions> self(this);
-    const QPointer<QFileDialog> dialog = new QFileDialog(&m_window, tr("Export picture"));
-    dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->setFileMode(QFileDialog::AnyFile);
-    dialog->setNameFilters(
-        {tr("Picture of pixels (*.png)"), tr("Picture of lines (*.svg)"), tr("Document (*.pdf)")});
+    const QPointer<SaveDialog> dialog = new SaveDialog(
+        tr("Export picture"),
+        {tr("Picture of pixels (*.png)"), tr("Picture of lines (*.svg)"), tr("Document (*.pdf)")},
+        [](const QString& path) { return pictureFormatOfFile(path).has_value(); }, &m_window);
     const QString folder = keptSettings().value(folderKey).toString();
     dialog->setDirectory(!folder.isEmpty() && QDir(folder).exists() ? folder : QDir::homePath());
-    dialog->selectFile(name());
-    takeFormat(*dialog, dialog->selectedNameFilter());
-    connect(dialog, &QFileDialog::filterSelected, dialog,
-            [dialog](const QString& filter) { takeFormat(*dialog, filter); });
+    dialog->propose(name());
     const bool isAccepted = orv::runDialog(*dialog) == QDialog::Accepted;
     if (!self || !dialog) return;
     dialog->deleteLater();
-    const QString file = isAccepted ? dialog->selectedFiles().value(0) : QString();
+    const QString file = isAccepted ? dialog->file() : QString();
     if (file.isEmpty()) return;
     keptSettings().setValue(folderKey, QFileInfo(file).absolutePath());
     writePicture(*m_builder.WorkArea, file);
