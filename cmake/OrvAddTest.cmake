@@ -18,7 +18,8 @@ endfunction()
 # nowhere but below the build folder. A test labelled "xvfb" runs in a virtual X server of its own
 # instead, for what only a real display shows: drag and drop, focus, window managers. With
 # WINDOW_MANAGER one runs in that server, and the test has the pointer and the keys of xdotool.
-# Where something MISSING is named, the program is made, but not registered.
+# Where something MISSING is named, the program is made, but not registered. Its folder may have
+# labels for all of its tests in ORV_TEST_LABELS.
 function(orv_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "WINDOW_MANAGER" "TIMEOUT;MISSING" "LIBS;LABELS")
     if(NOT arg_UNPARSED_ARGUMENTS)
@@ -70,6 +71,7 @@ CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime;
 
     add_test(NAME ${name} COMMAND ${command})
     orv_set_test_environment(${name} ${platform} ${arg_TIMEOUT})
+    list(APPEND arg_LABELS ${ORV_TEST_LABELS})
     set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}")
 endfunction()
 
