@@ -48,6 +48,7 @@ public:
     int width = 0;      ///< pixels
                         ///< of the whole
     std::vector<std::unique_ptr<A>> parts = {};    ///< owned
+    QString text = QStringLiteral("(");    ///< words
 
 Q_SIGNALS:
     /// It has changed.
@@ -62,7 +63,7 @@ private:
 """), [("property", "Name", ""), ("type", "A::Kind", "A type."), ("method", "A", "Makes one."),
             ("method", "Name", "The name."), ("event", "OnAdd", "an event"),
             ("event", "told", "another one"), ("member", "width", "pixels\n of the whole"),
-            ("member", "parts", "owned"), ("signal", "changed", "It has changed.")])
+            ("member", "parts", "owned"), ("member", "text", "words"), ("signal", "changed", "It has changed.")])
 
     def test_a_struct_is_public_and_a_class_is_not(self):
         self.assertEqual(members("struct A {\n    int a;\n};\n"), [("member", "a", "")])
