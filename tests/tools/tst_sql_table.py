@@ -56,6 +56,14 @@ class Fates(unittest.TestCase):
                             "`WHERE X = 'a'`")
         self.assert_written("select x from a group by x", "SELECT X\nFROM A", "`without GROUP BY`")
 
+    def test_clauses_are_those_of_the_statement_itself(self):
+        self.assertEqual(
+            table.clauses("select x from a where x in (select y from b) group by x limit 3;",
+                          "limit 3"),
+            {"SELECT": ["X"], "FROM": ["A"], "GROUP BY": ["X"],
+             "WHERE": ["X", "IN", "(", "SELECT", "Y", "FROM", "B", ")"]})
+        self.assert_held("select x from a order by x ascending", "SELECT X\nFROM A\nORDER BY X")
+
     def test_a_tail_is_no_clause(self):
         self.assert_held("select x from a union select y from b where z = 1",
                          "SELECT X\nFROM A\nunion select y from b where z = 1",
