@@ -40,7 +40,7 @@ class ORV_EXPORT TorvTabSheet : public QWidget {
     Q_OBJECT
 
 public:
-    /// A sheet without a layout; its panel fills it.
+    /// An empty sheet; its layout, without margins, takes the panel.
     explicit TorvTabSheet(QWidget* parent = nullptr);
 };
 

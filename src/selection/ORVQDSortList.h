@@ -42,14 +42,14 @@ public:
                 const QString& source = {});
     /// Sorts the unsorted name at an index, ascending.
     void add(int unsortedIndex);
-    /// Takes a line off; its name is not sorted then.
+    /// Takes a line off; refresh() lists its name again as one that is not sorted.
     void remove(int line);
     /// Turns the direction of a line round.
     void changeOrder(int line);
     /// Moves a line by one place; nothing at the ends.
     void moveUp(int line);
     void moveDown(int line);
-    /// Empties both lists.
+    /// Removes all lines.
     void clear();
 
     /// Drops lines whose name is no output name any more and lists the names that are not sorted.
