@@ -76,7 +76,7 @@ public:
     int Left = 0;         ///< pixels, content coordinates
     int Width = 0;        ///< pixels
 
-    /// The text as it was given to SetText, shortened as it is shown.
+    /// The text as it is shown.
     [[nodiscard]] const QString& GetText() const { return m_text; }
     /// The text as it is shown: nine blanks for none, at most 30 characters and "...", on one line.
     void SetText(const QString& text);

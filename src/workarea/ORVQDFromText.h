@@ -19,9 +19,9 @@ struct FromTable {
 
 /// One comparison of a join: fields of its first and second table.
 struct FromLink {
-    QString field1;     ///< as ON names it, with its alias
+    QString field1;     ///< its name, without the table
     QString operation;  ///< the operator
-    QString field2;     ///< as ON names it, with its alias
+    QString field2;     ///< its name, without the table
 };
 
 /// A join between two tables, by their indices.
