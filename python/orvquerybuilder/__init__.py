@@ -60,6 +60,7 @@ from ._core import (  # noqa: E402
     TorvQDListOfTables,
     TorvQDOperator,
     TorvQDTable,
+    TorvQDWorkArea,
     TorvQDWorkAreaOptions,
     TorvQueryBuilder,
     reservedWords,

@@ -171,6 +171,14 @@ TableRef* TableListRef::AddProc(const QString& name, const TDataSet* dataSet,
     return table ? new TableRef(table) : nullptr;
 }
 
+// --- the diagram ---
+
+WorkAreaRef::WorkAreaRef(TorvQDWorkArea* area) : m_area(area) {}
+
+void WorkAreaRef::setLinkColor(const QColor& color) const {
+    checked(m_area).setLinkColor(color);
+}
+
 // --- operators and options ---
 
 TOperatorList& OperatorListRef::get() const {

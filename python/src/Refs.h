@@ -205,6 +205,17 @@ private:
     QPointer<TorvQueryBuilder> m_builder;
 };
 
+/// The diagram of a builder, as far as its look goes.
+class WorkAreaRef {
+public:
+    explicit WorkAreaRef(TorvQDWorkArea* area);
+
+    void setLinkColor(const QColor& color) const;
+
+private:
+    QPointer<TorvQDWorkArea> m_area;
+};
+
 /// An operator list: a builder's, or one of its own.
 class OperatorListRef {
 public:

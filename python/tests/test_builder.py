@@ -7,7 +7,7 @@ import unittest
 from PyQt6.QtCore import QObject, Qt, QTimer, pyqtSignal
 from PyQt6.QtGui import QColor, QFont
 from PyQt6.QtWidgets import QApplication, QFrame, QTabWidget, QWidget
-from support import JOINED, WRONG_JOIN, TestCase, builder_with_tables
+from support import JOINED, WRONG_JOIN, TestCase, builder_with_tables, work_area
 
 import orvquerybuilder as orv
 from orvquerybuilder import (
@@ -149,6 +149,27 @@ class Properties(TestCase):
         )
         with self.assertRaises(TypeError):
             options.TableBorder = "edgeBump"
+
+    def test_links_have_a_colour(self):
+        builder = builder_with_tables("ORDERS", "CUSTOMER")
+        builder.resize(700, 500)
+        builder.LoadSQL(JOINED)
+        colour = QColor(250, 10, 210)
+
+        def is_painted():
+            image = work_area(builder).viewport().grab().toImage()
+            return any(
+                image.pixelColor(x, y) == colour
+                for x in range(image.width())
+                for y in range(image.height())
+            )
+
+        self.assertFalse(is_painted())
+        builder.WorkArea.setLinkColor(colour)
+        self.assertTrue(is_painted())
+        with self.assertRaises(TypeError):
+            builder.WorkArea.setLinkColor(colour, 1)
+        self.assertIsNone(TorvQueryBuilder(None, True).WorkArea)
 
     def test_assigned_options_are_copied(self):
         builder = TorvQueryBuilder()

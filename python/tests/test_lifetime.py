@@ -144,6 +144,7 @@ class References(TestCase):
         operators = builder.Operators
         options = builder.WorkAreaOptions
         conditions = builder.ConditionOptions
+        diagram = builder.WorkArea
         sip.delete(builder)
         for use in (
             lambda: tables.TablesCount(),
@@ -158,10 +159,11 @@ class References(TestCase):
             lambda: options.Flat,
             lambda: setattr(options, "Flat", True),
             lambda: conditions.SelectRow,
+            lambda: diagram.setLinkColor(Qt.GlobalColor.red),
         ):
             with self.assertRaises(RuntimeError):
                 use()
-        for thing in (tables, table, row, operators, options, conditions):
+        for thing in (tables, table, row, operators, options, conditions, diagram):
             self.assertTrue(repr(thing))
 
     def test_reference_does_not_keep_the_builder(self):

@@ -22,8 +22,10 @@ struct ORV_EXPORT TorvQDOperator {
     QString Prefix;                         ///< in front of the first operand
     int Count = 1;                          ///< operands on the right-hand side
 
+    /// Takes all texts and the count over.
     void Assign(const TorvQDOperator& Source) { *this = Source; }
 
+    /// Equal when all members are.
     friend bool operator==(const TorvQDOperator&, const TorvQDOperator&) = default;
 };
 
@@ -33,10 +35,13 @@ class ORV_EXPORT TOperatorList : public TPersistent {
     Q_OBJECT
 
 public:
+    /// An entry is shared by the list and the conditions that show it.
     using Entry = std::shared_ptr<TorvQDOperator>;
 
+    /// An empty list. The parent, if any, owns it.
     explicit TOperatorList(QObject* parent = nullptr);
 
+    /// How many operators there are.
     [[nodiscard]] int Count() const { return int(m_items.size()); }
 
     /// The entry at `Index`; none when the index is out of range.
@@ -48,6 +53,7 @@ public:
 
     /// Removes the entry; an index out of range is ignored.
     void Delete(int Index);
+    /// Removes all entries.
     void Clear();
 
     /// The first entry of exactly this name (case counts); none when there is none.
@@ -98,9 +104,11 @@ struct ORV_EXPORT TorvQDGroupFunc {
     QString Prefix = QStringLiteral(" ");         ///< in front of the group: "not" negates it
     QString Connector = QStringLiteral(" and ");  ///< between two conditions
 
+    /// The query builder; none for one that was made by hand.
     [[nodiscard]] QObject* GetOwner() const { return Owner; }
 };
 
+/// The group operators in the order of their menu.
 using TGroupOperators = std::vector<TorvQDGroupFunc>;
 
 namespace orv {

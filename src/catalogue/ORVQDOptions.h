@@ -33,6 +33,7 @@ public:
     Q_ENUM(TBorderKind)
     static_assert(edgeBump == 0 && edgeEtched == 1 && edgeRaised == 2 && edgeSunken == 3);
 
+    /// The defaults. The parent, if any, owns it.
     explicit TorvQDWorkAreaOptions(QObject* parent = nullptr);
 
     /// Whether a box that is not selected hides its current row.
@@ -55,6 +56,7 @@ public:
     [[nodiscard]] bool GetFlatCaptionBtns() const { return m_flatCaptionBtns; }
     void SetFlatCaptionBtns(bool Value);
 
+    /// The border of the boxes.
     [[nodiscard]] TBorderKind GetTableBorder() const { return m_tableBorder; }
     void SetTableBorder(TBorderKind Value);
 
@@ -62,6 +64,7 @@ public:
     [[nodiscard]] const QFont& GetFont() const { return m_font; }
     void SetFont(const QFont& Value);
 
+    /// Background of the rows of table boxes.
     [[nodiscard]] QColor GetTableColor() const { return m_tableColor; }
     void SetTableColor(const QColor& Value);
 
@@ -95,6 +98,7 @@ private:
     QColor m_procedureColor;  // invalid: the palette's
 };
 
+/// The kinds of borders, with their names known outside the class, too.
 using TBorderKind = TorvQDWorkAreaOptions::TBorderKind;
 using enum TorvQDWorkAreaOptions::TBorderKind;
 
@@ -111,15 +115,18 @@ public:
     Q_ENUM(TbtnStyle)
     static_assert(btnFlat == 0 && btn3DLook == 1 && btnRaise == 2);
 
+    /// The defaults. The parent, if any, owns it.
     explicit TorvQDConditionOptions(QObject* parent = nullptr);
 
     /// Whether the active condition row is highlighted.
     [[nodiscard]] bool GetSelectRow() const { return m_selectRow; }
     void SetSelectRow(bool Value);
 
+    /// How the buttons of condition rows are drawn.
     [[nodiscard]] TbtnStyle GetBtnsStyle() const { return m_btnsStyle; }
     void SetBtnsStyle(TbtnStyle Value);
 
+    /// Background of the active condition row.
     [[nodiscard]] QColor GetActiveRowColor() const { return m_activeRowColor; }
     void SetActiveRowColor(const QColor& Value);
 
@@ -137,5 +144,6 @@ private:
     QColor m_activeRowColor = Qt::white;
 };
 
+/// The styles of buttons, with their names known outside the class, too.
 using TbtnStyle = TorvQDConditionOptions::TbtnStyle;
 using enum TorvQDConditionOptions::TbtnStyle;

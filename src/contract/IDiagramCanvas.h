@@ -33,6 +33,7 @@ public:
     /// Width of a text in the boxes' font in bold, in pixels.
     [[nodiscard]] virtual int boldTextWidth(const QString& text) const = 0;
 
+    /// How boxes look and behave. The object lives as long as the canvas.
     [[nodiscard]] virtual const TorvQDWorkAreaOptions& options() const = 0;
 
     /// The colour of links where they are painted now.
@@ -41,10 +42,10 @@ public:
     /// The one scroll bar that the selected box shows beside its rows. Rectangles in view
     /// coordinates; positions are rows.
     struct RowScroll {
-        TRect rect;
-        int position;
-        int maximum;
-        int pageStep;
+        TRect rect;    ///< of the bar, in view coordinates
+        int position;  ///< the uppermost row that is shown
+        int maximum;   ///< the greatest position
+        int pageStep;  ///< rows that are shown at once
     };
     [[nodiscard]] virtual bool isRowScrollBarVisible() const = 0;
     virtual void placeRowScrollBar(const RowScroll& scroll) = 0;

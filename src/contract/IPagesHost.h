@@ -17,10 +17,11 @@ class TorvQDConditionOptions;
 
 /// One field of a box, as the pages see it.
 struct PageField {
-    QString alias;  ///< effective alias of the box
-    QString name;   ///< name of the row
-    TFieldType type = ftUnknown;
+    QString alias;                ///< effective alias of the box
+    QString name;                 ///< name of the row
+    TFieldType type = ftUnknown;  ///< of the field
 
+    /// "ALIAS.FIELD"
     [[nodiscard]] QString qualifiedName() const { return alias + u'.' + name; }
 };
 

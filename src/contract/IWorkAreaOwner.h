@@ -48,6 +48,7 @@ public:
                                                const QMimeData& data) = 0;
     virtual void foreignDrop(QObject* source, const QPoint& viewPoint, const QMimeData& data) = 0;
 
+    /// How the diagram looks and behaves. The object lives as long as the owner.
     [[nodiscard]] virtual TorvQDWorkAreaOptions& workAreaOptions() = 0;
 
     /// Whether written statements keep the meaning of loaded ones.

@@ -10,6 +10,7 @@ class ORV_EXPORT TorvPreBuilder : public QFrame {
     Q_OBJECT
 
 public:
+    /// An empty frame; the parent owns it.
     explicit TorvPreBuilder(QWidget* parent = nullptr);
     ~TorvPreBuilder() override;
 };
@@ -19,6 +20,7 @@ class ORV_EXPORT TorvBuilder : public TorvPreBuilder {
     Q_OBJECT
 
 public:
+    /// An empty frame; the parent owns it.
     explicit TorvBuilder(QWidget* parent = nullptr);
     ~TorvBuilder() override;
 };

@@ -13,6 +13,7 @@ namespace orv {
 /// by the operation that raises it; hosts show it to their user or test it.
 class ORV_EXPORT Error : public std::runtime_error {
 public:
+    /// `message` is the text for the user.
     explicit Error(const QString& message);
     ~Error() override;
 

@@ -11,6 +11,7 @@ class ORV_EXPORT TPersistent : public QObject {
     Q_OBJECT
 
 public:
+    /// The parent, if any, owns it.
     explicit TPersistent(QObject* parent = nullptr);
 
     /// Copies the content of `Source` into this object. Raises orv::Error when `Source` is none or

@@ -10,13 +10,15 @@
 /// 100 at 10 has Left 10 and Right 110. All geometry of the diagram is computed with it, because
 /// QRect::right() and QRect::bottom() are off by one in such computations.
 struct TRect {
-    int Left = 0;
-    int Top = 0;
-    int Right = 0;
-    int Bottom = 0;
+    int Left = 0;    ///< pixels, like the others
+    int Top = 0;     ///< the upper edge
+    int Right = 0;   ///< exclusive
+    int Bottom = 0;  ///< exclusive
 
+    /// Pixels from edge to edge; negative when the edges are the wrong way round.
     [[nodiscard]] constexpr int width() const { return Right - Left; }
     [[nodiscard]] constexpr int height() const { return Bottom - Top; }
+    /// Whether no pixel is inside.
     [[nodiscard]] constexpr bool isEmpty() const { return Right <= Left || Bottom <= Top; }
 
     /// Whether the point lies inside; points on the right and bottom edges do not.
@@ -40,10 +42,12 @@ struct TRect {
                 std::max(Bottom, other.Bottom)};
     }
 
+    /// The same rectangle as Qt has it, and back.
     [[nodiscard]] QRect toQRect() const { return {Left, Top, width(), height()}; }
     [[nodiscard]] static TRect fromQRect(const QRect& rect) {
         return {rect.x(), rect.y(), rect.x() + rect.width(), rect.y() + rect.height()};
     }
 
+    /// Equal when all edges are.
     friend constexpr bool operator==(const TRect&, const TRect&) = default;
 };

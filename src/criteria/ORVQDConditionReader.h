@@ -15,18 +15,19 @@ namespace orv {
 /// What a condition of a statement says: its left side, operator and operands, or, where no
 /// operator of the list fits, its whole text.
 struct ReadCondition {
-    QString fieldFunc;
-    QString field;
+    QString fieldFunc;               ///< function around the left side
+    QString field;                   ///< the left side
     TOperatorList::Entry operation;  ///< expressionOperator() for a text as a whole
-    QString argFunc;
-    QStringList arguments;
+    QString argFunc;                 ///< function around the operand
+    QStringList arguments;           ///< the operands
 };
 
 /// One element of a bracket's level: AND, OR, NOT, a bracketed sub-condition or a condition.
 struct ConditionElement {
+    /// What the element is.
     enum Kind : quint8 { And, Or, Not, Bracket, Condition };
 
-    Kind kind = Condition;
+    Kind kind = Condition;                   ///< what the element is
     TokenRun run;                            ///< its tokens
     ReadCondition condition;                 ///< of a Condition
     std::vector<ConditionElement> children;  ///< of a Bracket

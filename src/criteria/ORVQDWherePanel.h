@@ -52,6 +52,7 @@ public:
     /// Makes the root row. The catalogues are there by now.
     void Activate();
 
+    /// The group around all rows; none before Activate().
     [[nodiscard]] TorvQDWhereRow* rootRow() const;
     /// The condition over several lines; nine blanks for an empty panel.
     [[nodiscard]] QString GetSQLStatment() const;
@@ -63,6 +64,7 @@ public:
     /// connective nests one more.
     void checkLoadable(const TorvQDParser& node, const orv::LoadLedger& ledger,
                        bool keepMeaning) const;
+    /// Removes all rows but the root row.
     void ClearContents();
     /// Replaces the alias in front of field names, as a whole word and outside quotes.
     void ChangeAlias(const QString& NewAlias, const QString& OldAlias);
@@ -74,6 +76,7 @@ public:
     /// Names of the operators that the conditions have, one for each condition.
     [[nodiscard]] QStringList operatorNames() const;
 
+    /// The group operator of that caption, ignoring case; none when the catalogue has none.
     [[nodiscard]] const TorvQDGroupFunc* FindGroupFunc(const QString& Name) const;
     /// Data type of a qualified field of the diagram. Raises orv::Error "Fatal Error! Class
     /// TorvQueryBuilder not found" when the panel lies in no query builder.
@@ -99,6 +102,7 @@ public:
 
     // --- geometry ---
 
+    /// Height of a row, in pixels; at least 1.
     [[nodiscard]] int rowHeight() const { return m_context.rowHeight; }
     void SetRowHeight(int height);
     /// Size of the rows that are shown, in pixels of the content; with `AllRows` also of those in
@@ -108,6 +112,7 @@ public:
     /// coordinates. None beside them.
     [[nodiscard]] TorvQDWhereRow* LookRows(int y, int& top);
     [[nodiscard]] TorvQDControl* LookControl(const TorvQDWhereRow& row, int x) const;
+    /// The element at a point of the view; none beside them.
     [[nodiscard]] TorvQDControl* elementAt(const QPoint& viewPoint);
     /// What an element takes up in the view; empty when its row is not shown.
     [[nodiscard]] QRect elementRect(const TorvQDControl& element);
@@ -115,18 +120,25 @@ public:
     [[nodiscard]] const std::vector<TorvQDWhereRow*>& shownRows();
     /// Scrolls just enough to show the element.
     void showElement(const TorvQDControl& element);
+    /// Where rows and elements lie; after Activate() only.
     [[nodiscard]] const orv::ConditionLayout& conditionLayout() const { return *m_layout; }
 
     // --- commands about the current element ---
 
+    /// Adds a condition that is not filled in, at the end of the group or of the condition's group.
     void AddCondition();
+    /// Makes a group "All" of the condition, with the condition in it. Raises orv::Error for a
+    /// group.
     void MakeCompositCondition();
+    /// Deletes the row with all below it, after the question. Raises orv::Error for the root row.
     void DeleteCondition();
+    /// Collapses or expands a group. Raises orv::Error for a condition and for the root row.
     void ExpandCollapse();
     /// Gives the group of the current element the operator of a menu item, or the side of the
     /// condition its function; nothing without an item.
     void SelectGroupFuncs(const QAction* Sender);
     void SelectAgrFuncs(const QAction* Sender);
+    /// Gives the condition the operator of a menu item; nothing without an item.
     void SelectOperator(const QAction* Sender);
     /// A copy of the row with all below it, right behind it. Raises orv::Error for the root row.
     void DuplicateCondition();
@@ -158,6 +170,7 @@ public:
     void discardEdit();
     /// Hides the list of fields and takes over what is being typed.
     void HideFieldList();
+    /// Whether the editor is open.
     [[nodiscard]] bool isEditing() const;
     /// The editor is left: takes over its text, unless the list of fields is shown.
     void SetFieldText();

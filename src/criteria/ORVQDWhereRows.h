@@ -68,13 +68,15 @@ enum TElementKind : int {
 /// field, 3 the operator, 4 the argument's function, from 5 on the arguments. Owned by its row.
 class ORV_EXPORT TorvQDControl {
 public:
+    /// An element without a text; its row makes it and owns it.
     TorvQDControl(TorvQDWhereRow* row, int kind) : Row(row), Kind(kind) {}
 
     TorvQDWhereRow* Row;  ///< borrowed
-    int Kind;
-    int Left = 0;   ///< pixels, content coordinates
-    int Width = 0;  ///< pixels
+    int Kind;             ///< a TElementKind; from ekArgument on, the number of the argument
+    int Left = 0;         ///< pixels, content coordinates
+    int Width = 0;        ///< pixels
 
+    /// The text as it is shown.
     [[nodiscard]] const QString& GetText() const { return m_text; }
     /// The text as it is shown: nine blanks for none, at most 30 characters and "...", on one line.
     void SetText(const QString& text);
@@ -86,12 +88,16 @@ private:
 /// The rows of one group, or the root of a panel.
 class ORV_EXPORT TorvQDWhereRows : public TCollectionEx {
 public:
+    /// The rows of a group, or of the root with none. Context and row are borrowed.
     TorvQDWhereRows(const orv::ConditionContext* context, TorvQDWhereRow* ownerRow);
 
+    /// The row at an index; none out of range.
     [[nodiscard]] TorvQDWhereRow* Row(int Index) const;
+    /// Appends a condition that is not filled in.
     TorvQDWhereRow* AddRow();
     /// The row whose sub-rows these are; none for a panel's root.
     [[nodiscard]] TorvQDWhereRow* ownerRow() const { return m_ownerRow; }
+    /// What the rows need of their panel.
     [[nodiscard]] const orv::ConditionContext& context() const { return *m_context; }
 
     void Update(TCollectionItemEx* Item) override;
@@ -108,33 +114,43 @@ private:
 /// nine blanks. A row is a group exactly when GroupOper is not empty.
 class ORV_EXPORT TorvQDWhereRow : public TCollectionItemEx {
 public:
+    /// A condition that is not filled in, with the first operator of the catalogue.
     explicit TorvQDWhereRow(TorvQDWhereRows* collection);
     ~TorvQDWhereRow() override;
 
-    std::unique_ptr<TorvQDWhereRows> SubRows;
-    QString GroupOper;
-    QString FieldFunc;
-    QString FieldName;
-    QString ArgFunc;
+    std::unique_ptr<TorvQDWhereRows>
+        SubRows;                    ///< the rows of a group; there, but empty, in a condition
+    QString GroupOper;              ///< caption of the group operator; empty for a condition
+    QString FieldFunc;              ///< function around the field
+    QString FieldName;              ///< the left side; the whole text of an expression
+    QString ArgFunc;                ///< function around the argument
     TOperatorList::Entry Operator;  ///< none when the catalogue is empty
     QStringList Arguments;  ///< as many as the operator has operands, or had that it came from
     bool Valid = true;      ///< the last type check succeeded
-    QString AuxText;
-    bool Expanded = false;
-    bool Muted = false;  ///< kept, but not written
-    std::vector<std::unique_ptr<TorvQDControl>> Controls;
+    QString AuxText;  ///< a text for the program's own use; copied, but neither shown nor written
+    bool Expanded = false;  ///< whether the rows of a group are shown; SetExpanded
+    bool Muted = false;     ///< kept, but not written
+    std::vector<std::unique_ptr<TorvQDControl>>
+        Controls;  ///< the elements: button, group operator or function, and so on; see
+                   ///< TElementKind
 
+    /// Whether it is a group, be it without rows.
     [[nodiscard]] bool isGroup() const { return !GroupOper.isEmpty(); }
     /// Whether the row is one text with no operator of the catalogue.
     [[nodiscard]] bool isExpression() const { return Operator == orv::expressionOperator(); }
 
     /// Brings arguments and elements in line with the operator; the first arguments stay.
     void SetArgumentStrings();
+    /// Takes the operator, and brings arguments and elements in line with it.
     void setOperator(const TOperatorList::Entry& entry);
     /// Takes arguments as they are: a row whose operator was replaced keeps those that it had.
     void setArguments(const QStringList& texts);
+    /// Makes a group of the row, with its rows shown, or changes its operator; an empty name makes
+    /// a condition of it.
     void SetGroupOper(const QString& Name);
+    /// Shows or hides the rows of a group.
     void SetExpanded(bool Value);
+    /// Mutes the row with all below it, or has it written again.
     void SetMuted(bool Value);
     /// Whether the condition of its group has the row: it is not muted, nor, as a group, all that
     /// is in it. A group without rows is written, as a place that is not filled.
@@ -148,6 +164,7 @@ public:
     /// content. Those that are not shown have no width: all but button and group operator of a
     /// group, functions where the panel has none.
     void SetDimentionControls(int left);
+    /// Where the first element begins, in pixels of the content.
     [[nodiscard]] int GetLeftBound() const { return Controls.front()->Left; }
     /// In pixels of the content, as of the last layout of the panel; -1 while the row is not shown.
     [[nodiscard]] int GetTopBound() const;
@@ -167,6 +184,7 @@ public:
     [[nodiscard]] TorvQDWhereRow* GetNextRow() const;
     /// The group that the row lies in; none for the root row.
     [[nodiscard]] TorvQDWhereRow* parentRow() const;
+    /// The collection that owns the row.
     [[nodiscard]] TorvQDWhereRows* rows() const;
     /// 1 for the root row, one more for each group around a row.
     [[nodiscard]] int depth() const;
@@ -214,6 +232,7 @@ namespace orv {
 /// open. A plain value.
 class ORV_EXPORT ElementRef {
 public:
+    /// Refers to nothing, to an element, or to that kind of element of a row.
     ElementRef() = default;
     explicit ElementRef(const TorvQDControl* element);
     ElementRef(const TorvQDWhereRow& row, int kind) : m_row(row.handle()), m_kind(kind) {}
@@ -222,8 +241,10 @@ public:
     [[nodiscard]] TorvQDWhereRow* row() const;
     /// The element; none when its row is gone or has no such element any more.
     [[nodiscard]] TorvQDControl* get() const;
+    /// Which element of the row it is: a TElementKind.
     [[nodiscard]] int kind() const { return m_kind; }
 
+    /// Equal when they lead to the same element now, or both to none.
     friend bool operator==(const ElementRef& one, const ElementRef& other) {
         return one.get() == other.get();
     }

@@ -19,6 +19,7 @@ struct DraggedField {
     QString alias;        ///< effective alias of the box
     QString field;        ///< name of the row
 
+    /// "ALIAS.FIELD", as conditions and columns name it.
     [[nodiscard]] QString qualifiedName() const { return alias + u'.' + field; }
 };
 

@@ -63,9 +63,11 @@ static_assert(ptResult == 4);
 /// A set of field types.
 class ORV_EXPORT CompatibleFields {
 public:
+    /// The set of these types.
     CompatibleFields(std::initializer_list<TFieldType> types) {
         for (const TFieldType type : types) m_types.set(type);
     }
+    /// Whether the type is one of them.
     [[nodiscard]] bool contains(TFieldType type) const {
         return type < m_types.size() && m_types[type];
     }

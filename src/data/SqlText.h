@@ -10,8 +10,9 @@ namespace orv {
 /// a placeholder of another name. It is written as it stands, without quotes. As a variant it is
 /// made by QVariant::fromValue.
 struct SqlText {
-    QString text;
+    QString text;  ///< written as it stands
 
+    /// Equal when the texts are.
     friend bool operator==(const SqlText& a, const SqlText& b) { return a.text == b.text; }
 };
 

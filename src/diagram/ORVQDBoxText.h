@@ -14,10 +14,10 @@ namespace orv {
 /// The fonts of a box. Its rows and its caption follow the weight that they need, whatever weight
 /// the font of the options has.
 struct BoxFonts {
-    QFont regular;
-    QFont bold;
-    int regularHeight = 0;  // of a line, in pixels
-    int boldHeight = 0;
+    QFont regular;          ///< of the rows
+    QFont bold;             ///< of the caption
+    int regularHeight = 0;  ///< of a line, in pixels
+    int boldHeight = 0;     ///< of a line, in pixels
 
     /// Makes the fonts anew when the font of the options is another one.
     void follow(const QFont& font);
@@ -34,6 +34,7 @@ public:
     /// font and pen, and leaves cutting to the painter's clip. Where painters know no clip, in
     /// vector files, the line ends with the last letter that fits.
     void draw(QPainter& painter, const QRect& rect, int lineHeight) const;
+    /// Takes the text as it stands.
     void setText(const QString& text);
 
 private:
@@ -42,19 +43,19 @@ private:
 
 /// The text of a row, rebuilt when what it is made of changes.
 struct RowText {
-    QString name;
-    TFieldType type = ftUnknown;
-    bool showsType = false;
-    bool isMade = false;
-    TextLine line;
+    QString name;                 ///< of the field, as it is written
+    TFieldType type = ftUnknown;  ///< of the field
+    bool showsType = false;       ///< whether the type stands behind the name
+    bool isMade = false;          ///< whether `line` is of these values
+    TextLine line;                ///< as it was laid out
 };
 
 /// The text of a caption, rebuilt when what it is made of or its room changes.
 struct CaptionText {
-    QString caption;
-    QFont font;
-    int width = -1;
-    TextLine line;
+    QString caption;  ///< as it was given
+    QFont font;       ///< with which it was laid out
+    int width = -1;   ///< of its room, in pixels; -1 before it is made
+    TextLine line;    ///< as it was laid out, shortened to its room
 };
 
 }  // namespace orv

@@ -26,21 +26,23 @@ using TSetOfItemStates = quint8;
 /// One field row of a box. Owned by its box.
 class ORV_EXPORT TorvQDListItem {
 public:
+    /// A row that is not ticked. Its box makes it and owns it.
     TorvQDListItem(TorvQDTable* table, const QString& name, TFieldType fieldType,
                    TParamType paramType);
 
-    TorvQDTable* Table;  ///< the box; borrowed
-    QString Name;        ///< as it is written in SQL, quotes included
-    QVariant Value;      ///< of a procedure's parameter row
-    TFieldType FieldType;
-    TParamType ParamType;  ///< ptOutput for every row of an ordinary table
-    bool Checked = false;  ///< ticked for the output list; change it by SetCheck or UpdateCheck
-    bool Selected = false;
-    bool IsNull = true;  ///< whether a parameter row holds NULL
-    bool Busy = false;   ///< the host is being asked for the parameter's value
+    TorvQDTable* Table;     ///< the box; borrowed
+    QString Name;           ///< as it is written in SQL, quotes included
+    QVariant Value;         ///< of a procedure's parameter row
+    TFieldType FieldType;   ///< of the field or parameter
+    TParamType ParamType;   ///< ptOutput for every row of an ordinary table
+    bool Checked = false;   ///< ticked for the output list; change it by SetCheck or UpdateCheck
+    bool Selected = false;  ///< highlighted, because a link to it is selected; SetSelect
+    bool IsNull = true;     ///< whether a parameter row holds NULL
+    bool Busy = false;      ///< the host is being asked for the parameter's value
 
     /// The row as links attach to it, in diagram coordinates.
     [[nodiscard]] TRect GetBoundsRect() const;
+    /// Position in the box, from 0 on.
     [[nodiscard]] int GetIndex() const { return m_index; }
     /// What the rest of the statement calls the field: the alias of its table, a full stop, its
     /// name.
@@ -91,28 +93,30 @@ public:
     TorvQDTable(QWidget* AParent, const TDataSet* DataSet, const QString& TableName);
     ~TorvQDTable() override;
 
-    QString TableName;  ///< as it is written in SQL, quotes included
-    QString Hint;
-    int FieldState = 0;  ///< 0 no row ticked, 1 some, 2 all
-    int PressedButton = -1;
-    int HotButton = -1;
-    int Expanded = -1;  ///< not 0 while the rows are shown
-    int CaptionHeight = 0;
-    int ButtonsWidth = 40;
-    int BorderWidth = 2;
-    int Indent = 2;
-    int ScrollBarWidth = 16;
-    TorvQDListItem* CurrentItem = nullptr;
+    QString TableName;        ///< as it is written in SQL, quotes included
+    QString Hint;             ///< of the part under the mouse, for GetHint
+    int FieldState = 0;       ///< 0 no row ticked, 1 some, 2 all
+    int PressedButton = -1;   ///< the caption button that is held down; -1 for none
+    int HotButton = -1;       ///< the caption button under the mouse; -1 for none
+    int Expanded = -1;        ///< not 0 while the rows are shown
+    int CaptionHeight = 0;    ///< pixels
+    int ButtonsWidth = 40;    ///< of the three caption buttons together, in pixels
+    int BorderWidth = 2;      ///< pixels
+    int Indent = 2;           ///< between border and rows, in pixels
+    int ScrollBarWidth = 16;  ///< pixels
+    TorvQDListItem* CurrentItem =
+        nullptr;  ///< the row that keys are about; none without one, borrowed
     TorvQDListItem* DropItem = nullptr;  ///< the row over which something is dragged; setDropItem
-    int Left = 0;
-    int Top = 0;
-    int Width = 100;
-    int Height = 0;  ///< of the expanded box
-    int ItemHeight = 0;
-    int FirstVisibleItem = 0;
-    int VisibleCount = 0;
-    std::vector<std::unique_ptr<TorvQDListItem>> Items;
+    int Left = 0;                        ///< pixels; SetLeft or MoveTable change it
+    int Top = 0;                         ///< pixels; SetTop or MoveTable change it
+    int Width = 100;                     ///< pixels; SetWidth changes it
+    int Height = 0;                      ///< of the expanded box
+    int ItemHeight = 0;                  ///< of a row, in pixels
+    int FirstVisibleItem = 0;            ///< index of the uppermost row that is shown
+    int VisibleCount = 0;                ///< rows that have room
+    std::vector<std::unique_ptr<TorvQDListItem>> Items;  ///< the rows, from top to bottom
 
+    /// The alias that was given to the box; empty when its name stands for it.
     [[nodiscard]] const QString& Alias() const { return m_alias; }
     /// Stores the alias as given; the work area keeps aliases unique.
     void SetAlias(const QString& alias);
@@ -149,6 +153,7 @@ public:
     void PopupMenu(QMenu& Menu, int X, int Y, TTableHitTest HitTest) override;
     /// Colour of the row area.
     [[nodiscard]] virtual QColor GetClientColor() const;
+    /// What a double click does there: on the caption it asks for an alias, on a row it ticks.
     virtual void DblClick(TWMMouse& Message, TTableHitTest HitTest);
     /// The border of the box.
     [[nodiscard]] orv::Bevel GetTableBorder() const;
@@ -163,20 +168,26 @@ public:
     void DrawButton(QPainter& Painter, int State, int Index, const TRect& R) const;
 
     // Setters of geometry; absolute values and minimums apply.
+    /// Height of the caption and of a row, in pixels: absolute values, not below a minimum.
     void SetCaptionHeight(int Value);
     void SetItemHeight(int Value);
+    /// Moves the box, which keeps its size.
     void SetLeft(int Value);
     void SetTop(int Value);
+    /// Sizes the box, not below what caption and one row need.
     void SetWidth(int Value);
     void SetHeight(int Value);
+    /// Shows the rows (not 0) or the caption alone.
     void SetExpand(int Value);
     /// Scrolls the rows. With fewer rows than VisibleCount a non-negative request gives a negative
     /// first row.
     void SetFirstVisibleItem(int Value);
+    /// Moves the box by so many pixels.
     void MoveTable(int DX, int DY);
     /// Moves the left or upper edge to that place; the opposite edge stays. Minimums apply.
     void MoveLeft(int Value);
     void MoveUpper(int Value);
+    /// Makes the row the one that keys are about; nothing for a row of another box.
     void SetCurrentItem(TorvQDListItem* Item);
     /// Scrolls the rows as little as shows the row.
     void scrollToItem(const TorvQDListItem* item);
@@ -192,9 +203,13 @@ public:
     /// Places and ranges the canvas's scroll bar; false when this box shows none.
     bool UpdateScrollBar();
 
+    /// All of the box; of a collapsed one the caption.
     [[nodiscard]] TRect GetBoundsRect() const;
+    /// The room of the caption's text, between check box and buttons.
     [[nodiscard]] TRect GetCaptionRect() const;
+    /// The room for rows.
     [[nodiscard]] TRect GetClientRect() const;
+    /// The three caption buttons together.
     [[nodiscard]] TRect GetButtonRect() const;
     /// The row in view coordinates; all zero for a row of another box.
     [[nodiscard]] TRect GetItemRect(const TorvQDListItem* Item) const;
@@ -216,14 +231,16 @@ public:
 
     /// Place, size and scrolled rows, to be put back as they were.
     struct Shape {
-        int left = 0;
-        int top = 0;
-        int width = 0;
-        int height = 0;
-        int visibleCount = 0;
-        int firstVisibleItem = 0;
+        int left = 0;              ///< pixels, diagram coordinates
+        int top = 0;               ///< pixels, diagram coordinates
+        int width = 0;             ///< pixels
+        int height = 0;            ///< pixels, of the expanded box
+        int visibleCount = 0;      ///< rows that have room
+        int firstVisibleItem = 0;  ///< index of the uppermost row
     };
+    /// The shape that the box has now.
     [[nodiscard]] Shape shape() const;
+    /// Gives the box that shape.
     void setShape(const Shape& shape);
 
     /// Asks the user for another alias, in place, and selects the box.
@@ -252,6 +269,7 @@ public:
     /// Whether the row is one of this box.
     [[nodiscard]] bool owns(const TorvQDListItem* item) const;
 
+    /// The rectangle, of diagram coordinates, in view coordinates.
     [[nodiscard]] TRect toView(const TRect& rect) const;
 
 protected:

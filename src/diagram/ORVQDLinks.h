@@ -50,18 +50,20 @@ namespace orv {
 /// only while a link refers to it.
 class ORV_EXPORT TorvQDJoin {
 public:
+    /// An inner join without links; the work area makes and owns it.
     TorvQDJoin(QWidget* workArea, TorvQDTable* table1, TorvQDTable* table2);
 
-    TKindOfJoin KindOfJoin = klInnerJoin;
-    TorvQDTable* Table1;  ///< the first, left one; borrowed
-    TorvQDTable* Table2;  ///< borrowed
-    QWidget* WorkArea;    ///< borrowed
+    TKindOfJoin KindOfJoin = klInnerJoin;  ///< which rows it keeps
+    TorvQDTable* Table1;                   ///< the first, left one; borrowed
+    TorvQDTable* Table2;                   ///< borrowed
+    QWidget* WorkArea;                     ///< borrowed
 
     /// Conditions of its ON that are no comparison of two fields, joined by AND; empty without any.
     QString Text;
 
     /// The first (0) or second (1) box; none for any other index.
     [[nodiscard]] TorvQDTable* GetTable(int Index) const;
+    /// The name of that box, as FROM has it; empty for any other index.
     [[nodiscard]] QString GetTableName(int Index) const;
 };
 
@@ -75,6 +77,7 @@ class ORV_EXPORT TorvQDLink : public TorvQDFloatObject {
     Q_OBJECT
 
 public:
+    /// A link by "="; the work area makes and owns it.
     TorvQDLink(QWidget* workArea, TorvQDJoin* join, TorvQDListItem* item1, TorvQDListItem* item2);
     ~TorvQDLink() override;
 
@@ -92,14 +95,17 @@ public:
     /// Takes the operator of that text, known or not.
     void setOperatorText(const QString& text);
 
+    /// How many points the line has: four and the bend points.
     [[nodiscard]] int GetCountPoints() const { return int(m_points.size()); }
     /// A point in view coordinates. Raises orv::Error "Invalid index = %d " out of range.
     [[nodiscard]] QPoint GetPoint(int Index) const;
     /// Stores a point, in diagram coordinates. Raises like GetPoint.
     void SetPoint(int Index, const QPoint& P);
+    /// All points, in diagram coordinates.
     [[nodiscard]] const std::vector<QPoint>& points() const { return m_points; }
     /// The user's bend points, in diagram coordinates.
     [[nodiscard]] std::vector<QPoint> bendPoints() const;
+    /// Replaces them.
     void setBendPoints(const std::vector<QPoint>& points);
 
     /// Deletes the first bend point close to DragPoint, if any.

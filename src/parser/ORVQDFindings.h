@@ -14,9 +14,11 @@ struct Finding {
     QString text;    ///< the text at that place
     QString what;    ///< one English sentence: what became of it
 
+    /// Equal when all members are.
     friend bool operator==(const Finding&, const Finding&) = default;
 };
 
+/// Findings in the order of the text.
 using Findings = std::vector<Finding>;
 
 }  // namespace orv

@@ -33,12 +33,14 @@ enum WordTrait : quint16 {
     wordAs = 1 << 11,
 };
 
+/// All that the parser knows of one word. A plain value.
 struct WordInfo {
-    quint16 traits = 0;
+    quint16 traits = 0;                 ///< a set of WordTrait
     const QString* spelling = nullptr;  ///< the word itself, to be shared; none without traits
     TLocationKinds clause = inUnknown;  ///< of a wordClause
     qint8 joinIndex = -1;               ///< position in lJoins
 
+    /// Whether the word has the trait.
     [[nodiscard]] bool is(WordTrait trait) const { return (traits & trait) != 0; }
 };
 

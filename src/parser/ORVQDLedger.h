@@ -17,10 +17,14 @@ namespace orv {
 /// itself. Positions are those of the normalised text; findings are told in the given one.
 class ORV_EXPORT LoadLedger {
 public:
+    /// The statement as it was given, and as the parser reads it.
     LoadLedger(const QString& given, NormalisedSQL normalised);
 
+    /// The normalised text.
     [[nodiscard]] const QString& text() const { return m_normalised.text; }
+    /// The tokens of the normalised text.
     [[nodiscard]] const SqlTokens& tokens() const { return m_tokens; }
+    /// Those of them that begin inside [start, end).
     [[nodiscard]] TokenRun tokensIn(int start, int end) const;
 
     /// The characters of the given text that [start, end) came from.

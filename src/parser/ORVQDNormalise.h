@@ -12,7 +12,7 @@ namespace orv {
 
 /// A statement as the parser reads it, with the way back to the text that was given.
 struct NormalisedSQL {
-    QString text;
+    QString text;  ///< what the parser reads
     /// For each character of `text`, and for its end, the position in the given text.
     std::vector<int> positions;
 
@@ -25,6 +25,7 @@ struct NormalisedSQL {
     }
 };
 
+/// What square brackets are in a statement.
 enum class SquareBrackets {
     QuoteNames,  ///< [my name] is a name
     AreSigns,    ///< an operator contains one: they stay as they are
@@ -41,7 +42,7 @@ NormaliseSQL(const QString& text, SquareBrackets brackets = SquareBrackets::Quot
 struct StatementParts {
     int bodyEnd = 0;    ///< the part to parse is [0, bodyEnd)
     int tailStart = 0;  ///< UNION ..., LIMIT ... and the like; equal to tailEnd when there is none
-    int tailEnd = 0;
+    int tailEnd = 0;    ///< exclusive
     int restStart = 0;  ///< text behind a ";", which is a statement of its own; to the end
 };
 

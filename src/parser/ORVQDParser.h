@@ -20,6 +20,7 @@
 /// where its reading ended, blanks included.
 class ORV_EXPORT TorvQDParser {
 public:
+    /// A node that is owned.
     using Node = std::unique_ptr<TorvQDParser>;
 
     /// Parses a whole statement. Raises orv::Error "Given statement is not SELECT clause" when its
@@ -38,15 +39,22 @@ public:
     /// are taken off.
     static Node CreateNode(QString& Text, TLocationKinds Location, const QString& Name);
 
+    /// What the node is: a name, an operator, a function ...
     [[nodiscard]] TTypeOfTie Kind() const { return m_kind; }
+    /// In which clause it stands.
     [[nodiscard]] TLocationKinds Location() const { return m_location; }
+    /// Its word, or what it is called.
     [[nodiscard]] const QString& Text() const { return m_text; }
 
+    /// How many children there are.
     [[nodiscard]] int Count() const { return int(m_children.size()); }
+    /// The child at an index from 0 on, which must be there.
     [[nodiscard]] const TorvQDParser* Child(int Index) const {
         return m_children[std::size_t(Index)].get();
     }
+    /// The children in the order of the text.
     [[nodiscard]] const std::vector<Node>& Children() const { return m_children; }
+    /// Takes the node in as the last child; gives it back, borrowed.
     TorvQDParser* Append(Node Child);
     /// The first clause of that location below this node; none when there is none.
     [[nodiscard]] const TorvQDParser* Clause(TLocationKinds Location) const;
@@ -54,6 +62,7 @@ public:
     /// Of the root: the text that it was made from, line breaks as blanks; spans count in it.
     [[nodiscard]] const QString& Source() const { return m_source; }
 
+    /// Where it begins and ends (exclusive) in the text of the root.
     [[nodiscard]] int Start() const { return m_start; }
     [[nodiscard]] int End() const { return m_end; }
 

@@ -13,6 +13,7 @@ namespace orv {
 /// One token of a normalised statement. Tokens are finer than the parser's words: they are what is
 /// compared, and what a load accounts for one by one.
 struct SqlToken {
+    /// What a token is.
     enum Kind : quint8 {
         Word,  ///< name or keyword, with its qualifiers and quoted parts: T."my field"
         Number,
@@ -23,15 +24,17 @@ struct SqlToken {
         Comma,
     };
 
-    int start;  ///< position in the normalised text
-    int end;    ///< exclusive
-    Kind kind;
+    int start;            ///< position in the normalised text
+    int end;              ///< exclusive
+    Kind kind;            ///< what it is
     int depth;            ///< open brackets around it; a bracket has the depth of what is around it
     int closeOffset = 0;  ///< of an Open: how many tokens behind it the Close stands; 0 without one
 
+    /// Equal when all members are.
     friend bool operator==(const SqlToken&, const SqlToken&) = default;
 };
 
+/// The tokens of a text, in order.
 using SqlTokens = std::vector<SqlToken>;
 
 /// The tokens of a normalised statement, in order. Linear in the text.
@@ -40,13 +43,17 @@ using SqlTokens = std::vector<SqlToken>;
 /// The part of a token list that a loader looks at, with the text that it belongs to.
 class ORV_EXPORT TokenRun {
 public:
+    /// No tokens, or those from `first` up to `last`, exclusive. Text and tokens are borrowed.
     TokenRun() = default;
     TokenRun(QStringView text, const SqlToken* first, const SqlToken* last)
         : m_text(text), m_first(first), m_last(last) {}
 
+    /// How many tokens there are.
     [[nodiscard]] int size() const { return int(m_last - m_first); }
     [[nodiscard]] bool isEmpty() const { return m_first == m_last; }
+    /// The token at an index from 0 on, which must be there.
     [[nodiscard]] const SqlToken& operator[](int index) const { return m_first[index]; }
+    /// For loops over the tokens.
     [[nodiscard]] const SqlToken* begin() const { return m_first; }
     [[nodiscard]] const SqlToken* end() const { return m_last; }
 
@@ -56,6 +63,7 @@ public:
     }
     [[nodiscard]] TokenRun mid(int first) const { return mid(first, size() - first); }
 
+    /// The characters of the token at an index.
     [[nodiscard]] QStringView textOf(int index) const {
         return m_text.mid(m_first[index].start, m_first[index].end - m_first[index].start);
     }

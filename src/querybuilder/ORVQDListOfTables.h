@@ -14,8 +14,10 @@ class TorvQDWorkArea;
 /// with its work area.
 class ORV_EXPORT TorvQDListOfTables {
 public:
+    /// The work area is borrowed; the query builder makes the one list that it has.
     explicit TorvQDListOfTables(TorvQDWorkArea* WorkArea);
 
+    /// How many boxes there are; 0 once the work area is gone.
     [[nodiscard]] int TablesCount() const;
 
     /// The box at a place of the stacking order, front-most first: the place changes with every

@@ -51,31 +51,32 @@ class ORV_EXPORT TorvQDOperatorsPropertyDlg : public QDialog {
     Q_OBJECT
 
 public:
+    /// A dialog without operators; fill `Operators` before it is shown.
     explicit TorvQDOperatorsPropertyDlg(QWidget* parent = nullptr);
     ~TorvQDOperatorsPropertyDlg() override;
 
-    QGroupBox* GroupBox1;
+    QGroupBox* GroupBox1;      ///< around everything but the last two buttons
     QListWidget* lbOperators;  ///< a line for each operator: its name
-    QPushButton* btnAdd;
-    QPushButton* btnDelete;
-    QGroupBox* Features;  ///< of the current operator; hidden when there is none
-    QLabel* lblName;
-    QLineEdit* ebName;
-    QLabel* lblCaption;
-    QLineEdit* ebCaption;
-    QLabel* lblCount;
-    QLineEdit* ebCount;  ///< counts the left-hand operand too
-    QLabel* lblPrefix;
-    QLineEdit* ebPrefix;
-    QLabel* lblRelate;
-    QLineEdit* ebRelate;
-    QLabel* lblPostfix;
-    QLineEdit* ebPostfix;
-    QLabel* lblSQLCaption;
-    QLabel* lblSQL;   ///< the preview
-    QLabel* lblHint;  ///< that OK alone would lose something; empty when it would not
-    QPushButton* btnOK;
-    QPushButton* btnCancel;
+    QPushButton* btnAdd;       ///< "Add operator"
+    QPushButton* btnDelete;    ///< "Delete operator"
+    QGroupBox* Features;       ///< of the current operator; hidden when there is none
+    QLabel* lblName;           ///< of the edit below it, like the other labels
+    QLineEdit* ebName;         ///< the keyword in SQL
+    QLabel* lblCaption;        ///< of ebCaption
+    QLineEdit* ebCaption;      ///< what condition rows show
+    QLabel* lblCount;          ///< of ebCount
+    QLineEdit* ebCount;        ///< counts the left-hand operand too
+    QLabel* lblPrefix;         ///< of ebPrefix
+    QLineEdit* ebPrefix;       ///< in front of the first operand
+    QLabel* lblRelate;         ///< of ebRelate
+    QLineEdit* ebRelate;       ///< between two operands
+    QLabel* lblPostfix;        ///< of ebPostfix
+    QLineEdit* ebPostfix;      ///< behind the last operand
+    QLabel* lblSQLCaption;     ///< of the preview
+    QLabel* lblSQL;            ///< the preview
+    QLabel* lblHint;           ///< that OK alone would lose something; empty when it would not
+    QPushButton* btnOK;        ///< takes the display name over and closes
+    QPushButton* btnCancel;    ///< closes
 
     /// The dialog's own copy.
     TOperatorList Operators;
@@ -84,6 +85,7 @@ public:
     [[nodiscard]] int currentIndex() const { return m_currentIndex; }
     /// Whether the user has typed since the operator was selected.
     [[nodiscard]] bool isModified() const { return m_modified; }
+    /// The edits that are forbidden.
     [[nodiscard]] TEditRestrictions restrictions() const { return m_restrictions; }
 
     /// Begins with no operator, no restriction and nothing selected; the constructor calls it.

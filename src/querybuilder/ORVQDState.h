@@ -17,6 +17,7 @@ struct StateNotes {
     QStringList messages;  ///< texts of the message boxes raised on the way
 };
 
+/// Over several lines with two blanks a level, or on one line.
 enum class JsonLayout { Indented, Compact };
 
 /// The state of a query as one JSON document in UTF-8: statement, tables, columns and all else that

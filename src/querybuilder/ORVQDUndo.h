@@ -47,6 +47,7 @@ public:
     /// the groups within it. Without a text the step is named after what has changed.
     class ORV_EXPORT Group {
     public:
+        /// The recorder is borrowed, and may die first.
         explicit Group(UndoRecorder* recorder, QString text = {});
         Group(const Group&) = delete;
         Group& operator=(const Group&) = delete;

@@ -40,6 +40,7 @@ class ORV_EXPORT TorvTabSheet : public QWidget {
     Q_OBJECT
 
 public:
+    /// An empty sheet; its layout, without margins, takes the panel.
     explicit TorvTabSheet(QWidget* parent = nullptr);
 };
 
@@ -94,30 +95,46 @@ public:
 
     TorvQDWorkArea* WorkArea = nullptr;                ///< the diagram; none in design mode
     std::unique_ptr<TorvQDListOfTables> ListOfTables;  ///< none in design mode
-    QTabWidget* PageCtrl = nullptr;
-    QSplitter* Splitter = nullptr;
-    TGroupOperators GroupOpers;
-    QStringList AgrFuncs;
-    std::unique_ptr<TOperatorList> Operators;
+    QTabWidget* PageCtrl = nullptr;                    ///< the pages; owned as a child
+    QSplitter* Splitter = nullptr;  ///< between diagram and pages; owned as a child
+    TGroupOperators
+        GroupOpers;  ///< the four group operators of conditions: All, Any, Not all, None
+    QStringList
+        AgrFuncs;  ///< the aggregates of the selection page; the first, blank one stands for none
+    std::unique_ptr<TOperatorList>
+        Operators;  ///< of conditions; edit it in place or by setOperators()
     TorvQDWherePanel* WherePanel = nullptr;    ///< none in design mode
     TorvQDWherePanel* HavingPanel = nullptr;   ///< none in design mode
     TorvQDOrderPanel* OrderPanel = nullptr;    ///< none in design mode
     TorvQDSelectPanel* SelectPanel = nullptr;  ///< none in design mode
-    std::unique_ptr<TorvQDWorkAreaOptions> WorkAreaOptions;
-    std::unique_ptr<TorvQDConditionOptions> ConditionOptions;
+    std::unique_ptr<TorvQDWorkAreaOptions>
+        WorkAreaOptions;  ///< how the diagram looks; edit them in place
+    std::unique_ptr<TorvQDConditionOptions>
+        ConditionOptions;    ///< how the conditions look; edit them in place
     QList<QIcon> ImageList;  ///< 16 x 16: a table, a field
 
     // Events of the host; a veto that is not assigned allows everything.
+    /// Asks for the columns of a table of a loaded statement, and for the parameters of a
+    /// procedure. Without it LoadSQL raises.
     TGetTableFieldsEvent OnGetTableFields;
+    /// Asks before a table is added or removed, by the user or by program; not while a state is
+    /// restored.
     TAddRemoveTableEvent OnAddRemoveTable;
+    /// Asks before a link is added or removed, by the user or by program; not while a state is
+    /// restored.
     TAddRemoveLinkEvent OnAddRemoveLink;
+    /// Asks for the value of a procedure's input parameter when the user double clicks its row.
     TEnterProcParameter OnEnterProcParameter;
 
     // Drags: of fields of the diagram, and of other things over the diagram, which the host may
     // take (a name from its own list of tables, say). Sender is the query builder.
+    /// A field of the diagram is about to be dragged.
     TStartDragEvent OnStartDrag;
+    /// Something else is dragged over the diagram: may it be dropped there?
     TDragOverEvent OnDragOver;
+    /// It was dropped there.
     TDragDropEvent OnDragDrop;
+    /// The drag of a field is over.
     TEndDragEvent OnEndDrag;
     /// What is dragged while OnDragOver or OnDragDrop runs; none at other times.
     [[nodiscard]] const QMimeData* DragMimeData() const { return m_dragData; }
@@ -172,13 +189,17 @@ public:
 
     [[nodiscard]] bool DoAddRemoveTable(TorvQDTable* Table, TAddRemove Action) override;
     [[nodiscard]] bool DoAddRemoveLink(TorvQDLink* Link, TAddRemove Action) override;
+    /// How ORDER BY names the output row, counted from 1: a plain field by its source, else its
+    /// number. Empty in design mode.
     [[nodiscard]] QString GetSortedFieldName(int Index) const;
+    /// Output name of the first row of exactly that source; empty without one.
     [[nodiscard]] QString GetSortedAliasName(const QString& Name) const;
 
     /// Fields that are ticked in boxes, and all fields of all boxes, as qualified names.
     [[nodiscard]] const orv::NameList& SelectedFields();
     [[nodiscard]] const orv::NameList& AllFields() const { return m_allFields; }
 
+    /// The edge of the parent to which the control keeps when the parent has no layout.
     [[nodiscard]] TAlign Align() const { return m_align; }
     void setAlign(TAlign align);
 
@@ -188,42 +209,57 @@ public:
     /// Back to the height at the start, 100.
     void resetTabsHeight();
 
-    /// Assigning copies into the owned objects.
+    /// Copies into the owned objects, which stay the same objects.
     void setWorkAreaOptions(const TorvQDWorkAreaOptions& options);
     void setConditionOptions(const TorvQDConditionOptions& options);
     void setOperators(const TOperatorList& operators);
+    /// How the diagram looks and behaves; owned by the control.
     [[nodiscard]] TorvQDWorkAreaOptions* GetWorkAreaOptions() const {
         return WorkAreaOptions.get();
     }
+    /// How the conditions look; owned by the control.
     [[nodiscard]] TorvQDConditionOptions* GetConditionOptions() const {
         return ConditionOptions.get();
     }
+    /// The operators of conditions; owned by the control.
     [[nodiscard]] TOperatorList* GetOperators() const { return Operators.get(); }
 
     // The same options as properties of the control itself.
+    /// Whether a box that is not selected hides its current row: WorkAreaOptions->HideSelection.
     [[nodiscard]] bool WorkAreaHideSelection() const;
     void setWorkAreaHideSelection(bool hide);
+    /// Whether a dragged field shows its name instead of the drag cursor alone.
     [[nodiscard]] bool WorkAreaDragFieldName() const;
     void setWorkAreaDragFieldName(bool drag);
+    /// Whether boxes are drawn flat.
     [[nodiscard]] bool WorkAreaFlat() const;
     void setWorkAreaFlat(bool flat);
+    /// Whether rows show the type behind the name.
     [[nodiscard]] bool WorkAreaShowFieldsType() const;
     void setWorkAreaShowFieldsType(bool show);
+    /// Whether the caption buttons of boxes are drawn flat.
     [[nodiscard]] bool WorkAreaFlatCaptionBtns() const;
     void setWorkAreaFlatCaptionBtns(bool flat);
+    /// The border of the boxes.
     [[nodiscard]] TBorderKind WorkAreaTableBorder() const;
     void setWorkAreaTableBorder(TBorderKind border);
+    /// The font of the boxes.
     [[nodiscard]] QFont WorkAreaFont() const;
     void setWorkAreaFont(const QFont& font);
+    /// Background of the rows of table boxes.
     [[nodiscard]] QColor WorkAreaTableColor() const;
     void setWorkAreaTableColor(const QColor& color);
+    /// Background of the rows of procedure boxes: that of tool tips until a colour is set.
     [[nodiscard]] QColor WorkAreaProcedureColor() const;
     void setWorkAreaProcedureColor(const QColor& color);
     void resetWorkAreaProcedureColor();
+    /// Whether the active condition row is highlighted: ConditionOptions->SelectRow.
     [[nodiscard]] bool ConditionSelectRow() const;
     void setConditionSelectRow(bool select);
+    /// How the buttons of condition rows are drawn.
     [[nodiscard]] TbtnStyle ConditionBtnsStyle() const;
     void setConditionBtnsStyle(TbtnStyle style);
+    /// Background of the active condition row.
     [[nodiscard]] QColor ConditionActiveRowColor() const;
     void setConditionActiveRowColor(const QColor& color);
 
@@ -243,6 +279,7 @@ public:
     [[nodiscard]] const QString& TailText() const { return m_tail; }
     void setTailText(const QString& text);
 
+    /// What a layout begins with, in pixels.
     [[nodiscard]] QSize sizeHint() const override;
 
     // What the diagram and the pages ask.

@@ -19,9 +19,11 @@ struct OutputColumn {
     bool grouped = false;  ///< its source stood in the GROUP BY list of the loaded statement
     bool muted = false;    ///< kept, but not written
 
+    /// Equal when all members are.
     friend bool operator==(const OutputColumn&, const OutputColumn&) = default;
 };
 
+/// Output columns in their order.
 using OutputColumns = std::vector<OutputColumn>;
 
 /// What the texts of the select list depend on besides the columns.
@@ -34,8 +36,8 @@ struct SelectTextRules {
 
 /// The two texts that the selection contributes to a statement.
 struct SelectTexts {
-    QString select;
-    QString groupBy;
+    QString select;           ///< the list behind SELECT
+    QString groupBy;          ///< the list behind GROUP BY; empty without one
     bool aggregated = false;  ///< only then there is a GROUP BY list, empty or not
 };
 

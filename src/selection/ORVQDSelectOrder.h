@@ -51,6 +51,7 @@ class ORV_EXPORT TorvQDSelectGrid : public QTableView {
     Q_OBJECT
 
 public:
+    /// Told of a qualified field name.
     using NameEvent = std::function<void(const QString& FullName)>;
 
     /// Raises orv::Error "Invalide parent for SelectGrids" without a parent.
@@ -59,16 +60,20 @@ public:
 
     const QStringList* AgrFuncs = nullptr;     ///< names of the aggregates; borrowed
     const orv::NameList* AllFields = nullptr;  ///< all fields of the diagram; borrowed
-    NameEvent OnFieldChosen;
-    NameEvent OnFieldRemoved;
+    NameEvent OnFieldChosen;   ///< a field of the diagram became the source of a row
+    NameEvent OnFieldRemoved;  ///< a row of that source went
     /// A number from 0 to 99 for the name of an expression; replaceable for tests.
     std::function<int()> randomBelow100;
 
+    /// Rows with the header and the empty last one.
     [[nodiscard]] int RowCount() const { return int(m_columns.size()) + 2; }
     /// Text of a cell; columns are output name, aggregate and source.
     [[nodiscard]] QString Cells(int Col, int Row) const;
+    /// The data rows.
     [[nodiscard]] const orv::OutputColumns& columns() const { return m_columns; }
 
+    /// The output name that goes with an aggregate and a source: "SUM_OF_PRICE", or the field's
+    /// own.
     [[nodiscard]] static QString CreateFieldName(const QString& Agg, const QString& Source);
     /// Appends an output column for the qualified name, also when it is there already.
     void CheckField(const QString& Name);
@@ -87,10 +92,12 @@ public:
     /// Rebuilds the rows from a statement's root node, GROUP BY included. Raises orv::Error when
     /// the node is another.
     void LoadSQL(const TorvQDParser& Node);
+    /// Removes all rows; what is being typed is dropped.
     void ClearContents();
     /// Replaces all rows.
     void setColumns(orv::OutputColumns columns);
 
+    /// By what the select list is written here; of the query builder around the grid.
     [[nodiscard]] orv::SelectTextRules textRules() const;
     /// Shows what changed; the query builder calls it once per change.
     void refreshView();
@@ -120,6 +127,7 @@ public:
     /// by it are not written either.
     void SetMuted(int Row, bool Value);
 
+    /// Whether an editor is open over a cell.
     [[nodiscard]] bool isEditing() const { return m_edited.isValid(); }
     /// Takes over what is being typed in a cell and closes its editor.
     void commitEdit();
@@ -217,11 +225,14 @@ public:
     /// Raises orv::Error "Invalide parent for OrderPanel" without a parent.
     explicit TorvQDSelectPanel(QWidget* AOwner);
 
+    /// The grid below the option; owned as a child.
     [[nodiscard]] TorvQDSelectGrid* grid() const { return m_grid; }
+    /// The option of unique records; owned as a child.
     [[nodiscard]] QCheckBox* distinctBox() const { return m_distinct; }
 
     /// -1 when only unique records are wanted, else 0.
     [[nodiscard]] int GetDistinct() const;
+    /// Wants only unique records (not 0), or all.
     void SetDistinct(int Value);
     /// Empties the grid; the option stays.
     void ClearContents();
@@ -248,18 +259,25 @@ public:
     [[nodiscard]] QString GetSQLStatment() const;
     /// Rebuilds the sorted lines from an ORDER BY node. Raises orv::Error when the node is another.
     void LoadSQL(const TorvQDParser& Node);
+    /// Removes all sorted lines.
     void ClearContents();
     /// Drops sorted lines whose name is gone and lists what is not sorted.
     void RefreshFields();
 
+    /// The sorted lines and the names that are not sorted.
     [[nodiscard]] const orv::SortList& sortList() const { return m_list; }
     /// Replaces all sorted lines.
     void setSortedLines(const std::vector<orv::SortList::Line>& lines);
 
+    /// The selection has changed: buttons that have nothing to do are disabled.
     void _SelectItem();
+    /// Sorts by the selected name, ascending.
     void _AddClick();
+    /// Sorts by the selected line no more.
     void _RemoveClick();
+    /// Turns the direction of the selected line round.
     void _ChangeOrder();
+    /// Moves the selected line by one place; nothing at the ends.
     void _MoveUp();
     void _MoveDown();
     /// Each list takes what is dragged out of the other one, and nothing else.
@@ -268,6 +286,7 @@ public:
     void _DragOverUnOrder(const QObject* Source, bool& Accept) const;
     void _DragDropUnOrder();
 
+    /// Keys, clicks and drags of the two lists.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 protected:

@@ -21,27 +21,35 @@ namespace orv {
 /// as the grid's rows are: from 1. A plain value.
 class ORV_EXPORT SortList {
 public:
+    /// One sorted output name.
     struct Line {
-        QString name;
-        QString direction;
-        int row = 0;     ///< the output row that it came from; 0 when only its name is known
-        QString source;  ///< what that row puts out; empty when that is not known
+        QString name;       ///< the output name
+        QString direction;  ///< ascendingText() or descendingText()
+        int row = 0;        ///< the output row that it came from; 0 when only its name is known
+        QString source;     ///< what that row puts out; empty when that is not known
 
+        /// Equal when all members are.
         friend bool operator==(const Line&, const Line&) = default;
     };
 
+    /// The sorted lines in the order of ORDER BY.
     [[nodiscard]] const std::vector<Line>& lines() const { return m_lines; }
+    /// The output names that are not sorted.
     [[nodiscard]] const QStringList& unsorted() const { return m_unsorted; }
 
+    /// Appends a sorted line.
     void append(const QString& name, const QString& direction, int row = 0,
                 const QString& source = {});
     /// Sorts the unsorted name at an index, ascending.
     void add(int unsortedIndex);
+    /// Takes a line off; refresh() lists its name again as one that is not sorted.
     void remove(int line);
+    /// Turns the direction of a line round.
     void changeOrder(int line);
     /// Moves a line by one place; nothing at the ends.
     void moveUp(int line);
     void moveDown(int line);
+    /// Removes all lines.
     void clear();
 
     /// Drops lines whose name is no output name any more and lists the names that are not sorted.
@@ -70,8 +78,10 @@ private:
 /// for is looked up. A plain value.
 class ORV_EXPORT OutputRows {
 public:
+    /// The output names, and what their columns put out.
     explicit OutputRows(QStringList names, QStringList sources = {});
 
+    /// The row of the line, from 1 on; 0 when there is none.
     [[nodiscard]] int rowOf(const SortList::Line& line);
 
 private:

@@ -14,19 +14,23 @@ class QWidget;
 
 namespace orv {
 
+/// The picture of a message.
 enum class MessageIcon { None, Information, Exclamation, Question, Error };
+/// The buttons of a message: one, or a question's two.
 enum class MessageButtons { Ok, YesNo };
+/// The button that closed a message.
 enum class MessageAnswer { Ok, Yes, No };
 
 /// One modal message to the user. Texts are plain: "<" in a table name is no markup.
 struct MessageRequest {
-    QWidget* parent = nullptr;  ///< the widget over which it appears; borrowed
-    QString text;
-    QString caption;
-    MessageIcon icon = MessageIcon::None;
-    MessageButtons buttons = MessageButtons::Ok;
+    QWidget* parent = nullptr;                    ///< the widget over which it appears; borrowed
+    QString text;                                 ///< what is told, or asked
+    QString caption;                              ///< the title of the box
+    MessageIcon icon = MessageIcon::None;         ///< its picture
+    MessageButtons buttons = MessageButtons::Ok;  ///< its buttons
 };
 
+/// Shows a message and returns the answer.
 using MessageService = std::function<MessageAnswer(const MessageRequest&)>;
 
 /// Shows the message through the present service and returns the answer. Closing a Yes/No box
@@ -37,6 +41,7 @@ ORV_EXPORT MessageAnswer showMessage(const MessageRequest& request);
 /// brings the message boxes back. Returns the service that was there.
 ORV_EXPORT MessageService setMessageService(MessageService service);
 
+/// Shows a dialog and returns QDialog::Accepted or QDialog::Rejected.
 using DialogRunner = std::function<int(QDialog& dialog)>;
 
 /// Shows the dialog modally through the present runner and returns its result. The runner may run

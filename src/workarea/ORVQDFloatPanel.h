@@ -63,16 +63,24 @@ public:
     ~TorvQDWorkArea() override;
 
     // Notification slots; empty ones are skipped.
+    /// A row was ticked or unticked.
     TCheckItemEvent OnCheckItem;
+    /// A box was added; Item is the TorvQDTable.
     TAddEvent OnAddTable;
+    /// A box is about to go; Item is the TorvQDTable.
     TRemoveEvent OnRemoveTable;
+    /// A box has another effective alias; Item is the TorvQDTable, OldValue the one of before.
     TChangeStringEvent OnChangeAlias;
+    /// A link was added; Item is the TorvQDLink.
     TAddEvent OnAddLink;
+    /// A link is about to go; Item is the TorvQDLink.
     TRemoveEvent OnRemoveLink;
+    /// A link was selected (State) or deselected.
     TSelectionLinkEvent OnSelectionLink;
     /// All boxes went at once, without a notification for each.
     std::function<void()> contentsCleared;
 
+    /// How many boxes there are.
     [[nodiscard]] int TablesCount() const { return int(m_tables.size()); }
     /// The box at a place of the stacking order. Raises orv::Error when there is none.
     [[nodiscard]] TorvQDTable* Tables(int Index) const;
@@ -94,6 +102,7 @@ public:
                               const QRect& bounds, const TParams* params = nullptr);
     /// Adds a join without links, which restoreLink is to give it. Nobody is asked.
     TorvQDJoin* restoreJoin(TorvQDTable* table1, TorvQDTable* table2);
+    /// Adds a link by "=" in the join. Nobody is asked.
     TorvQDLink* restoreLink(TorvQDJoin* join, TorvQDListItem* item1, TorvQDListItem* item2);
     /// Makes the box as wide as its caption and its rows need, up to a bearable width.
     void fitWidth(TorvQDTable& table);
@@ -125,6 +134,7 @@ public:
     /// Joins and links in the order of their creation.
     [[nodiscard]] std::vector<TorvQDJoin*> Joins() const;
     [[nodiscard]] std::vector<TorvQDLink*> Links() const;
+    /// The links of that join alone, in the order of their creation.
     [[nodiscard]] std::vector<TorvQDLink*> linksOf(const TorvQDJoin* join) const;
 
     /// The box of that effective alias (case counts), front-most first. An empty name stands for
@@ -188,6 +198,7 @@ public:
     [[nodiscard]] qreal zoom() const { return m_zoom; }
     void setZoom(qreal zoom);
     void setZoom(qreal zoom, const QPoint& viewportAnchor);
+    /// A step nearer, a step away, back to 1; the middle of the view stays where it is.
     void zoomIn();
     void zoomOut();
     void actualSize();
@@ -197,6 +208,7 @@ public:
     void arrange();
     /// Puts a picture of the diagram on the clipboard.
     void copyAsPicture();
+    /// The same as an image: all boxes, whatever is scrolled.
     [[nodiscard]] QImage picture() const;
 
     /// Scrolls by pixels of the diagram, or so that the view begins at that place of it.
@@ -216,6 +228,7 @@ public:
 
     // --- gestures ---
 
+    /// Whether the mouse is moving, sizing, linking or bending something.
     [[nodiscard]] bool isGesturing() const;
     /// Ends what the mouse is doing and restores what was before; false when it does nothing.
     bool cancelGesture();
@@ -229,8 +242,10 @@ public:
     static constexpr int edgeTimer = 3;
     static constexpr int hintTimer = 10;
     static constexpr int hintEndTimer = 11;
+    /// Starts or stops the timer of that number.
     void startTimerNumber(int number);
     void stopTimer(int number);
+    /// Whether the timer of that number runs.
     [[nodiscard]] bool isTimerActive(int number) const;
     /// What a timer does when its time is over.
     void timerFired(int number);
@@ -246,12 +261,18 @@ public:
     void showMenuOf(TorvQDFloatObject* object);
 
     // What drags of fields tell the builder.
+    /// The builder's own number in what is dragged from its diagram.
     [[nodiscard]] quint64 dragIdentity() const { return m_owner->dragIdentity(); }
+    /// A field is about to be dragged; the owner tells the host.
     void fieldDragStarted(const orv::DraggedField& field);
+    /// The drag is over. The target took it, none when nobody did; view coordinates.
     void fieldDragEnded(QObject* target, const QPoint& viewPoint);
+    /// Whether the host wants to be asked about drags that are no fields.
     [[nodiscard]] bool takesForeignDrags() const { return m_owner->takesForeignDrags(); }
+    /// Whether the host takes what is dragged over that point, in view coordinates.
     [[nodiscard]] bool foreignDragOver(QObject* source, const QPoint& viewPoint,
                                        const QMimeData& data);
+    /// The host gets what was dropped at that point, in view coordinates.
     void foreignDrop(QObject* source, const QPoint& viewPoint, const QMimeData& data);
 
     /// The colour of links on the ground of the diagram: black, unless a host with a dark look
@@ -264,6 +285,7 @@ public:
     /// Paints all boxes in diagram coordinates: into a picture, a printer or a vector file.
     void paintDiagram(QPainter& painter) const;
 
+    /// Tells that a row of a box was ticked or unticked; nothing for what is not on the diagram.
     void _CheckItem(QObject* Sender, TorvQDListItem* Item);
     /// Asks the host for the row's value.
     void DoEnterParameter(TorvQDTable* SProcedure, TorvQDListItem* ListItem);
@@ -274,6 +296,7 @@ public:
     [[nodiscard]] std::vector<TorvQDListItem*> earlyArguments() const;
     /// The tables that the SQL of a parameter row names.
     [[nodiscard]] std::vector<const TorvQDTable*> tablesNamedBy(const TorvQDListItem& row) const;
+    /// Lays all boxes out for the font of the options, which has become this one.
     void _SetFont(const QFont& Value);
     [[nodiscard]] QFont GetFont() const;
 
@@ -314,6 +337,7 @@ public:
     void beginChange() override;
     void endChange() override;
 
+    /// What a layout begins with, in pixels.
     [[nodiscard]] QSize sizeHint() const override;
 
 protected:

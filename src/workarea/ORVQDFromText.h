@@ -12,32 +12,32 @@ namespace orv {
 
 /// A table of a FROM clause.
 struct FromTable {
-    QString name;   ///< as it is written, with the arguments of a procedure
-    QString alias;  ///< effective alias; written where it differs from `plainName`
-    QString plainName;
+    QString name;       ///< as it is written, with the arguments of a procedure
+    QString alias;      ///< effective alias; written where it differs from `plainName`
+    QString plainName;  ///< the name without the arguments of a procedure
 };
 
 /// One comparison of a join: fields of its first and second table.
 struct FromLink {
-    QString field1;
-    QString operation;
-    QString field2;
+    QString field1;     ///< its name, without the table
+    QString operation;  ///< the operator
+    QString field2;     ///< its name, without the table
 };
 
 /// A join between two tables, by their indices.
 struct FromJoin {
-    int table1 = 0;
-    int table2 = 0;
-    TKindOfJoin kind = klInnerJoin;
-    std::vector<FromLink> links;
-    QString text;  ///< conditions that are no comparison of two fields
+    int table1 = 0;                  ///< index of the table on the left
+    int table2 = 0;                  ///< index of the table on the right
+    TKindOfJoin kind = klInnerJoin;  ///< seen from the first table
+    std::vector<FromLink> links;     ///< its comparisons, joined by AND
+    QString text;                    ///< conditions that are no comparison of two fields
 };
 
 /// What a FROM clause is written from. Tables stand in the order in which they are to begin lines;
 /// joins in the order of their creation.
 struct FromDiagram {
-    std::vector<FromTable> tables;
-    std::vector<FromJoin> joins;
+    std::vector<FromTable> tables;  ///< in the order in which they are to begin lines
+    std::vector<FromJoin> joins;    ///< in the order of their creation
 };
 
 /// How a join came out in the text.
@@ -49,8 +49,8 @@ struct JoinPlace {
 
 /// How the tables and joins of a diagram came out in the text, by their indices.
 struct FromPlaces {
-    std::vector<int> tables;  ///< the how manieth table of the text it is, from 0 on
-    std::vector<JoinPlace> joins;
+    std::vector<int> tables;       ///< the how manieth table of the text it is, from 0 on
+    std::vector<JoinPlace> joins;  ///< one for each join
 };
 
 /// The body of the clause: each table that no earlier one reaches begins an item of the comma list,

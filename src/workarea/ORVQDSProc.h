@@ -30,6 +30,7 @@ public:
     /// The call as FROM has it: the name and, in brackets, the arguments. With meaning kept, one
     /// that was loaded without brackets has none while it has no arguments.
     [[nodiscard]] QString call() const;
+    /// Whether the call was loaded without brackets.
     [[nodiscard]] bool isWithoutBrackets() const { return m_withoutBrackets; }
     void setWithoutBrackets(bool value) { m_withoutBrackets = value; }
 

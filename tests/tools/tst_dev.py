@@ -10,7 +10,8 @@ import threading
 import unittest
 
 SCRIPT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "dev")
-REAL_TOOLS = ["bash", "dirname", "getconf", "grep", "mkdir", "tail", "uname"]
+REAL_TOOLS = ["bash", "cat", "dirname", "getconf", "grep", "head", "mkdir", "rm", "sed", "tail",
+              "uname"]
 MOST_SECONDS = 30
 
 # Its builds last until somebody writes into the pipe.
@@ -75,6 +76,23 @@ class Dev(unittest.TestCase):
         self.assertTrue(any(told.fullmatch(line) for line in lines), lines)
         self.assertRegex(lines[-1], r"^\[3/3\] Building \(release\) \.\.\. \d+ s\n$")
         self.assertNotIn("\r", "".join(lines))
+
+    def test_the_reference_is_of_the_installed_headers_and_fails_by_warnings(self):
+        os.makedirs(self.path("docs"))
+        self.write("docs/Doxyfile", "QUIET = YES\n")
+        self.write("CMakeLists.txt", "project(P\n    VERSION 1.2.3\n    LANGUAGES CXX)\n")
+        self.write("tools/interface_tables", "#!/bin/bash\n[ \"$*\" = --headers ] && "
+                                             "printf 'src/a.h\\nsrc/b.h\\n'\n")
+        self.write("tools/doxygen", "#!/bin/bash\ncat > given\nexit \"$ENDS_WITH\"\n")
+        for status in (0, 1):
+            done = subprocess.run(
+                [shutil.which("bash"), self.path("dev"), "reference"], stdin=subprocess.DEVNULL,
+                stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False,
+                env={"PATH": self.path("tools"), "ENDS_WITH": str(status)})
+            self.assertEqual(done.returncode, status, done.stdout)
+            with open(self.path("given"), encoding="utf-8") as given:
+                self.assertEqual(given.read(), "QUIET = YES\nPROJECT_NUMBER = 1.2.3\n"
+                                               "INPUT += src/a.h src/b.h\n")
 
 
 if __name__ == "__main__":
