@@ -26,19 +26,22 @@ QString grouped() {
 }
 
 QString large() {
+    return ofTables(largeTables);
+}
+
+QString ofTables(int tables) {
     QStringList columns;
     QStringList conditions;
     QString from = QStringLiteral("T0 A0");
-    for (int table = 0; table < largeTables; ++table) {
+    for (int table = 0; table < tables; ++table) {
         columns << QStringLiteral("A%1.NAME, A%1.AMOUNT").arg(table);
         if (table == 0) continue;
         from += QStringLiteral(" INNER JOIN T%1 A%1 ON (A%2.ID = A%1.PARENT)")
                     .arg(table)
                     .arg(table - 1);
     }
-    for (int condition = 0; condition < largeConditions; ++condition) {
-        conditions
-            << QStringLiteral("(A%1.AMOUNT > %2)").arg(condition % largeTables).arg(condition);
+    for (int condition = 0; condition < conditionsPerTable * tables; ++condition) {
+        conditions << QStringLiteral("(A%1.AMOUNT > %2)").arg(condition % tables).arg(condition);
     }
     return QStringLiteral("SELECT %1 FROM %2 WHERE %3")
         .arg(columns.join(QStringLiteral(", ")), from, conditions.join(QStringLiteral(" AND ")));

@@ -9,7 +9,7 @@
 namespace bench {
 
 inline constexpr int largeTables = 20;
-inline constexpr int largeConditions = 60;
+inline constexpr int conditionsPerTable = 3;
 
 /// One table; a join; grouped; 20 tables and 60 conditions.
 QString oneTable();
@@ -17,7 +17,10 @@ QString join();
 QString grouped();
 QString large();
 
-/// CREATE TABLE statements for all of them.
+/// The same of so many tables, one joined with the next: two columns and three conditions for each.
+QString ofTables(int tables);
+
+/// CREATE TABLE statements for the first four, and for as many tables as the large one has.
 std::string schema();
 
 /// A statement of about `characters`: columns, a join chain and conditions, growing alike.

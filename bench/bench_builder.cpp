@@ -1,38 +1,20 @@
 // SPDX-License-Identifier: MIT
 // What the control itself costs: loading, writing, ticking and placing, and how each grows.
+#include "Hosted.h"
 #include "Statements.h"
 #include "diagram/ORVQDFloatTable.h"
-#include "querybuilder/ORVQDWindow.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <benchmark/benchmark.h>
 
 namespace {
 
-TDataSet fields(int count) {
-    TDataSet dataSet;
-    for (int field = 0; field < count; ++field) {
-        dataSet.FieldDefs.push_back({QStringLiteral("F%1").arg(field), ftInteger});
-    }
-    return dataSet;
-}
-
-void answerWith(TorvQueryBuilder& builder, int count) {
-    builder.OnGetTableFields = [count](const QString&, std::unique_ptr<TDataSet>& dataSet,
-                                       std::unique_ptr<TParams>&) {
-        dataSet = std::make_unique<TDataSet>(fields(count));
-    };
-}
-
 void loadColumns(benchmark::State& state) {
     const int columns = int(state.range(0));
-    TorvQueryBuilder builder;
-    builder.setKeepMeaning(true);
-    answerWith(builder, columns);
+    bench::Hosted hosted(columns);
     const QString text = bench::ofColumns(columns);
     for ([[maybe_unused]] auto _ : state) {
-        builder.LoadSQL(text);
-        if (!builder.LoadReport().empty()) state.SkipWithError("findings");
+        if (!hosted.load(text)) state.SkipWithError("findings");
     }
     state.SetComplexityN(columns);
 }
@@ -40,19 +22,18 @@ BENCHMARK(loadColumns)->RangeMultiplier(4)->Range(16, 16384)->Complexity(benchma
 
 void loadStar(benchmark::State& state) {
     const int columns = int(state.range(0));
-    TorvQueryBuilder builder;
-    answerWith(builder, columns);
-    for ([[maybe_unused]] auto _ : state) builder.LoadSQL(QStringLiteral("SELECT * FROM T"));
+    bench::Hosted hosted(columns);
+    for ([[maybe_unused]] auto _ : state) hosted.builder.LoadSQL(QStringLiteral("SELECT * FROM T"));
     state.SetComplexityN(columns);
 }
 BENCHMARK(loadStar)->RangeMultiplier(4)->Range(16, 16384)->Complexity(benchmark::oN);
 
 void writeStatement(benchmark::State& state) {
     const int columns = int(state.range(0));
-    TorvQueryBuilder builder;
-    answerWith(builder, columns);
-    builder.LoadSQL(QStringLiteral("SELECT * FROM T"));
-    for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(builder.GetSQLStatment().size());
+    bench::Hosted hosted(columns);
+    hosted.builder.LoadSQL(QStringLiteral("SELECT * FROM T"));
+    for ([[maybe_unused]] auto _ : state)
+        benchmark::DoNotOptimize(hosted.builder.GetSQLStatment().size());
     state.SetComplexityN(columns);
 }
 BENCHMARK(writeStatement)->RangeMultiplier(4)->Range(16, 16384)->Complexity(benchmark::oN);
@@ -60,7 +41,7 @@ BENCHMARK(writeStatement)->RangeMultiplier(4)->Range(16, 16384)->Complexity(benc
 void tickAll(benchmark::State& state) {
     const int rows = int(state.range(0));
     TorvQueryBuilder builder;
-    TorvQDTable* table = builder.ListOfTables->AddTable(QStringLiteral("T"), fields(rows));
+    TorvQDTable* table = builder.ListOfTables->AddTable(QStringLiteral("T"), bench::fields(rows));
     for ([[maybe_unused]] auto _ : state) {
         table->SetFieldState(2);
         table->SetFieldState(0);
@@ -73,7 +54,7 @@ BENCHMARK(tickAll)->RangeMultiplier(4)->Range(16, 16384)->Complexity(benchmark::
 void addToMany(benchmark::State& state) {
     const int tables = int(state.range(0));
     TorvQueryBuilder builder;
-    const TDataSet dataSet = fields(5);
+    const TDataSet dataSet = bench::fields(5);
     for (int table = 0; table < tables; ++table) {
         builder.ListOfTables->AddTable(QStringLiteral("T%1").arg(table), dataSet);
     }

@@ -2,6 +2,9 @@
 // What the pages cost in the hand: one edit, one step of scrolling and a full relay, with few and
 // with many conditions and output columns; and ticking all fields of many boxes. Each case stands
 // beside the same with fewer rows, so that growth can be read off.
+#include "Hosted.h"
+#include "Pages.h"
+#include "PaintCounter.h"
 #include "catalogue/ORVQDOperators.h"
 #include "criteria/ORVQDConditionLayout.h"
 #include "criteria/ORVQDWherePanel.h"
@@ -12,90 +15,17 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QPaintEvent>
 #include <QScrollBar>
 
 #include <benchmark/benchmark.h>
 
 namespace {
 
-enum Page { criterions = 0, selection = 1 };
-
-constexpr QSize builderSize(1000, 800);
-constexpr int pagesHeightPx = 400;
-
-TDataSet fields(int count) {
-    TDataSet dataSet;
-    for (int field = 0; field < count; ++field) {
-        dataSet.FieldDefs.push_back({QStringLiteral("FIELD_%1").arg(field), ftInteger});
-    }
-    return dataSet;
-}
-
-/// Counts what a widget paints.
-class PaintCounter : public QObject {
-public:
-    explicit PaintCounter(QWidget* widget) { widget->installEventFilter(this); }
-
-    qint64 pixels = 0;
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == QEvent::Paint) {
-            for (const QRect& rect : static_cast<QPaintEvent*>(event)->region()) {
-                pixels += qint64(rect.width()) * rect.height();
-            }
-        }
-        return QObject::eventFilter(watched, event);
-    }
-};
-
-/// A shown builder with one of its pages in front.
-class ShownPages {
-public:
-    explicit ShownPages(Page page) {
-        builder.OnGetTableFields = [](const QString&, std::unique_ptr<TDataSet>& dataSet,
-                                      std::unique_ptr<TParams>&) {
-            dataSet = std::make_unique<TDataSet>(fields(10));
-        };
-        builder.resize(builderSize);
-        builder.PageCtrl->setCurrentIndex(page);
-        builder.show();
-        builder.setTabsHeight(pagesHeightPx);
-    }
-
-    void loadConditions(int count) {
-        QStringList conditions;
-        for (int row = 0; row < count; ++row) {
-            conditions << QStringLiteral("T.FIELD_%1 > %2").arg(row % 10).arg(row);
-        }
-        load(QStringLiteral("SELECT T.FIELD_0 FROM T WHERE ") +
-             conditions.join(QStringLiteral(" AND ")));
-    }
-
-    void loadColumns(int count) {
-        QStringList columns;
-        for (int row = 0; row < count; ++row) {
-            columns << QStringLiteral("T.FIELD_%1 AS COLUMN_%2").arg(row % 10).arg(row);
-        }
-        load(QStringLiteral("SELECT ") + columns.join(QStringLiteral(", ")) +
-             QStringLiteral(" FROM T"));
-    }
-
-    TorvQueryBuilder builder;
-
-private:
-    void load(const QString& text) {
-        builder.LoadSQL(text);
-        for (int round = 0; round < 3; ++round) QCoreApplication::processEvents();
-    }
-};
-
 // --- conditions ---
 
 // Another operator for a row in the middle, with everything that follows from it.
 void editCondition(benchmark::State& state) {
-    ShownPages pages(criterions);
+    bench::ShownPages pages(bench::criterions);
     pages.loadConditions(int(state.range(0)));
     TorvQDWherePanel& panel = *pages.builder.WherePanel;
     const TorvQDWhereRow& row = *panel.rootRow()->SubRows->Row(int(state.range(0)) / 2);
@@ -106,7 +36,7 @@ void editCondition(benchmark::State& state) {
     less.setData(QVariant::fromValue(pages.builder.Operators->FindName(QStringLiteral("<="))));
     greater.setData(QVariant::fromValue(pages.builder.Operators->FindName(QStringLiteral(">"))));
 
-    PaintCounter counter(panel.viewport());
+    bench::PaintCounter counter(panel.viewport());
     const int measuredBefore = panel.conditionLayout().measuredRows();
     int step = 0;
     for ([[maybe_unused]] auto _ : state) {
@@ -116,36 +46,30 @@ void editCondition(benchmark::State& state) {
     }
     state.counters["measured_rows"] =
         double(panel.conditionLayout().measuredRows() - measuredBefore) / step;
-    state.counters["painted_px"] = double(counter.pixels) / step;
+    state.counters["painted_px"] = counter.pixels / step;
 }
 BENCHMARK(editCondition)->Arg(20)->Arg(200)->Arg(2000);
 
 void scrollConditions(benchmark::State& state) {
-    ShownPages pages(criterions);
+    bench::ShownPages pages(bench::criterions);
     pages.loadConditions(int(state.range(0)));
     TorvQDWherePanel& panel = *pages.builder.WherePanel;
     QScrollBar& bar = *panel.verticalScrollBar();
-    PaintCounter counter(panel.viewport());
+    bench::PaintCounter counter(panel.viewport());
     int step = 0;
     for ([[maybe_unused]] auto _ : state) {
         bar.setValue(++step % 2 ? 3 * panel.rowHeight() : 0);
         QCoreApplication::processEvents();
     }
-    state.counters["painted_px"] = double(counter.pixels) / step;
+    state.counters["painted_px"] = counter.pixels / step;
 }
 BENCHMARK(scrollConditions)->Arg(40)->Arg(200)->Arg(2000);
 
 // Another font: every text is measured anew and every row placed.
 void relayConditions(benchmark::State& state) {
-    ShownPages pages(criterions);
+    bench::ShownPages pages(bench::criterions);
     pages.loadConditions(int(state.range(0)));
-    TorvQDWherePanel& panel = *pages.builder.WherePanel;
-    int step = 0;
-    for ([[maybe_unused]] auto _ : state) {
-        QFont font = panel.font();
-        font.setPointSize(++step % 2 ? 9 : 8);
-        panel.setFont(font);
-    }
+    for ([[maybe_unused]] auto _ : state) pages.relayConditions();
     state.SetComplexityN(state.range(0));
 }
 BENCHMARK(relayConditions)->RangeMultiplier(2)->Range(250, 16000)->Complexity(benchmark::oN);
@@ -154,13 +78,13 @@ BENCHMARK(relayConditions)->RangeMultiplier(2)->Range(250, 16000)->Complexity(be
 
 // Another output name for a row in the middle: typed, taken over and shown.
 void editColumn(benchmark::State& state) {
-    ShownPages pages(selection);
+    bench::ShownPages pages(bench::selection);
     pages.loadColumns(int(state.range(0)));
     TorvQDSelectGrid& grid = *pages.builder.SelectPanel->grid();
     const int row = int(state.range(0)) / 2;
     grid.scrollTo(grid.model()->index(row, 0));
     QCoreApplication::processEvents();
-    PaintCounter counter(grid.viewport());
+    bench::PaintCounter counter(grid.viewport());
     int step = 0;
     for ([[maybe_unused]] auto _ : state) {
         grid._EditText(0, row);
@@ -168,29 +92,33 @@ void editColumn(benchmark::State& state) {
         grid.commitEdit();
         QCoreApplication::processEvents();
     }
-    state.counters["painted_px"] = double(counter.pixels) / step;
+    state.counters["painted_px"] = counter.pixels / step;
 }
 BENCHMARK(editColumn)->Arg(20)->Arg(200)->Arg(2000);
 
 void scrollColumns(benchmark::State& state) {
-    ShownPages pages(selection);
+    bench::ShownPages pages(bench::selection);
     pages.loadColumns(int(state.range(0)));
     TorvQDSelectGrid& grid = *pages.builder.SelectPanel->grid();
-    PaintCounter counter(grid.viewport());
+    bench::PaintCounter counter(grid.viewport());
     int step = 0;
     for ([[maybe_unused]] auto _ : state) {
         grid.verticalScrollBar()->setValue(++step % 2 ? 3 : 0);
         QCoreApplication::processEvents();
     }
-    state.counters["painted_px"] = double(counter.pixels) / step;
+    state.counters["painted_px"] = counter.pixels / step;
 }
 BENCHMARK(scrollColumns)->Arg(40)->Arg(200)->Arg(2000);
 
 // --- many fields ---
 
+TDataSet boxFields(int64_t count) {
+    return bench::fields(int(count), QStringLiteral("FIELD_"));
+}
+
 void tickAllOfBoxes(benchmark::State& state) {
-    ShownPages pages(selection);
-    const TDataSet dataSet = fields(int(state.range(0)));
+    bench::ShownPages pages(bench::selection);
+    const TDataSet dataSet = boxFields(state.range(0));
     TorvQDWorkArea& area = *pages.builder.WorkArea;
     std::vector<TorvQDTable*> boxes;
     for (int box = 0; box < 100; ++box) {
@@ -212,8 +140,8 @@ BENCHMARK(tickAllOfBoxes)
 
 // The same fields in ever more boxes, each ticked by itself.
 void tickMoreBoxes(benchmark::State& state) {
-    ShownPages pages(selection);
-    const TDataSet dataSet = fields(100);
+    bench::ShownPages pages(bench::selection);
+    const TDataSet dataSet = boxFields(100);
     TorvQDWorkArea& area = *pages.builder.WorkArea;
     std::vector<TorvQDTable*> boxes;
     for (int box = 0; box < int(state.range(0)); ++box) {
@@ -234,11 +162,11 @@ BENCHMARK(tickMoreBoxes)
     ->Unit(benchmark::kMillisecond);
 
 void loadStarOverBoxes(benchmark::State& state) {
-    ShownPages pages(selection);
-    pages.builder.OnGetTableFields = [count = int(state.range(0))](
-                                         const QString&, std::unique_ptr<TDataSet>& dataSet,
-                                         std::unique_ptr<TParams>&) {
-        dataSet = std::make_unique<TDataSet>(fields(count));
+    bench::ShownPages pages(bench::selection);
+    pages.builder.OnGetTableFields = [count = state.range(0)](const QString&,
+                                                              std::unique_ptr<TDataSet>& dataSet,
+                                                              std::unique_ptr<TParams>&) {
+        dataSet = std::make_unique<TDataSet>(boxFields(count));
     };
     QStringList tables;
     for (int box = 0; box < 100; ++box) tables << QStringLiteral("TABLE_%1").arg(box);

@@ -2,11 +2,11 @@
 // Deep and wide statements: what each step costs, and how it grows with the text that it reads or
 // writes; and a usual large statement beside a database's own compiler of statements.
 #include "Database.h"
+#include "Hosted.h"
 #include "Statements.h"
 #include "criteria/ORVQDWherePanel.h"
 #include "criteria/ORVQDWhereRows.h"
 #include "diagram/ORVQDFloatTable.h"
-#include "querybuilder/ORVQDWindow.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <benchmark/benchmark.h>
@@ -37,38 +37,12 @@ const std::vector<Shape>& shapes() {
     return all;
 }
 
-/// A builder whose host knows "T" with as many fields as are asked for, and any other table.
-class Hosted {
-public:
-    explicit Hosted(int fields) {
-        builder.setKeepMeaning(true);
-        builder.OnGetTableFields = [fields](const QString& name, std::unique_ptr<TDataSet>& dataSet,
-                                            std::unique_ptr<TParams>&) {
-            dataSet = std::make_unique<TDataSet>();
-            if (name == u"T") {
-                for (int field = 0; field < fields; ++field) {
-                    dataSet->FieldDefs.push_back({QStringLiteral("F%1").arg(field), ftInteger});
-                }
-            } else {
-                dataSet->FieldDefs = {{QStringLiteral("ID"), ftInteger},
-                                      {QStringLiteral("PARENT"), ftInteger},
-                                      {QStringLiteral("NAME"), ftString},
-                                      {QStringLiteral("AMOUNT"), ftFloat}};
-            }
-        };
-    }
+/// What is loaded must come in whole.
+void load(benchmark::State& state, bench::Hosted& hosted, const QString& text) {
+    if (!hosted.load(text)) state.SkipWithError("findings");
+}
 
-    /// Loads the text, which must come in whole.
-    void load(benchmark::State& state, const QString& text) {
-        builder.LoadSQL(text);
-        if (!builder.LoadReport().empty()) state.SkipWithError("findings");
-    }
-
-    TorvQueryBuilder builder;
-};
-
-// --- the steps
-// -------------------------------------------------------------------------------
+// --- the steps ---
 
 // What a step should cost is a matter of the text that it reads or writes.
 void fitTo(benchmark::State& state, qsizetype characters) {
@@ -78,11 +52,11 @@ void fitTo(benchmark::State& state, qsizetype characters) {
         Counter(double(characters), Counter::kIsIterationInvariantRate | Counter::kInvert);
 }
 
-void load(benchmark::State& state, const Shape& shape) {
+void loadShape(benchmark::State& state, const Shape& shape) {
     const QString text = shape.text(int(state.range(0)));
-    Hosted hosted(int(state.range(0)));
+    bench::Hosted hosted(int(state.range(0)));
     for ([[maybe_unused]] auto _ : state) {
-        hosted.load(state, text);
+        load(state, hosted, text);
         state.PauseTiming();
         hosted.builder.Clear();
         state.ResumeTiming();
@@ -91,8 +65,8 @@ void load(benchmark::State& state, const Shape& shape) {
 }
 
 void write(benchmark::State& state, const Shape& shape) {
-    Hosted hosted(int(state.range(0)));
-    hosted.load(state, shape.text(int(state.range(0))));
+    bench::Hosted hosted(int(state.range(0)));
+    load(state, hosted, shape.text(int(state.range(0))));
     for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(hosted.builder.GetSQLStatment().size());
     }
@@ -101,10 +75,10 @@ void write(benchmark::State& state, const Shape& shape) {
 
 void clear(benchmark::State& state, const Shape& shape) {
     const QString text = shape.text(int(state.range(0)));
-    Hosted hosted(int(state.range(0)));
+    bench::Hosted hosted(int(state.range(0)));
     for ([[maybe_unused]] auto _ : state) {
         state.PauseTiming();
-        hosted.load(state, text);
+        load(state, hosted, text);
         state.ResumeTiming();
         hosted.builder.Clear();
     }
@@ -113,8 +87,8 @@ void clear(benchmark::State& state, const Shape& shape) {
 
 // Validating writes the statement, too.
 void validate(benchmark::State& state, const Shape& shape) {
-    Hosted hosted(int(state.range(0)));
-    hosted.load(state, shape.text(int(state.range(0))));
+    bench::Hosted hosted(int(state.range(0)));
+    load(state, hosted, shape.text(int(state.range(0))));
     for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(hosted.builder.Validate().size());
     }
@@ -122,8 +96,8 @@ void validate(benchmark::State& state, const Shape& shape) {
 }
 
 void saveState(benchmark::State& state, const Shape& shape) {
-    Hosted hosted(int(state.range(0)));
-    hosted.load(state, shape.text(int(state.range(0))));
+    bench::Hosted hosted(int(state.range(0)));
+    load(state, hosted, shape.text(int(state.range(0))));
     for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(hosted.builder.SaveState().size());
     }
@@ -131,8 +105,8 @@ void saveState(benchmark::State& state, const Shape& shape) {
 }
 
 void restoreState(benchmark::State& state, const Shape& shape) {
-    Hosted hosted(int(state.range(0)));
-    hosted.load(state, shape.text(int(state.range(0))));
+    bench::Hosted hosted(int(state.range(0)));
+    load(state, hosted, shape.text(int(state.range(0))));
     const QByteArray saved = hosted.builder.SaveState();
     for ([[maybe_unused]] auto _ : state) hosted.builder.RestoreState(saved);
     fitTo(state, saved.size());
@@ -141,8 +115,8 @@ void restoreState(benchmark::State& state, const Shape& shape) {
 // The first table gets another alias, and all that names it follows.
 void renameAlias(benchmark::State& state, const Shape& shape) {
     const QString text = shape.text(int(state.range(0)));
-    Hosted hosted(int(state.range(0)));
-    hosted.load(state, text);
+    bench::Hosted hosted(int(state.range(0)));
+    load(state, hosted, text);
     TorvQDTable* table = hosted.builder.WorkArea->tablesByCreation().front();
     bool other = false;
     for ([[maybe_unused]] auto _ : state) {
@@ -156,10 +130,10 @@ void renameAlias(benchmark::State& state, const Shape& shape) {
 // All tables, one after the other: each time the names of all fields are looked through once.
 void closeTables(benchmark::State& state) {
     const QString text = bench::treeOfTables(int(state.range(0)));
-    Hosted hosted(0);
+    bench::Hosted hosted(0);
     for ([[maybe_unused]] auto _ : state) {
         state.PauseTiming();
-        hosted.load(state, text);
+        load(state, hosted, text);
         const std::vector<TorvQDTable*> tables = hosted.builder.WorkArea->tablesByCreation();
         state.ResumeTiming();
         for (TorvQDTable* table : tables) hosted.builder.ListOfTables->DeleteTable(table);
@@ -175,10 +149,10 @@ void closeCentre(benchmark::State& state) {
     for (int table = 1; table <= links; ++table) {
         text += QStringLiteral(" INNER JOIN T%1 A%1 ON (A0.ID = A%1.PARENT)").arg(table);
     }
-    Hosted hosted(0);
+    bench::Hosted hosted(0);
     for ([[maybe_unused]] auto _ : state) {
         state.PauseTiming();
-        hosted.load(state, text);
+        load(state, hosted, text);
         TorvQDTable* centre = hosted.builder.WorkArea->tablesByCreation().front();
         state.ResumeTiming();
         hosted.builder.ListOfTables->DeleteTable(centre);
@@ -189,8 +163,8 @@ BENCHMARK(closeCentre)->RangeMultiplier(2)->Range(125, 1000)->Complexity(benchma
 
 // A collapsed group shows the beginning of its condition, however long that is.
 void collapsedGroup(benchmark::State& state) {
-    Hosted hosted(1);
-    hosted.load(state, bench::ofConditions(int(state.range(0))));
+    bench::Hosted hosted(1);
+    load(state, hosted, bench::ofConditions(int(state.range(0))));
     TorvQDWhereRow* group = hosted.builder.WherePanel->rootRow();
     group->SetExpanded(false);
     for ([[maybe_unused]] auto _ : state) group->refreshTexts();
@@ -198,8 +172,7 @@ void collapsedGroup(benchmark::State& state) {
 }
 BENCHMARK(collapsedGroup)->RangeMultiplier(10)->Range(10, 10000)->Complexity(benchmark::o1);
 
-// --- a usual large statement
-// -----------------------------------------------------------------
+// --- a usual large statement ---
 
 // From text to boxes, links and pages and back; "ratio" is how many times as long as SQLite takes
 // to compile the same text, measured in turns.
@@ -210,14 +183,14 @@ void roundTrip(benchmark::State& state) {
     };
     const QString texts[] = {bench::large(), bench::large() + QStringLiteral(" AND (A1.ID > 0)")};
     const QByteArray compiled[] = {texts[0].toUtf8(), texts[1].toUtf8()};
-    Hosted hosted(0);
+    bench::Hosted hosted(0);
     double builderSeconds = 0;
     double databaseSeconds = 0;
     int turn = 0;
     for ([[maybe_unused]] auto _ : state) {
         turn = 1 - turn;
         const Clock::time_point start = Clock::now();
-        hosted.load(state, texts[turn]);
+        load(state, hosted, texts[turn]);
         benchmark::DoNotOptimize(hosted.builder.GetSQLStatment().size());
         const Clock::time_point between = Clock::now();
         if (!bench::prepare(compiled[turn])) state.SkipWithError("not prepared");
@@ -233,7 +206,7 @@ BENCHMARK(roundTrip)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
 const bool registered = [] {
     using Step = void (*)(benchmark::State&, const Shape&);
-    const std::pair<const char*, Step> steps[] = {{"load", load},         {"write", write},
+    const std::pair<const char*, Step> steps[] = {{"load", loadShape},    {"write", write},
                                                   {"clear", clear},       {"validate", validate},
                                                   {"save", saveState},    {"restore", restoreState},
                                                   {"rename", renameAlias}};

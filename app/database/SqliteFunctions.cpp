@@ -16,44 +16,45 @@ const QStringList& knownModules() {
     return names;
 }
 
-QStringList pragmas(const QSqlDatabase& database) {
+// Rows of a function's name and one of its parameters, which are hidden columns of it. One query
+// for all: each one would take longer than what it tells.
+std::vector<TableEntry> functionsOf(const QSqlDatabase& database, const QString& rows) {
     QSqlQuery query(database);
     query.setForwardOnly(true);
-    QStringList names;
-    if (!query.exec(QStringLiteral("SELECT DISTINCT name FROM pragma_pragma_list"))) return names;
-    while (query.next()) names += query.value(0).toString();
-    // It is there to change what the planner knows, and gives no rows worth a query.
-    names.removeAll(QStringLiteral("optimize"));
-    return names;
+    std::vector<TableEntry> functions;
+    if (!query.exec(rows)) return functions;
+    while (query.next()) {
+        const QString name = query.value(0).toString();
+        if (functions.empty() || functions.back().name != name) {
+            functions.push_back({name, TableKind::Function});
+        }
+        functions.back().parameters += query.value(1).toString();
+    }
+    return functions;
 }
 
-// The hidden columns of a table-valued function are its parameters.
-QStringList hiddenColumns(const QSqlDatabase& database, const QString& function) {
-    QSqlQuery query(database);
-    query.setForwardOnly(true);
-    query.prepare(
-        QStringLiteral("SELECT name FROM pragma_table_xinfo(?) WHERE hidden = 1 ORDER BY cid"));
-    query.addBindValue(function);
-    QStringList names;
-    if (!query.exec()) return names;
-    while (query.next()) names += query.value(0).toString();
-    return names;
+QString parametersOf(const QString& names) {
+    return QStringLiteral(
+               "SELECT f.name, c.name FROM (%1) f, pragma_table_xinfo(f.name) c "
+               "WHERE c.hidden = 1 ORDER BY f.name, c.cid")
+        .arg(names);
 }
 
 }  // namespace
 
 std::vector<TableEntry> sqliteFunctions(const QSqlDatabase& database) {
-    std::vector<TableEntry> functions;
-    for (const QString& module : knownModules()) {
-        const QStringList parameters = hiddenColumns(database, module);
-        if (!parameters.isEmpty()) functions.push_back({module, TableKind::Function, parameters});
-    }
-    for (const QString& pragma : pragmas(database)) {
-        const QString name = QStringLiteral("pragma_") + pragma;
-        const QStringList parameters = hiddenColumns(database, name);
+    // Constant texts, without a quote.
+    std::vector<TableEntry> functions = functionsOf(
+        database, parametersOf(QStringLiteral("SELECT column1 AS name FROM (VALUES ('%1'))")
+                                   .arg(knownModules().join(QStringLiteral("'), ('")))));
+    // "optimize" is there to change what the planner knows, and gives no rows worth a query.
+    std::vector<TableEntry> pragmas = functionsOf(
+        database, parametersOf(QStringLiteral("SELECT DISTINCT 'pragma_' || name AS name FROM "
+                                              "pragma_pragma_list WHERE name <> 'optimize'")));
+    for (TableEntry& pragma : pragmas) {
         // Without an argument of its own it is a setting: one value, and nobody joins that.
-        if (parameters.contains(QLatin1String("arg"))) {
-            functions.push_back({name, TableKind::Function, parameters});
+        if (pragma.parameters.contains(QLatin1String("arg"))) {
+            functions.push_back(std::move(pragma));
         }
     }
     return functions;

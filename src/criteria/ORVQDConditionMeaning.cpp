@@ -4,7 +4,6 @@
 #include "core/Text.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace orv {
 
@@ -16,29 +15,29 @@ constexpr QChar noneSign = u' ';
 constexpr QChar allSign = u'&';
 constexpr QChar anySign = u'|';
 
-// Signs are compared one by one: ">-5" is "> -5".
-QString signText(const QString& signs) {
-    QString text;
-    QString known = signs;
-    known.replace(QStringLiteral("!="), QStringLiteral("<>"));
-    for (const QChar sign : std::as_const(known)) {
-        text += sign;
-        text += u' ';
+// Signs are compared one by one: ">-5" is "> -5", and "!=" is "<>".
+void appendSigns(QString& text, QStringView signs) {
+    for (qsizetype at = 0; at < signs.size(); ++at) {
+        if (signs.mid(at).startsWith(QLatin1String("!="))) {
+            text += QLatin1String("< > ");
+            ++at;
+        } else {
+            text += signs[at];
+            text += u' ';
+        }
     }
-    return text;
 }
 
-QString conditionText(const TokenRun& run) {
-    QString text;
+void appendCondition(QString& text, const TokenRun& run) {
     for (int index = 0; index < run.size(); ++index) {
         if (run[index].kind == SqlToken::Sign) {
-            text += signText(run.textOf(index).toString());
+            appendSigns(text, run.textOf(index));
         } else {
             appendUpperOutsideQuotes(text, run.textOf(index));
             text += u' ';
         }
     }
-    return text;
+    text += u';';
 }
 
 class MeaningWriter {
@@ -84,7 +83,7 @@ private:
                 break;
             case ConditionElement::Condition:
                 if (negated) text += u'!';
-                text += conditionText(element->run) + u';';
+                appendCondition(text, element->run);
                 break;
             case ConditionElement::And:
             case ConditionElement::Or: break;

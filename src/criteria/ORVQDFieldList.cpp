@@ -104,9 +104,7 @@ FieldList::FieldList(QWidget* parent)
     m_filter->setPlaceholderText(tr("Filter"));
     m_filter->setAccessibleName(tr("Filter of the fields"));
     m_filter->setFrame(false);
-    m_filter->setClearButtonEnabled(true);
     m_tree->setAccessibleName(tr("Tables and fields"));
-    m_tree->setModel(m_model);
     auto* line = new QFrame(this);
     line->setFrameStyle(QFrame::HLine | QFrame::Plain);
     line->setForegroundRole(QPalette::Mid);
@@ -148,8 +146,16 @@ QRect FieldList::rectBeside(const QRect& editor, const QRect& area) {
     return rect;
 }
 
+// What takes its time is for those who open the list: each page of conditions has one.
+void FieldList::complete() {
+    if (m_tree->model()) return;
+    m_tree->setModel(m_model);
+    m_filter->setClearButtonEnabled(true);  // its picture comes from a file
+}
+
 void FieldList::open(const IPagesHost& host) {
     m_isOpen = false;
+    complete();
     m_filter->clear();
     m_model->fill(host);
     expandFew();

@@ -64,6 +64,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void complete();
     void applyFilter(const QString& text);
     void openTables();
     void expandFew();

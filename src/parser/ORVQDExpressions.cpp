@@ -7,6 +7,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <array>
 
 namespace orv {
 
@@ -14,9 +15,17 @@ namespace {
 
 using Words = QSet<QString>;
 
+constexpr qsizetype longestWord = 20;  // longer ones are in no set
+
+// It is asked for every word of a statement, several times: none of them is copied.
 bool isOneOf(const TokenRun& run, int index, const Words& words) {
     if (index < 0 || index >= run.size() || run[index].kind != SqlToken::Word) return false;
-    return words.contains(run.textOf(index).toString().toUpper());
+    const QStringView word = run.textOf(index);
+    if (word.size() > longestWord) return false;
+    std::array<QChar, longestWord> upper;
+    std::transform(word.begin(), word.end(), upper.begin(),
+                   [](QChar letter) { return letter.toUpper(); });
+    return words.contains(QString::fromRawData(upper.data(), word.size()));
 }
 
 // Words between two operands: an operand follows.

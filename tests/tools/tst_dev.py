@@ -94,6 +94,26 @@ class Dev(unittest.TestCase):
                 self.assertEqual(given.read(), "QUIET = YES\nPROJECT_NUMBER = 1.2.3\n"
                                                "INPUT += src/a.h src/b.h\n")
 
+    def bench(self, *arguments):
+        for program in ("bench_parser", "bench_table", "bench_diagram"):
+            self.write("build/release/bin/" + program, '#!/bin/bash\necho "${0##*/}:$*"\n')
+        self.end_build()
+        done = subprocess.run(
+            [shutil.which("bash"), self.path("dev"), "bench", *arguments],
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
+            env={"PATH": self.path("tools"), "PIPE": self.path("pipe")}, timeout=MOST_SECONDS)
+        return done.returncode, done.stdout
+
+    def test_bench_prints_the_table(self):
+        self.assertEqual(self.bench(), (0, "bench_table:\n"))
+
+    def test_bench_details_leave_out_the_table(self):
+        self.assertEqual(self.bench("details", "--seven"),
+                         (0, "bench_diagram:--seven\nbench_parser:--seven\n"))
+
+    def test_bench_knows_its_arguments(self):
+        self.assertEqual(self.bench("--seven"), (1, ""))
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -1,0 +1,452 @@
+// SPDX-License-Identifier: MIT
+// One table of what matters, in two minutes: each row with its size, its figure, how that grows,
+// and its ratio to something known, which is measured in turns with it. The other programs of this
+// folder have the details.
+#include "Child.h"
+#include "Database.h"
+#include "Hosted.h"
+#include "Measure.h"
+#include "Pages.h"
+#include "Scene.h"
+#include "Statements.h"
+#include "Texts.h"
+#include "criteria/ORVQDWherePanel.h"
+#include "diagram/ORVQDFloatTable.h"
+#include "parser/ORVQDParser.h"
+#include "workarea/ORVQDFloatPanel.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
+namespace {
+
+using namespace bench;
+
+constexpr double secondsARow = 7;
+constexpr double mostGrowth = 1.15;
+
+// --- the table ---
+
+enum class Unit { Seconds, Bytes };
+
+/// What is told of one row. What is 0 is not told.
+struct Row {
+    const char* what;
+    const char* size;
+    const char* yardstick;
+    Figures figures;
+    double mostRatio = 0;
+    bool isGrowing = true;
+    Unit unit = Unit::Seconds;
+};
+
+/// Three digits that matter.
+std::string inDigits(double value, const char* unit) {
+    const int decimals = value < 9.995 ? 2 : (value < 99.95 ? 1 : 0);
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.*f %s", decimals, value, unit);
+    return text.data();
+}
+
+std::string withUnit(double value, Unit unit) {
+    if (unit == Unit::Seconds) {
+        if (value < 1e-3) return inDigits(value * 1e6, "us");
+        return value < 1 ? inDigits(value * 1e3, "ms") : inDigits(value, "s");
+    }
+    return value < 1e6 ? inDigits(value / 1e3, "KB") : inDigits(value / 1e6, "MB");
+}
+
+std::string number(double value) {
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.2f", value);
+    return text.data();
+}
+
+// What is lacking comes first: a row may miss one aim and meet the other.
+std::string aimOf(const Row& row) {
+    std::string missed;
+    std::string met;
+    const auto add = [&](bool isMet, const std::string& aim) {
+        std::string& list = isMet ? met : missed;
+        list += (list.empty() ? "" : ", ") + aim;
+    };
+    if (row.mostRatio > 0) {
+        add(row.figures.ratio <= row.mostRatio, "ratio " + number(row.mostRatio));
+    }
+    if (row.isGrowing) add(row.figures.growth <= mostGrowth, "growth " + number(mostGrowth));
+    if (!missed.empty()) missed = "MISSED: " + missed + (met.empty() ? "" : "; ");
+    return missed + (met.empty() ? "" : "met: " + met);
+}
+
+void printLine(const char* what, const char* size, const char* figure, const char* growth,
+               const char* ratio, const char* yardstick, const char* aim) {
+    std::printf("%-23s  %-35s  %9s  %6s  %6s  %-38s  %s\n", what, size, figure, growth, ratio,
+                yardstick, aim);
+    std::fflush(stdout);
+}
+
+void print(const Row& row) {
+    const Figures& figures = row.figures;
+    const std::string yardstick =
+        std::string(row.yardstick) + ", " + withUnit(figures.yardstick, row.unit);
+    printLine(row.what, row.size, withUnit(figures.subject, row.unit).c_str(),
+              row.isGrowing ? number(figures.growth).c_str() : "", number(figures.ratio).c_str(),
+              yardstick.c_str(), aimOf(row).c_str());
+}
+
+void tellProgress(const char* what) {
+    std::fprintf(stderr, "measuring: %s\n", what);
+}
+
+// --- statements: twenty tables and sixty conditions, and their multiples ---
+
+const std::vector<int> tableCounts = {20, 40, 80, 160, 320};
+const char* const statementSize = "20 tables, 60 conditions (to 320)";
+
+Work preparing(const QString& text) {
+    return {[bytes = text.toUtf8()] { return prepare(bytes); }};
+}
+
+/// Two statements that take turns, so that none is loaded where it lies already.
+class Turns {
+public:
+    explicit Turns(int tables) : m_text(ofTables(tables)) {}
+
+    QString next() {
+        m_isOther = !m_isOther;
+        return m_isOther ? m_text + QStringLiteral(" AND (A1.ID > 0)") : m_text;
+    }
+
+private:
+    QString m_text;
+    bool m_isOther = false;
+};
+
+Pair parsing(int tables) {
+    const QString text = ofTables(tables);
+    return {{[text] { return TorvQDParser(text).Count() > 0; }}, preparing(text)};
+}
+
+Pair loading(int tables) {
+    auto hosted = std::make_shared<Hosted>(0);
+    return {{[hosted, turns = Turns(tables)]() mutable { return hosted->load(turns.next()); },
+             [hosted] { hosted->builder.Clear(); }},
+            preparing(ofTables(tables))};
+}
+
+Pair writing(int tables) {
+    auto hosted = std::make_shared<Hosted>(0);
+    const bool isLoaded = hosted->load(ofTables(tables));
+    return {{[=] { return isLoaded && !hosted->builder.GetSQLStatment().isEmpty(); }},
+            preparing(ofTables(tables))};
+}
+
+Pair loadingAndWriting(int tables) {
+    auto hosted = std::make_shared<Hosted>(0);
+    return {{[hosted, turns = Turns(tables)]() mutable {
+                return hosted->load(turns.next()) && !hosted->builder.GetSQLStatment().isEmpty();
+            }},
+            preparing(ofTables(tables))};
+}
+
+Pair clearing(int tables) {
+    auto hosted = std::make_shared<Hosted>(0);
+    auto shown = std::make_shared<Hosted>(0);
+    auto scene = std::make_shared<std::unique_ptr<Scene>>();
+    const QString text = ofTables(tables);
+    const bool isShown = shown->load(text);
+    return {{[=] {
+                 hosted->builder.Clear();
+                 return hosted->builder.ListOfTables->TablesCount() == 0;
+             },
+             [=] { (void)hosted->load(text); }},
+            {[=] {
+                 (*scene)->clear();
+                 return isShown && (*scene)->scene.items().isEmpty();
+             },
+             [=] { *scene = std::make_unique<Scene>(*shown->builder.WorkArea); }}};
+}
+
+// --- the diagram and the pages ---
+
+Pair ticking(int rows) {
+    auto builder = std::make_shared<TorvQueryBuilder>();
+    auto scene = std::make_shared<SceneOfTicks>(rows);
+    TorvQDTable* box = builder->ListOfTables->AddTable(QStringLiteral("T"), fields(rows));
+    return {{[=] {
+                (void)builder;
+                box->SetFieldState(2);
+                box->SetFieldState(0);
+                return true;
+            }},
+            {[=] {
+                scene->tickAll();
+                scene->untickAll();
+                return true;
+            }}};
+}
+
+/// A diagram with the scene of it.
+struct Both {
+    Both() = default;
+    Diagram diagram;
+    std::unique_ptr<Scene> scene;
+
+    void showScene() {
+        scene = std::make_unique<Scene>(*diagram.area());
+        scene->show();
+    }
+};
+
+Pair dragging(int boxes) {
+    auto both = std::make_shared<Both>();
+    both->diagram.fillAround(boxes);
+    both->showScene();
+    // Taken into the hand when everything is there.
+    auto box = std::make_shared<std::unique_ptr<BoxDrag>>();
+    auto item = std::make_shared<std::unique_ptr<ItemDrag>>();
+    return {{[=] {
+                if (!*box) *box = std::make_unique<BoxDrag>(both->diagram);
+                return (*box)->step();
+            }},
+            {[=] {
+                if (!*item) *item = std::make_unique<ItemDrag>(*both->scene);
+                return (*item)->step();
+            }}};
+}
+
+Pair repainting(int boxes) {
+    auto both = std::make_shared<Both>();
+    both->diagram.fillView(boxes);
+    both->showScene();
+    QWidget* view = both->scene->scene.views().front()->viewport();
+    auto ours = std::make_shared<RenderedView>(both->diagram.view());
+    auto theirs = std::make_shared<RenderedView>(view);
+    const auto rendering = [both](const std::shared_ptr<RenderedView>& rendered) {
+        return Work{[both, rendered] {
+            rendered->render();
+            return true;
+        }};
+    };
+    return {rendering(ours), rendering(theirs)};
+}
+
+Pair relaying(int conditions) {
+    auto pages = std::make_shared<ShownPages>(criterions);
+    pages->loadConditions(conditions);
+    auto scene = std::make_shared<SceneOfConditions>(*pages->builder.WherePanel);
+    return {{[=] {
+                pages->relayConditions();
+                return true;
+            }},
+            {[=] {
+                scene->relay();
+                return true;
+            }}};
+}
+
+struct TimedRow {
+    const char* what;
+    const char* size;
+    const char* yardstick;
+    Growing growing;
+    double mostRatio = 0;
+};
+
+const std::vector<TimedRow>& timedRows() {
+    static const char* const sqlite = "sqlite3_prepare_v2";
+    static const std::vector<TimedRow> rows = {
+        {"parse", statementSize, sqlite, {tableCounts, largeTables, parsing}, 0.25},
+        {"load", statementSize, sqlite, {tableCounts, largeTables, loading}},
+        {"write", statementSize, sqlite, {tableCounts, largeTables, writing}},
+        {"load and write",
+         statementSize,
+         sqlite,
+         {tableCounts, largeTables, loadingAndWriting},
+         10},
+        {"clear", statementSize, "QGraphicsScene::clear", {tableCounts, largeTables, clearing}},
+        {"tick all, and untick",
+         "1,000 rows (250 to 4,000)",
+         "the same in a QGraphicsScene",
+         {{250, 500, 1000, 2000, 4000}, 1000, ticking}},
+        {"drag step",
+         "500 boxes, 1,000 links (from 10)",
+         "the same in a QGraphicsScene",
+         {{10, 100, 500}, 500, dragging}},
+        {"repaint",
+         "500 boxes, 40 in sight (from 40)",
+         "the same in a QGraphicsScene",
+         {{40, 100, 500}, 500, repainting}},
+        {"condition relay",
+         "1,000 conditions (250 to 4,000)",
+         "the same in a QGraphicsScene",
+         {{250, 500, 1000, 2000, 4000}, 1000, relaying}},
+    };
+    return rows;
+}
+
+// --- bytes of a box ---
+
+#ifdef __GLIBC__
+double heapBytes() {
+    const struct mallinfo2 info = mallinfo2();
+    return double(info.uordblks) + double(info.hblkhd);
+}
+
+/// Bytes of one box, and of one item of a scene that shows the same.
+Row heapOfBoxes() {
+    const std::vector<int> counts = {50, 100, 200, 400};
+    std::vector<double> ours;
+    double scenes = 0;
+    for (const int count : counts) {
+        Diagram diagram;
+        const double empty = heapBytes();
+        for (int box = 0; box < count; ++box) {
+            // Names of their own, as different tables have them.
+            diagram.add({0, 0}, {145, 400}, fields(boxRows, QStringLiteral("FIELD_")));
+        }
+        QCoreApplication::processEvents();
+        const double filled = heapBytes();
+        const Scene scene(*diagram.area());
+        scenes = (heapBytes() - filled) / count;
+        ours.push_back(filled - empty);
+    }
+    const double each = ours.back() / counts.back();
+    return {"bytes of a box",
+            "20 rows, of 400 boxes (50 to 400)",
+            "an item of a QGraphicsScene",
+            {each, scenes, each / scenes, fittedGrowth(counts, ours)},
+            0,
+            true,
+            Unit::Bytes};
+}
+#endif
+
+// --- programs ---
+
+const char* const diagramOption = "--diagram";
+
+/// The program that one row starts: a diagram of so many tables, shown.
+int showDiagram(int tables) {
+    Hosted hosted(0);
+    hosted.builder.resize(viewSize);
+    hosted.builder.show();
+    if (tables > 0 && !hosted.load(treeOfTables(tables))) return 1;
+    QCoreApplication::processEvents();
+    return 0;
+}
+
+ChildUse run(const std::vector<std::string>& command) {
+    const ChildUse use = runChild(command);
+    if (use.hasSucceeded) return use;
+    std::fprintf(stderr, "%s failed.\n", command.front().c_str());
+    std::exit(1);
+}
+
+const std::vector<std::string> emptyApplication = {BENCH_EMPTY_APPLICATION};
+
+/// A program's start beside that of the empty application.
+Row startOf(const char* size, const std::vector<std::string>& command) {
+    constexpr int rounds = 25;
+    std::vector<double> ours;
+    std::vector<double> theirs;
+    std::vector<double> ratios;
+    (void)run(command);  // the sample database is made once
+    for (int round = 0; round < rounds; ++round) {
+        ours.push_back(run(command).processorSeconds);
+        theirs.push_back(run(emptyApplication).processorSeconds);
+        ratios.push_back(ours.back() / theirs.back());
+    }
+    return {"orvquery --print",
+            size,
+            "an empty QApplication",
+            {median(ours), median(theirs), median(ratios), 0},
+            1.5,
+            false};
+}
+
+Row peakMemory(const std::string& program) {
+    const std::vector<int> counts = {125, 250, 500};
+    const double none = run({program, diagramOption, "0"}).peakBytes;
+    const double empty = run(emptyApplication).peakBytes;
+    std::vector<double> peaks;
+    double peak = 0;
+    for (const int count : counts) {
+        peak = run({program, diagramOption, std::to_string(count)}).peakBytes;
+        peaks.push_back(peak - none);
+    }
+    return {"peak memory",
+            "500 tables, 1,000 links (from 125)",
+            "an empty QApplication",
+            {peak, empty, peak / empty, fittedGrowth(counts, peaks)},
+            0,
+            true,
+            Unit::Bytes};
+}
+
+void writeFile(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size()) return;
+    std::fprintf(stderr, "%s cannot be written.\n", qPrintable(path));
+    std::exit(1);
+}
+
+const char* const sampleTables = R"({
+    "customers": [["customer_no", "ftInteger"], ["name", "ftString"], ["city", "ftString"],
+                  ["credit_limit", "ftFloat"]],
+    "orders": [["order_no", "ftInteger"], ["customer_no", "ftInteger"], ["status", "ftString"]],
+    "items": [["order_no", "ftInteger"], ["quantity", "ftInteger"], ["unit_price", "ftFloat"]]
+})";
+
+/// In a folder of its own, where the sample database is made, too.
+std::vector<Row> programs(const std::string& program) {
+    const QTemporaryDir folder;
+    qputenv("XDG_DATA_HOME", folder.path().toUtf8());
+    const QString schema = folder.filePath(QStringLiteral("schema.json"));
+    writeFile(schema, sampleTables);
+    const std::string orvquery = BENCH_ORVQUERY;
+    const std::string query = BENCH_SAMPLE_QUERY;
+    return {startOf("a schema file, the sample query",
+                    {orvquery, "--schema", schema.toStdString(), "--load", query, "--print"}),
+            startOf("the sample database and query", {orvquery, "--load", query, "--print"}),
+            peakMemory(program)};
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    // Each program chooses by itself where nobody has chosen for it.
+    qunsetenv("QT_QPA_PLATFORM");
+    if (argc == 3 && qstrcmp(argv[1], diagramOption) == 0) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        const QApplication application(argc, argv);
+        return showDiagram(std::atoi(argv[2]));
+    }
+    tellProgress("programs");
+    // While this program is small: what a parent holds counts for its children.
+    const std::vector<Row> ofPrograms = programs(argv[0]);
+
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    printLine("what", "size (and of the growth)", "figure", "growth", "ratio", "to", "aim");
+    for (const TimedRow& row : timedRows()) {
+        tellProgress(row.what);
+        print(
+            {row.what, row.size, row.yardstick, measure(row.growing, secondsARow), row.mostRatio});
+    }
+    for (const Row& row : ofPrograms) print(row);
+#ifdef __GLIBC__
+    print(heapOfBoxes());
+#endif
+    return 0;
+}
