@@ -48,10 +48,10 @@ configure_package_config_file(
     PATH_VARS ORV_PROGRAM ORV_DESIGNER_PLUGIN ORV_PYTHON_PACKAGE
     NO_CHECK_REQUIRED_COMPONENTS_MACRO
     NO_SET_AND_CHECK_MACRO)
-# Until 1.0 a minor version may change what hosts were written against.
+# What a host was written against stays until the next major version.
 write_basic_package_version_file(
     "${PROJECT_BINARY_DIR}/OrvQueryBuilderConfigVersion.cmake"
-    COMPATIBILITY SameMinorVersion)
+    COMPATIBILITY SameMajorVersion)
 install(FILES
     "${PROJECT_BINARY_DIR}/OrvQueryBuilderConfig.cmake"
     "${PROJECT_BINARY_DIR}/OrvQueryBuilderConfigVersion.cmake"

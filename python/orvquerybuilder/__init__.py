@@ -27,7 +27,7 @@ except ImportError as _error:
 def _check_version(built, found):
     """Raise ImportError when the library is not one that the module was built for.
 
-    Until 1.0 a minor version may change what was compiled against it.
+    A minor version may change the layout of what was compiled against it.
     """
     if built.split(".")[:2] != found.split(".")[:2]:
         raise ImportError(

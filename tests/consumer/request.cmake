@@ -4,15 +4,20 @@ include("${CMAKE_CURRENT_LIST_DIR}/Steps.cmake")
 
 request("REQUIRED")
 request("${VERSION} EXACT REQUIRED COMPONENTS runtime development")
-request("0.1 REQUIRED OPTIONAL_COMPONENTS designer")
-request("0.2 REQUIRED"
-    "compatible with requested version \"0.2\"" "OrvQueryBuilderConfig.cmake, version: ${VERSION}")
-request("0.0 REQUIRED"
-    "compatible with requested version \"0.0\"" "OrvQueryBuilderConfig.cmake, version: ${VERSION}")
-request("1.0 REQUIRED"
-    "compatible with requested version \"1.0\"" "OrvQueryBuilderConfig.cmake, version: ${VERSION}")
-request("0.1.99 REQUIRED"
-    "compatible with requested version \"0.1.99\"" "OrvQueryBuilderConfig.cmake, version: ${VERSION}")
+string(REGEX MATCH "^([0-9]+)\\.([0-9]+)" minor_version "${VERSION}")
+set(major ${CMAKE_MATCH_1})
+set(minor ${CMAKE_MATCH_2})
+math(EXPR next_major "${major} + 1")
+math(EXPR previous_major "${major} - 1")
+math(EXPR next_minor "${minor} + 1")
+request("${major} REQUIRED")
+request("${minor_version} REQUIRED OPTIONAL_COMPONENTS designer")
+foreach(refused IN ITEMS ${next_major} ${previous_major}.${minor} ${major}.${next_minor}
+        ${minor_version}.99)
+    request("${refused} REQUIRED"
+        "compatible with requested version \"${refused}\""
+        "OrvQueryBuilderConfig.cmake, version: ${VERSION}")
+endforeach()
 request("REQUIRED COMPONENTS Widgets"
     "OrvQueryBuilder has no component \"Widgets\""
     "runtime, development, application, designer and python")
