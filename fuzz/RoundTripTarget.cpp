@@ -41,22 +41,33 @@ bool loads(orvtest::HostedBuilder& on, const QString& text) {
     return true;
 }
 
+// Boxes that agree with the lists and pages. A statement may give two boxes one alias, which is
+// told: then the second one is not found by it.
+void checkRules(orvtest::HostedBuilder& on) {
+    const QString broken = orvtest::brokenRule(on.builder);
+    const bool isTold = !on.builder.LoadReport().empty() && broken.contains(u"alias");
+    require(broken.isEmpty() || isTold, "Loaded: " + broken);
+}
+
 void checkWayBack(FuzzBuilders& builders, const QString& given) {
     orvtest::HostedBuilder& first = builders.first;
     if (!loads(first, given)) return;
     const bool silent = first.builder.LoadReport().empty() && builders.services.messages.isEmpty();
     builders.services.messages.clear();
     checkReport(first.builder.LoadReport(), given);
-    const QString broken = orvtest::brokenRule(first.builder);
-    require(broken.isEmpty(), "Loaded: " + broken);
+    checkRules(first);
     const std::optional<QString> written = writtenBy(first);
     require(written || !silent, "What was loaded without a finding cannot be written.");
     if (!written || first.columns().isEmpty() || first.builder.WorkArea->TablesCount() == 0) return;
+    if (!silent) {
+        // It was told that something is missing or changed: its text need not come back.
+        if (loads(builders.second, *written)) checkRules(builders.second);
+        return;
+    }
     const QString fault =
         orvtest::faultOfWayBack(first, builders.second, builders.third, builders.services);
     require(fault.isEmpty(), "Written:\n" + *written + '\n' + fault);
-    if (!silent) return;
-    const QString words = wordsDifference(given, *written);
+    const QString words = wordsDifference(given, *written, first.builder.KeepMeaning());
     require(words.isEmpty(), "Written:\n" + *written + "\nsays something else:\n" + words);
 }
 

@@ -48,7 +48,9 @@ QString faultOfWayBack(HostedBuilder& first, HostedBuilder& second, HostedBuilde
     const QString text = second.builder.GetSQLStatment();
     if (keepsMeaning) {
         const QString again = second.builder.WorkArea->GetSQLStatment();
-        if (again != orv::upperOutsideQuotes(from)) return "another FROM text:\n" + again;
+        // What was loaded before is in upper case but for parameters, which keep theirs.
+        const bool isSame = again == from || again == orv::upperOutsideQuotes(from);
+        if (!isSame) return "another FROM text:\n" + again;
         if (plain && text != written) return "another text:\n" + text;
     }
     // Where the meaning is not kept, a NOT in front of the first of several brackets keeps a group
