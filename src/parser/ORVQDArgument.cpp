@@ -57,7 +57,11 @@ QString argumentProblem(const QString& sql) {
     // Between the brackets of a call a final ";" and what begins a name are what they are there.
     const QString call = u'(' + sql + u')';
     const NormalisedSQL normalised = NormaliseSQL(call);
-    if (hasComment(normalised, call)) return QStringLiteral("An argument has no comments.");
+    // One that ends nowhere takes the bracket with it, and a ";" in front of it leaves no trace.
+    const bool isSwallowed = !normalised.text.endsWith(u')');
+    if (isSwallowed || hasComment(normalised, call)) {
+        return QStringLiteral("An argument has no comments.");
+    }
     switch (breakIn(QStringView(normalised.text).sliced(1).chopped(1))) {
     case Break::None: return {};
     case Break::Quote: return QStringLiteral("A quote is not closed.");

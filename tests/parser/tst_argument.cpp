@@ -48,8 +48,8 @@ private Q_SLOTS:
             }
         };
         rows("An argument must not be blank.", {"", "  ", "\t\r\n"});
-        rows("An argument has no comments.",
-             {"x -- c", "x /* c */", "/* c */ x", "x --", "x /* c", "--", "1 -- -1"});
+        rows("An argument has no comments.", {"x -- c", "x /* c */", "/* c */ x", "x --", "x /* c",
+                                              "--", "1 -- -1", "1; -- c", "1;--", "; /* c"});
         rows("A quote is not closed.", {"'", "'it's'", "\"a", "`a", "'a) ;", "(', ", "a'''"});
         rows("A semicolon ends the statement.", {"1;", "1; 2", "(1; 2)"});
         rows("The brackets do not match.",

@@ -7,12 +7,11 @@
 #include "support/Sanitizers.h"
 #include "support/StateText.h"
 #include "support/TestTools.h"
+#include "support/WayBack.h"
 
 using orvtest::HostedBuilder;
 using orvtest::RandomState;
-using orvtest::StateForm;
 using orvtest::StateSetting;
-using orvtest::StateView;
 
 namespace {
 
@@ -85,59 +84,14 @@ public:
 
 private:
     QString faultOfStatement(Tally* tally) {
-        const orvtest::Promise promise = orvtest::promiseOf(m_first.builder);
+        const bool promised = orvtest::promiseOf(m_first.builder).lost.isEmpty();
         const bool plain = orvtest::isPlainState(m_first.builder);
-        const QString from = m_first.builder.WorkArea->GetSQLStatment();
-        QString found = faultOfLoading(m_first, m_second, StateForm::Normal);
-        if (!found.isEmpty()) return "own text, loaded:\n" + found;
-        if (!promise.lost.isEmpty()) {
-            if (tally) ++tally->notPromised;
-            return {};
-        }
-        const QString text = m_second.builder.GetSQLStatment();
-        if (m_setting.keepMeaning) {
-            const QString again = m_second.builder.WorkArea->GetSQLStatment();
-            const bool upperCase = orv::upperOutsideQuotes(from) == from;
-            if (again != (upperCase ? from : orv::upperOutsideQuotes(from))) {
-                return "another FROM text:\n" + again;
-            }
-            if (plain && text != m_statement) return "another text:\n" + text;
-        }
-        // Where the meaning is not kept, a NOT in front of the first of several brackets keeps a
-        // group of its own, so that there one group of one row may still come or go.
-        const StateForm form = m_setting.keepMeaning ? StateForm::Exact : StateForm::Normal;
-        found = faultOfLoading(m_second, m_third, form);
-        if (!found.isEmpty()) return "the loaded one's text\n" + text + "\nloaded:\n" + found;
-        if (m_setting.keepMeaning && m_third.builder.GetSQLStatment() != text) {
-            return "loading what was loaded changes\n" + text + "\nto\n" +
-                   m_third.builder.GetSQLStatment();
-        }
-        if (tally) count(*tally, plain);
-        return {};
-    }
-
-    // Loads the text of one control into another.
-    QString faultOfLoading(HostedBuilder& written, HostedBuilder& loaded, StateForm form) {
-        const orvtest::Promise promise = orvtest::promiseOf(written.builder);
-        loaded.builder.LoadSQL(written.builder.GetSQLStatment());
-        const QStringList report = loaded.findings();
-        QString reason = promise.reported;
-        if (reason.isEmpty()) reason = orvtest::changedByWriting(loaded.builder);
-        if (!reason.isEmpty() && report.isEmpty()) return "nothing is reported, but " + reason;
-        if (!promise.lost.isEmpty()) return {};
-        const QString broken = orvtest::brokenRule(loaded.builder);
-        if (!broken.isEmpty()) return broken;
-        if (!m_services.messages.isEmpty()) return "told: " + m_services.messages.join(u'\n');
-        const QString states =
-            orvtest::difference(stateLines(written.builder, form, StateView::Reloaded),
-                                stateLines(loaded.builder, form, StateView::Present));
-        if (!states.isEmpty()) return states + "\nreport: " + report.join(u'\n');
-        if (reason.isEmpty() && !promise.mayReport && !report.isEmpty()) {
-            QStringList texts;
-            for (const orv::Finding& finding : loaded.builder.LoadReport()) {
-                texts << finding.text + ": " + finding.what;
-            }
-            return "reported: " + texts.join(u'\n');
+        const QString found = orvtest::faultOfWayBack(m_first, m_second, m_third, m_services);
+        if (!found.isEmpty() || !tally) return found;
+        if (promised) {
+            count(*tally, plain);
+        } else {
+            ++tally->notPromised;
         }
         return {};
     }

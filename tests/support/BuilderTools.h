@@ -41,11 +41,13 @@ public:
         add("S.T", {"A", "Z"});
     }
 
-    void add(const QString& name, const QStringList& fields) {
-        m_tables[name.toUpper()] = stringFields(fields);
-    }
+    void add(const QString& name, const QStringList& fields) { add(name, stringFields(fields)); }
+    void add(const QString& name, const TDataSet& dataSet) { m_tables[name.toUpper()] = dataSet; }
     void addProc(const QString& name, const QStringList& fields, const TParams& params) {
         add(name, fields);
+        setParams(name, params);
+    }
+    void setParams(const QString& name, const TParams& params) {
         m_params[name.toUpper()] = params;
     }
     [[nodiscard]] const TDataSet& table(const QString& name) const {

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#include "FuzzBuilders.h"
+
+#include "FuzzTarget.h"
+
+#include <QCoreApplication>
+
+namespace orvfuzz {
+
+namespace {
+
+void addTablesOfCases(orvtest::Host& host) {
+    for (const SqlCaseFile& file : sqlCaseFiles()) {
+        for (auto table = file.tables.begin(); table != file.tables.end(); ++table) {
+            host.add(table.key(), table.value());
+        }
+        for (auto params = file.procedures.begin(); params != file.procedures.end(); ++params) {
+            host.setParams(params.key(), params.value());
+        }
+    }
+}
+
+void doWhatWasPutOff() {
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+}  // namespace
+
+FuzzBuilders::FuzzBuilders(bool keepMeaning, orvtest::RecordedServices& recorded)
+    : first(keepMeaning), second(keepMeaning), third(keepMeaning), services(recorded) {
+    for (orvtest::HostedBuilder* on : {&first, &second, &third}) addTablesOfCases(on->host);
+}
+
+FuzzBuilders& FuzzBuilders::emptied(bool keepMeaning) {
+    static orvtest::RecordedServices services;
+    static FuzzBuilders plain(false, services);
+    static FuzzBuilders keeping(true, services);
+    FuzzBuilders& builders = keepMeaning ? keeping : plain;
+    for (orvtest::HostedBuilder* on : {&builders.first, &builders.second, &builders.third}) {
+        on->builder.Clear();
+        on->host.asked.clear();
+    }
+    doWhatWasPutOff();
+    services.messages.clear();
+    services.errors.clear();
+    services.dialogs.clear();
+    return builders;
+}
+
+void FuzzBuilders::settle() {
+    doWhatWasPutOff();
+    require(services.errors.isEmpty(), "An error was reported: " + services.errors.join(u'\n'));
+    require(services.dialogs.isEmpty(), "A dialog was shown: " + services.dialogs.join(u'\n'));
+}
+
+}  // namespace orvfuzz

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+// Whatever is loaded and written comes back from what was written; and with an empty report what
+// was written says what was loaded. The first byte is the mode, "c" for the control's plain rules.
+#include "FuzzBuilders.h"
+#include "StatementWords.h"
+#include "Targets.h"
+#include "support/WayBack.h"
+
+#include <optional>
+
+namespace orvfuzz {
+
+namespace {
+
+void checkReport(const orv::Findings& report, const QString& given) {
+    for (const orv::Finding& finding : report) {
+        require(finding.start >= 0 && finding.length >= 0 &&
+                    finding.start + finding.length <= given.size(),
+                "A finding lies outside the statement.");
+        require(finding.text == given.mid(finding.start, finding.length),
+                "A finding tells another text than that of its place.");
+    }
+}
+
+// The statement that the control would write; none when it raises that there is none.
+std::optional<QString> writtenBy(orvtest::HostedBuilder& on) {
+    try {
+        return on.builder.GetSQLStatment();
+    } catch (const orv::Error&) {
+        return std::nullopt;
+    }
+}
+
+bool loads(orvtest::HostedBuilder& on, const QString& text) {
+    try {
+        on.builder.LoadSQL(text);
+    } catch (const orv::Error& error) {
+        require(!error.Message().isEmpty(), "A statement is refused without a reason.");
+        return false;
+    }
+    return true;
+}
+
+// Boxes that agree with the lists and pages. A statement may give two boxes one alias, which is
+// told: then the second one is not found by it.
+void checkRules(orvtest::HostedBuilder& on) {
+    const QString broken = orvtest::brokenRule(on.builder);
+    const bool isTold = !on.builder.LoadReport().empty() && broken.contains(u"alias");
+    require(broken.isEmpty() || isTold, "Loaded: " + broken);
+}
+
+void checkWayBack(FuzzBuilders& builders, const QString& given) {
+    orvtest::HostedBuilder& first = builders.first;
+    if (!loads(first, given)) return;
+    const bool silent = first.builder.LoadReport().empty() && builders.services.messages.isEmpty();
+    builders.services.messages.clear();
+    checkReport(first.builder.LoadReport(), given);
+    checkRules(first);
+    const std::optional<QString> written = writtenBy(first);
+    require(written || !silent, "What was loaded without a finding cannot be written.");
+    if (!written || first.columns().isEmpty() || first.builder.WorkArea->TablesCount() == 0) return;
+    if (!silent) {
+        // It was told that something is missing or changed: its text need not come back.
+        if (loads(builders.second, *written)) checkRules(builders.second);
+        return;
+    }
+    const QString fault =
+        orvtest::faultOfWayBack(first, builders.second, builders.third, builders.services);
+    require(fault.isEmpty(), "Written:\n" + *written + '\n' + fault);
+    const QString words = wordsDifference(given, *written, first.builder.KeepMeaning());
+    require(words.isEmpty(), "Written:\n" + *written + "\nsays something else:\n" + words);
+}
+
+void runRoundTrip(QByteArrayView input) {
+    if (input.isEmpty()) return;
+    FuzzBuilders& builders = FuzzBuilders::emptied(input.front() != 'c');
+    checkWayBack(builders, QString::fromUtf8(input.sliced(1)));
+    builders.settle();
+}
+
+QList<QByteArray> roundTripSeeds() {
+    QList<QByteArray> seeds;
+    for (const QByteArray& statement : statementsOfCases()) seeds << 'k' + statement;
+    const QList<QByteArray> kept = seeds;
+    for (const QByteArray& seed : kept) seeds << 'c' + seed.sliced(1);
+    return seeds;
+}
+
+}  // namespace
+
+Target roundtripTarget() {
+    return {"roundtrip", true, runRoundTrip, roundTripSeeds};
+}
+
+}  // namespace orvfuzz
