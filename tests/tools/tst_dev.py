@@ -10,7 +10,7 @@ import threading
 import unittest
 
 SCRIPT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "dev")
-REAL_TOOLS = ["bash", "dirname", "getconf", "grep", "mkdir", "tail", "uname"]
+REAL_TOOLS = ["bash", "dirname", "env", "getconf", "grep", "mkdir", "tail", "uname"]
 MOST_SECONDS = 30
 
 # Its builds last until somebody writes into the pipe.
@@ -75,6 +75,29 @@ class Dev(unittest.TestCase):
         self.assertTrue(any(told.fullmatch(line) for line in lines), lines)
         self.assertRegex(lines[-1], r"^\[3/3\] Building \(release\) \.\.\. \d+ s\n$")
         self.assertNotIn("\r", "".join(lines))
+
+    def soak(self, *arguments):
+        self.end_build()
+        return subprocess.run(
+            [shutil.which("bash"), self.path("dev"), "soak", *arguments],
+            stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=MOST_SECONDS,
+            env={"PATH": self.path("tools"), "PIPE": self.path("pipe")}, check=False)
+
+    def test_events_and_seeds_of_the_soak(self):
+        os.makedirs(self.path("build/asan/bin"))
+        self.write("build/asan/bin/tst_session",
+                   '#!/bin/bash\necho "$ORV_SESSION_EVENTS from $ORV_SESSION_SEED on"\n')
+        for arguments, told in (((), "50000 from 1 on"), (("7",), "7 from 1 on"),
+                                (("8000", "41"), "8000 from 41 on")):
+            with self.subTest(arguments=arguments):
+                self.assertEqual(self.soak(*arguments).stdout, told + "\n")
+
+    def test_wrong_arguments_of_the_soak(self):
+        for arguments in (("0",), ("x",), ("5", "0"), ("5", "x"), ("5", "1", "2"), ("5 1",)):
+            with self.subTest(arguments=arguments):
+                run = self.soak(*arguments)
+                self.assertEqual((run.returncode, run.stderr),
+                                 (1, "usage: ./dev soak [events [seed]]\n"))
 
 
 if __name__ == "__main__":
