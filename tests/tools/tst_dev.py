@@ -10,8 +10,8 @@ import threading
 import unittest
 
 SCRIPT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "dev")
-REAL_TOOLS = ["bash", "cat", "dirname", "getconf", "grep", "head", "mkdir", "rm", "sed", "tail",
-              "uname"]
+REAL_TOOLS = ["bash", "cat", "dirname", "env", "getconf", "grep", "head", "mkdir", "rm", "sed",
+              "tail", "uname"]
 MOST_SECONDS = 30
 
 # Its builds last until somebody writes into the pipe.
@@ -56,6 +56,13 @@ class Dev(unittest.TestCase):
     def end_build(self):
         os.write(self.pipe, b"\n")
 
+    def dev(self, *arguments, **environment):
+        self.end_build()
+        return subprocess.run(
+            [shutil.which("bash"), self.path("dev"), *arguments], stdin=subprocess.DEVNULL,
+            capture_output=True, text=True, timeout=MOST_SECONDS, check=False,
+            env={"PATH": self.path("tools"), "PIPE": self.path("pipe"), **environment})
+
     def test_progress_without_a_terminal(self):
         running = subprocess.Popen(
             [shutil.which("bash"), self.path("dev"), "run", "--version"],
@@ -85,11 +92,8 @@ class Dev(unittest.TestCase):
                                              "printf 'src/a.h\\nsrc/b.h\\n'\n")
         self.write("tools/doxygen", "#!/bin/bash\ncat > given\nexit \"$ENDS_WITH\"\n")
         for status in (0, 1):
-            done = subprocess.run(
-                [shutil.which("bash"), self.path("dev"), "reference"], stdin=subprocess.DEVNULL,
-                stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False,
-                env={"PATH": self.path("tools"), "ENDS_WITH": str(status)})
-            self.assertEqual(done.returncode, status, done.stdout)
+            done = self.dev("reference", ENDS_WITH=str(status))
+            self.assertEqual(done.returncode, status, done.stderr)
             with open(self.path("given"), encoding="utf-8") as given:
                 self.assertEqual(given.read(), "QUIET = YES\nPROJECT_NUMBER = 1.2.3\n"
                                                "INPUT += src/a.h src/b.h\n")
@@ -97,11 +101,7 @@ class Dev(unittest.TestCase):
     def bench(self, *arguments):
         for program in ("bench_parser", "bench_table", "bench_diagram"):
             self.write("build/release/bin/" + program, '#!/bin/bash\necho "${0##*/}:$*"\n')
-        self.end_build()
-        done = subprocess.run(
-            [shutil.which("bash"), self.path("dev"), "bench", *arguments],
-            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
-            env={"PATH": self.path("tools"), "PIPE": self.path("pipe")}, timeout=MOST_SECONDS)
+        done = self.dev("bench", *arguments)
         return done.returncode, done.stdout
 
     def test_bench_prints_the_table(self):
@@ -113,6 +113,22 @@ class Dev(unittest.TestCase):
 
     def test_bench_knows_its_arguments(self):
         self.assertEqual(self.bench("--seven"), (1, ""))
+
+    def test_events_and_seeds_of_the_soak(self):
+        os.makedirs(self.path("build/asan/bin"))
+        self.write("build/asan/bin/tst_session",
+                   '#!/bin/bash\necho "$ORV_SESSION_EVENTS from $ORV_SESSION_SEED on"\n')
+        for arguments, told in (((), "50000 from 1 on"), (("7",), "7 from 1 on"),
+                                (("8000", "41"), "8000 from 41 on")):
+            with self.subTest(arguments=arguments):
+                self.assertEqual(self.dev("soak", *arguments).stdout, told + "\n")
+
+    def test_wrong_arguments_of_the_soak(self):
+        for arguments in (("0",), ("x",), ("5", "0"), ("5", "x"), ("5", "1", "2"), ("5 1",)):
+            with self.subTest(arguments=arguments):
+                run = self.dev("soak", *arguments)
+                self.assertEqual((run.returncode, run.stderr),
+                                 (1, "usage: ./dev soak [events [seed]]\n"))
 
 
 if __name__ == "__main__":
