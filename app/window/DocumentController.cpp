@@ -75,6 +75,22 @@ struct DocumentController::Opened {
     QString refusal = {};     ///< why it is there as text alone
 };
 
+/// For as long as it lives a document is on its way into the window, which may go meanwhile.
+class DocumentController::Showing {
+public:
+    explicit Showing(DocumentController& controller)
+        : m_controller(&controller), m_before(std::exchange(controller.m_isShowing, true)) {}
+    ~Showing() {
+        if (m_controller) m_controller->m_isShowing = m_before;
+    }
+    Showing(const Showing&) = delete;
+    Showing& operator=(const Showing&) = delete;
+
+private:
+    QPointer<DocumentController> m_controller;
+    bool m_before;
+};
+
 DocumentController::DocumentController(DocumentHost host)
     : QObject(host.window),
       m_host(std::move(host)),
@@ -275,10 +291,11 @@ bool DocumentController::mayReplaceBy(Opened& opened) {
 }
 
 void DocumentController::show(const Opened& opened, bool hasDatabase, const QString& problem) {
+    const QPointer<DocumentController> self(this);
     m_clock.stop();
     QStringList missing;
     {
-        const QScopedValueRollback<bool> showing(m_isShowing, true);
+        const Showing showing(*this);
         m_recovery->remove();
         m_read = opened.file.document;
         m_others = opened.others;
@@ -291,6 +308,8 @@ void DocumentController::show(const Opened& opened, bool hasDatabase, const QStr
         m_database = m_read.database.isNone() ? m_host.database() : m_read.database;
         missing = restore(opened, hasDatabase);
     }
+    // Loading may ask or tell the person something, who may close the window then.
+    if (!self) return;
     m_saved = opened.isUnsaved ? QByteArray() : snapshot();
     m_savedStatement.reset();
     if (!opened.isUnsaved) m_savedStatement = m_host.statement->statement();
@@ -303,21 +322,24 @@ void DocumentController::show(const Opened& opened, bool hasDatabase, const QStr
         opened.left->discard();
     }
     Q_EMIT shown();
-    tellMissing(opened, missing, hasDatabase, problem);
+    if (self) tellMissing(opened, missing, hasDatabase, problem);
 }
 
-// What the present database lacks, as sentences.
+// What the present database lacks, as sentences. The controller may be gone afterwards.
 QStringList DocumentController::restore(const Opened& opened, bool hasDatabase) {
-    m_host.clear();
+    const QPointer<DocumentController> self(this);
+    const DocumentHost host = m_host;  // it has to outlive its own calls
+    host.clear();
     QStringList missing;
+    if (!self) return missing;
     const QueryDocument& document = opened.file.document;
     if (!document.query.isEmpty()) {
         // Tables of the same names in a database that it is not for say nothing about its own.
         missing = restoreQuery(document, hasDatabase);
     } else if (!document.statement.isEmpty()) {
-        m_host.loadText(document.statement);
+        host.loadText(document.statement);
     }
-    if (document.typed) m_host.statement->setTyped(*document.typed);
+    if (self && document.typed) m_host.statement->setTyped(*document.typed);
     return missing;
 }
 
@@ -326,12 +348,14 @@ QStringList DocumentController::restoreQuery(const QueryDocument& document, bool
     QueryDocument shown = document;
     if (refreshesColumns) shown.query = refreshed.query;
     QStringList sentences;
+    const QPointer<DocumentController> self(this);
     try {
         restoreState(*m_host.builder, shown);
     } catch (const orv::Error& error) {
         sentences += error.Message();
-        restoreState(*m_host.builder, document);
+        if (self) restoreState(*m_host.builder, document);
     }
+    if (!self) return sentences;
     const QString present = m_host.database().name;
     if (!refreshed.missingTables.isEmpty() && !present.isEmpty()) {
         sentences += tr("%1 has no %2; the query keeps what it knows of them.")
@@ -472,7 +496,7 @@ void DocumentController::showTitle() {
 }
 
 QString DocumentController::keepQuery(const QByteArray& state) {
-    const QScopedValueRollback<bool> showing(m_isShowing, true);
+    const Showing showing(*this);
     QueryDocument kept;
     kept.setState(state);
     return restoreQuery(kept, true).join(u' ');
@@ -506,11 +530,12 @@ bool DocumentController::startAnew() {
     m_host.builder->CommitPendingEdits();
     if (!mayLeave() || !self) return false;
     {
-        const QScopedValueRollback<bool> showing(m_isShowing, true);
+        const Showing showing(*this);
         becomeUntitled();
         m_database = m_host.database();
         m_host.clear();
     }
+    if (!self) return false;
     showTitle();
     changed();
     Q_EMIT shown();

@@ -108,6 +108,7 @@ Q_SIGNALS:
     void shown();
 
 private:
+    class Showing;
     struct Opened;
     void buildRecent(QMenu* menu);
     void chooseFile();

@@ -31,8 +31,10 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QPointer>
-#include <QScopedValueRollback>
+#include <QScopeGuard>
 #include <QSplitter>
+
+#include <utility>
 
 namespace orvquery {
 
@@ -182,18 +184,23 @@ bool MainWindow::isAgreedTo(const QString& text) {
     }
 }
 
+// False, too, when the window was closed for good by the person whom loading has told something.
 bool MainWindow::loadText(const QString& text) {
+    const QPointer<MainWindow> self(this);
     QString loaded;
     const orv::UndoRecorder::Group step(m_undo->recorder(), tr("loading the statement"));
     try {
-        const QScopedValueRollback<bool> loading(m_isLoading, true);
+        const auto over = qScopeGuard([self, before = std::exchange(m_isLoading, true)] {
+            if (self) self->m_isLoading = before;
+        });
         const orv::KeptPlaces places(*m_builder->WorkArea);
         loaded = m_tables->forLoading(text);
         m_builder->LoadSQL(loaded);
+        if (!self) return false;
         // Another query: nobody has laid it out yet.
         if (!places.keepsAny(*m_builder->WorkArea)) layOut(*m_builder->WorkArea);
     } catch (const std::exception& error) {
-        m_statement->setRefused(text, QString::fromUtf8(error.what()));
+        if (self) m_statement->setRefused(text, QString::fromUtf8(error.what()));
         return false;
     }
     orv::Findings findings = findingsBefore(m_builder->LoadReport(), loaded, text);

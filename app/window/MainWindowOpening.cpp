@@ -78,15 +78,15 @@ void MainWindow::begin(const Options& options) {
     const bool isChosen = options.database || options.schema;
     std::optional<QString> document = options.document;
     if (document && !isChosen && !DocumentController::databaseIn(*document).isNone()) {
-        if (m_documents->open(*document)) return;
+        if (m_documents->open(*document) || !self) return;
         document.reset();
     }
-    const auto load = [this, file = options.load, document, isChosen] {
-        if (document) m_documents->open(*document, isChosen);
+    const auto load = [this, self, file = options.load, document, isChosen] {
+        if (self && document) m_documents->open(*document, isChosen);
         QString text;
-        if (!file || !tryTo([&] { text = readTextFile(*file); })) return;
+        if (!self || !file || !tryTo([&] { text = readTextFile(*file); })) return;
         loadText(text);
-        if (!m_statement->isEdited()) m_documents->setUnmodified();
+        if (self && !m_statement->isEdited()) m_documents->setUnmodified();
     };
     if (options.schema) {
         tryTo([&] { useSchema(*options.schema); });

@@ -102,9 +102,10 @@ TOperatorList::TOperatorList(QObject* parent) : TPersistent(parent) {}
 
 template <typename Change>
 void TOperatorList::change(const Change& apply) {
-    if (aboutToChange) aboutToChange();
+    if (const std::function<void()> handler = aboutToChange) handler();
     apply();
-    if (changed) changed();
+    // The list may die in it.
+    if (const std::function<void()> handler = changed) handler();
 }
 
 TOperatorList::Entry TOperatorList::Items(int Index) const {
@@ -113,8 +114,9 @@ TOperatorList::Entry TOperatorList::Items(int Index) const {
 
 int TOperatorList::Add(Entry Operator) {
     Q_ASSERT(Operator);
+    const int index = Count();
     change([&] { m_items.push_back(std::move(Operator)); });
-    return Count() - 1;
+    return index;
 }
 
 int TOperatorList::Add(const TorvQDOperator& Operator) {

@@ -6,6 +6,8 @@
 #include "core/Text.h"
 #include "data/ProcessName.h"
 
+#include <QScopeGuard>
+
 #include <algorithm>
 #include <cstdlib>
 
@@ -201,13 +203,18 @@ void TorvQDTable::SetCurrentItem(TorvQDListItem* Item) {
 void TorvQDTable::SetFieldState(int State) {
     UpdateFieldState(State);
     ChangeScope change(canvas(), Parent);
-    // The host that is told may assign other rows.
+    // The host that is told may assign other rows, close the box, or raise something.
+    const QPointer<TorvQDTable> self(this);
+    auto settle = qScopeGuard([&] {
+        if (self) recountFieldState(m_checkedRows > 0);
+    });
     const int version = m_rowsVersion;
-    for (std::size_t index = 0; version == m_rowsVersion && index < Items.size(); ++index) {
+    for (std::size_t index = 0; self && version == m_rowsVersion && index < Items.size(); ++index) {
         if (Items[index]->ParamType == ptOutput) Items[index]->SetCheck(State == 2);
     }
+    settle.dismiss();
     // What was being typed in the grid is taken over on the way, and may have unticked a row.
-    if (State == 2 && m_checkedRows == m_outputRows) UpdateFieldState(2);
+    if (self && State == 2 && m_checkedRows == m_outputRows) UpdateFieldState(2);
     change.finish();
 }
 

@@ -7,6 +7,7 @@
 #include "toolkit/Services.h"
 
 #include <QMenu>
+#include <QScopeGuard>
 
 #include <algorithm>
 
@@ -153,8 +154,13 @@ void TorvQDTable::toggle(TorvQDListItem* item) {
     }
     const QPointer<TorvQDTable> self(this);
     ChangeScope change(canvas(), Parent);
-    item->SetCheck(!item->Checked);
-    if (self && owns(item)) item->UpdateCheck(item->Checked ? -1 : 0);
+    {
+        // Also when the host raises something.
+        const auto settle = qScopeGuard([&] {
+            if (self && owns(item)) item->UpdateCheck(item->Checked ? -1 : 0);
+        });
+        item->SetCheck(!item->Checked);
+    }
     change.finish();
 }
 

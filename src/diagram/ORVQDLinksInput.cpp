@@ -7,6 +7,7 @@
 #include "toolkit/Services.h"
 
 #include <QMenu>
+#include <QScopeGuard>
 
 #include <algorithm>
 
@@ -50,7 +51,11 @@ void TorvQDLink::MouseMove(TWMMouse& Message, TTableHitTest Hit) {
 
 void TorvQDLink::MouseUp(TWMMouse& Message, TTableHitTest Hit) {
     const QPointer<TorvQDLink> self(this);
+    auto letGo = qScopeGuard([&] {
+        if (self) cancelDrag();
+    });
     TorvQDFloatObject::MouseUp(Message, Hit);
+    letGo.dismiss();
     if (!self || !isBendDragged()) return;
     if (canvas()) canvas()->invalidate(bandRegion());
     invalidateLine();

@@ -81,6 +81,8 @@ public:
     /// its join was changed; false at once while the dialog is open. The link, the dialog and what
     /// owns them may be gone afterwards: the caller checks what it holds.
     bool edit(TorvQDLink* link);
+    /// Whether the last edit has changed something so far.
+    [[nodiscard]] bool hasChanged() const { return m_changed; }
 
     /// Fills the dialog from CurrentLnk. Raises orv::Error "Invalid link" without one.
     void FormShow();

@@ -8,7 +8,7 @@
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <QHash>
-#include <QScopedValueRollback>
+#include <QScopeGuard>
 #include <QUndoStack>
 
 #include <utility>
@@ -86,6 +86,10 @@ UndoRecorder::UndoRecorder(TorvQueryBuilder* builder, QUndoStack* stack, QObject
 UndoRecorder::~UndoRecorder() = default;
 
 void UndoRecorder::reset() {
+    if (m_isRestoring) {
+        QMetaObject::invokeMethod(this, &UndoRecorder::reset, Qt::QueuedConnection);
+        return;
+    }
     if (m_builder && m_builder->WorkArea) m_present = editedState(*m_builder);
     if (m_stack) m_stack->clear();
 }
@@ -104,20 +108,28 @@ void UndoRecorder::take(const QString& text) {
     m_stack->push(step);
 }
 
+// False when the state cannot be shown. A host that wants to undo while it is told of the same has
+// done nothing: the step must stay, as the stack is not done with it.
 bool UndoRecorder::show(const QByteArray& state) {
-    if (!m_builder || m_isRestoring) return false;
-    const QScopedValueRollback restoring(m_isRestoring, true);
+    if (!m_builder) return false;
+    if (m_isRestoring) return true;
     const QPointer<UndoRecorder> self(this);
+    m_isRestoring = true;
+    const auto over = qScopeGuard([&] {
+        if (self) m_isRestoring = false;
+    });
+    const ViewOfDiagram view(*m_builder->WorkArea);
     bool isShown = false;
     guarded([&] {
-        const ViewOfDiagram view(*m_builder->WorkArea);
         m_builder->RestoreState(state);
-        if (!self || !m_builder) return;
-        view.restore(*m_builder->WorkArea);
-        m_present = state;
         isShown = true;
     });
-    return isShown;
+    if (!self || !m_builder) return true;
+    // What a slot raises does not unmake the restored state.
+    if (!isShown && editedState(*m_builder) != state) return false;
+    guarded([&] { view.restore(*m_builder->WorkArea); });
+    if (self) m_present = state;
+    return true;
 }
 
 UndoRecorder::Group::Group(UndoRecorder* recorder, QString text)
@@ -126,7 +138,9 @@ UndoRecorder::Group::Group(UndoRecorder* recorder, QString text)
 }
 
 UndoRecorder::Group::~Group() {
-    if (m_recorder && --m_recorder->m_groups == 0) m_recorder->take(m_text);
+    if (!m_recorder || --m_recorder->m_groups > 0) return;
+    // A slot of the stack may raise something.
+    guarded([this] { m_recorder->take(m_text); });
 }
 
 }  // namespace orv

@@ -33,7 +33,8 @@ public:
     ~UndoRecorder() override;
 
     /// Makes the present state the one to begin with, and empties the stack: after a document has
-    /// been opened, say.
+    /// been opened, say. While a step is being undone or redone the stack needs it, and it is done
+    /// when the present event is over.
     void reset();
 
     /// Records now what has changed since the last step. Changes of the layout are recorded by

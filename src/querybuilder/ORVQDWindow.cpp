@@ -248,9 +248,12 @@ void TorvQueryBuilder::applyAlign() {
     }
 }
 
-// Rows refer to operators: they go over to those of the new list, whoever changes it.
+// Rows refer to operators: they go over to those of the new list, whoever changes it. What is being
+// typed is taken over before, and is one change with it: a host that is told in between could end
+// everything while the rows have no operators.
 void TorvQueryBuilder::watchOperators() {
     Operators->aboutToChange = [this] {
+        beginChange();
         for (TorvQDWherePanel* panel : {WherePanel, HavingPanel}) {
             if (panel) panel->PrepareToReloadOperators();
         }
@@ -260,6 +263,7 @@ void TorvQueryBuilder::watchOperators() {
             if (panel) panel->ReloadOperators();
         }
         statementChanged();
+        endChange();
     };
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The statement of the query builder: assembled from its pages, and loaded into them.
+#include "contract/ChangeScope.h"
 #include "core/Error.h"
 #include "core/Text.h"
 #include "criteria/ORVQDWherePanel.h"
@@ -79,6 +80,14 @@ QString reasonWithoutFrom(const QString& text) {
     return QStringLiteral("A statement without FROM cannot be shown: nothing is loaded.");
 }
 
+void untickAll(const TorvQDWorkArea& area) {
+    for (const TorvQDTable* table : area.tablesByCreation()) {
+        for (const auto& item : table->Items) {
+            if (item->ParamType == ptOutput && item->Checked) item->UpdateCheck(0);
+        }
+    }
+}
+
 bool containsSquareBracket(const TOperatorList& operators) {
     for (int index = 0; index < operators.Count(); ++index) {
         const TorvQDOperator& entry = *operators.Items(index);
@@ -123,9 +132,9 @@ void TorvQueryBuilder::refuseWhileBusy() const {
 void TorvQueryBuilder::Clear() {
     Q_ASSERT(thread() == QThread::currentThread());
     refuseWhileBusy();
-    beginChange();
+    ChangeScope change(this, this);
     clearAll();
-    endChange();
+    change.finish();
 }
 
 void TorvQueryBuilder::clearAll() {
@@ -200,7 +209,10 @@ void TorvQueryBuilder::LoadSQL(const QString& Text) {
         if (self) m_report.clear();  // it would be about a load that ended otherwise
         throw;
     }
-    if (self) Q_EMIT LoadReported(m_report);
+    if (!self) return;
+    // A slot may replace the findings, by clearing everything, say, while it goes through them.
+    const orv::Findings report = m_report;
+    Q_EMIT LoadReported(report);
 }
 
 // Loading the statement that is shown must not disturb the pages. What cannot be written is none.
@@ -271,6 +283,11 @@ void TorvQueryBuilder::loadParsed(const TorvQDParser& root) {
         if (child->Location() == inFrom) {
             WorkArea->LoadSQL(*child);
             if (!self) return;
+            // A handler of the host may have ticked rows meanwhile, which have no columns then.
+            untickAll(*WorkArea);
+            m_selectedFields.clear();
+            m_givenNames.clear();
+            m_removals.clear();
             SelectPanel->grid()->LoadSQL(root);
         } else if (child->Location() == inWhere) {
             WherePanel->LoadSQL(*child);

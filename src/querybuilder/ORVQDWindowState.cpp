@@ -12,6 +12,8 @@
 #include "workarea/ORVQDFloatPanel.h"
 #include "workarea/ORVQDSProc.h"
 
+#include <QPointer>
+#include <QScopeGuard>
 #include <QSet>
 #include <QThread>
 
@@ -210,6 +212,12 @@ void TorvQueryBuilder::RestoreState(const QByteArray& json) {
     conditions.check(state.having);
     checkDiagram(state);
     ChangeScope change(this, this);
+    // What a handler of the host raises on the way would leave half of it, which agrees with
+    // nothing.
+    const QPointer<TorvQueryBuilder> self(this);
+    auto giveUp = qScopeGuard([&] {
+        if (self) orv::guarded([this] { clearAll(); });
+    });
     clearAll();
     DiagramRestorer(*WorkArea, state).restore();
     conditions.fill(*WherePanel->rootRow(), state.where);
@@ -220,6 +228,7 @@ void TorvQueryBuilder::RestoreState(const QByteArray& json) {
     showTail(state.tail);
     restoreNames(state.selectedFields, state.allFields);
     WorkArea->scrollTo(state.view);
+    giveUp.dismiss();
     change.finish();
 }
 

@@ -149,7 +149,7 @@ bool TorvQDOrderPanel::handleMove(QAbstractItemView* list, const QMouseEvent& ev
     const QPoint way = pointOf(event) - *m_pressedAt;
     if (way.manhattanLength() < QApplication::startDragDistance()) return true;
     m_pressedAt.reset();
-    dragOut(list);
+    orv::guarded([&] { dragOut(list); });
     return true;
 }
 
@@ -174,7 +174,14 @@ void TorvQDOrderPanel::dragOut(QAbstractItemView* list) {
     m_dragged = selectedText(list);
     if (m_dragged.isEmpty()) return;
     auto* source = new QObject;
-    const auto over = qScopeGuard([source] { source->deleteLater(); });
+    const QPointer<TorvQDOrderPanel> self(this);
+    const auto over = qScopeGuard([&self, this, source] {
+        source->deleteLater();
+        if (!self) return;
+        m_dragSource = nullptr;
+        m_draggedFrom = nullptr;
+        m_dragged.clear();
+    });
     m_dragSource = source;
     m_draggedFrom = list;
     auto* drag = new QDrag(source);
@@ -183,12 +190,7 @@ void TorvQDOrderPanel::dragOut(QAbstractItemView* list) {
     drag->setMimeData(data);
     const QRect row = list->visualRect(list->currentIndex()) & list->viewport()->rect();
     drag->setPixmap(list->viewport()->grab(row));
-    const QPointer<TorvQDOrderPanel> self(this);
     orv::runDrag(*drag);
-    if (!self) return;
-    m_dragSource = nullptr;
-    m_draggedFrom = nullptr;
-    m_dragged.clear();
 }
 
 void TorvQDOrderPanel::_DragOverOrder(const QObject* Source, bool& Accept) const {

@@ -40,11 +40,16 @@ MessageAnswer showMessageBox(const MessageRequest& request) {
     return pressed == QMessageBox::Yes ? MessageAnswer::Yes : MessageAnswer::No;
 }
 
-// Inside a focus or drop event a modal box would run in the middle of the event: show it behind.
+// Inside a focus or drop event a modal box would run in the middle of the event: show it behind. A
+// service that raises instead of showing it can be told to nobody else.
 void queueErrorBox(const QString& text) {
     QTimer::singleShot(0, QCoreApplication::instance(), [text] {
-        showMessage({nullptr, text, QCoreApplication::applicationName(), MessageIcon::Error,
-                     MessageButtons::Ok});
+        try {
+            showMessage({nullptr, text, QCoreApplication::applicationName(), MessageIcon::Error,
+                         MessageButtons::Ok});
+        } catch (...) {
+            return;
+        }
     });
 }
 
@@ -103,9 +108,12 @@ ErrorHandler setErrorHandler(ErrorHandler handler) {
 
 void reportError(const QString& text) {
     const ErrorHandler handler = errorHandler();
-    if (handler) {
+    if (!handler) return queueErrorBox(text);
+    // It is called where nothing may be raised any more: when it fails, the text is shown all the
+    // same.
+    try {
         handler(text);
-    } else {
+    } catch (...) {
         queueErrorBox(text);
     }
 }

@@ -64,7 +64,7 @@ ORV_EXPORT Qt::DropAction runDrag(QDrag& drag);
 /// an empty function brings QDrag::exec() back. Returns the runner that was there.
 ORV_EXPORT DragRunner setDragRunner(DragRunner runner);
 
-/// What becomes of an error that is raised inside a user's action.
+/// What becomes of an error raised in a user's action; the default does, where this raises, too.
 using ErrorHandler = std::function<void(const QString& text)>;
 
 /// Replaces the handler; an empty function brings back the default, a message box with the text and

@@ -158,8 +158,9 @@ void DiagramKeys::scroll(int key, bool finely) {
 void DiagramKeys::selectTable(int step) {
     TorvQDTable* table = neighbour(m_area.tablesByCreation(), m_area.selectedObject(), step);
     if (!table) return;
+    const QPointer<TorvQDTable> chosen(table);
     m_area.selectObject(table);
-    m_area.ensureVisible(table->GetBoundsRect());
+    if (chosen) m_area.ensureVisible(table->GetBoundsRect());
 }
 
 // From a box its links come first; all others follow.
@@ -172,8 +173,9 @@ void DiagramKeys::selectLink(int step) {
     }
     TorvQDLink* link = neighbour(links, m_area.selectedObject(), step);
     if (!link) return;
+    const QPointer<TorvQDLink> chosen(link);
     m_area.selectObject(link);
-    m_area.ensureVisible(link->GetBounds());
+    if (chosen) m_area.ensureVisible(link->GetBounds());
 }
 
 // --- a box ---

@@ -11,6 +11,7 @@
 #include <QDropEvent>
 #include <QMimeData>
 #include <QPainter>
+#include <QScopeGuard>
 
 #include <cstdlib>
 #include <utility>
@@ -67,9 +68,17 @@ void FieldDrag::run(const TorvQDListItem& item) {
     m_field = field;
     m_target.reset();
     const QPointer<TorvQDWorkArea> area(&m_area);
+    // Also when the host raises something on the way.
+    const auto over = qScopeGuard([&] {
+        if (!area) return;
+        leave();
+        m_field.reset();
+        m_target.reset();
+    });
     m_area.fieldDragStarted(field);
     if (!area) return;
     auto* source = new QObject;
+    const auto last = qScopeGuard([source] { source->deleteLater(); });
     auto* drag = new QDrag(source);
     drag->setMimeData(toMimeData(field).release());
     drag->setPixmap(dragPicture(m_area, field));
@@ -77,7 +86,6 @@ void FieldDrag::run(const TorvQDListItem& item) {
     const QPointer<QDrag> running(drag);
     const Qt::DropAction action = runDrag(*drag);
     QObject* const target = action == Qt::IgnoreAction || !running ? nullptr : running->target();
-    source->deleteLater();
     if (!area) return;
     leave();
     const std::optional<DraggedField> dropped = std::exchange(m_target, std::nullopt);

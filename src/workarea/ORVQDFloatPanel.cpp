@@ -546,8 +546,10 @@ void TorvQDWorkArea::ClearContents() {
     updateScrollRange();
     viewport()->update();
     orv::accessible::tellFocus(*this);
-    if (contentsCleared) contentsCleared();
+    ChangeScope change(m_owner, this);
     m_owner->statementChanged();
+    if (const std::function<void()> handler = contentsCleared) handler();
+    change.finish();
 }
 
 void TorvQDWorkArea::selectObject(TorvQDFloatObject* object) {

@@ -162,10 +162,19 @@ void TorvQDWorkArea::removeLink(int number, bool invalidates) {
     m_gestures->forget(link);
     if (m_menu && m_menuObject == link) m_menu->close();
     if (m_hot == link) leaveHot();
+    // What a handler raises is passed on once the link is gone.
+    std::exception_ptr error;
     if (m_selected == link) {
-        link->SetSelect(false);
-        if (!self || m_links.count(number) == 0) return;  // a handler was faster
-        m_selected.clear();
+        try {
+            link->SetSelect(false);
+        } catch (...) {
+            error = std::current_exception();
+        }
+        if (!self || m_links.count(number) == 0) {  // a handler was faster
+            if (error) std::rethrow_exception(error);
+            return;
+        }
+        if (m_selected == link) m_selected.clear();
         selectionChanged(link);
     }
     if (invalidates) invalidate(link->GetClipRgn(0));
@@ -185,6 +194,7 @@ void TorvQDWorkArea::removeLink(int number, bool invalidates) {
         });
         if (const TRemoveEvent handler = OnRemoveLink) handler(this, link);
     }
+    if (error) std::rethrow_exception(error);
     change.finish();
 }
 
@@ -298,13 +308,23 @@ void TorvQDWorkArea::postDeleteLink(TorvQDLink* link) {
 void TorvQDWorkArea::editLink(TorvQDLink* link) {
     const QPointer<TorvQDWorkArea> self(this);
     const QPointer<TorvQDLink> edited(link);
-    const bool changed = m_linkDialog->edit(link);
-    if (!self || !edited || !holds(edited)) return;
-    for (TorvQDLink* line : linksOf(edited->Join)) {
-        invalidate(line->GetClipRgn(0));
-        if (changed) orv::accessible::tellRenamed(line);
+    const QPointer<TdlgLnkProp> dialog(m_linkDialog);
+    const auto settle = [&](bool changed) {
+        if (!self || !edited || !holds(edited)) return;
+        for (TorvQDLink* line : linksOf(edited->Join)) {
+            invalidate(line->GetClipRgn(0));
+            if (changed) orv::accessible::tellRenamed(line);
+        }
+        if (changed) m_owner->statementChanged();
+    };
+    bool changed = false;
+    try {
+        changed = m_linkDialog->edit(link);
+    } catch (...) {
+        orv::guarded([&] { settle(dialog && dialog->hasChanged()); });
+        throw;
     }
-    if (changed) m_owner->statementChanged();
+    settle(changed);
 }
 
 // Names of links are made from those of their boxes.

@@ -471,8 +471,9 @@ void TorvQDWorkArea::placeSearchEdit() {
 
 void TorvQDWorkArea::beginRename(TorvQDTable* table) {
     if (indexOf(table) < 0) return;
+    const QPointer<TorvQDWorkArea> self(this);
     selectObject(table);
-    if (indexOf(table) < 0) return;
+    if (!self || indexOf(table) < 0) return;
     m_renamed = table;
     placeAliasEdit();
     m_aliasEdit->open(table->GetAlias());

@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QPainter>
+#include <QScopeGuard>
 
 #include <algorithm>
 
@@ -158,8 +159,11 @@ void Gestures::release(TWMMouse message) {
         m_kind = Kind::Idle;
         m_object.clear();
     }
+    // Also when the host raises something: what was moved is told.
+    const auto over = qScopeGuard([&] {
+        if (area) reset();
+    });
     if (area && object && kind != Kind::Panning) object->MouseUp(message, hit);
-    if (area) reset();
 }
 
 void Gestures::setMouse(const QPoint& viewPoint) {

@@ -33,6 +33,7 @@ private Q_SLOTS:
     void changedByAnotherProgram();
     void diagramWithoutAStatementIsNoStatementFile();
     void otherDatabaseLeavesTheDocument();
+    void windowMayGoWhileADocumentIsLoaded();
 };
 
 void TestDocumentSafety::failedSaveKeepsTheWindowOpen() {
@@ -292,6 +293,22 @@ void TestDocumentSafety::otherDatabaseLeavesTheDocument() {
     QCOMPARE(boxes(), 0);
     QCOMPARE(title(), QStringLiteral("Untitled[*] - numbers.db - orvquery"));
     QVERIFY(!m_window->isWindowModified());
+}
+
+// Loading tells of a join that is none in a box of its own, in whose event loop the window goes.
+void TestDocumentSafety::windowMayGoWhileADocumentIsLoaded() {
+    const QString file = path("a.sql");
+    QVERIFY(apptest::writeFile(file, "SELECT o.id FROM orders o JOIN people p ON o.none = p.name"));
+    builder().setKeepMeaning(false);
+    int boxes = 0;
+    orv::setMessageService([&](const orv::MessageRequest&) {
+        ++boxes;
+        m_window.reset();
+        return orv::MessageAnswer::Ok;
+    });
+    documents().open(file);
+    QCOMPARE(boxes, 1);
+    QVERIFY(!m_window);
 }
 
 QTEST_MAIN(TestDocumentSafety)

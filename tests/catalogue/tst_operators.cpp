@@ -95,6 +95,7 @@ private Q_SLOTS:
     void assignOfAnotherClassRaises();
     void entriesOutliveTheirList();
     void changesAreAnnouncedAndTold();
+    void listMayDieWhenItTells();
 
     void defaultOperators_data();
     void defaultOperators();
@@ -267,6 +268,16 @@ void TestOperators::changesAreAnnouncedAndTold() {
     list.Delete(0);
     list.Clear();
     QCOMPARE(counts, QList<int>({0, 1, 1, 2, 2, 1, 1, 0}));
+}
+
+void TestOperators::listMayDieWhenItTells() {
+    auto list = std::make_unique<TOperatorList>();
+    list->changed = [&list, text = QString(100, u'x')] {
+        list.reset();
+        QCOMPARE(text.size(), 100);
+    };
+    QCOMPARE(list->Add(TorvQDOperator()), 0);
+    QVERIFY(!list);
 }
 
 void TestOperators::defaultOperators_data() {

@@ -1,17 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "criteria/ORVQDFieldEdit.h"
 #include "criteria/ORVQDFieldList.h"
-#include "criteria/ORVQDWherePanel.h"
 #include "data/DraggedField.h"
 #include "querybuilder/LifetimeMoments.h"
+#include "querybuilder/LifetimePages.h"
 #include "querybuilder/ORVQDPageTabs.h"
-#include "querybuilder/ORVQDTailLine.h"
-#include "toolkit/ExitCombo.h"
-#include "toolkit/ExitEdit.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QTabBar>
 #include <QTreeWidget>
@@ -21,49 +16,6 @@
 namespace orvtest {
 
 namespace {
-
-enum Page { wherePage, gridPage, havingPage, sortingPage };
-
-// --- the pages ---
-
-void addCondition(TorvQDWherePanel& panel, const QString& field, const QString& argument) {
-    panel.setCurrentElement(panel.rootRow()->Controls[ekGroupOper].get());
-    panel.AddCondition();
-    TorvQDWhereRow* row = panel.ActiveElement()->Row;
-    row->FieldName = field;
-    row->Arguments[0] = argument;
-    row->Changed(false);
-    panel.refreshView();
-}
-
-// Columns and conditions of the box that goes and of another one.
-void showPage(Scene& on, Page page) {
-    on.builder->setTabsHeight(240);
-    on.box->toggle(on.box->GetFieldItem("A"));
-    on.box->toggle(on.box->GetFieldItem("B"));
-    on.table("U")->toggle(on.table("U")->GetFieldItem("X"));
-    for (TorvQDWherePanel* panel : {on.builder->WherePanel, on.builder->HavingPanel}) {
-        addCondition(*panel, "T.A", "1");
-        addCondition(*panel, "U.X", "T.B");
-    }
-    on.builder->PageCtrl->setCurrentIndex(page);
-    on.builder->activateWindow();
-    QCoreApplication::processEvents();
-    QVERIFY(on.builder->isActiveWindow());
-}
-
-TorvQDControl& element(const TorvQDWherePanel& panel, int kind) {
-    return *panel.rootRow()->SubRows->Row(0)->Controls[std::size_t(kind)];
-}
-
-TMemoEx* editArgument(Scene& on) {
-    showPage(on, wherePage);
-    TorvQDWherePanel& panel = *on.builder->WherePanel;
-    panel.editText(element(panel, ekArgument));
-    auto* memo = panel.viewport()->findChild<TMemoEx*>();
-    memo->insertPlainText("U.Y");
-    return memo;
-}
 
 // The end comes when the host is told of what the hand does then.
 void strikeWhenChanged(Scene& on, const std::function<void()>& hand) {
@@ -76,10 +28,6 @@ void strikeWhenChanged(Scene& on, const std::function<void()>& hand) {
     (void)errorOf(hand);
 }
 
-void press(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
-    QTest::sendKeyEvent(QTest::Press, widget, key, QString(), modifiers);
-}
-
 // --- conditions ---
 
 void editingACondition(Scene& on, RecordedServices&) {
@@ -87,7 +35,7 @@ void editingACondition(Scene& on, RecordedServices&) {
     QVERIFY(memo->isOpen());
     on.strikeNow();
     if (memo) memo->insertPlainText("1");
-    if (memo) press(memo, Qt::Key_Return);
+    if (memo) pressKey(memo, Qt::Key_Return);
 }
 
 void choosingAField(Scene& on, RecordedServices&) {
@@ -98,9 +46,9 @@ void choosingAField(Scene& on, RecordedServices&) {
     QVERIFY(list->isOpen());
     QTest::keyClicks(list->filter(), "b");
     on.strikeNow();
-    if (list) press(list->filter(), Qt::Key_Down);
-    if (list) press(list->tree(), Qt::Key_Return);
-    if (list) press(list->tree(), Qt::Key_Escape);
+    if (list) pressKey(list->filter(), Qt::Key_Down);
+    if (list) pressKey(list->tree(), Qt::Key_Return);
+    if (list) pressKey(list->tree(), Qt::Key_Escape);
 }
 
 void seeMenu(Scene& on, RecordedServices& services, Page page, int kind, const QString& name) {
@@ -147,13 +95,13 @@ void beingAskedAboutACondition(Scene& on, RecordedServices&) {
         return orv::MessageAnswer::Yes;
     });
     on.builder->WherePanel->setActiveElement(&element(*on.builder->WherePanel, ekFieldName));
-    press(on.builder->WherePanel, Qt::Key_Delete, Qt::ControlModifier);
+    pressKey(on.builder->WherePanel, Qt::Key_Delete, Qt::ControlModifier);
     orv::setMessageService(old);
 }
 
 void mistype(Scene& on) {
     on.box->GetFieldItem("A")->FieldType = ftInteger;
-    press(editArgument(on), Qt::Key_Return);
+    pressKey(editArgument(on), Qt::Key_Return);
     QVERIFY(!on.builder->WherePanel->rootRow()->SubRows->Row(0)->Valid);
 }
 
@@ -183,7 +131,7 @@ void droppingOnACondition(Scene& on, RecordedServices&) {
 
 void hearingOfACondition(Scene& on, RecordedServices&) {
     const QPointer<TMemoEx> memo(editArgument(on));
-    strikeWhenChanged(on, [&] { press(memo, Qt::Key_Return); });
+    strikeWhenChanged(on, [&] { pressKey(memo, Qt::Key_Return); });
 }
 
 void hearingOfACommand(Scene& on, void (TorvQDWherePanel::*command)()) {
@@ -217,20 +165,11 @@ void hearingOfTheTextBeforeACopy(Scene& on, RecordedServices&) {
 
 // --- the grid ---
 
-TorvQDSelectGrid* openCell(Scene& on, int column) {
-    showPage(on, gridPage);
-    TorvQDSelectGrid* grid = on.builder->SelectPanel->grid();
-    grid->_EditText(column, 1);
-    if (column == 0) grid->viewport()->findChild<orv::ExitEdit*>()->setText("OTHER");
-    if (column > 0) grid->viewport()->findChild<orv::ExitCombo*>()->setEditText("T.C");
-    return grid;
-}
-
 void namingAColumn(Scene& on, RecordedServices&) {
     const QPointer<orv::ExitEdit> edit(openCell(on, 0)->viewport()->findChild<orv::ExitEdit*>());
     QVERIFY(edit->isVisible());
     on.strikeNow();
-    if (edit) press(edit, Qt::Key_Return);
+    if (edit) pressKey(edit, Qt::Key_Return);
 }
 
 void choosingASource(Scene& on, RecordedServices&) {
@@ -239,9 +178,9 @@ void choosingASource(Scene& on, RecordedServices&) {
     choice->showPopup();
     QVERIFY(choice->view()->isVisible());
     on.strikeNow();
-    if (choice && choice->view()->isVisible()) press(choice->view(), Qt::Key_Return);
+    if (choice && choice->view()->isVisible()) pressKey(choice->view(), Qt::Key_Return);
     if (choice) choice->hidePopup();
-    if (choice) press(choice, Qt::Key_Return);
+    if (choice) pressKey(choice, Qt::Key_Return);
 }
 
 void hearingOfACell(Scene& on, int column) {
@@ -269,7 +208,7 @@ void beingAskedAboutAColumn(Scene& on, RecordedServices&) {
     });
     TorvQDSelectGrid* grid = on.builder->SelectPanel->grid();
     grid->setCurrentIndex(grid->model()->index(1, 0));
-    press(grid, Qt::Key_Delete, Qt::ControlModifier);
+    pressKey(grid, Qt::Key_Delete, Qt::ControlModifier);
     orv::setMessageService(old);
 }
 
@@ -336,23 +275,15 @@ void hearingOfASortedName(Scene& on, RecordedServices&) {
     strikeWhenChanged(on, [&] { page->_AddClick(); });
 }
 
-QLineEdit* editTail(Scene& on) {
-    showPage(on, sortingPage);
-    auto* line = on.builder->PageCtrl->findChild<orv::TailLine*>()->findChild<QLineEdit*>();
-    line->setFocus();
-    QTest::keyClicks(line, "LIMIT 5");
-    return line;
-}
-
 void editingTheTail(Scene& on, RecordedServices&) {
     const QPointer<QLineEdit> line(editTail(on));
     on.strikeNow();
-    if (line) press(line, Qt::Key_Return);
+    if (line) pressKey(line, Qt::Key_Return);
 }
 
 void hearingOfTheTail(Scene& on, RecordedServices&) {
     QLineEdit* line = editTail(on);
-    strikeWhenChanged(on, [&] { press(line, Qt::Key_Return); });
+    strikeWhenChanged(on, [&] { pressKey(line, Qt::Key_Return); });
 }
 
 void goingToAnotherPage(Scene& on, RecordedServices&) {

@@ -4,9 +4,7 @@
 #include "diagram/Orvqdlnkprop.h"
 #include "querybuilder/LifetimeEnds.h"
 #include "querybuilder/LifetimeMoments.h"
-#include "support/PageRules.h"
-
-#include <QScrollBar>
+#include "querybuilder/LifetimeRules.h"
 
 using orvtest::allEnds;
 using orvtest::allMoments;
@@ -61,38 +59,11 @@ private Q_SLOTS:
         QVERIFY(!on.link);
         if (!on.builder) return;
         QVERIFY(!on.area()->isGesturing());
-        verifyAgrees(*on.builder);
-        verifyPages(*on.builder);
-        verifyGoesOn(on);
+        orvtest::verifyAgrees(*on.builder);
+        if (QTest::currentTestFailed()) return;
+        orvtest::verifyGoesOn(on);
     }
 
-private:
-    static void verifyAgrees(TorvQueryBuilder& builder) {
-        QCOMPARE(orvtest::brokenRule(builder, orvtest::aggregatedFields(builder)), QString());
-    }
-    /// A box can be added, ticked and moved as ever.
-    static void verifyGoesOn(Scene& on) {
-        on.area()->horizontalScrollBar()->setValue(0);
-        on.area()->verticalScrollBar()->setValue(0);
-        const auto columns = [&] { return on.builder->SelectPanel->grid()->columns().size(); };
-        const std::size_t before = columns();
-        TorvQDTable* added = on.builder->ListOfTables->AddTable("ORDERS", on.host.table("ORDERS"));
-        QVERIFY(added);
-        added->MoveTable(40 - added->Left, 60 - added->Top);
-        const TRect row = added->GetItemRect(added->Items[0].get());
-        on.press({row.Left + 5, row.Top + 8});
-        on.release({row.Left + 5, row.Top + 8});
-        QCOMPARE(columns(), before + 1);
-        const QPoint caption = Scene::captionOf(*added);
-        on.press(caption);
-        on.move(caption + QPoint(10, 10));
-        on.release(caption + QPoint(10, 10));
-        QCOMPARE(added->Left, 50);
-        on.view()->grab();
-        verifyAgrees(*on.builder);
-    }
-
-private Q_SLOTS:
     // --- several builders
 
     void dialogOfTheFirstBuilderOutlivesTheSecond() {

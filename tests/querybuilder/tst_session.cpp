@@ -3,13 +3,39 @@
 // control shows agrees. ORV_SESSION_EVENTS and ORV_SESSION_SEED change how much and what happens.
 #include "support/RandomSession.h"
 
+#include <QApplication>
+
 #include <algorithm>
 
 namespace {
 
+/// Looks out for what no program outlives: an error that leaves an event.
+class WatchingApplication : public QApplication {
+public:
+    using QApplication::QApplication;
+
+    bool notify(QObject* receiver, QEvent* event) override {
+        bool isHandled = true;
+        const QString error =
+            orvtest::anyErrorOf([&] { isHandled = QApplication::notify(receiver, event); });
+        if (error != "(no error)") {
+            escaped = QStringLiteral("an error leaves event %1 of %2: %3")
+                          .arg(int(event->type()))
+                          .arg(QLatin1String(receiver->metaObject()->className()), error);
+        }
+        return isHandled;
+    }
+
+    QString escaped;
+};
+
 constexpr int sessions = 8;
 constexpr int usualEvents = 2000;
 constexpr int eventsPerState = 100;
+
+QString escapedError() {
+    return static_cast<WatchingApplication*>(qApp)->escaped;
+}
 
 int numberFrom(const char* variable, int otherwise) {
     bool isNumber = false;
@@ -38,6 +64,7 @@ private Q_SLOTS:
         orvtest::RandomSession session{quint32(seed)};
         for (int event = 1; event <= events; ++event) {
             QString broken = session.step();
+            if (broken.isEmpty()) broken = escapedError();
             if (broken.isEmpty() && event % eventsPerState == 0) broken = session.brokenState();
             if (broken.isEmpty() && !QTest::currentTestFailed()) continue;
             QFAIL(qPrintable(QStringLiteral("%1\nseed %2, event %3; the last events:\n%4")
@@ -49,5 +76,12 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(SessionTest)
+int main(int argc, char* argv[]) {
+    WatchingApplication app(argc, argv);
+    app.setAttribute(Qt::AA_Use96Dpi, true);
+    SessionTest test;
+    QTEST_SET_MAIN_SOURCE_PATH
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tst_session.moc"

@@ -358,6 +358,94 @@ private Q_SLOTS:
         QCOMPARE(told, 2);
     }
 
+    void layoutIsToldThoughAHandlerRaises() {
+        const RecordedServices services;
+        Recorded on;
+        int told = 0;
+        QObject::connect(&on.builder, &TorvQueryBuilder::LayoutChanged, &on.builder,
+                         [&] { ++told; });
+        on.table("T")->OnMouseUp = [](QObject*, Qt::MouseButton, Qt::KeyboardModifiers, int, int) {
+            throw orv::Error(QStringLiteral("handler"));
+        };
+        on.press(on.captionOf("T"));
+        on.moveTo(on.captionOf("T") + QPoint(30, 30));
+        QCoreApplication::processEvents();
+        on.release(on.captionOf("T"));
+        QCOMPARE(services.errors, QStringList("handler"));
+        QCoreApplication::processEvents();
+        QCOMPARE(told, 1);
+        QCOMPARE(on.steps(), QStringList("moving T"));
+    }
+
+    // --- hosts that are told of an undone step
+
+    void slotThatRaisesLeavesTheStep() {
+        const RecordedServices services;
+        Recorded on;
+        const QByteArray before = on.state();
+        on.addTable("ORDERS");
+        const QByteArray after = on.state();
+        QObject::connect(&on.builder, &TorvQueryBuilder::StatementChanged, this,
+                         [] { throw orv::Error(QStringLiteral("slot")); });
+        on.stack.undo();
+        QCOMPARE(services.errors, QStringList("slot"));
+        QCOMPARE(on.state(), before);
+        QVERIFY(on.stack.canRedo());
+        on.stack.redo();
+        QCOMPARE(on.state(), after);
+        QCOMPARE(on.steps(), QStringList("adding ORDERS"));
+        on.recorder->record();
+        QCOMPARE(on.stack.count(), 1);
+    }
+
+    void slotMayUndoAgain() {
+        Recorded on;
+        const QByteArray before = on.state();
+        on.addTable("ORDERS");
+        QObject::connect(&on.builder, &TorvQueryBuilder::StatementChanged, this,
+                         [&] { on.stack.undo(); });
+        on.stack.undo();
+        QCOMPARE(on.state(), before);
+        QVERIFY(on.stack.canRedo());
+        QVERIFY(!on.stack.canUndo());
+    }
+
+    void slotMayResetTheRecorder() {
+        Recorded on;
+        const QByteArray before = on.state();
+        on.addTable("ORDERS");
+        QObject::connect(&on.builder, &TorvQueryBuilder::StatementChanged, this,
+                         [&] { on.recorder->reset(); });
+        on.stack.undo();
+        QCoreApplication::processEvents();
+        QCOMPARE(on.stack.count(), 0);
+        QCOMPARE(on.state(), before);
+    }
+
+    void slotMayDestroyTheRecorder() {
+        Recorded on;
+        const QByteArray before = on.state();
+        on.addTable("ORDERS");
+        QObject::connect(&on.builder, &TorvQueryBuilder::StatementChanged, this,
+                         [&] { on.recorder.reset(); });
+        on.stack.undo();
+        QVERIFY(!on.recorder);
+        QCOMPARE(on.state(), before);
+    }
+
+    void slotOfTheStackMayRaiseAtTheEndOfAGroup() {
+        const RecordedServices services;
+        Recorded on;
+        QObject::connect(&on.stack, &QUndoStack::indexChanged, this,
+                         [] { throw orv::Error(QStringLiteral("slot")); });
+        {
+            const UndoRecorder::Group group(on.recorder.get());
+            on.addTable("ORDERS");
+        }
+        QCOMPARE(services.errors, QStringList("slot"));
+        QCOMPARE(on.steps(), QStringList("adding ORDERS"));
+    }
+
     // --- texts
 
     void texts_data() {

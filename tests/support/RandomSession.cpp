@@ -13,6 +13,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QScrollBar>
 #include <QWheelEvent>
 
@@ -39,6 +40,7 @@ RandomSession::RandomSession(quint32 seed)
         const QPointer<TorvQDTable> box(table);
         const int version = table->rowsVersion();
         if (m_dice.chance(10)) disturb();
+        mayRaise();
         auto* proc = qobject_cast<TorvQDSProc*>(box.data());
         if (proc && proc->rowsVersion() == version) enterValue(*proc, row);
     };
@@ -52,9 +54,18 @@ RandomSession::RandomSession(quint32 seed)
     };
     m_on.builder.OnDragOver = [this](QObject*, QObject*, int, int, bool& accept) {
         accept = m_dice.chance(70);
+        beAwkward();
     };
-    m_on.builder.OnDragDrop = [this](QObject*, QObject*, int, int) { addTable(); };
+    m_on.builder.OnDragDrop = [this](QObject*, QObject*, int, int) {
+        beAwkward();
+        addTable();
+    };
+    m_on.builder.OnStartDrag = [this](QObject*, const orv::DraggedField&) { beAwkward(); };
+    m_on.builder.OnEndDrag = [this](QObject*, QObject*, int, int) { beAwkward(); };
     m_services.onDialog = [this](QDialog& dialog) {
+        const QPointer<QDialog> shown(&dialog);
+        beAwkward();
+        if (!shown) return int(QDialog::Rejected);
         auto* properties = qobject_cast<TdlgLnkProp*>(&dialog);
         if (!properties || m_dice.chance(30)) return int(QDialog::Rejected);
         if (m_dice.chance(10)) clearAll();
@@ -66,6 +77,7 @@ RandomSession::RandomSession(quint32 seed)
     };
     m_oldMessages = orv::setMessageService([this](const orv::MessageRequest& request) {
         if (m_dice.chance(5)) disturb();
+        mayRaise();
         if (request.buttons == orv::MessageButtons::Ok) return orv::MessageAnswer::Ok;
         if (m_dice.chance(10)) disturb();
         return m_dice.chance(70) ? orv::MessageAnswer::Yes : orv::MessageAnswer::No;
@@ -94,9 +106,14 @@ RandomSession::RandomSession(quint32 seed)
         }
     };
     area().installEventFilter(this);
+    beAwkwardAtNotices();
     m_undoStack.setUndoLimit(undoLimit);
     m_recorder = std::make_unique<orv::UndoRecorder>(&m_on.builder, &m_undoStack);
     QObject::connect(&m_on.builder, &TorvQueryBuilder::StatementChanged, this,
+                     [this] { disturbAtChange(); });
+    QObject::connect(&m_on.builder, &TorvQueryBuilder::LayoutChanged, this,
+                     [this] { disturbAtChange(); });
+    QObject::connect(&m_on.builder, &TorvQueryBuilder::LoadReported, this,
                      [this] { disturbAtChange(); });
     m_on.builder.resize(900, 650);
     m_on.builder.setTabsHeight(220);
@@ -144,14 +161,16 @@ QString RandomSession::step() {
     m_services.errors.clear();
     const QHash<QString, bool> before = columnsOfFields();
     const QSet<QString> unknown = unknownSources();
-    const QString error = errorOf([&] { (this->*action->run)(); });
+    const QString error = anyErrorOf([&] { (this->*action->run)(); });
     if (error != "(no error)") note("  raised: " + error);
     for (const QString& text : std::as_const(m_services.errors)) note("  error: " + text);
     settle();
     m_everLoose += m_loose;
     if (std::exchange(m_isSpoilt, false)) {
+        m_isQuiet = true;
         clearAll();
         m_recorder->reset();
+        m_isQuiet = false;
     }
     if (!m_complaint.isEmpty()) return m_complaint;
     if (!m_pages.complaint().isEmpty()) return m_pages.complaint();
@@ -340,6 +359,9 @@ void RandomSession::chooseFromMenu() {
         if (action->isSeparator() || !action->isEnabled()) continue;
         if (!isLarge || !action->text().contains("picture")) actions << action;
     }
+    const auto over = qScopeGuard([&menu] {
+        if (menu) menu->close();
+    });
     if (m_dice.chance(10)) deleteTable();
     if (m_dice.chance(5)) clearAll();
     if (menu && !actions.isEmpty() && m_dice.chance(75)) {
@@ -348,7 +370,6 @@ void RandomSession::chooseFromMenu() {
         menu->hide();
         action->trigger();
     }
-    if (menu) menu->close();
 }
 
 void RandomSession::wheel() {
@@ -444,9 +465,11 @@ void RandomSession::hideOrShow() {
     m_on.builder.hide();
     m_held = {};  // a hidden window gets no release
     m_grabber.clear();
+    const auto over = qScopeGuard([this] {
+        m_on.builder.show();
+        area().setFocus();
+    });
     if (m_dice.chance(30)) addTable();
-    m_on.builder.show();
-    area().setFocus();
 }
 
 void RandomSession::resize() {
@@ -479,6 +502,7 @@ Qt::DropAction RandomSession::runDrag(QDrag& drag) {
     const QPointer<QDrag> running(&drag);
     m_held = {};
     m_grabber.clear();
+    beAwkward();
     bool accepted = false;
     QPoint at;
     const int moves = m_dice.below(5);

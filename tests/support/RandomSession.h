@@ -23,7 +23,8 @@ namespace orvtest {
 /// A user and a host who do one thing after the other to a builder, by chance: mouse, keys, menus,
 /// drags, dialogs and calls, at the diagram and on the pages. The same seed makes the same session.
 /// Events mostly aim at what is there. The timers of the diagram fire when the session says so,
-/// never by the clock.
+/// never by the clock. Handlers of the host call the control in turn, refuse and raise, all of
+/// which it has to live through.
 class RandomSession : public QObject {
 public:
     explicit RandomSession(quint32 seed);
@@ -86,6 +87,10 @@ private:
     void usePages();
     void disturb();
     void disturbAtChange();
+    void mayRaise();
+    void beAwkward();
+    void beAwkwardAtNotices();
+    void watchMouseAndKeys(TorvQDFloatObject& object);
 
     // Hands and eyes.
     void note(const QString& text);
@@ -132,6 +137,7 @@ private:
     QSet<QString> m_everLoose;
     int m_disturbances = 0;  // how often the host did something inside of an event
     bool m_isDisturbing = false;
+    bool m_isQuiet = false;  // the host behaves for once
 };
 
 }  // namespace orvtest

@@ -6,6 +6,8 @@
 
 #include <QTabWidget>
 
+#include <stdexcept>
+
 namespace orvtest {
 
 namespace {
@@ -42,9 +44,11 @@ QStringList stateLines(const QByteArray& json) {
 // Inside a question of the control.
 void RandomSession::answerHost() {
     if (m_dice.chance(20)) (void)errorOf([&] { (void)m_on.builder.GetSQLStatment(); });
-    if (!m_dice.chance(3)) return;
-    const QString error = errorOf([&] { m_on.builder.Clear(); });
-    if (error != "LoadSQL is running") m_complaint = "Clear is not refused in a question";
+    if (m_dice.chance(3)) {
+        const QString error = errorOf([&] { m_on.builder.Clear(); });
+        if (error != "LoadSQL is running") m_complaint = "Clear is not refused in a question";
+    }
+    beAwkward();
 }
 
 void RandomSession::addSessionTables(Host& host) {
@@ -254,13 +258,15 @@ void RandomSession::usePages() {
     m_pages.act();
 }
 
+// --- a host that is no help ---
+
 // What happens while the user is in the middle of something.
 void RandomSession::disturb() {
-    if (std::exchange(m_isDisturbing, true)) return;
+    if (m_isQuiet || std::exchange(m_isDisturbing, true)) return;
     ++m_disturbances;
     note("  meanwhile");
-    const QString error = errorOf([&] {
-        switch (m_dice.below(14)) {
+    const QString error = anyErrorOf([&] {
+        switch (m_dice.below(24)) {
         case 0: return clearAll();
         case 1: return load();
         case 2: return m_on.builder.LoadSQL(m_on.builder.GetSQLStatment());
@@ -282,6 +288,25 @@ void RandomSession::disturb() {
             return m_on.builder.setOperators(all);
         }
         case 10: return changeGrid();
+        case 11: return addLinks();
+        case 12: {
+            TorvQDLink* link = anyLink();
+            note("RemoveLink");
+            if (link) area().RemoveLink(link, m_dice.chance(50));
+            return;
+        }
+        case 13: return m_dice.chance(50) ? zoom() : arrangeOrFit();
+        case 14: return changeOption();
+        case 15: return callBox();
+        case 16: {
+            TorvQDLink* link = m_dice.chance(50) ? anyLink() : nullptr;
+            note("selection");
+            if (link) return area().selectObject(link);
+            return area().selectObject(m_dice.chance(70) ? anyTable() : nullptr);
+        }
+        case 17: note("an event loop"); return settle();
+        case 18: note("undo"); return m_undoStack.undo();
+        case 19: return keepMeaning();
         default: return tick();
         }
     });
@@ -291,6 +316,55 @@ void RandomSession::disturb() {
 
 void RandomSession::disturbAtChange() {
     if (m_dice.chance(2)) disturb();
+    mayRaise();
+}
+
+void RandomSession::mayRaise() {
+    if (m_isQuiet || !m_dice.chance(2)) return;
+    ++m_disturbances;
+    note("  raises");
+    switch (m_dice.below(3)) {
+    case 0: throw orv::Error(QStringLiteral("raised by the host"));
+    case 1: throw std::runtime_error("raised by the host");
+    default: throw 5;
+    }
+}
+
+void RandomSession::beAwkward() {
+    if (m_dice.chance(3)) disturb();
+    mayRaise();
+}
+
+// Behind what the control itself does then.
+void RandomSession::beAwkwardAtNotices() {
+    area().OnAddTable = [this, tell = area().OnAddTable](QObject* sender, QObject* added) {
+        if (auto* box = qobject_cast<TorvQDTable*>(added)) watchMouseAndKeys(*box);
+        tell(sender, added);
+        mayRaise();
+    };
+    area().OnAddLink = [this](QObject*, QObject* added) {
+        if (auto* link = qobject_cast<TorvQDLink*>(added)) watchMouseAndKeys(*link);
+        beAwkward();
+    };
+    area().OnRemoveTable = [this, tell = area().OnRemoveTable](QObject* sender, QObject* removed) {
+        tell(sender, removed);
+        mayRaise();
+    };
+    area().OnRemoveLink = [this](QObject*, QObject*) { mayRaise(); };
+    area().OnSelectionLink = [this](QObject*, TorvQDTable*, TorvQDTable*, TorvQDListItem*,
+                                    TorvQDListItem*, bool) { beAwkward(); };
+    orv::setErrorHandler([this](const QString& text) {
+        m_services.errors << text;
+        beAwkward();
+    });
+}
+
+void RandomSession::watchMouseAndKeys(TorvQDFloatObject& object) {
+    object.OnMouseDown = object.OnMouseUp = [this](QObject*, Qt::MouseButton, Qt::KeyboardModifiers,
+                                                   int, int) { beAwkward(); };
+    object.OnMouseMove = [this](QObject*, Qt::KeyboardModifiers, int, int) { mayRaise(); };
+    object.OnKeyDown =
+        object.OnKeyUp = [this](QObject*, int&, Qt::KeyboardModifiers) { beAwkward(); };
 }
 
 // --- ticks and columns ---

@@ -9,6 +9,7 @@
 #include <QStringList>
 #include <QTest>
 
+#include <exception>
 #include <functional>
 
 // What the tests of the control share. QVERIFY returns from the function that it stands in, so
@@ -22,6 +23,19 @@ QString errorOf(Body&& body) {
         body();
     } catch (const orv::Error& error) {
         return error.Message();
+    }
+    return QStringLiteral("(no error)");
+}
+
+/// The same of whatever the body raises, in the words of which the error handler is told.
+template <typename Body>
+QString anyErrorOf(Body&& body) {
+    try {
+        body();
+    } catch (const std::exception& error) {
+        return QString::fromUtf8(error.what());
+    } catch (...) {
+        return QStringLiteral("Unknown error");
     }
     return QStringLiteral("(no error)");
 }

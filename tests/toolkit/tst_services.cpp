@@ -153,6 +153,31 @@ private Q_SLOTS:
         QCOMPARE(errors, QStringList({QStringLiteral("Table \u00c4 is gone"), "of a host"}));
     }
 
+    void handlerThatRaisesIsPassedOver() {
+        QStringList messages;
+        orv::setMessageService([&](const orv::MessageRequest& request) {
+            messages << request.text;
+            return MessageAnswer::Ok;
+        });
+        orv::setErrorHandler([](const QString&) { throw orv::Error(QStringLiteral("handler")); });
+        orv::guarded([] { throw orv::Error(QStringLiteral("the first")); });
+        QCOMPARE(messages, QStringList());
+        QCoreApplication::processEvents();
+        QCOMPARE(messages, QStringList("the first"));
+    }
+
+    void serviceThatRaisesInTheErrorBoxEndsNothing() {
+        int calls = 0;
+        orv::setMessageService([&](const orv::MessageRequest&) -> MessageAnswer {
+            ++calls;
+            throw orv::Error(QStringLiteral("service"));
+        });
+        orv::reportError(QStringLiteral("text"));
+        QCoreApplication::processEvents();
+        QCoreApplication::processEvents();
+        QCOMPARE(calls, 1);
+    }
+
     void guardTakesWhatIsNoStandardException() {
         QStringList errors;
         orv::setErrorHandler([&](const QString& text) { errors << text; });
