@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "diagram/Orvqdlnkprop.h"
-#include "xvfb/ProgramDesk.h"
-
-#include <QCheckBox>
-#include <QPixmap>
-#include <QPushButton>
-#include <QScreen>
+#include "xvfb/Picture.h"
+#include "xvfb/ProgramHand.h"
 
 // The question that is asked in several ways: which customers in two cities have ordered for more
 // than a sum, and which customers anywhere have ordered nothing?
@@ -35,27 +30,6 @@ inline void compareAnswer(const ProgramDesk& desk) {
     QVERIFY2(nulls > 5 && int(expected.size()) > nulls + 3, "the question has lost its point");
     QCOMPARE(desk.rows(), expected);
     QCOMPARE(desk.errors, QStringList());
-}
-
-/// A picture of the screen in the folder that the variable names, for the eye.
-inline void takePicture(const QString& name) {
-    const QString folder = qEnvironmentVariable("ORV_PICTURES");
-    if (folder.isEmpty()) return;
-    QCoreApplication::processEvents();
-    QCoreApplication::processEvents();
-    QGuiApplication::primaryScreen()->grabWindow(0).save(folder + u'/' + name + ".png");
-}
-
-inline TdlgLnkProp* linkDialog() {
-    auto* dialog = qobject_cast<TdlgLnkProp*>(QApplication::activeModalWidget());
-    return dialog && dialog->isActiveWindow() ? dialog : nullptr;
-}
-
-/// The check box of the link dialog that takes all rows of a table.
-inline QCheckBox* includesAll(const QString& table) {
-    const TdlgLnkProp& dialog = *linkDialog();
-    return dialog.CurrentLnk->Join->Table1->GetAlias() == table ? dialog.btnLeftOuter
-                                                                : dialog.btnRightOuter;
 }
 
 }  // namespace orvtest
