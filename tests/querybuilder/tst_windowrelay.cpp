@@ -386,7 +386,7 @@ private Q_SLOTS:
 
     void tableWithoutColumns() {
         HostedBuilder on;
-        on.host.add("NONE", {});
+        on.host.add("NONE", QStringList());
         TorvQDTable* box = on.addTable("NONE");
         box->SetFieldState(2);
         QCOMPARE(on.columns(), QStringList());
