@@ -174,8 +174,11 @@ Clauses clausesOf(const QString& text) {
     QString clause;
     for (const Piece& piece : PieceReader(text).read()) {
         if (beginsTail(piece, result.value(clause))) clause = tail;
-        const bool begins =
-            clause != tail && piece.isPlain && piece.depth == 0 && clauses.contains(piece.text);
+        const Pieces& before = result[clause];
+        const bool isDistinctFrom =
+            piece.is("FROM") && !before.isEmpty() && before.back().is("DISTINCT");
+        const bool begins = clause != tail && piece.isPlain && piece.depth == 0 &&
+                            !isDistinctFrom && clauses.contains(piece.text);
         if (begins) clause = clauses.value(piece.text);
         const bool isSilent = begins || piece.is("BY") || piece.is("INNER") || piece.is("OUTER");
         if (!isSilent) result[clause] << piece;
