@@ -132,7 +132,10 @@ void runConditions(QByteArrayView input) {
     addBoxes(builders.first);
     addBoxes(builders.second);
     if (input.front() == 't') {
-        paste(builders, QString::fromUtf8(input.sliced(1)));
+        // A line break in quotes becomes a blank when the statement is loaded, and is told then.
+        QString text = QString::fromUtf8(input.sliced(1));
+        text.replace(u'\n', u' ').replace(u'\r', u' ');
+        paste(builders, text);
     } else {
         TreeMaker(builders.first, input.sliced(1)).make();
     }

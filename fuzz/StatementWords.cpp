@@ -158,8 +158,12 @@ bool beginsTail(const Piece& piece, const Pieces& before) {
     static const QSet<QString> words = {"UNION",  "INTERSECT", "EXCEPT", "LIMIT",
                                         "OFFSET", "FETCH",     "FOR",    "WINDOW"};
     if (!piece.isPlain || piece.depth > 0 || !words.contains(piece.text)) return false;
-    if (before.isEmpty() || before.back().is("AS")) return false;
-    return before.back().kind != Piece::Comma && before.back().kind != Piece::Sign;
+    if (before.isEmpty()) return false;
+    // Columns may be called so: behind these an operand is still to come.
+    static const QSet<QString> open = {"AS", "AND", "OR", "NOT", "ON", "LIKE", "BETWEEN"};
+    const Piece& last = before.back();
+    if (last.isPlain && open.contains(last.text)) return false;
+    return last.kind != Piece::Comma && last.kind != Piece::Sign;
 }
 
 Clauses clausesOf(const QString& text) {
@@ -170,8 +174,11 @@ Clauses clausesOf(const QString& text) {
     QString clause;
     for (const Piece& piece : PieceReader(text).read()) {
         if (beginsTail(piece, result.value(clause))) clause = tail;
-        const bool begins =
-            clause != tail && piece.isPlain && piece.depth == 0 && clauses.contains(piece.text);
+        const Pieces& before = result[clause];
+        const bool isDistinctFrom =
+            piece.is("FROM") && !before.isEmpty() && before.back().is("DISTINCT");
+        const bool begins = clause != tail && piece.isPlain && piece.depth == 0 &&
+                            !isDistinctFrom && clauses.contains(piece.text);
         if (begins) clause = clauses.value(piece.text);
         const bool isSilent = begins || piece.is("BY") || piece.is("INNER") || piece.is("OUTER");
         if (!isSilent) result[clause] << piece;

@@ -159,6 +159,7 @@ private:
         if (found && hasEmptyOperand(run, at + int(found->name.size()), *found)) {
             refuseUnfilled(run);
         }
+        if (found) checkNoList(run.mid(at + int(found->name.size())), *found);
         if (callsWithNothing(run)) refuseUnfilled(run);
         const bool isWholeText = element.condition.operation == expressionOperator();
         const bool isValue = run.size() == 1 && run[0].kind != SqlToken::Word;
@@ -166,6 +167,15 @@ private:
         if (isValue || isEmptyBracket || !isPhrase(isWholeText ? run : run.mid(0, at))) {
             refuse(QStringLiteral("%1 is none").arg(quotation(run)));
         }
+    }
+
+    // A comma outside brackets begins what no operand has: within the brackets that are written
+    // around the condition, it would make another one of it.
+    static void checkNoList(const TokenRun& operands, const OperatorWords& known) {
+        const bool isBare = known.prefix.isEmpty() && known.postfix.isEmpty();
+        if (!isBare || known.relate.contains(QStringLiteral(","))) return;
+        const std::vector<TokenRun> items = operands.splitAtCommas();
+        if (items.size() > 1) refuseRest(operands.mid(items.front().size()));
     }
 
     // Clauses of a statement, and whole statements.

@@ -277,6 +277,8 @@ private Q_SLOTS:
         no("a = 1 limit 10", "\"LIMIT 10\" stands behind it");
         no("a = 1 union select 2", "\"UNION SELECT 2\" stands behind it");
         no("(a = 1 order by b)", "\"ORDER BY B\" stands behind it");
+        no("a = 1, b = 2", "\", B = 2\" stands behind it");
+        no("a between 1 and 2, 3 and b = 1", "\", 3\" stands behind it");
         no("a = 1 from t", "\"FROM T\" stands behind it");
         no("delete from t where a = 1", "it is a statement");
         no("a = 1 and", "a condition is missing behind \"AND\"");

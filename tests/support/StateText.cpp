@@ -490,12 +490,20 @@ bool isTakenForAnother(const Writing& writing) {
     return false;
 }
 
+// A qualified name comes back, though no database takes it.
+bool isOneWord(const QString& name) {
+    const orv::SqlTokens tokens = orv::tokenise(name);
+    return tokens.size() == 1 && tokens.front().kind == orv::SqlToken::Word &&
+           tokens.front().end == int(name.size());
+}
+
 QStringList invalidOutputNames(TorvQueryBuilder& builder) {
     QStringList names;
     for (const orv::OutputColumn& column : builder.SelectPanel->grid()->columns()) {
         const bool written = column.name != orv::createFieldName(QString(), column.source);
         if (written && !orv::isBlank(column.name) && !orv::isPlainIdentifier(column.name) &&
-            !orv::isQuotedName(column.name) && !column.name.startsWith(u'\'')) {
+            !orv::isQuotedName(column.name) && !column.name.startsWith(u'\'') &&
+            !isOneWord(column.name)) {
             names << column.name;
         }
     }
