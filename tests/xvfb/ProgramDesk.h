@@ -129,7 +129,7 @@ public:
     [[nodiscard]] bool hasRun() const {
         const QString summary = child<QLabel>("summary")->text();
         return child<QTableView>("rows")->isVisible() && summary.endsWith(QStringLiteral("s")) &&
-               !summary.startsWith(QStringLiteral("running"));
+               !summary.startsWith(QStringLiteral("Running"));
     }
 
     // --- where it is ---
