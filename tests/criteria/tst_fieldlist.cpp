@@ -467,6 +467,29 @@ private Q_SLOTS:
         const int typeWidth = page.tree()->fontMetrics().horizontalAdvance("Integer");
         QVERIFY2(withType - inkRight() > typeWidth / 2, qPrintable(QString::number(withType)));
     }
+
+    void liesWhereThereIsRoom_data() {
+        QTest::addColumn<QRect>("editor");
+        QTest::addColumn<QSize>("area");
+        QTest::addColumn<QRect>("expected");
+        const auto row = [](const char* name, const QRect& editor, const QSize& area,
+                            const QRect& expected) {
+            QTest::newRow(name) << editor << area << expected;
+        };
+        row("below", {20, 10, 200, 20}, {400, 300}, {20, 30, 240, 180});
+        row("above", {20, 250, 200, 20}, {400, 300}, {20, 70, 240, 180});
+        row("less high than it wants", {20, 100, 200, 20}, {400, 260}, {20, 120, 240, 140});
+        row("beside", {20, 40, 100, 30}, {400, 150}, {120, 0, 240, 150});
+        row("not beyond the right end", {300, 10, 90, 20}, {400, 300}, {160, 30, 240, 180});
+        row("over the editor where nothing else is left", {0, 0, 200, 60}, {200, 60},
+            {0, 0, 200, 60});
+    }
+    void liesWhereThereIsRoom() {
+        QFETCH(QRect, editor);
+        QFETCH(QSize, area);
+        QFETCH(QRect, expected);
+        QCOMPARE(orv::FieldList::rectBeside(editor, QRect(QPoint(), area)), expected);
+    }
 };
 
 QTEST_MAIN(FieldListTest)

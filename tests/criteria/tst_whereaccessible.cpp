@@ -525,6 +525,23 @@ private Q_SLOTS:
         QCOMPARE(on.list()->childCount(), 2);
     }
 
+    // --- what is gone
+
+    void rowsThatAreGoneAreForgotten() {
+        QStringList conditions;
+        for (int index = 0; index < 60; ++index) conditions << "t.a = " + QString::number(index);
+        const Read on(conditions.join(" and "));
+        QList<QAccessible::Id> ids;
+        for (int index = 1; index <= 60; ++index) ids << QAccessible::uniqueId(on.readRow(index));
+        for (const QAccessible::Id id : ids) QVERIFY(QAccessible::accessibleInterface(id));
+        const QAccessible::Id root = QAccessible::uniqueId(on.readRow(0));
+        on.panel().rootRow()->SubRows->Clear();
+        on.panel().refreshView();
+        QCOMPARE(QAccessible::uniqueId(on.readRow(0)), root);
+        for (const QAccessible::Id id : ids) QVERIFY(!QAccessible::accessibleInterface(id));
+        QVERIFY(QAccessible::accessibleInterface(root)->isValid());
+    }
+
     // --- the menu of functions
 
     void blankFunctionIsReadAsNoFunction() {
@@ -533,14 +550,21 @@ private Q_SLOTS:
         QAccessibleInterface* items = interfaceOf(menu);
         QCOMPARE(namesOfChildren(items),
                  QStringList({"no function", "SUM", "MIN", "MAX", "AVG", "COUNT"}));
-        QCOMPARE(menu->actions().front()->text(), QString(9, u' '));
+        QAction* item = menu->actions().front();
+        QCOMPARE(item->text(), QString(9, u' '));
         QAccessibleInterface* first = items->child(0);
         QCOMPARE(first->role(), QAccessible::MenuItem);
         QCOMPARE(first->parent(), items);
         QCOMPARE(items->indexOfChild(first), 0);
         QVERIFY(!first->state().disabled);
+        QVERIFY(first->isValid());
+        QCOMPARE(first->childCount(), 0);
+        QCOMPARE(first->actionInterface()->actionNames(),
+                 QStringList(QAccessibleActionInterface::pressAction()));
+        QCOMPARE(first->rect(), QRect(menu->mapToGlobal(menu->actionGeometry(item).topLeft()),
+                                      menu->actionGeometry(item).size()));
         int triggered = 0;
-        connect(menu->actions().front(), &QAction::triggered, menu, [&] { ++triggered; });
+        connect(item, &QAction::triggered, menu, [&] { ++triggered; });
         RecordedServices services;
         act(first, QAccessibleActionInterface::pressAction());
         QCOMPARE(triggered, 1);

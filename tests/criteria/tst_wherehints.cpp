@@ -151,6 +151,22 @@ private Q_SLOTS:
         QCOMPARE(on.tip(4, ekGroupOper), "This group has no conditions.");
     }
 
+    void gapsTellWhatBelongsThere() {
+        const Hinted on("t.a = 1 and t.b = 2");
+        on.row(1)->FieldName = orv::blankText();
+        on.row(2)->Operator = {};
+        on.panel().refreshView();
+        QCOMPARE(on.tip(1, ekFieldName), "A field or an expression belongs here.");
+        QCOMPARE(on.tip(2, ekOperator), "A click chooses an operator.");
+    }
+
+    void typesThatDoNotGoTogetherAreTold() {
+        const Hinted on("t.a = 1");
+        QCOMPARE(on.tip(1, ekOperator), QString());
+        on.row(1)->Valid = false;
+        QCOMPARE(on.tip(1, ekOperator), "The types of the two sides do not go together.");
+    }
+
     void markupIsNoMarkup() {
         const QString text = "'<b>bold</b> &lt; " + QString(30, u'x') + u'\'';
         const Hinted on("t.a = " + text);

@@ -52,6 +52,16 @@ private Q_SLOTS:
         QCOMPARE(on.active(), ":1");
     }
 
+    // The second press of two quick ones is one like the first.
+    void doubleClickGoesWhereItIs() {
+        ShownConditions on(nested);
+        on.press(on.at("1.", 2));
+        on.release(on.at("1.", 2));
+        QTest::mouseDClick(on.view(), Qt::LeftButton, {}, on.at("2.1.", 5));
+        QCOMPARE(on.current(), "2.1.:5");
+        QCOMPARE(on.active(), "2.1.:5");
+    }
+
     void pressOnAButtonKeepsTheFrame() {
         ShownConditions on(nested);
         on.press(on.at("1.", 3));

@@ -144,7 +144,8 @@ private Q_SLOTS:
     void textsOfAnyCharactersComeBack() {
         HostedBuilder on(true);
         const QString text = u'\'' + QString(QChar(0xd83d)) + QStringLiteral("\U0001F600") +
-                             QChar(0xde00) + QChar(0) + QChar(0x7f) + QChar(0xffff) + u'\'';
+                             QChar(0xde00) + QChar(0) + QChar(0x7f) + QChar(0xffff) +
+                             QStringLiteral("\\ \t \"") + u'\'';
         on.builder.LoadSQL("select t.a from t where t.b = " + text);
         QVERIFY(on.builder.GetSQLStatment().contains(text));
         const QByteArray state = on.builder.SaveState();
@@ -316,6 +317,16 @@ private Q_SLOTS:
         row("huge number", "\"creationOrder\": [\n    1,\n    0\n  ]",
             "\"creationOrder\": [1, 1e300]",
             "creationOrder[1] is no whole number from -1000000 to 1000000");
+        row("three bounds", "\"bounds\": [", "\"bounds\": [1, 2, 3], \"was\": [",
+            "tables[0] has bounds that are not four numbers");
+        row("link without its join", "\"joins\": [", "\"joins\": [], \"was\": [",
+            "links[0] has no join between T and U");
+        row("row of another column", "\"sortedRows\": [", "\"sortedRows\": [0, 0], \"was\": [",
+            "sortedRows is not as long as the order");
+        row("rows of one box", "\"shownRows\": [", "\"shownRows\": [2], \"was\": [",
+            "shownRows is not as long as the tables");
+        row("less than no rows", "\"shownRows\": [", "\"shownRows\": [2, -1], \"was\": [",
+            "shownRows has a number below 0");
         row("half a number", "\"creationOrder\": [\n    1,\n    0\n  ]",
             "\"creationOrder\": [1, 0.5]",
             "creationOrder[1] is no whole number from -1000000 to 1000000");

@@ -471,6 +471,24 @@ private Q_SLOTS:
         QCOMPARE(services.dialogs.size(), 1);
     }
 
+    void actionsSayWhatTheyDo() {
+        const Read on;
+        const QString press = QAccessibleActionInterface::pressAction();
+        const QString toggle = QAccessibleActionInterface::toggleAction();
+        const QString focus = QAccessibleActionInterface::setFocusAction();
+        QAccessibleActionInterface* box = on.box("DEPT")->actionInterface();
+        QAccessibleActionInterface* link = interfaceOf(on.addLink())->actionInterface();
+        QCOMPARE(box->localizedActionDescription(press), "Collapse or expand the table");
+        QCOMPARE(box->localizedActionDescription(toggle), "Select or unselect all fields");
+        QCOMPARE(link->localizedActionDescription(press), "Show the properties of the link");
+        // What it does everywhere, Qt tells.
+        for (QAccessibleActionInterface* about : {box, link}) {
+            QVERIFY(!about->localizedActionDescription(focus).isEmpty());
+            QVERIFY(about->localizedActionDescription(focus) !=
+                    about->localizedActionDescription(press));
+        }
+    }
+
     void disabledControlDoesNothing() {
         Read on;
         on.builder.setEnabled(false);

@@ -221,6 +221,35 @@ private Q_SLOTS:
         QCOMPARE(on.area().zoom(), 1.25);
         on.area().zoomOut();
         QCOMPARE(on.area().zoom(), 1.0);
+        on.area().setZoom(3);
+        on.area().actualSize();
+        QCOMPARE(on.area().zoom(), 1.0);
+    }
+
+    void boxIsPaintedWhereItIsHit_data() {
+        QTest::addColumn<qreal>("zoom");
+        for (const qreal zoom : {0.5, 1.0, 1.5}) QTest::addRow("%g", zoom) << zoom;
+    }
+    void boxIsPaintedWhereItIsHit() {
+        QFETCH(qreal, zoom);
+        const ViewedBuilder on;
+        on.area().setZoom(zoom);
+        // At its right end a view that is made smaller shows what lay beyond it.
+        const QPoint end =
+            on.area().toViewPoint({on.view()->width() - 40, 10}) + on.area().scrollPosition();
+        on.box()->MoveTable(end.x() - on.box()->Width - on.boxPlace().x(),
+                            end.y() - on.boxPlace().y());
+        const QRect shown = on.area().toViewport(on.box()->toView(on.box()->GetBoundsRect()));
+        const QImage image = on.view()->grab().toImage();
+        QVERIFY(image.rect().contains(shown));
+        const QColor ground = image.pixelColor(shown.topRight() + QPoint(20, 5));
+        QVERIFY(image.pixelColor(shown.center()) != ground);
+        for (const QPoint& corner : {shown.topLeft(), shown.topRight(), shown.bottomLeft()}) {
+            const QPoint inwards = shown.center() - corner;
+            const QPoint step(inwards.x() > 0 ? 3 : -3, inwards.y() > 0 ? 3 : -3);
+            QVERIFY(image.pixelColor(corner + step) != ground);
+            QCOMPARE(image.pixelColor(corner - step), ground);
+        }
     }
 
     void wholeDiagramCanBeReachedWhateverTheMagnification() {
@@ -288,6 +317,32 @@ private Q_SLOTS:
         on.area().setZoom(2);
         on.area().fit();
         QCOMPARE(on.area().zoom(), 1.0);
+    }
+
+    void doubleClickAtTheRightEdgeFitsTheTexts() {
+        ViewedBuilder on;
+        const QString longName(30, u'N');
+        on.host.add("LONG", {"A", longName});
+        on.host.add("LONGER", {QString(200, u'N')});
+        on.addTable("LONGER");
+        on.addTable("LONG");
+        TorvQDTable* box = on.table("LONG");
+        const auto doubleClickAtTheEdge = [&] {
+            const TRect rect = box->toView(box->GetBoundsRect());
+            on.doubleClick({rect.Right - 1, (rect.Top + rect.Bottom) / 2});
+        };
+        const int textWidth = QFontMetrics(on.area().GetFont()).horizontalAdvance(longName);
+        doubleClickAtTheEdge();
+        const int fitted = box->Width;
+        const int room =
+            box->toView(box->GetClientRect()).Right - on.checkSquareOf("LONG", "A").x();
+        QVERIFY2(room > textWidth && room < textWidth + 40, qPrintable(QString::number(room)));
+        box->SetWidth(fitted + 100);
+        doubleClickAtTheEdge();
+        QCOMPARE(box->Width, fitted);
+        // A name without end is cut.
+        on.area().fitWidth(*on.table("LONGER"));
+        QCOMPARE(on.table("LONGER")->Width, 300);
     }
 
     void arrangedBoxesDoNotOverlapAndSayTheSame_data() {
