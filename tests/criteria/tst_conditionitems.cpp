@@ -84,6 +84,26 @@ private Q_SLOTS:
         QCOMPARE(on.changes, 2);
     }
 
+    void rowThatIsMovedStaysInView() {
+        QStringList conditions;
+        for (int index = 0; index < 60; ++index) conditions << "t.a = " + QString::number(index);
+        Criteria on(conditions.join(" and "));
+        on.builder.resize(600, 500);
+        on.builder.show();
+        QCoreApplication::processEvents();
+        const auto isInView = [&](const QString& number) {
+            const QRect rect = on.panel().elementRect(*on.row(number)->Controls[ekButton]);
+            return on.panel().viewport()->rect().contains(rect);
+        };
+        on.choose("1.");
+        QVERIFY(isInView("1."));
+        QVERIFY(!isInView("60."));
+        for (int step = 1; step < 60; ++step) on.panel().MoveCondition(1);
+        QCOMPARE(on.activeNumber(), "60.");
+        QVERIFY(isInView("60."));
+        QVERIFY(!isInView("1."));
+    }
+
     // --- menu and keys
 
     void rowMenuHasTheirItemsBehindTheCommands() {

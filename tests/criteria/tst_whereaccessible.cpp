@@ -452,6 +452,19 @@ private Q_SLOTS:
         QVERIFY(QAccessible::uniqueId(added) - before < 10);
     }
 
+    void elementsHaveNoParts() {
+        const Read on("t.a = 1");
+        QAccessibleInterface* row = on.readRow(1);
+        QVERIFY(row->childCount() >= 4);
+        for (int index = 0; index < row->childCount(); ++index) {
+            QAccessibleInterface* element = row->child(index);
+            QCOMPARE(element->childCount(), 0);
+            QVERIFY(!element->child(0));
+            QVERIFY(!element->childAt(element->rect().center().x(), element->rect().center().y()));
+            QCOMPARE(element->indexOfChild(row), -1);
+        }
+    }
+
     // --- what is gone
 
     void interfacesOfGoneRowsAreInvalid() {
@@ -559,6 +572,8 @@ private Q_SLOTS:
         QVERIFY(!first->state().disabled);
         QVERIFY(first->isValid());
         QCOMPARE(first->childCount(), 0);
+        QVERIFY(!first->child(0));
+        QCOMPARE(first->indexOfChild(items), -1);
         QCOMPARE(first->actionInterface()->actionNames(),
                  QStringList(QAccessibleActionInterface::pressAction()));
         QCOMPARE(first->rect(), QRect(menu->mapToGlobal(menu->actionGeometry(item).topLeft()),

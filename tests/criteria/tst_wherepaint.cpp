@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "catalogue/ORVQDOptions.h"
+#include "criteria/ORVQDFieldEdit.h"
 #include "criteria/ShownConditions.h"
 #include "diagram/PaintedBox.h"
 
@@ -522,6 +523,23 @@ private Q_SLOTS:
         const QImage large = rgb(on.part("2.1.", 2));
         QVERIFY(large.width() > part.width() * 3 / 2);
         QCOMPARE(large, on.text("T.B", large.size(), true, navy));
+    }
+
+    // What stands behind a text moves on while that is typed.
+    void growingEditorHasItsRowPainted() {
+        Painted on;
+        on.panel->editText(*on.element("1.", ekFieldName));
+        auto* memo = on.view()->findChild<TMemoEx*>();
+        QVERIFY(memo && memo->isVisible());
+        QCoreApplication::processEvents();
+        const QRect before = on.rectOf("1.", ekOperator);
+        PaintedRegions painted(on.view());
+        memo->insertPlainText(QString(30, u'N'));
+        QCoreApplication::processEvents();
+        const QRect after = on.rectOf("1.", ekOperator);
+        QVERIFY(after.left() > before.left() + 50);
+        QVERIFY((QRegion(after) - painted.region - QRegion(memo->geometry())).isEmpty());
+        QVERIFY((QRegion(before) - painted.region - QRegion(memo->geometry())).isEmpty());
     }
 };
 
