@@ -442,6 +442,7 @@ private Q_SLOTS:
             const UndoRecorder::Group group(on.recorder.get());
             on.addTable("ORDERS");
         }
+        on.stack.disconnect(this);
         QCOMPARE(services.errors, QStringList("slot"));
         QCOMPARE(on.steps(), QStringList("adding ORDERS"));
     }
