@@ -101,6 +101,14 @@ void take(HostedBuilder& on, const orv::LooseConditions& conditions) {
     }
 }
 
+bool hasWholeText(const TorvQDWhereRow& row) {
+    if (!row.isGroup()) return row.isExpression();
+    for (int index = 0; index < row.SubRows->GetCount(); ++index) {
+        if (hasWholeText(*row.SubRows->Row(index))) return true;
+    }
+    return false;
+}
+
 // What a text says, taken over into two controls: at once, and by the text that it is written as.
 void paste(FuzzBuilders& builders, const QString& text) {
     const orv::ConditionRules rules = builders.first.builder.WherePanel->readingRules(true);
@@ -111,6 +119,8 @@ void paste(FuzzBuilders& builders, const QString& text) {
         require(!error.Message().isEmpty(), "A text is no condition, without a reason.");
         return;
     }
+    // Where no operator of the list fits, it is a guess whether words are a condition or prose.
+    if (hasWholeText(*builders.first.builder.WherePanel->rootRow())) return;
     const QString written =
         orv::conditionText(*builders.first.builder.WherePanel->rootRow(), rules, groups);
     try {

@@ -25,7 +25,7 @@ using Pieces = QList<Piece>;
 
 bool isWordPart(QChar character) {
     return character.isLetterOrNumber() || character.isMark() || character.isSurrogate() ||
-           QStringLiteral("_$#@:").contains(character);
+           QStringLiteral("_$#@").contains(character);
 }
 
 /// Reads a statement into pieces.
@@ -167,9 +167,9 @@ bool beginsTail(const Piece& piece, const Pieces& before) {
 }
 
 Clauses clausesOf(const QString& text) {
-    static const QMap<QString, QString> clauses = {{"SELECT", "SELECT"}, {"FROM", "FROM"},
-                                                   {"WHERE", "WHERE"},   {"GROUP", "GROUP BY"},
-                                                   {"HAVING", "HAVING"}, {"ORDER", "ORDER BY"}};
+    // They follow each other in this order: one that goes back is none.
+    static const QStringList words = {"SELECT", "FROM", "WHERE", "GROUP", "HAVING", "ORDER"};
+    static const QStringList names = {"SELECT", "FROM", "WHERE", "GROUP BY", "HAVING", "ORDER BY"};
     Clauses result;
     QString clause;
     for (const Piece& piece : PieceReader(text).read()) {
@@ -177,9 +177,10 @@ Clauses clausesOf(const QString& text) {
         const Pieces& before = result[clause];
         const bool isDistinctFrom =
             piece.is("FROM") && !before.isEmpty() && before.back().is("DISTINCT");
+        const qsizetype next = words.indexOf(piece.text);
         const bool begins = clause != tail && piece.isPlain && piece.depth == 0 &&
-                            !isDistinctFrom && clauses.contains(piece.text);
-        if (begins) clause = clauses.value(piece.text);
+                            !isDistinctFrom && next > names.indexOf(clause);
+        if (begins) clause = names[next];
         const bool isSilent = begins || piece.is("BY") || piece.is("INNER") || piece.is("OUTER");
         if (!isSilent) result[clause] << piece;
     }
