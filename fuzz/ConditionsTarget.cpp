@@ -145,7 +145,8 @@ void runConditions(QByteArrayView input) {
         // A line break in quotes becomes a blank when the statement is loaded, and is told then.
         QString text = QString::fromUtf8(input.sliced(1));
         text.replace(u'\n', u' ').replace(u'\r', u' ');
-        paste(builders, text);
+        // Nothing looks for the end of a square bracket, which hides the commas behind it.
+        if (text.count(u'[') == text.count(u']')) paste(builders, text);
     } else {
         TreeMaker(builders.first, input.sliced(1)).make();
     }
