@@ -184,7 +184,9 @@ Clauses clausesOf(const QString& text) {
         const Pieces& before = result[clause];
         const bool isDistinctFrom =
             piece.is("FROM") && !before.isEmpty() && before.back().is("DISTINCT");
-        const qsizetype next = words.indexOf(piece.text);
+        const bool needsBy = piece.is("GROUP") || piece.is("ORDER");
+        const bool hasBy = index + 1 < pieces.size() && pieces[index + 1].is("BY");
+        const qsizetype next = needsBy && !hasBy ? -1 : words.indexOf(piece.text);
         const bool begins = clause != tail && piece.isPlain && piece.depth == 0 &&
                             !isDistinctFrom && next > names.indexOf(clause);
         if (begins) clause = names[next];
