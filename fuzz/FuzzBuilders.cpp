@@ -41,20 +41,25 @@ struct Shared {
     orvtest::RecordedServices services;
     std::unique_ptr<FuzzBuilders> builders[2];  // by mode
 };
-std::unique_ptr<Shared> shared;
+
+// libFuzzer leaves without ending the application: then they stay, and static objects do not.
+std::unique_ptr<Shared>& shared() {
+    static auto& owner = *new std::unique_ptr<Shared>;
+    return owner;
+}
 
 }  // namespace
 
 FuzzBuilders& FuzzBuilders::emptied(bool keepMeaning) {
-    if (!shared) {
-        shared = std::make_unique<Shared>();
+    if (!shared()) {
+        shared() = std::make_unique<Shared>();
         for (const bool keep : {false, true}) {
-            shared->builders[keep ? 1 : 0].reset(new FuzzBuilders(keep, shared->services));
+            shared()->builders[keep ? 1 : 0].reset(new FuzzBuilders(keep, shared()->services));
         }
-        qAddPostRoutine([] { shared.reset(); });
+        qAddPostRoutine([] { shared().reset(); });
     }
-    orvtest::RecordedServices& services = shared->services;
-    FuzzBuilders& builders = *shared->builders[keepMeaning ? 1 : 0];
+    orvtest::RecordedServices& services = shared()->services;
+    FuzzBuilders& builders = *shared()->builders[keepMeaning ? 1 : 0];
     for (orvtest::HostedBuilder* on : {&builders.first, &builders.second, &builders.third}) {
         on->builder.Clear();
         on->host.asked.clear();
