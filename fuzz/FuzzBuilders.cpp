@@ -5,6 +5,8 @@
 
 #include <QCoreApplication>
 
+#include <memory>
+
 namespace orvfuzz {
 
 namespace {
@@ -32,11 +34,32 @@ FuzzBuilders::FuzzBuilders(bool keepMeaning, orvtest::RecordedServices& recorded
     for (orvtest::HostedBuilder* on : {&first, &second, &third}) addTablesOfCases(on->host);
 }
 
+namespace {
+
+// They end with the application, without which no widget does.
+struct Shared {
+    orvtest::RecordedServices services;
+    std::unique_ptr<FuzzBuilders> builders[2];  // by mode
+};
+
+// libFuzzer leaves without ending the application: then they stay, and static objects do not.
+std::unique_ptr<Shared>& shared() {
+    static auto& owner = *new std::unique_ptr<Shared>;
+    return owner;
+}
+
+}  // namespace
+
 FuzzBuilders& FuzzBuilders::emptied(bool keepMeaning) {
-    static orvtest::RecordedServices services;
-    static FuzzBuilders plain(false, services);
-    static FuzzBuilders keeping(true, services);
-    FuzzBuilders& builders = keepMeaning ? keeping : plain;
+    if (!shared()) {
+        shared() = std::make_unique<Shared>();
+        for (const bool keep : {false, true}) {
+            shared()->builders[keep ? 1 : 0].reset(new FuzzBuilders(keep, shared()->services));
+        }
+        qAddPostRoutine([] { shared().reset(); });
+    }
+    orvtest::RecordedServices& services = shared()->services;
+    FuzzBuilders& builders = *shared()->builders[keepMeaning ? 1 : 0];
     for (orvtest::HostedBuilder* on : {&builders.first, &builders.second, &builders.third}) {
         on->builder.Clear();
         on->host.asked.clear();

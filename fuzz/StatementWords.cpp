@@ -25,7 +25,7 @@ using Pieces = QList<Piece>;
 
 bool isWordPart(QChar character) {
     return character.isLetterOrNumber() || character.isMark() || character.isSurrogate() ||
-           QStringLiteral("_$#@:").contains(character);
+           QStringLiteral("_$#@").contains(character);
 }
 
 /// Reads a statement into pieces.
@@ -154,11 +154,16 @@ using Clauses = QMap<QString, Pieces>;
 const QString tail = QStringLiteral("tail");
 
 // What stands behind the last clause, to the end.
-bool beginsTail(const Piece& piece, const Pieces& before) {
-    static const QSet<QString> words = {"UNION",  "INTERSECT", "EXCEPT", "LIMIT",
-                                        "OFFSET", "FETCH",     "FOR",    "WINDOW"};
-    if (!piece.isPlain || piece.depth > 0 || !words.contains(piece.text)) return false;
-    if (before.isEmpty()) return false;
+bool beginsTail(const Pieces& pieces, qsizetype index, const Pieces& before) {
+    static const QMap<QString, QStringList> tails = {{"UNION", {}},  {"INTERSECT", {}},
+                                                     {"EXCEPT", {}}, {"LIMIT", {}},
+                                                     {"OFFSET", {}}, {"FETCH", {"FIRST", "NEXT"}},
+                                                     {"WINDOW", {}}, {"FOR", {"UPDATE", "SHARE"}}};
+    const Piece& piece = pieces[index];
+    if (!piece.isPlain || piece.depth > 0 || !tails.contains(piece.text)) return false;
+    if (before.isEmpty() || index + 1 == pieces.size()) return false;
+    const QStringList next = tails.value(piece.text);
+    if (!next.isEmpty() && !next.contains(pieces[index + 1].text)) return false;
     // Columns may be called so: behind these an operand is still to come.
     static const QSet<QString> open = {"AS", "AND", "OR", "NOT", "ON", "LIKE", "BETWEEN"};
     const Piece& last = before.back();
@@ -167,19 +172,24 @@ bool beginsTail(const Piece& piece, const Pieces& before) {
 }
 
 Clauses clausesOf(const QString& text) {
-    static const QMap<QString, QString> clauses = {{"SELECT", "SELECT"}, {"FROM", "FROM"},
-                                                   {"WHERE", "WHERE"},   {"GROUP", "GROUP BY"},
-                                                   {"HAVING", "HAVING"}, {"ORDER", "ORDER BY"}};
+    // They follow each other in this order: one that goes back is none.
+    static const QStringList words = {"SELECT", "FROM", "WHERE", "GROUP", "HAVING", "ORDER"};
+    static const QStringList names = {"SELECT", "FROM", "WHERE", "GROUP BY", "HAVING", "ORDER BY"};
     Clauses result;
     QString clause;
-    for (const Piece& piece : PieceReader(text).read()) {
-        if (beginsTail(piece, result.value(clause))) clause = tail;
+    const Pieces pieces = PieceReader(text).read();
+    for (qsizetype index = 0; index < pieces.size(); ++index) {
+        const Piece& piece = pieces[index];
+        if (clause != tail && beginsTail(pieces, index, result.value(clause))) clause = tail;
         const Pieces& before = result[clause];
         const bool isDistinctFrom =
             piece.is("FROM") && !before.isEmpty() && before.back().is("DISTINCT");
+        const bool needsBy = piece.is("GROUP") || piece.is("ORDER");
+        const bool hasBy = index + 1 < pieces.size() && pieces[index + 1].is("BY");
+        const qsizetype next = needsBy && !hasBy ? -1 : words.indexOf(piece.text);
         const bool begins = clause != tail && piece.isPlain && piece.depth == 0 &&
-                            !isDistinctFrom && clauses.contains(piece.text);
-        if (begins) clause = clauses.value(piece.text);
+                            !isDistinctFrom && next > names.indexOf(clause);
+        if (begins) clause = names[next];
         const bool isSilent = begins || piece.is("BY") || piece.is("INNER") || piece.is("OUTER");
         if (!isSilent) result[clause] << piece;
     }

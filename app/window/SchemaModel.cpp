@@ -116,7 +116,7 @@ void SchemaModel::setTables(const std::vector<TableEntry>& entries,
     // Default schemas first, in the order in which they are searched; the source's functions last.
     std::stable_sort(m_containers.begin(), m_containers.end(),
                      [this](const auto& a, const auto& b) {
-                         const auto order = [this](const Node& node) {
+                         const auto order = [](const Node& node) {
                              if (node.kind == Kind::Group)
                                  return node.groupKind == TableKind::Function ? 3 : 2;
                              return node.isDefault ? 0 : 1;

@@ -212,10 +212,24 @@ public:
 
 private:
     [[nodiscard]] const OperatorWords* operatorAt(const TokenRun& run, int index) const {
-        const auto found =
-            std::find_if(m_operators.begin(), m_operators.end(),
-                         [&](const auto& known) { return matchesAt(run, index, known.name); });
-        return found == m_operators.end() ? nullptr : &*found;
+        const auto find = [&](const auto& matches) -> const OperatorWords* {
+            const auto found = std::find_if(m_operators.begin(), m_operators.end(), matches);
+            return found == m_operators.end() ? nullptr : &*found;
+        };
+        const OperatorWords* found =
+            find([&](const auto& known) { return matchesAt(run, index, known.name); });
+        return found ? found
+                     : find([&](const auto& known) { return isSignedAt(run, index, known); });
+    }
+
+    // An operator and the sign of a number behind it, as one token: ">=-3".
+    static bool isSignedAt(const TokenRun& run, int index, const OperatorWords& known) {
+        if (run[index].kind != SqlToken::Sign || known.name.size() != 1) return false;
+        const QStringView signs = run.textOf(index);
+        const QString& name = known.name.front();
+        return signs.size() > name.size() && signs.startsWith(name) &&
+               std::all_of(signs.begin() + name.size(), signs.end(),
+                           [](QChar sign) { return sign == u'+' || sign == u'-'; });
     }
 
     // Words around and between operands are parts of the condition, too.

@@ -302,6 +302,8 @@ private Q_SLOTS:
         no("'London'", "\"'London'\" is none");
         no("5", "\"5\" is none");
         no("Dear Sir", "\"DEAR SIR\" is none");
+        no("Dear Sir >= -3", "\"DEAR SIR >= -3\" is none");
+        no("Dear Sir >=-3", "\"DEAR SIR >=-3\" is none");
         no("London, Paris", "\"LONDON, PARIS\" is none");
         no("(a = 1) (b = 2)", "\"(A = 1) (B = 2)\" is none");
     }
