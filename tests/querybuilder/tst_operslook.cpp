@@ -186,10 +186,12 @@ private Q_SLOTS:
         on.user->select("IN");
         const int list = on.dialog.lbOperators->height();
         const int name = on.dialog.ebName->width();
+        const int listWidth = on.dialog.lbOperators->width();
         on.dialog.resize(on.dialog.width() + 200, on.dialog.height() + 200);
         QCoreApplication::processEvents();
         QVERIFY(on.dialog.lbOperators->height() >= list + 200);
         QVERIFY(on.dialog.ebName->width() > name);
+        QVERIFY(on.dialog.lbOperators->width() > listWidth + 20);
     }
 
     void namesAreNoMarkup() {

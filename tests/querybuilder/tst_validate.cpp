@@ -10,11 +10,12 @@ using orvtest::HostedBuilder;
 
 namespace {
 
-// The findings as "text: sentence".
+// The findings as "text: sentence". They are about no text, so they have no place in one.
 QStringList found(HostedBuilder& on) {
     QStringList texts;
     for (const orv::Finding& finding : on.builder.Validate()) {
         texts << finding.text + QStringLiteral(": ") + finding.what;
+        if (finding.start != 0 || finding.length != 0) texts << QStringLiteral("(has a place)");
     }
     return texts;
 }
@@ -290,15 +291,19 @@ private Q_SLOTS:
         on.host.addProc("P", {"A"},
                         TParams({{"X-Y", ftInteger, ptInput}, {"XY", ftInteger, ptInput}}));
         TorvQDSProc* box = on.addProc("P");
-        QCOMPARE(found(on),
-                 QStringList(":XY: These parameters share a placeholder, and so one value: "
-                             "P.\"X-Y\", P.XY."));
+        const QStringList sharing(
+            ":XY: These parameters share a placeholder, and so one value: P.\"X-Y\", P.XY.");
+        QCOMPARE(found(on), sharing);
         box->setParameter(box->Items[1].get(), 5);
         QCOMPARE(found(on), QStringList());
         box->setParameter(box->Items[1].get(), {});
         // One that is left out is not written.
         box->setParameter(box->Items[2].get(), QVariant::fromValue(orv::SqlText()));
         QCOMPARE(found(on), QStringList());
+        // In front of another one it has to be.
+        box->setParameter(box->Items[1].get(), QVariant::fromValue(orv::SqlText()));
+        box->setParameter(box->Items[2].get(), {});
+        QCOMPARE(found(on), sharing);
     }
 
     void twoCallsThatShareAPlaceholderAreNamed() {

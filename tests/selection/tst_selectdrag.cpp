@@ -171,6 +171,19 @@ private Q_SLOTS:
         QCOMPARE(on.columns(), firstColumns);
     }
 
+    void onlyTheLeftButtonsReleaseDrops() {
+        const DragGrid on;
+        const QString before = on.sources();
+        on.pressAt(on.centreOf(0, 1));
+        on.moveTo(on.centreOf(0, 3));
+        QTest::mouseRelease(on.cells(), Qt::RightButton, {}, on.centreOf(0, 3));
+        QCOMPARE(on.sources(), before);
+        // Nor does one without a move.
+        on.pressAt(on.centreOf(0, 1));
+        on.releaseAt(on.centreOf(0, 3));
+        QCOMPARE(on.sources(), before);
+    }
+
     void lineShowsWhereTheRowWillGo() {
         const DragGrid on;
         const auto edgeBelow = [&](int row) {

@@ -188,6 +188,7 @@ private Q_SLOTS:
         QCOMPARE(on.cell(2, 1).data(Qt::ForegroundRole), QVariant());
         QVERIFY(on.cell(0, 2).data(Qt::ForegroundRole).isValid());
         QVERIFY(on.cell(2, 2).data(Qt::DecorationRole).isValid());
+        QVERIFY(!on.cell(0, 2).data(Qt::DecorationRole).isValid());
         QVERIFY(on.cell(2, 2).data(Qt::ToolTipRole).toString().contains("no such table"));
         QVERIFY(on.cell(2, 2).data(Qt::AccessibleDescriptionRole).toString().contains("V.GONE"));
         on.enter(2, 2, "T.B");

@@ -54,6 +54,12 @@ private Q_SLOTS:
         QCOMPARE(form.combo->count(), 3);
     }
 
+    // Long names differ at their ends as often as not.
+    void longNamesAreCutInTheMiddle() {
+        const Form form;
+        QCOMPARE(form.combo->view()->textElideMode(), Qt::ElideMiddle);
+    }
+
     void textNeedNotBeInTheList_data() {
         QTest::addColumn<QString>("text");
         for (const char* text : {"NONE", "", "old", "fir"}) QTest::addRow("'%s'", text) << text;

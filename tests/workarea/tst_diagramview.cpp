@@ -81,6 +81,14 @@ private Q_SLOTS:
         QCOMPARE(on.table("T")->FirstVisibleItem, 0);
     }
 
+    void arrowsOfTheScrollBarsMoveAStep() {
+        const ViewedBuilder on;
+        for (QScrollBar* bar : {on.area().horizontalScrollBar(), on.area().verticalScrollBar()}) {
+            bar->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+            QCOMPARE(bar->value(), 20);
+        }
+    }
+
     void wheelWithShiftScrollsSideways() {
         const ViewedBuilder on;
         on.wheel(on.rowTextOf("WIDE", "C"), -120, Qt::ShiftModifier);

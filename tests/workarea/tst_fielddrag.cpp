@@ -84,9 +84,11 @@ public:
             enter(point, data);
             m_isInside = false;
         }
-        QDropEvent event(inWindow(point), Qt::CopyAction, data, Qt::LeftButton, {});
+        // Who drags would remove what is moved: it has to be told of a copy.
+        QDropEvent event(inWindow(point), Qt::CopyAction | Qt::MoveAction, data, Qt::LeftButton,
+                         {});
         QCoreApplication::sendEvent(builder.windowHandle(), &event);
-        return event.isAccepted();
+        return event.isAccepted() && event.dropAction() == Qt::CopyAction;
     }
 
     int drags = 0;

@@ -214,6 +214,23 @@ private Q_SLOTS:
         QCOMPARE(on.search()->x(), on.table("U")->Left);
     }
 
+    // A window's shortcuts on them would end the search, or leave it standing.
+    void keysOfTheSearchAreItsOwn() {
+        HintedBuilder on;
+        on.addNames();
+        QTest::keyClick(&on.area(), Qt::Key_B);
+        QVERIFY(on.search() && on.search()->isVisible());
+        for (const int key :
+             {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape, Qt::Key_Up, Qt::Key_Down}) {
+            for (const auto modifier : {Qt::NoModifier, Qt::KeypadModifier, Qt::AltModifier}) {
+                QKeyEvent event(QEvent::ShortcutOverride, key, modifier);
+                event.ignore();
+                QCoreApplication::sendEvent(on.search(), &event);
+                QCOMPARE(event.isAccepted(), modifier != Qt::AltModifier);
+            }
+        }
+    }
+
     void typingGoesOnInTheEdit() {
         HintedBuilder on;
         on.addNames();
