@@ -169,10 +169,11 @@ TorvQDTable* TorvQDWorkArea::addTable(const NewBox& wanted) {
     }
 
     ChangeScope change(m_owner, this);
+    const QPointer<TorvQDTable> added(box.get());
     TorvQDTable* table = adopt(std::move(box));
-    if (self) tellTicks(table);
+    if (self && added) tellTicks(table);
     if (self) deselect();  // one that a handler added meanwhile
-    if (!self || indexOf(table) < 0) return nullptr;
+    if (!self || !added || indexOf(table) < 0) return nullptr;
     m_selected = table;
     table->SetSelect(true);
     selectionChanged(old);

@@ -83,7 +83,11 @@ public:
     Foreign() { m_data.setText("DEPT"); }
     void enter(Scene& on) { send<QDragEnterEvent>(on); }
     void move(Scene& on) { send<QDragMoveEvent>(on); }
-    void drop(Scene& on) { send<QDropEvent>(on); }
+    // Qt knows where a drop goes from the drag that has come there before.
+    void drop(Scene& on) {
+        enter(on);
+        send<QDropEvent>(on);
+    }
 
 private:
     template <typename Event>
@@ -347,7 +351,7 @@ std::vector<FaultPath> diagramFaultPaths() {
         {"start of a drag", By::Hand, keeps, selectBox, armStartDrag, dragRow},
         {"drag", By::Hand, none, selectBox, armDragRunner, dragRow},
         {"end of a drag", By::Hand, none, selectBox, armEndDrag, dragRow},
-        {"foreign drag that enters", By::Hand, none, still, armDragOver,
+        {"foreign drag that enters", By::Hand, FaultPath::QtGoesOn, still, armDragOver,
          [](Scene& on) {
              Foreign drag;
              drag.enter(on);

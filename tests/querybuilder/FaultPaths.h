@@ -22,10 +22,11 @@ struct FaultPath {
     };
     enum Trait {
         None = 0,
-        Asks = 1,    ///< the host can refuse it
-        Keeps = 2,   ///< when the host raises or refuses, all stays as it was
-        Twice = 4,   ///< it is two changes, such as a name that is taken over, and a new box
-        Reports = 8  ///< it takes over by the way what was being typed, of which the user is told
+        Asks = 1,      ///< the host can refuse it
+        Keeps = 2,     ///< when the host raises or refuses, all stays as it was
+        Twice = 4,     ///< it is two changes, such as a name that is taken over, and a new box
+        Reports = 8,   ///< it takes over by the way what was being typed, of which the user is told
+        QtGoesOn = 16  ///< Qt looks at the receiver of the event afterwards: it has to be there
     };
 
     const char* name;
