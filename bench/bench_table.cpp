@@ -18,6 +18,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QLoggingCategory>
 #include <QTemporaryDir>
 
 #include <array>
@@ -66,9 +67,9 @@ std::string withUnit(double value, Unit unit) {
     return value < 1e6 ? inDigits(value / 1e3, "KB") : inDigits(value / 1e6, "MB");
 }
 
-std::string number(double value) {
+std::string number(double value, const char* format = "%.2f") {
     std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.2f", value);
+    std::snprintf(text.data(), text.size(), format, value);
     return text.data();
 }
 
@@ -81,9 +82,9 @@ std::string aimOf(const Row& row) {
         list += (list.empty() ? "" : ", ") + aim;
     };
     if (row.mostRatio > 0) {
-        add(row.figures.ratio <= row.mostRatio, "ratio " + number(row.mostRatio));
+        add(row.figures.ratio <= row.mostRatio, "ratio " + number(row.mostRatio, "%g"));
     }
-    if (row.isGrowing) add(row.figures.growth <= mostGrowth, "growth " + number(mostGrowth));
+    if (row.isGrowing) add(row.figures.growth <= mostGrowth, "growth " + number(mostGrowth, "%g"));
     if (!missed.empty()) missed = "MISSED: " + missed + (met.empty() ? "" : "; ");
     return missed + (met.empty() ? "" : "met: " + met);
 }
@@ -196,11 +197,12 @@ Pair ticking(int rows) {
             }}};
 }
 
-/// A diagram with the scene of it.
+/// A diagram with the scene of it, and what is in the hand: that is let go first.
 struct Both {
-    Both() = default;
     Diagram diagram;
     std::unique_ptr<Scene> scene;
+    std::unique_ptr<BoxDrag> box;
+    std::unique_ptr<ItemDrag> item;
 
     void showScene() {
         scene = std::make_unique<Scene>(*diagram.area());
@@ -208,20 +210,18 @@ struct Both {
     }
 };
 
+// Taken into the hand when everything is there.
 Pair dragging(int boxes) {
     auto both = std::make_shared<Both>();
     both->diagram.fillAround(boxes);
     both->showScene();
-    // Taken into the hand when everything is there.
-    auto box = std::make_shared<std::unique_ptr<BoxDrag>>();
-    auto item = std::make_shared<std::unique_ptr<ItemDrag>>();
-    return {{[=] {
-                if (!*box) *box = std::make_unique<BoxDrag>(both->diagram);
-                return (*box)->step();
+    return {{[both] {
+                if (!both->box) both->box = std::make_unique<BoxDrag>(both->diagram);
+                return both->box->step();
             }},
-            {[=] {
-                if (!*item) *item = std::make_unique<ItemDrag>(*both->scene);
-                return (*item)->step();
+            {[both] {
+                if (!both->item) both->item = std::make_unique<ItemDrag>(*both->scene);
+                return both->item->step();
             }}};
 }
 
@@ -437,6 +437,8 @@ int main(int argc, char** argv) {
     const std::vector<Row> ofPrograms = programs(argv[0]);
 
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The toolkit has something to say about its surroundings with each window.
+    QLoggingCategory::setFilterRules(QStringLiteral("*.warning=false"));
     const QApplication application(argc, argv);
     printLine("what", "size (and of the growth)", "figure", "growth", "ratio", "to", "aim");
     for (const TimedRow& row : timedRows()) {
