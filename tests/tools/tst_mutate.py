@@ -137,7 +137,7 @@ class Run(unittest.TestCase):
 
     def test_results_outlive_a_stop(self):
         with tempfile.TemporaryDirectory() as root:
-            os.makedirs(os.path.join(root, "build/mutation"))
+            os.makedirs(os.path.join(root, "build/mutation/10-3"))
             run = mutate.Mutation(root, 10, 3)
             run.append({"count": 10, "seed": 3, "sources": "x"})
             run.append({"index": 4, "caught": None})
@@ -161,7 +161,8 @@ class Run(unittest.TestCase):
 
         self.assertEqual(mutate.summary([
             result("core"), result("core", stage=3), result("data", why="timeout"),
-            result("data", caught=None)]), [
+            result("data", caught=None),
+            result("data", caught=None, why=mutate.NOT_COMPILED)]), [
                 "folder | mutants | caught | by own tests | timeouts | survived",
                 "core   |       2 |      2 |            1 |        0 |        0",
                 "data   |       2 |      1 |            1 |        1 |        1",
