@@ -171,7 +171,8 @@ public:
     [[nodiscard]] QByteArray SaveState();
     /// Replaces everything by a saved state. No veto is asked, and the host is told by the ordinary
     /// notifications. Raises orv::Error, with everything left as it was, when the text is no state,
-    /// names an operator that the catalogue has not, or contradicts itself.
+    /// names an operator that the catalogue has not, or contradicts itself. What a handler raises
+    /// meanwhile passes through; then everything is empty.
     void RestoreState(const QByteArray& json);
 
     /// Lets the user edit the operator catalogue in a dialog, without the forbidden edits. What is

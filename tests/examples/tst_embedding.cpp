@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What docs/embedding.md shows, compiled and run: a piece from "// shown" to "// end" stands there
-// word by word, which tests/tools/tst_documents.py compares.
+// What README.md and docs/embedding.md show, compiled and run: a piece from "// shown" to "// end"
+// stands there word by word, which tests/tools/tst_documents.py compares.
 #include <orvquerybuilder/Error.h>
 #include <orvquerybuilder/ORVQDFloatPanel.h>
 #include <orvquerybuilder/ORVQDFloatTable.h>
@@ -40,6 +40,7 @@ class tst_Embedding : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void firstSteps();
     void tables();
     void procedures();
     void vetoes();
@@ -51,6 +52,24 @@ private Q_SLOTS:
     void undoing();
     void darkLook();
 };
+
+void tst_Embedding::firstSteps() {
+    // clang-format off
+    // shown
+    TorvQueryBuilder builder;                                   // a QWidget: give it a parent, a layout
+    builder.OnGetTableFields = [](const QString& NameOfTable, std::unique_ptr<TDataSet>& ADataSet,
+                                  std::unique_ptr<TParams>&) {  // asked when a statement names a table
+        ADataSet = std::make_unique<TDataSet>(TDataSet{{{"CUSTNO", ftInteger}, {"NAME", ftString}}});
+    };
+    builder.ListOfTables->AddTable("ORDERS", TDataSet{{{"CUSTNO", ftInteger}, {"PRICE", ftFloat}}});
+    builder.LoadSQL("select o.custno from orders o");
+    QString text = builder.GetSQLStatment();
+    for (const orv::Finding& finding : builder.LoadReport()) qInfo() << finding.text;
+    // end
+    // clang-format on
+    QCOMPARE(text.simplified(), QString("SELECT O.CUSTNO FROM ORDERS O"));
+    QCOMPARE(builder.LoadReport().size(), 0);
+}
 
 void tst_Embedding::tables() {
     auto owned = std::make_unique<TorvQueryBuilder>();

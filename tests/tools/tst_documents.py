@@ -61,6 +61,10 @@ class Documents(unittest.TestCase):
         example = read("examples/smallest/main.cpp").split("\n", 2)
         compiled.append(example[2].rstrip("\n"))
         shown = re.findall(r"^```cpp\n(.*?)\n```$", read("docs/embedding.md"), re.M | re.S)
+        include, first = re.search(r"^```cpp\n(.*?)\n\n(.*?)\n```$", read("README.md"),
+                                   re.M | re.S).groups()
+        self.assertEqual(include, "#include <orvquerybuilder/ORVQDWindow.h>")
+        shown.append(first)
         self.assertEqual(sorted(shown), sorted(compiled))
 
     def test_files_and_functions_that_the_house_names(self):
