@@ -125,10 +125,16 @@ bool UndoRecorder::show(const QByteArray& state) {
         isShown = true;
     });
     if (!self || !m_builder) return true;
-    // What a slot raises does not unmake the restored state.
-    if (!isShown && editedState(*m_builder) != state) return false;
+    // What a slot raises does not unmake the restored state; what a handler raises on the way leaves
+    // nothing. The step stays then, for another attempt.
+    const QByteArray shown = isShown ? state : editedState(*m_builder);
+    if (shown == m_present && shown != state) return false;
+    if (shown != state) {
+        guarded([&] { m_builder->RestoreState(m_present); });
+        if (!self || !m_builder) return true;
+    }
     guarded([&] { view.restore(*m_builder->WorkArea); });
-    if (self) m_present = state;
+    if (self && m_builder) m_present = shown == state ? state : editedState(*m_builder);
     return true;
 }
 

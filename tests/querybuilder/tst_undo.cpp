@@ -398,6 +398,52 @@ private Q_SLOTS:
         QCOMPARE(on.stack.count(), 1);
     }
 
+    // It is told on the way, when half of the diagram is there: another attempt brings all of it.
+    void handlerThatRaisesOnTheWayTakesNothingAway() {
+        const RecordedServices services;
+        Recorded on;
+        on.addTable("ORDERS");
+        on.tick("ORDERS", "ORDER_NO");
+        const QByteArray before = on.state();
+        on.builder.ListOfTables->DeleteTable(on.table("ORDERS"));
+        const QByteArray after = on.state();
+        const QStringList steps = on.steps();
+        int told = 0;
+        on.builder.WorkArea->OnAddTable = [&told](auto&&...) {
+            if (++told == 1) throw orv::Error("handler");
+        };
+        on.stack.undo();
+        QCOMPARE(services.errors, QStringList("handler"));
+        QCOMPARE(on.state(), after);
+        QCOMPARE(on.steps(), steps);
+        on.builder.WorkArea->OnAddTable = nullptr;
+        on.stack.redo();
+        QCOMPARE(on.state(), after);
+        on.stack.undo();
+        QCOMPARE(on.state(), before);
+        on.recorder->record();
+        QCOMPARE(on.steps(), steps);
+    }
+
+    // Neither state can be shown: what is left is the beginning of what comes.
+    void handlerThatAlwaysRaisesLeavesTheSteps() {
+        const RecordedServices services;
+        Recorded on;
+        on.addTable("ORDERS");
+        on.addTable("DEPT");
+        const QStringList steps = on.steps();
+        const QByteArray after = on.state();
+        on.builder.WorkArea->OnAddTable = [](auto&&...) { throw orv::Error("handler"); };
+        on.stack.undo();
+        QCOMPARE(services.errors, QStringList({"handler", "handler"}));
+        QCOMPARE(on.steps(), steps);
+        on.builder.WorkArea->OnAddTable = nullptr;
+        on.recorder->record();
+        QCOMPARE(on.steps(), steps);
+        on.stack.redo();
+        QCOMPARE(on.state(), after);
+    }
+
     void slotMayUndoAgain() {
         Recorded on;
         const QByteArray before = on.state();
