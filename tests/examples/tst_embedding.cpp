@@ -59,7 +59,8 @@ void tst_Embedding::firstSteps() {
     TorvQueryBuilder builder;                                   // a QWidget: give it a parent, a layout
     builder.OnGetTableFields = [](const QString& NameOfTable, std::unique_ptr<TDataSet>& ADataSet,
                                   std::unique_ptr<TParams>&) {  // asked when a statement names a table
-        ADataSet = std::make_unique<TDataSet>(TDataSet{{{"CUSTNO", ftInteger}, {"NAME", ftString}}});
+        if (NameOfTable.toUpper() != "ORDERS") return;            // it is not known
+        ADataSet = std::make_unique<TDataSet>(TDataSet{{{"CUSTNO", ftInteger}, {"PRICE", ftFloat}}});
     };
     builder.ListOfTables->AddTable("ORDERS", TDataSet{{{"CUSTNO", ftInteger}, {"PRICE", ftFloat}}});
     builder.LoadSQL("select o.custno from orders o");
