@@ -3,6 +3,8 @@
 
 #include "core/Error.h"
 
+#include <QPointer>
+
 #include <algorithm>
 
 namespace {
@@ -102,9 +104,11 @@ TOperatorList::TOperatorList(QObject* parent) : TPersistent(parent) {}
 
 template <typename Change>
 void TOperatorList::change(const Change& apply) {
+    // The list may die in a handler.
+    const QPointer<TOperatorList> self(this);
     if (const std::function<void()> handler = aboutToChange) handler();
+    if (!self) return;
     apply();
-    // The list may die in it.
     if (const std::function<void()> handler = changed) handler();
 }
 

@@ -254,9 +254,16 @@ void TorvQueryBuilder::applyAlign() {
 void TorvQueryBuilder::watchOperators() {
     Operators->aboutToChange = [this] {
         beginChange();
+        // What the host raises while it is told of what was typed keeps the list as it is.
+        const QPointer<TorvQueryBuilder> self(this);
+        auto giveUp = qScopeGuard([&] {
+            if (self) orv::guarded([this] { Operators->changed(); });
+        });
         for (TorvQDWherePanel* panel : {WherePanel, HavingPanel}) {
             if (panel) panel->PrepareToReloadOperators();
+            if (!self) return;
         }
+        giveUp.dismiss();
     };
     Operators->changed = [this] {
         for (TorvQDWherePanel* panel : {WherePanel, HavingPanel}) {
