@@ -502,8 +502,9 @@ void TorvQDWorkArea::LoadSQL(const TorvQDParser& Node) {
             "Event OnGetTableFields of TorvQueryBuilder class must be assigned for getting proper "
             "information about fields of tables"));
     }
-    ClearContents();
     const QPointer<TorvQDWorkArea> self(this);
+    ClearContents();
+    if (!self) return;
     ChangeScope change(m_owner, this);
     FromLoader(*this, Node).load();
     if (!self) return;
