@@ -36,10 +36,14 @@ TorvQDJoin* TorvQDWorkArea::FindJoin(const TorvQDTable* Table1, const TorvQDTabl
     return join;
 }
 
+// Of a join whose last link goes, or whose first one is still to come, nobody hears: a handler that
+// is told of the link would write or save what cannot be read.
 std::vector<TorvQDJoin*> TorvQDWorkArea::Joins() const {
     std::vector<TorvQDJoin*> joins;
     joins.reserve(m_joins.size());
-    for (const auto& [number, held] : m_joins) joins.push_back(held.join.get());
+    for (const auto& [number, held] : m_joins) {
+        if (!held.links.empty()) joins.push_back(held.join.get());
+    }
     return joins;
 }
 
@@ -369,8 +373,8 @@ std::vector<const TorvQDTable*> TorvQDWorkArea::tablesOfFrom() const {
 }
 
 bool TorvQDWorkArea::isWritten(const TorvQDJoin& join) const {
-    if (!join.Text.isEmpty()) return true;
     const auto& links = m_joins.at(m_joinNumbers.value(&join)).links;
+    if (!join.Text.isEmpty()) return !links.empty();
     return std::any_of(links.begin(), links.end(),
                        [](const auto& entry) { return !entry.second->Muted; });
 }
