@@ -245,7 +245,10 @@ TorvQDTable* TorvQDWorkArea::restoreTable(const QString& name, const QString& al
     } else {
         placeTable(*box);
     }
-    return adopt(std::move(box));
+    const QPointer<TorvQDWorkArea> self(this);
+    const QPointer<TorvQDTable> made(box.get());
+    adopt(std::move(box));
+    return self && made && indexOf(made) >= 0 ? made.data() : nullptr;
 }
 
 void TorvQDWorkArea::restack(const std::vector<TorvQDTable*>& frontToBack) {
@@ -485,6 +488,8 @@ void TorvQDWorkArea::removeBox(TorvQDTable* table) {
     unindexFields(table);
     std::erase(m_creation, table);
     m_creationNumber.remove(table);
+    // Those of a state that is being restored wait for their links.
+    for (const int join : m_joinsOfTable.value(table)) dropUnusedJoin(m_joins[join].join.get());
     m_joinsOfTable.remove(table);
     auto dying = std::move(m_tables[std::size_t(index)]);
     m_tables.erase(m_tables.begin() + index);

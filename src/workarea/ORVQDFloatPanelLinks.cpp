@@ -148,7 +148,14 @@ TorvQDJoin* TorvQDWorkArea::restoreJoin(TorvQDTable* table1, TorvQDTable* table2
 
 TorvQDLink* TorvQDWorkArea::restoreLink(TorvQDJoin* join, TorvQDListItem* item1,
                                         TorvQDListItem* item2) {
-    return adopt(std::make_unique<TorvQDLink>(this, join, item1, item2));
+    if (!item1 || !item2) {
+        dropUnusedJoin(join);
+        return nullptr;
+    }
+    const QPointer<TorvQDWorkArea> self(this);
+    const int number = m_nextNumber;
+    TorvQDLink* link = adopt(std::make_unique<TorvQDLink>(this, join, item1, item2));
+    return self && m_links.count(number) > 0 ? link : nullptr;
 }
 
 // --- removing ---
