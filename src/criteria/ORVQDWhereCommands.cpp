@@ -145,13 +145,15 @@ void TorvQDWherePanel::TextClick(const TorvQDControl& Element, int y) {
 
 // --- changes ---
 
-// The row that a command is about. What is being typed is taken over first; none when the panel
-// does not survive what the host does about it.
+// The row that a command is about. What is being typed is taken over first; none when the row
+// or the panel does not survive what the host does about it.
 TorvQDWhereRow* TorvQDWherePanel::commandRow(const QString& refusal) {
     const QPointer<TorvQDWherePanel> self(this);
+    const bool isChosen = CurrentElement();
     commitEdit();
     if (!self) return nullptr;
     const TorvQDControl* element = CurrentElement();
+    if (!element && isChosen) return nullptr;
     if (!element) throw orv::Error(refusal);
     return element->Row;
 }

@@ -43,6 +43,7 @@ void TorvQDListItem::invalidate() const {
 }
 
 void TorvQDListItem::SetCheck(bool value) {
+    if (Table->leaving) return;
     IDiagramCanvas* canvas = Table->canvas();
     if (ParamType == ptInput && !Busy) {
         // The host may close the box while it asks its user: the row is looked at again afterwards.

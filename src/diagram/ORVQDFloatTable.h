@@ -54,7 +54,7 @@ public:
     [[nodiscard]] QString caption() const;
 
     /// Ticks or unticks the row and tells the canvas. An input parameter is not ticked: the host is
-    /// asked for its value.
+    /// asked for its value. Does nothing in a box that is leaving the diagram.
     void SetCheck(bool value);
     /// Ticks (not 0) or unticks the row, tells nobody and brings the box's check box up to date.
     void UpdateCheck(int value);
@@ -265,6 +265,9 @@ public:
 
     /// The canvas is closing the box: a second request is ignored.
     bool closing = false;
+
+    /// The host has allowed that, and is told what goes: no row can be ticked any more.
+    bool leaving = false;
 
     /// Whether the row is one of this box.
     [[nodiscard]] bool owns(const TorvQDListItem* item) const;

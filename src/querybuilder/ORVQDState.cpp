@@ -155,6 +155,27 @@ void writeRow(JsonWriter& json, const TorvQDWhereRow& row) {
     json.endObject();
 }
 
+// A box that is on its way out is still there, but its fields are on the list no more. With them,
+// the state can be restored.
+QStringList fieldsOfAll(TorvQueryBuilder& builder) {
+    QStringList names = builder.AllFields().names();
+    qsizetype place = 0;
+    for (const TorvQDTable* table : builder.WorkArea->tablesByCreation()) {
+        const QString prefix = table->GetAlias() + u'.';
+        const auto isOwn = [&] { return place < names.size() && names[place].startsWith(prefix); };
+        if (table->leaving && !isOwn()) {
+            for (const auto& item : table->Items) {
+                const QString name = prefix + item->Name;
+                if (item->ParamType == ptOutput && !names.contains(name)) {
+                    names.insert(place++, name);
+                }
+            }
+        }
+        while (isOwn()) ++place;
+    }
+    return names;
+}
+
 void writeOrder(JsonWriter& json, const SortList& list) {
     json.beginArray();
     for (const SortList::Line& line : list.lines()) writeTexts(json, {line.name, line.direction});
@@ -270,7 +291,7 @@ void writeParts(JsonWriter& json, TorvQueryBuilder& builder, Scrolling scrolling
     writeMutedColumns(json, builder.SelectPanel->grid()->columns());
     writeOrder(json.key("order"), builder.OrderPanel->sortList());
     writeTexts(json.key("selectedFields"), builder.SelectedFields().names());
-    writeTexts(json.key("allFields"), builder.AllFields().names());
+    writeTexts(json.key("allFields"), fieldsOfAll(builder));
 }
 
 }  // namespace

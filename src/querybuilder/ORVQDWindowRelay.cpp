@@ -112,7 +112,7 @@ TorvQDListItem* TorvQueryBuilder::resolveItem(const QString& text) const {
 
 void TorvQueryBuilder::_SelectField(const QString& FullName) {
     TorvQDListItem* item = resolveItem(FullName);
-    if (!item) return;
+    if (!item || item->Table->leaving) return;
     beginChange();
     item->UpdateCheck(-1);
     flushRemovals();

@@ -137,12 +137,13 @@ void TorvQueryBuilder::Clear() {
     change.finish();
 }
 
+// The diagram comes last: the host hears of it, and may begin another query or end it all.
 void TorvQueryBuilder::clearAll() {
+    statementChanged();
     discardEdits();
     m_removals.clear();
     m_selectedFields.clear();
     m_givenNames.clear();
-    if (WorkArea) WorkArea->ClearContents();
     if (SelectPanel) {
         SelectPanel->ClearContents();
         SelectPanel->SetDistinct(0);
@@ -152,7 +153,7 @@ void TorvQueryBuilder::clearAll() {
     }
     showTail({});
     m_report.clear();
-    statementChanged();
+    if (WorkArea) WorkArea->ClearContents();
 }
 
 // --- loading ---
@@ -237,6 +238,7 @@ void TorvQueryBuilder::loadText(const QString& text) {
     LoadScope scope(this, m_loading, m_ledger);
     const orv::KeptPlaces places(*WorkArea);
     clearAll();
+    if (!self) return;
     if (root.Clause(inFrom)) m_ledger->reportUnclosed(parts.tailEnd);
     loadParsed(root);
     if (!self) return;

@@ -25,68 +25,117 @@ namespace {
     throw orv::Error(QStringLiteral("The state cannot be restored: ") + what);
 }
 
-/// The boxes, joins and links of a state, put on an empty diagram.
+/// The boxes, joins and links of a state, put on an empty diagram. The host is told of each, and
+/// may take away what is there already, add more, or end it all.
 class DiagramRestorer {
 public:
     DiagramRestorer(TorvQDWorkArea& area, const orv::QueryState& state)
-        : m_area(area), m_state(state) {}
+        : m_area(area), m_guard(&area), m_state(state), m_boxes(state.tables.size()) {}
 
     void restore() {
-        std::vector<TorvQDTable*> frontToBack(m_state.tables.size());
         for (const int index : m_state.creationOrder) {
-            const orv::QueryState::Table& saved = m_state.tables[std::size_t(index)];
-            TorvQDTable* box =
-                m_area.restoreTable(saved.name, saved.alias, saved.fields, saved.bounds,
-                                    saved.isProcedure ? &saved.params : nullptr);
-            if (auto* procedure = qobject_cast<TorvQDSProc*>(box)) {
-                procedure->setWithoutBrackets(saved.withoutBrackets);
-            }
-            for (std::size_t field = 0; field < saved.checked.size(); ++field) {
-                if (saved.checked[field]) box->Items[field]->UpdateCheck(-1);
-            }
-            for (std::size_t param = 0; param < saved.paramChecked.size(); ++param) {
-                TorvQDListItem& row = *box->Items[saved.checked.size() + param];
-                if (saved.paramChecked[param] && row.ParamType == ptOutput) row.UpdateCheck(-1);
-            }
-            if (saved.shownRows >= 0) {
-                TorvQDTable::Shape shape = box->shape();
-                shape.visibleCount = saved.shownRows;
-                box->setShape(shape);
-            }
-            if (saved.firstRow != 0) box->SetFirstVisibleItem(std::max(0, saved.firstRow));
-            if (saved.collapsed) box->SetExpand(0);
-            frontToBack[std::size_t(index)] = box;
+            restoreBox(std::size_t(index));
+            if (!m_guard) return;
         }
+        std::vector<TorvQDTable*> frontToBack;
+        for (const auto& box : m_boxes) frontToBack.push_back(box);
         m_area.restack(frontToBack);
-        std::vector<TorvQDJoin*> joins;
-        for (const orv::QueryState::Join& saved : m_state.joins) {
-            joins.push_back(restoreJoin(saved, frontToBack));
-        }
+        for (const orv::QueryState::Join& saved : m_state.joins) restoreJoin(saved);
         for (const orv::QueryState::Link& saved : m_state.links) {
-            restoreLink(saved, joins[std::size_t(saved.join)]);
+            restoreLink(saved);
+            if (!m_guard) return;
+        }
+        m_area.selectObject(nullptr);  // one that a handler has added
+    }
+
+    /// Whether the diagram has the boxes of the state, and no others.
+    [[nodiscard]] bool isComplete() const {
+        bool agrees = m_area.TablesCount() == int(m_boxes.size());
+        for (std::size_t index = 0; agrees && index < m_boxes.size(); ++index) {
+            const orv::QueryState::Table& saved = m_state.tables[index];
+            const QString& alias = orv::isBlank(saved.alias) ? saved.name : saved.alias;
+            const TorvQDTable* box = boxAt(int(index));
+            agrees = box && box->GetAlias() == alias &&
+                     box->Items.size() == saved.checked.size() + saved.paramChecked.size();
+        }
+        return agrees;
+    }
+
+    /// Ticks the rows that were ticked, and no others; none at all on a diagram that is another
+    /// one.
+    void tickRows() {
+        QSet<const TorvQDListItem*> wanted;
+        for (std::size_t index = 0; isComplete() && index < m_boxes.size(); ++index) {
+            const orv::QueryState::Table& saved = m_state.tables[index];
+            std::vector<bool> ticks = saved.checked;
+            ticks.insert(ticks.end(), saved.paramChecked.begin(), saved.paramChecked.end());
+            for (std::size_t row = 0; row < ticks.size(); ++row) {
+                if (ticks[row]) wanted.insert(m_boxes[index]->Items[row].get());
+            }
+        }
+        for (const TorvQDTable* box : m_area.tablesByCreation()) {
+            for (const auto& row : box->Items) {
+                const bool isTicked = wanted.contains(row.get());
+                if (row->ParamType != ptOutput || row->Checked == isTicked) continue;
+                row->UpdateCheck(isTicked ? -1 : 0);
+            }
         }
     }
 
 private:
-    TorvQDJoin* restoreJoin(const orv::QueryState::Join& saved,
-                            const std::vector<TorvQDTable*>& tables) {
-        TorvQDJoin* join = m_area.restoreJoin(tables[std::size_t(saved.table1)],
-                                              tables[std::size_t(saved.table2)]);
-        join->KindOfJoin = saved.kind;
-        join->Text = saved.text;
-        return join;
+    /// None when it has been taken away.
+    [[nodiscard]] TorvQDTable* boxAt(int index) const {
+        TorvQDTable* box = m_boxes[std::size_t(index)];
+        return m_area.holds(box) ? box : nullptr;
     }
 
-    void restoreLink(const orv::QueryState::Link& saved, TorvQDJoin* join) {
-        TorvQDLink* link = m_area.restoreLink(join, join->Table1->GetFieldItem(saved.field1),
-                                              join->Table2->GetFieldItem(saved.field2));
+    void restoreBox(std::size_t index) {
+        const orv::QueryState::Table& saved = m_state.tables[index];
+        TorvQDTable* box = m_area.restoreTable(saved.name, saved.alias, saved.fields, saved.bounds,
+                                               saved.isProcedure ? &saved.params : nullptr);
+        m_boxes[index] = box;
+        if (!box) return;
+        if (auto* procedure = qobject_cast<TorvQDSProc*>(box)) {
+            procedure->setWithoutBrackets(saved.withoutBrackets);
+        }
+        if (saved.shownRows >= 0) {
+            TorvQDTable::Shape shape = box->shape();
+            shape.visibleCount = saved.shownRows;
+            box->setShape(shape);
+        }
+        if (saved.firstRow != 0) box->SetFirstVisibleItem(std::max(0, saved.firstRow));
+        if (saved.collapsed) box->SetExpand(0);
+    }
+
+    void restoreJoin(const orv::QueryState::Join& saved) {
+        TorvQDTable* first = boxAt(saved.table1);
+        TorvQDTable* second = boxAt(saved.table2);
+        bool reversed = false;
+        if (!first || !second || m_area.FindJoin(first, second, reversed)) return;
+        TorvQDJoin* join = m_area.restoreJoin(first, second);
+        join->KindOfJoin = saved.kind;
+        join->Text = saved.text;
+    }
+
+    void restoreLink(const orv::QueryState::Link& saved) {
+        const orv::QueryState::Join& pair = m_state.joins[std::size_t(saved.join)];
+        TorvQDTable* first = boxAt(pair.table1);
+        TorvQDTable* second = boxAt(pair.table2);
+        bool reversed = false;
+        TorvQDJoin* join = first && second ? m_area.FindJoin(first, second, reversed) : nullptr;
+        if (!join || reversed) return;
+        TorvQDLink* link = m_area.restoreLink(join, first->GetFieldItem(saved.field1),
+                                              second->GetFieldItem(saved.field2));
+        if (!link) return;
         link->setOperatorText(saved.operation);
         link->Muted = saved.muted;
         if (!saved.points.empty()) link->setBendPoints(saved.points);
     }
 
     TorvQDWorkArea& m_area;
+    const QPointer<TorvQDWorkArea> m_guard;
     const orv::QueryState& m_state;
+    std::vector<QPointer<TorvQDTable>> m_boxes;  // as the state lists them
 };
 
 // What would only show half way is looked for before anything is cleared: a link without its
@@ -213,22 +262,43 @@ void TorvQueryBuilder::RestoreState(const QByteArray& json) {
     checkDiagram(state);
     ChangeScope change(this, this);
     // What a handler of the host raises on the way would leave half of it, which agrees with
-    // nothing.
+    // nothing; and so would another query that it begins.
     const QPointer<TorvQueryBuilder> self(this);
+    m_loading = true;
     auto giveUp = qScopeGuard([&] {
         if (self) orv::guarded([this] { clearAll(); });
+        if (self) m_loading = false;
     });
     clearAll();
-    DiagramRestorer(*WorkArea, state).restore();
+    if (!self) return;
+    DiagramRestorer diagram(*WorkArea, state);
+    diagram.restore();
+    if (!self) return;
+    // Handlers may have ticked rows meanwhile.
+    m_removals.clear();
+    m_selectedFields.clear();
+    m_givenNames.clear();
+    diagram.tickRows();
     conditions.fill(*WherePanel->rootRow(), state.where);
     conditions.fill(*HavingPanel->rootRow(), state.having);
     SelectPanel->SetDistinct(state.distinct ? -1 : 0);
     SelectPanel->grid()->setColumns(state.columns);
     OrderPanel->setSortedLines(state.order);
     showTail(state.tail);
-    restoreNames(state.selectedFields, state.allFields);
+    if (diagram.isComplete()) {
+        restoreNames(state.selectedFields, state.allFields);
+    } else {
+        // On a diagram that the host has changed meanwhile columns go with their boxes.
+        QSet<QString> gone;
+        for (const QString& name : state.selectedFields) {
+            _SelectField(name);
+            if (!resolveItem(name)) gone.insert(name);
+        }
+        SelectPanel->grid()->uncheckFields(gone);
+    }
     WorkArea->scrollTo(state.view);
     giveUp.dismiss();
+    m_loading = false;
     change.finish();
 }
 

@@ -211,9 +211,32 @@ void TorvQDSelectGrid::setColumns(orv::OutputColumns columns) {
 
 // --- the panel ---
 
+namespace {
+
+/// Knows whether it is being clicked. Qt looks at it after it has told that it was toggled, but no
+/// more after it has told of the click: then the host may end it all.
+class HandCheckBox : public QCheckBox {
+public:
+    using QCheckBox::QCheckBox;
+    [[nodiscard]] bool isByHand() const { return m_isByHand; }
+
+protected:
+    void nextCheckState() override {
+        m_isByHand = true;
+        QCheckBox::nextCheckState();
+        m_isByHand = false;
+    }
+
+private:
+    bool m_isByHand = false;
+};
+
+}  // namespace
+
 TorvQDSelectPanel::TorvQDSelectPanel(QWidget* AOwner) : QWidget(AOwner) {
     if (!AOwner) throw orv::Error(QStringLiteral("Invalide parent for OrderPanel"));
-    m_distinct = new QCheckBox(QStringLiteral("Include only unique records"), this);
+    auto* distinct = new HandCheckBox(QStringLiteral("Include only unique records"), this);
+    m_distinct = distinct;
     m_distinct->setToolTip(QStringLiteral("Of equal rows only one comes out (DISTINCT)"));
     m_grid = new TorvQDSelectGrid(this);
     auto* layout = new QVBoxLayout(this);
@@ -222,9 +245,13 @@ TorvQDSelectPanel::TorvQDSelectPanel(QWidget* AOwner) : QWidget(AOwner) {
     layout->addWidget(m_distinct);
     layout->addWidget(m_grid, 1);
     setFocusPolicy(Qt::NoFocus);
-    connect(m_distinct, &QCheckBox::toggled, this, [this] {
+    const auto tell = [this] {
         IPagesHost* owner = orv::pagesHostAbove(this);
         if (owner) orv::guarded([owner] { owner->statementChanged(); });
+    };
+    connect(m_distinct, &QCheckBox::clicked, this, tell);
+    connect(m_distinct, &QCheckBox::toggled, this, [distinct, tell] {
+        if (!distinct->isByHand()) tell();
     });
 }
 

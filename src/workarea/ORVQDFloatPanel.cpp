@@ -245,7 +245,10 @@ TorvQDTable* TorvQDWorkArea::restoreTable(const QString& name, const QString& al
     } else {
         placeTable(*box);
     }
-    return adopt(std::move(box));
+    const QPointer<TorvQDWorkArea> self(this);
+    const QPointer<TorvQDTable> made(box.get());
+    adopt(std::move(box));
+    return self && made && indexOf(made) >= 0 ? made.data() : nullptr;
 }
 
 void TorvQDWorkArea::restack(const std::vector<TorvQDTable*>& frontToBack) {
@@ -446,17 +449,20 @@ void TorvQDWorkArea::closeTable(TorvQDTable* table) {
         box->closing = false;
         return;
     }
+    box->leaving = true;
     ChangeScope change(m_owner, this);
-    // What a handler raises is passed on once the box is gone.
+    // What a handler raises is passed on once the box is gone. One that begins another query takes
+    // the box away: what is told afterwards would be about one of the same name.
     std::exception_ptr error;
+    const auto isThere = [&] { return self && box && indexOf(box) >= 0; };
     const auto tell = [&](const auto& body) {
         try {
-            if (self && box) body();
+            if (isThere()) body();
         } catch (...) {
             if (!error) error = std::current_exception();
         }
     };
-    for (std::size_t index = 0; box && index < table->Items.size(); ++index) {
+    for (std::size_t index = 0; isThere() && index < table->Items.size(); ++index) {
         TorvQDListItem* item = table->Items[index].get();
         if (!item->Checked) continue;
         item->UpdateCheck(0);
@@ -466,7 +472,7 @@ void TorvQDWorkArea::closeTable(TorvQDTable* table) {
         if (const TRemoveEvent handler = OnRemoveTable) handler(this, table);
     });
     tell([&] { unlinkTable(table); });
-    if (self && box) removeBox(table);
+    if (isThere()) removeBox(table);
     if (error) std::rethrow_exception(error);
     change.finish();
 }
@@ -482,6 +488,8 @@ void TorvQDWorkArea::removeBox(TorvQDTable* table) {
     unindexFields(table);
     std::erase(m_creation, table);
     m_creationNumber.remove(table);
+    // Those of a state that is being restored wait for their links.
+    for (const int join : m_joinsOfTable.value(table)) dropUnusedJoin(m_joins[join].join.get());
     m_joinsOfTable.remove(table);
     auto dying = std::move(m_tables[std::size_t(index)]);
     m_tables.erase(m_tables.begin() + index);

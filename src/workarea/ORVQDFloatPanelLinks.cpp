@@ -36,10 +36,14 @@ TorvQDJoin* TorvQDWorkArea::FindJoin(const TorvQDTable* Table1, const TorvQDTabl
     return join;
 }
 
+// Of a join whose last link goes, or whose first one is still to come, nobody hears: a handler that
+// is told of the link would write or save what cannot be read.
 std::vector<TorvQDJoin*> TorvQDWorkArea::Joins() const {
     std::vector<TorvQDJoin*> joins;
     joins.reserve(m_joins.size());
-    for (const auto& [number, held] : m_joins) joins.push_back(held.join.get());
+    for (const auto& [number, held] : m_joins) {
+        if (!held.links.empty()) joins.push_back(held.join.get());
+    }
     return joins;
 }
 
@@ -144,7 +148,14 @@ TorvQDJoin* TorvQDWorkArea::restoreJoin(TorvQDTable* table1, TorvQDTable* table2
 
 TorvQDLink* TorvQDWorkArea::restoreLink(TorvQDJoin* join, TorvQDListItem* item1,
                                         TorvQDListItem* item2) {
-    return adopt(std::make_unique<TorvQDLink>(this, join, item1, item2));
+    if (!item1 || !item2) {
+        dropUnusedJoin(join);
+        return nullptr;
+    }
+    const QPointer<TorvQDWorkArea> self(this);
+    const int number = m_nextNumber;
+    TorvQDLink* link = adopt(std::make_unique<TorvQDLink>(this, join, item1, item2));
+    return self && m_links.count(number) > 0 ? link : nullptr;
 }
 
 // --- removing ---
@@ -369,8 +380,8 @@ std::vector<const TorvQDTable*> TorvQDWorkArea::tablesOfFrom() const {
 }
 
 bool TorvQDWorkArea::isWritten(const TorvQDJoin& join) const {
-    if (!join.Text.isEmpty()) return true;
     const auto& links = m_joins.at(m_joinNumbers.value(&join)).links;
+    if (!join.Text.isEmpty()) return !links.empty();
     return std::any_of(links.begin(), links.end(),
                        [](const auto& entry) { return !entry.second->Muted; });
 }
@@ -502,8 +513,9 @@ void TorvQDWorkArea::LoadSQL(const TorvQDParser& Node) {
             "Event OnGetTableFields of TorvQueryBuilder class must be assigned for getting proper "
             "information about fields of tables"));
     }
-    ClearContents();
     const QPointer<TorvQDWorkArea> self(this);
+    ClearContents();
+    if (!self) return;
     ChangeScope change(m_owner, this);
     FromLoader(*this, Node).load();
     if (!self) return;

@@ -61,6 +61,7 @@ void armLoadReported(Scene& on, RecordedServices&, const Strike& strike) {
 }
 
 const QString simple = "SELECT D.BUDGET FROM DEPT D";
+const QString joined = "SELECT D.BUDGET FROM DEPT D JOIN T ON D.DEPT_NO = T.A";
 const QString withFindings = "SELECT D.BUDGET FROM DEPT D, NOWHERE N LIMIT 5";
 const QString withWrongJoin = "SELECT D.BUDGET FROM DEPT D JOIN U ON D.NOTHING = NOWHERE.X";
 
@@ -69,6 +70,21 @@ QByteArray otherState() {
     other.addTable("T");
     other.addTable("DEPT");
     other.tick("T", "C");
+    return other.builder.SaveState();
+}
+
+// Two links of one join, and one of another.
+QByteArray linkedState() {
+    HostedBuilder other;
+    TorvQDTable* t = other.addTable("T");
+    TorvQDTable* u = other.addTable("U");
+    TorvQDTable* dept = other.addTable("DEPT");
+    TorvQDWorkArea& area = *other.builder.WorkArea;
+    area.AddLink(t, u, t->GetFieldItem("A"), u->GetFieldItem("X"));
+    area.AddLink(u, dept, u->GetFieldItem("Y"), dept->GetFieldItem("DEPT_NO"));
+    area.AddLink(t, u, t->GetFieldItem("B"), u->GetFieldItem("Y"));
+    other.tick("T", "C");
+    other.tick("U", "X");
     return other.builder.SaveState();
 }
 
@@ -159,6 +175,10 @@ std::vector<FaultPath> areaNotices() {
          armNotice<&Area::OnChangeAlias>, [](Scene& on) { on.builder->CommitPendingEdits(); }},
         {"OnAddLink, AddLink", By::Call, none, still, armNotice<&Area::OnAddLink>,
          [](Scene& on) { addLinkToWide(on); }},
+        {"OnAddLink, LoadSQL", By::Call, none, still, armNotice<&Area::OnAddLink>,
+         [](Scene& on) { on.builder->LoadSQL(joined); }},
+        {"OnAddLink, RestoreState", By::Call, none, still, armNotice<&Area::OnAddLink>,
+         [](Scene& on) { on.builder->RestoreState(linkedState()); }},
         {"OnRemoveLink, deleteLink", By::Call, none, still, armNotice<&Area::OnRemoveLink>,
          [](Scene& on) { on.area()->deleteLink(on.link); }},
         {"OnRemoveLink, UnlinkTable", By::Call, none, [](Scene& on) { addLinkToWide(on); },

@@ -115,6 +115,9 @@ void dropOnCondition(Scene& on) {
     TorvQDWherePanel& panel = *on.builder->WherePanel;
     const auto data = orv::toMimeData({on.builder->dragIdentity(), "T", "B"});
     const QPoint at = panel.elementRect(element(panel, ekFieldName)).center();
+    // Qt knows where a drop goes from the drag that has come there before.
+    QDragEnterEvent enter(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(panel.viewport(), &enter);
     QDropEvent drop(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(panel.viewport(), &drop);
 }
@@ -139,11 +142,13 @@ std::vector<FaultPath> conditionPaths() {
          commitAll},
         {"StatementChanged, condition and another page", By::Hand, none, typeCondition, told,
          goToGrid},
-        {"StatementChanged, condition and a press on the diagram", By::Hand, FaultPath::Twice,
-         typeCondition, told,
+        {"StatementChanged, condition and a press on the diagram", By::Hand,
+         FaultPath::Twice | FaultPath::QtGoesOn, typeCondition, told,
          [](Scene& on) {
+             const QPoint at = Scene::captionOf(*on.table("WIDE"));
              on.area()->setFocus(Qt::MouseFocusReason);
-             if (on.builder) on.press(Scene::captionOf(*on.table("WIDE")));
+             on.press(at);
+             on.release(at);
          }},
         {"StatementChanged, condition and setOperators", By::Call, FaultPath::Twice, typeCondition,
          told, setDefaultOperators},
@@ -151,8 +156,8 @@ std::vector<FaultPath> conditionPaths() {
          typeInHaving, told, setDefaultOperators},
         {"StatementChanged, condition and AddCondition", By::Call, FaultPath::Twice, typeCondition,
          told, [](Scene& on) { on.builder->WherePanel->AddCondition(); }},
-        {"StatementChanged, condition and hiding", By::Hand, none, typeCondition, told,
-         [](Scene& on) { on.builder->PageCtrl->setCurrentIndex(gridPage); }},
+        {"StatementChanged, condition and hiding", By::Hand, FaultPath::QtGoesOn, typeCondition,
+         told, [](Scene& on) { on.builder->PageCtrl->setCurrentIndex(gridPage); }},
         {"StatementChanged, AddCondition", By::Call, none, chooseConditionsField, told,
          [](Scene& on) { on.builder->WherePanel->AddCondition(); }},
         {"StatementChanged, DeleteCondition", By::Call, none, chooseConditionsField, told,

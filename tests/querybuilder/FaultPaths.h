@@ -26,7 +26,8 @@ struct FaultPath {
         Keeps = 2,     ///< when the host raises or refuses, all stays as it was
         Twice = 4,     ///< it is two changes, such as a name that is taken over, and a new box
         Reports = 8,   ///< it takes over by the way what was being typed, of which the user is told
-        QtGoesOn = 16  ///< Qt looks at the receiver of the event afterwards: it has to be there
+        QtGoesOn = 16  ///< Qt looks at the receiver of the event afterwards, or at the widget that
+                       ///< it hides or gives the focus to: it has to be there
     };
 
     const char* name;

@@ -35,8 +35,9 @@ void clearAndWait(Scene& on, QUndoStack&) {
     runLoopOnce();
 }
 
+// With the table's name: a bare one means none of two fields once the way adds the table again.
 void load(Scene& on, QUndoStack&) {
-    on.builder->LoadSQL("SELECT BUDGET FROM DEPT");
+    on.builder->LoadSQL("SELECT DEPT.BUDGET FROM DEPT");
 }
 
 void loadOwn(Scene& on, QUndoStack&) {
