@@ -97,12 +97,13 @@ public:
 
     /// Adds a box as a saved query has it: FROM writes `name`, and `alias` is its effective alias.
     /// With parameters, be they none, it is a procedure's. Nobody is asked, it is put in front of
-    /// all others and is not selected.
+    /// all others and is not selected. None when whoever is told of it takes it away again.
     TorvQDTable* restoreTable(const QString& name, const QString& alias, const TDataSet& dataSet,
                               const QRect& bounds, const TParams* params = nullptr);
     /// Adds a join without links, which restoreLink is to give it. Nobody is asked.
     TorvQDJoin* restoreJoin(TorvQDTable* table1, TorvQDTable* table2);
-    /// Adds a link by "=" in the join. Nobody is asked.
+    /// Adds a link by "=" in the join. Nobody is asked. None when a row is missing, or when whoever
+    /// is told of it takes it away again; a join is dropped that has no link then.
     TorvQDLink* restoreLink(TorvQDJoin* join, TorvQDListItem* item1, TorvQDListItem* item2);
     /// Makes the box as wide as its caption and its rows need, up to a bearable width.
     void fitWidth(TorvQDTable& table);
@@ -131,7 +132,7 @@ public:
     void SelectLink(TorvQDListItem* Item1, TorvQDListItem* Item2, bool State);
     /// Whether the statement has the join: it has a link that is not muted, or a text.
     [[nodiscard]] bool isWritten(const TorvQDJoin& join) const;
-    /// Joins and links in the order of their creation.
+    /// Joins that have links, and links, in the order of their creation.
     [[nodiscard]] std::vector<TorvQDJoin*> Joins() const;
     [[nodiscard]] std::vector<TorvQDLink*> Links() const;
     /// The links of that join alone, in the order of their creation.
