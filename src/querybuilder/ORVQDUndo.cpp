@@ -58,22 +58,32 @@ public:
     Step(UndoRecorder* recorder, const QByteArray& before, const QByteArray& after)
         : m_recorder(recorder), m_before(packed(before)), m_after(packed(after)) {}
 
-    void undo() override { show(m_before); }
+    void undo() override { show(m_before, -1); }
     // The stack redoes what is pushed, which has happened already.
     void redo() override {
-        if (std::exchange(m_isDone, true)) show(m_after);
+        if (std::exchange(m_isDone, true)) show(m_after, +1);
     }
 
 private:
-    // One that cannot be shown goes; the stack removes it.
-    void show(const QByteArray& state) {
-        if (!m_recorder || !m_recorder->show(qUncompress(state))) setObsolete(true);
+    void show(const QByteArray& state, int direction) {
+        if (!m_recorder) return setObsolete(true);
+        if (m_recorder->m_isRealigning) return;
+        const QPointer<UndoRecorder> recorder = m_recorder;
+        const int index = recorder->m_stack ? recorder->m_stack->index() : 0;
+        const Shown shown = recorder->show(qUncompress(state));
+        if (shown == Shown::Never) {
+            setObsolete(true);
+            if (recorder && recorder->m_stack) recorder->joinNeighbour(index, direction);
+        }
+        if (shown == Shown::NotNow && recorder) recorder->returnTo(index);
     }
 
     QPointer<UndoRecorder> m_recorder;
-    QByteArray m_before;
-    QByteArray m_after;
+    mutable QByteArray m_before;  // a neighbour that goes leaves its side to this step
+    mutable QByteArray m_after;
     bool m_isDone = false;
+
+    friend class UndoRecorder;
 };
 
 UndoRecorder::UndoRecorder(TorvQueryBuilder* builder, QUndoStack* stack, QObject* parent)
@@ -91,6 +101,7 @@ void UndoRecorder::reset() {
         return;
     }
     if (m_builder && m_builder->WorkArea) m_present = editedState(*m_builder);
+    m_index = -1;
     if (m_stack) m_stack->clear();
 }
 
@@ -102,17 +113,23 @@ void UndoRecorder::take(const QString& text) {
     if (m_isRestoring || !m_stack || !m_builder || !m_builder->WorkArea) return;
     const QByteArray state = editedState(*m_builder);
     if (state == m_present) return;
+    const QPointer<UndoRecorder> self(this);
+    realign();
+    if (!self || !m_stack) return;
     auto* step = new Step(this, m_present, state);
     step->setText(text.isEmpty() ? changeText(m_present, state) : text);
     m_present = state;
     m_stack->push(step);
 }
 
-// False when the state cannot be shown. A host that wants to undo while it is told of the same has
-// done nothing: the step must stay, as the stack is not done with it.
-bool UndoRecorder::show(const QByteArray& state) {
-    if (!m_builder) return false;
-    if (m_isRestoring) return true;
+// A host that wants to undo while it is told of the same has done nothing: the step must stay, as
+// the stack is not done with it. So has one that is being asked for something, and one that raises
+// on the way gets back what was there: the stack, which goes on in any case, is taken back
+// afterwards.
+UndoRecorder::Shown UndoRecorder::show(const QByteArray& state) {
+    if (!m_builder) return Shown::Never;
+    if (m_isRestoring) return Shown::Yes;  // the stack is where it belongs once the outer one ends
+    const bool isBusy = m_builder->isBusy();
     const QPointer<UndoRecorder> self(this);
     m_isRestoring = true;
     const auto over = qScopeGuard([&] {
@@ -124,18 +141,44 @@ bool UndoRecorder::show(const QByteArray& state) {
         m_builder->RestoreState(state);
         isShown = true;
     });
-    if (!self || !m_builder) return true;
-    // What a slot raises does not unmake the restored state; what a handler raises on the way leaves
-    // nothing. The step stays then, for another attempt.
+    if (!self || !m_builder) return Shown::Yes;
+    // What a slot raises does not unmake the restored state; what a handler raises on the way
+    // leaves nothing.
     const QByteArray shown = isShown ? state : editedState(*m_builder);
-    if (shown == m_present && shown != state) return false;
-    if (shown != state) {
-        guarded([&] { m_builder->RestoreState(m_present); });
-        if (!self || !m_builder) return true;
-    }
+    if (shown != state && shown == m_present) return isBusy ? Shown::NotNow : Shown::Never;
+    if (shown != state) guarded([&] { m_builder->RestoreState(m_present); });
+    if (!self || !m_builder) return Shown::Yes;
     guarded([&] { view.restore(*m_builder->WorkArea); });
-    if (self && m_builder) m_present = shown == state ? state : editedState(*m_builder);
-    return true;
+    if (!self || !m_builder) return Shown::Yes;
+    m_present = shown == state ? state : editedState(*m_builder);
+    if (shown != state) return Shown::NotNow;
+    m_index = -1;
+    return Shown::Yes;
+}
+
+// The step of the stack's index, in the direction that it goes, is about to go: its neighbour leads
+// to where that one began.
+void UndoRecorder::joinNeighbour(int index, int direction) {
+    const int place = direction < 0 ? index - 2 : index + 1;
+    if (place < 0) return;
+    const auto* neighbour = dynamic_cast<const Step*>(m_stack->command(place));
+    if (!neighbour) return;
+    (direction < 0 ? neighbour->m_after : neighbour->m_before) = packed(m_present);
+}
+
+// Of several attempts the first one knows where the diagram stands.
+void UndoRecorder::returnTo(int index) {
+    if (m_index >= 0) return;
+    m_index = index;
+    QMetaObject::invokeMethod(this, &UndoRecorder::realign, Qt::QueuedConnection);
+}
+
+void UndoRecorder::realign() {
+    if (m_isRestoring || m_index < 0 || !m_stack) return;
+    m_isRealigning = true;
+    const QPointer<UndoRecorder> self(this);
+    guarded([this] { m_stack->setIndex(std::exchange(m_index, -1)); });
+    if (self) m_isRealigning = false;
 }
 
 UndoRecorder::Group::Group(UndoRecorder* recorder, QString text)

@@ -61,15 +61,21 @@ public:
 
 private:
     class Step;
+    enum class Shown { Yes, NotNow, Never };
 
     void take(const QString& text);
-    [[nodiscard]] bool show(const QByteArray& state);
+    [[nodiscard]] Shown show(const QByteArray& state);
+    void joinNeighbour(int index, int direction);
+    void returnTo(int index);
+    void realign();
 
     QPointer<TorvQueryBuilder> m_builder;
     QPointer<QUndoStack> m_stack;
     QByteArray m_present;  ///< as the last step has left it
     int m_groups = 0;
+    int m_index = -1;  ///< of the stack, to be taken back to when the event is over; or none
     bool m_isRestoring = false;
+    bool m_isRealigning = false;
 };
 
 }  // namespace orv

@@ -32,6 +32,7 @@ class TorvQDWherePanel;
 class TorvQDWorkArea;
 
 namespace orv {
+class UndoRecorder;
 class TailLine;
 }
 
@@ -329,6 +330,8 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    friend class orv::UndoRecorder;
+
     template <typename Handler>
     void showDragged(const QMimeData& data, const Handler& handler);
     void fillCatalogues();
@@ -362,6 +365,8 @@ private:
     void flushRemovals();
     void commitCellBefore(TorvQDListItem& item);
 
+    // A statement is being loaded, or a handler of the host asked for something.
+    [[nodiscard]] bool isBusy() const { return m_loading || m_hostCalls > 0; }
     void refuseWhileBusy() const;
     [[nodiscard]] bool isShown(const QString& text);
     void loadText(const QString& text);

@@ -126,7 +126,7 @@ orv::Findings TorvQueryBuilder::Validate() {
 
 // The host's handlers are in the middle of a question: what they were asked about must not go.
 void TorvQueryBuilder::refuseWhileBusy() const {
-    if (m_loading || m_hostCalls > 0) throw orv::Error(QStringLiteral("LoadSQL is running"));
+    if (isBusy()) throw orv::Error(QStringLiteral("LoadSQL is running"));
 }
 
 void TorvQueryBuilder::Clear() {

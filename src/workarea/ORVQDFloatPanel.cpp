@@ -169,10 +169,14 @@ TorvQDTable* TorvQDWorkArea::addTable(const NewBox& wanted) {
     }
 
     ChangeScope change(m_owner, this);
+    // A handler may have added and selected one while it was asked, and may add another while it is
+    // told. What is selected is in front, whatever is raised.
+    deselect();
+    if (!self) return nullptr;
     const QPointer<TorvQDTable> added(box.get());
     TorvQDTable* table = adopt(std::move(box));
     if (self && added) tellTicks(table);
-    if (self) deselect();  // one that a handler added meanwhile
+    if (self) deselect();
     if (!self || !added || indexOf(table) < 0) return nullptr;
     m_selected = table;
     table->SetSelect(true);
