@@ -415,7 +415,9 @@ void RandomSession::renameLoose(const QString& alias, const QString& old) {
 
 // --- states ---
 
+// Conditions keep their operators while the host has emptied the list, which no other control has.
 QString RandomSession::brokenState() {
+    if (m_on.builder.Operators->Count() == 0) return {};
     const QByteArray saved = m_on.builder.SaveState();
     HostedBuilder other(m_on.builder.KeepMeaning());
     other.builder.setWorkAreaOptions(*m_on.builder.WorkAreaOptions);
