@@ -125,8 +125,8 @@ void paste(FuzzBuilders& builders, const QString& text) {
         orv::conditionText(*builders.first.builder.WherePanel->rootRow(), rules, groups);
     try {
         take(builders.second, orv::LooseConditions(written, rules, groups));
-    } catch (const orv::Error&) {
-        return;  // what is prose is a guess from words, and a refusal changes nothing
+    } catch (const orv::Error& error) {
+        throw Broken("Its own text is refused: " + error.Message() + '\n' + written);
     }
     const auto lines = [](HostedBuilder& on) {
         return orvtest::stateLines(on.builder, StateForm::Normal, StateView::Present);
@@ -134,6 +134,15 @@ void paste(FuzzBuilders& builders, const QString& text) {
     const QString difference = orvtest::difference(lines(builders.first), lines(builders.second));
     require(difference.isEmpty(), "Its own text:\n" + written + '\n' + difference);
     builders.second.builder.Clear();
+}
+
+bool areSquareBracketsClosed(const QString& text) {
+    int open = 0;
+    for (const QChar character : text) {
+        if (character == u'[') ++open;
+        if (character == u']' && --open < 0) return false;
+    }
+    return open == 0;
 }
 
 void runConditions(QByteArrayView input) {
@@ -146,7 +155,7 @@ void runConditions(QByteArrayView input) {
         QString text = QString::fromUtf8(input.sliced(1));
         text.replace(u'\n', u' ').replace(u'\r', u' ');
         // Nothing looks for the end of a square bracket, which hides the commas behind it.
-        if (text.count(u'[') == text.count(u']')) paste(builders, text);
+        if (areSquareBracketsClosed(text)) paste(builders, text);
     } else {
         TreeMaker(builders.first, input.sliced(1)).make();
     }

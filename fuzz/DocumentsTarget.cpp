@@ -6,6 +6,7 @@
 #include "FuzzBuilders.h"
 #include "JsonEdits.h"
 #include "Targets.h"
+#include "criteria/ORVQDWherePanel.h"
 #include "documents/QueryDocument.h"
 
 namespace orvfuzz {
@@ -29,7 +30,20 @@ const QStringList& sampleStatements() {
     return statements;
 }
 
-// A procedure, a bent and a muted link, muted rows and columns are in none of the statements.
+// Beside what the statements say: a procedure, a bent and a muted link, a muted condition, group
+// and column.
+void addWhatNoStatementSays(HostedBuilder& on) {
+    on.builder.LoadSQL(
+        "select t.a, t.b, u.x from t join u on t.a = u.a and t.b = u.y "
+        "where t.c = 1 and t.d = 2 and (t.d = 3 or t.e is null) order by u.x");
+    (void)on.addProc("PROC");
+    on.builder.WorkArea->Links().at(0)->setBendPoints({{300, 50}, {350, 60}});
+    on.builder.WorkArea->muteLink(on.builder.WorkArea->Links().at(1), true);
+    const TorvQDWhereRows& rows = *on.builder.WherePanel->rootRow()->SubRows;
+    for (const int muted : {1, 2}) rows.Row(muted)->SetMuted(true);
+    on.grid()->SetMuted(2, true);
+}
+
 const QList<QByteArray>& sampleStates() {
     static const QList<QByteArray> states = [] {
         QList<QByteArray> saved;
@@ -41,7 +55,7 @@ const QList<QByteArray>& sampleStates() {
             on.builder.LoadSQL(statement);
             saved << on.builder.SaveState();
         }
-        (void)on.addProc("PROC");
+        addWhatNoStatementSays(on);
         saved << on.builder.SaveState();
         on.builder.Clear();
         return saved;
@@ -101,15 +115,22 @@ void restore(FuzzBuilders& builders, const QByteArray& state) {
 
 void readDocument(FuzzBuilders& builders, const QByteArray& content) {
     const QString name = QStringLiteral("x.orvq");
+    orvquery::QueryDocument document;
     try {
-        const orvquery::QueryDocument document = orvquery::readDocument(content, name);
-        const QByteArray text = orvquery::documentText(document);
-        const orvquery::QueryDocument again = orvquery::readDocument(text, name);
-        require(orvquery::documentText(again) == text, "A query file is written in two ways.");
-        if (!document.query.isEmpty()) restore(builders, document.state());
+        document = orvquery::readDocument(content, name);
     } catch (const orv::Error& error) {
         require(error.Message().contains(name), "A refused file is not named.");
+        return;
     }
+    const QByteArray text = orvquery::documentText(document);
+    try {
+        const orvquery::QueryDocument again = orvquery::readDocument(text, name);
+        require(orvquery::documentText(again) == text, "A query file is written in two ways.");
+    } catch (const orv::Error& error) {
+        throw Broken("The query file that was written is refused: " + error.Message() + '\n' +
+                     QString::fromUtf8(text));
+    }
+    if (!document.query.isEmpty()) restore(builders, document.state());
 }
 
 QByteArray editedSample(const QList<QByteArray>& samples, QByteArrayView input) {

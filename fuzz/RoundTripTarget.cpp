@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Whatever is loaded and written comes back from what was written; and with an empty report what
-// was written says what was loaded. The first byte is the mode, "c" for the control's plain rules.
+// Whatever is loaded and written comes back from what was written, where loading that tells
+// nothing; and with an empty report what was written says what was loaded. The first byte is the
+// mode, "c" for the control's plain rules.
 #include "FuzzBuilders.h"
 #include "StatementWords.h"
 #include "Targets.h"
@@ -49,6 +50,43 @@ void checkRules(orvtest::HostedBuilder& on) {
     require(broken.isEmpty() || isTold, "Loaded: " + broken);
 }
 
+// A statement that can be loaded: with columns and tables.
+bool isWhole(orvtest::HostedBuilder& on) {
+    return !on.columns().isEmpty() && on.builder.WorkArea->TablesCount() > 0;
+}
+
+// It was told that something is missing or changed, so that the given text need not come back. What
+// is held all the same does, from the first text of the control that is loaded without a word.
+void checkRest(FuzzBuilders& builders) {
+    orvtest::HostedBuilder* const controls[] = {&builders.first, &builders.second, &builders.third};
+    constexpr int mostLoads = 3;
+    for (int load = 0; load < mostLoads; ++load) {
+        orvtest::HostedBuilder& from = *controls[load];
+        orvtest::HostedBuilder& to = *controls[(load + 1) % 3];
+        orvtest::HostedBuilder& third = *controls[(load + 2) % 3];
+        const std::optional<QString> written = writtenBy(from);
+        if (!written || !isWhole(from)) return;
+        to.builder.Clear();
+        require(loads(to, *written), "What was written is refused:\n" + *written);
+        checkReport(to.builder.LoadReport(), *written);
+        checkRules(to);
+        const bool silent = to.builder.LoadReport().empty() && builders.services.messages.isEmpty();
+        builders.services.messages.clear();
+        if (!silent) continue;
+        // A text that is shown would not be loaded again.
+        to.builder.Clear();
+        // By the plain rules the tables change places each time, which the next load may tell.
+        const bool comesToRest = from.builder.KeepMeaning();
+        if (comesToRest) third.builder.Clear();
+        const QString fault =
+            comesToRest
+                ? orvtest::faultOfWayBack(from, to, third, builders.services)
+                : orvtest::faultOfLoading(from, to, orvtest::StateForm::Normal, builders.services);
+        require(fault.isEmpty(), "Written behind a finding:\n" + *written + '\n' + fault);
+        if (comesToRest) return;
+    }
+}
+
 void checkWayBack(FuzzBuilders& builders, const QString& given) {
     orvtest::HostedBuilder& first = builders.first;
     if (!loads(first, given)) return;
@@ -58,10 +96,9 @@ void checkWayBack(FuzzBuilders& builders, const QString& given) {
     checkRules(first);
     const std::optional<QString> written = writtenBy(first);
     require(written || !silent, "What was loaded without a finding cannot be written.");
-    if (!written || first.columns().isEmpty() || first.builder.WorkArea->TablesCount() == 0) return;
+    if (!written || !isWhole(first)) return;
     if (!silent) {
-        // It was told that something is missing or changed: its text need not come back.
-        if (loads(builders.second, *written)) checkRules(builders.second);
+        checkRest(builders);
         return;
     }
     const QString fault =

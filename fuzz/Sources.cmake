@@ -27,7 +27,7 @@ set(ORV_FUZZ_SOURCES
     "${PROJECT_SOURCE_DIR}/tests/support/WayBack.h")
 
 function(orv_set_fuzz_surroundings target)
-    target_include_directories(${target} PUBLIC 
+    target_include_directories(${target} PUBLIC
         "${ORV_FUZZ_FOLDER}" "${PROJECT_SOURCE_DIR}/tests" "${PROJECT_SOURCE_DIR}/app")
     target_compile_definitions(${target} PRIVATE
         ORV_SQL_CASES="${PROJECT_SOURCE_DIR}/tests/data/sql")

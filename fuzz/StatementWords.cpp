@@ -16,6 +16,7 @@ struct Piece {
     QString text;          // as it is compared
     int depth = 0;         // open brackets around it
     bool isPlain = false;  // a word without quotes, which may be a keyword
+    QString qualifier;     // the last word in front of it that a full stop joins to it
 
     [[nodiscard]] bool is(const char* keyword) const {
         return isPlain && text == QLatin1String(keyword);
@@ -108,10 +109,11 @@ private:
     // Behind a full stop the word in front of it was its qualifier.
     void addName(const QString& name, bool isPlain) {
         const bool isQualified = m_glued && !m_pieces.isEmpty();
-        if (isQualified) m_pieces.removeLast();
+        const QString qualifier = isQualified ? m_pieces.takeLast().text : QString();
         m_glued = false;
         add(Piece::Word, name.toUpper());
         m_pieces.back().isPlain = isPlain && !isQualified;
+        m_pieces.back().qualifier = qualifier;
     }
 
     void readSign(QChar character) {
@@ -137,7 +139,8 @@ private:
     }
 
     void add(Piece::Kind kind, const QString& text) {
-        m_pieces << Piece{kind, kind == Piece::Text ? u'\'' + text + u'\'' : text, m_depth};
+        m_pieces << Piece{
+            kind, kind == Piece::Text ? u'\'' + text + u'\'' : text, m_depth, false, {}};
         if (kind != Piece::Word) m_glued = false;
     }
 
@@ -208,20 +211,36 @@ QList<Pieces> itemsOf(const Pieces& pieces) {
     return items;
 }
 
+// Whether a NOT and another one behind it are about the same, with brackets between them or not:
+// in NOT (NOT a AND b) the second one is about "a" alone.
+bool isDoubleNegation(const Pieces& pieces, qsizetype at) {
+    if (at + 1 >= pieces.size() || !pieces[at].is("NOT") || !pieces[at + 1].is("NOT")) return false;
+    const int outside = pieces[at].depth;
+    const int inside = pieces[at + 1].depth;
+    int open = 0;  // BETWEENs whose AND is still to come
+    for (qsizetype next = at + 2; next < pieces.size(); ++next) {
+        const Piece& piece = pieces[next];
+        if (inside == outside || piece.depth <= outside) return true;
+        if (piece.depth > inside) continue;
+        if (piece.is("BETWEEN")) ++open;
+        if (piece.is("OR") || (piece.is("AND") && open-- == 0)) return false;
+    }
+    return true;
+}
+
 // What pieces say, in no order.
 QStringList wordsOf(const Pieces& pieces) {
     QStringList words;
-    for (const Piece& piece : pieces) {
+    for (qsizetype index = 0; index < pieces.size(); ++index) {
+        const Piece& piece = pieces[index];
+        if (isDoubleNegation(pieces, index)) {
+            ++index;
+            continue;
+        }
         const bool says = piece.kind != Piece::Comma && !piece.is("AS") && !piece.is("ASC");
         if (says) words << piece.text;
     }
     words.sort();
-    // Two negations are none.
-    const qsizetype negations = words.count(QStringLiteral("NOT"));
-    for (qsizetype pair = 0; pair < negations / 2; ++pair) {
-        words.removeOne(QStringLiteral("NOT"));
-        words.removeOne(QStringLiteral("NOT"));
-    }
     return words;
 }
 
@@ -236,6 +255,10 @@ QString difference(const QString& place, QStringList given, QStringList written)
 
 // --- the select list ---
 
+QString fullTextOf(const Piece& word) {
+    return word.qualifier.isEmpty() ? word.text : word.qualifier + u'.' + word.text;
+}
+
 /// An output column: with a name behind AS, or behind nothing.
 struct Column {
     explicit Column(const Pieces& item) : whole(item), expression(item) {
@@ -245,6 +268,7 @@ struct Column {
         const Piece& before = expression[expression.size() - 2];
         const bool behindOperand = before.kind != Piece::Sign;
         if (!before.is("AS") && !behindOperand) return;
+        fullName = fullTextOf(expression.back());
         name = expression.takeLast().text;
         behindAs = expression.back().is("AS");
         if (behindAs) expression.removeLast();
@@ -253,6 +277,7 @@ struct Column {
     Pieces whole;
     Pieces expression;
     QString name;
+    QString fullName;  // with its qualifier, which no database takes: it is written as one name
     bool behindAs = false;
 };
 
@@ -272,12 +297,43 @@ bool saysTheSame(const Column& given, const Column& written) {
     const QStringList whole = wordsOf(given.whole);
     if (whole == wordsOf(written.whole)) return true;
     if (written.behindAs && whole == wordsOf(written.expression)) return true;
+    const bool isSameExpression = wordsOf(given.expression) == wordsOf(written.expression);
+    const bool isSameName = !given.name.isEmpty() && given.fullName == written.name;
+    if (isSameName && isSameExpression) return true;
     const bool isOwnName = !given.expression.isEmpty() && given.expression.size() == 1 &&
                            given.expression.back().text == given.name;
-    return isOwnName && wordsOf(given.expression) == wordsOf(written.expression);
+    return isOwnName && isSameExpression;
+}
+
+// A star is written as fields, or as itself where its table has none.
+bool mayBeOfStar(const Column& column) {
+    return column.whole.size() == 1 && (column.whole.front().kind == Piece::Word || isStar(column));
+}
+
+// Whether the written columns are the given ones in their order, with any number of fields in the
+// place of a star.
+bool fitsStars(const QList<Column>& given, const QList<Column>& written) {
+    // Behind how many of the written ones those looked at so far may end.
+    QList<bool> ends(written.size() + 1, false);
+    ends[0] = true;
+    for (const Column& column : given) {
+        QList<bool> next(ends.size(), false);
+        for (qsizetype at = 0; at < ends.size(); ++at) {
+            const bool goesOn = at > 0 && isStar(column) && next[at - 1];
+            if (isStar(column)) next[at] = ends[at] || (goesOn && mayBeOfStar(written[at - 1]));
+            if (isStar(column) || at == 0) continue;
+            next[at] = ends[at - 1] && saysTheSame(column, written[at - 1]);
+        }
+        ends = next;
+    }
+    return ends.back();
 }
 
 QString differenceOfColumns(const QList<Column>& given, const QList<Column>& written) {
+    if (std::any_of(given.begin(), given.end(), isStar)) {
+        const bool fits = fitsStars(given, written);
+        return fits ? QString() : QStringLiteral("other columns beside the star");
+    }
     if (given.size() != written.size()) return QStringLiteral("another number of columns");
     QStringList lines;
     for (qsizetype index = 0; index < given.size(); ++index) {
@@ -313,8 +369,94 @@ QStringList wordsOfFrom(const Pieces& clause, bool keepMeaning) {
     return wordsOf(said);
 }
 
+// --- comparisons in FROM ---
+
+/// One by "<", "<=", ">" or ">=", as it reads with the smaller side in front.
+struct Comparison {
+    Pieces smaller;
+    Pieces greater;
+    bool orEqual = false;
+
+    [[nodiscard]] QString text() const {
+        return wordsOf(smaller).join(u' ') + (orEqual ? " <= " : " < ") +
+               wordsOf(greater).join(u' ');
+    }
+};
+
+bool endsOperand(const Piece& piece, int depth) {
+    static const QSet<QString> words = {"ON",    "AND",  "OR",    "NOT",    "WHERE", "CASE",
+                                        "WHEN",  "THEN", "ELSE",  "END",    "JOIN",  "LEFT",
+                                        "RIGHT", "FULL", "CROSS", "SELECT", "FROM"};
+    if (piece.depth != depth) return piece.depth < depth;
+    return piece.kind == Piece::Comma || (piece.isPlain && words.contains(piece.text));
+}
+
+// Whether the sign alone is an operator, or the first of an operator's two signs: no part of "<>",
+// "->" and their like.
+bool isOrderSign(const Pieces& clause, qsizetype at) {
+    const auto isOneOf = [&](qsizetype index, const char* signs) {
+        const bool isThere = index >= 0 && index < clause.size() &&
+                             clause[index].kind == Piece::Sign &&
+                             clause[index].depth == clause[at].depth;
+        return isThere && QLatin1String(signs).contains(clause[index].text);
+    };
+    const bool isLong = isOneOf(at + 1, "=") && isOneOf(at + 2, "<>");
+    return isOneOf(at, "<>") && !isLong && !isOneOf(at - 1, "<>=!-~&|^") &&
+           !isOneOf(at + 1, "<>~&|^");
+}
+
+QList<Comparison> comparisonsOf(const Pieces& clause) {
+    QList<Comparison> found;
+    for (qsizetype at = 0; at < clause.size(); ++at) {
+        if (!isOrderSign(clause, at)) continue;
+        const int depth = clause[at].depth;
+        Comparison comparison;
+        comparison.orEqual = at + 1 < clause.size() && clause[at + 1].text == u"=";
+        const qsizetype behind = at + (comparison.orEqual ? 2 : 1);
+        qsizetype first = at;
+        while (first > 0 && !endsOperand(clause[first - 1], depth)) --first;
+        qsizetype last = behind;
+        while (last < clause.size() && !endsOperand(clause[last], depth)) ++last;
+        comparison.smaller = clause.mid(first, at - first);
+        comparison.greater = clause.mid(behind, last - behind);
+        if (clause[at].text == u">") std::swap(comparison.smaller, comparison.greater);
+        found << comparison;
+    }
+    return found;
+}
+
+// Here qualifiers count, where both have one: joined fields often have the same name.
+bool isSameOperand(const Pieces& given, const Pieces& written) {
+    if (wordsOf(given) != wordsOf(written)) return false;
+    if (given.size() != 1 || written.size() != 1) return true;
+    const QString& one = given.front().qualifier;
+    const QString& other = written.front().qualifier;
+    return one == other || one.isEmpty() || other.isEmpty();
+}
+
+QString differenceOfComparisons(const Pieces& given, const Pieces& written) {
+    QList<Comparison> left = comparisonsOf(written);
+    QStringList lines;
+    for (const Comparison& one : comparisonsOf(given)) {
+        const auto same = std::find_if(left.begin(), left.end(), [&](const Comparison& other) {
+            return one.orEqual == other.orEqual && isSameOperand(one.smaller, other.smaller) &&
+                   isSameOperand(one.greater, other.greater);
+        });
+        if (same == left.end()) {
+            lines << "- FROM: " + one.text();
+        } else {
+            left.erase(same);
+        }
+    }
+    return lines.join(u'\n');
+}
+
+// --- lists ---
+
 // What an item of GROUP BY or ORDER BY may mean: itself, or the column that it numbers or names.
-QList<QStringList> meaningsOf(Pieces item, const QList<Column>& columns) {
+// With a star the columns that are numbered are those that it is written as.
+QList<QStringList> meaningsOf(Pieces item, const QList<Column>& columns,
+                              const QList<Column>& numberedColumns) {
     QStringList direction;
     const auto isDirection = [](const Piece& piece) {
         return piece.is("DESC") || piece.is("ASC") || piece.is("ASCENDING") ||
@@ -327,11 +469,13 @@ QList<QStringList> meaningsOf(Pieces item, const QList<Column>& columns) {
     QList<QStringList> meanings = {wordsOf(item) + direction};
     if (item.size() != 1) return meanings;
     const Piece& piece = item.front();
-    for (qsizetype index = 0; index < columns.size(); ++index) {
-        const bool numbered =
-            piece.kind == Piece::Number && piece.text == QString::number(index + 1);
-        const bool named = piece.kind == Piece::Word && piece.text == columns[index].name;
-        if (numbered || named) meanings << wordsOf(columns[index].expression) + direction;
+    for (qsizetype index = 0; index < numberedColumns.size(); ++index) {
+        if (piece.kind != Piece::Number || piece.text != QString::number(index + 1)) continue;
+        meanings << wordsOf(numberedColumns[index].expression) + direction;
+    }
+    for (const Column& column : columns) {
+        const bool named = piece.kind == Piece::Word && piece.text == column.name;
+        if (named) meanings << wordsOf(column.expression) + direction;
     }
     return meanings;
 }
@@ -343,36 +487,45 @@ QString differenceOfLists(const QString& place, const Clauses& given, const Clau
     const QList<Column> writtenColumns = columnsOf(written);
     const bool hasStar = std::any_of(givenColumns.begin(), givenColumns.end(), isStar);
     if (items.size() != left.size()) return "another number of items in " + place;
-    if (hasStar && place == u"ORDER BY") return {};
+    const bool isOrdered = place == u"ORDER BY";
     for (const Pieces& item : items) {
-        const QList<QStringList> meanings = meaningsOf(item, givenColumns);
-        const auto same = std::find_if(left.begin(), left.end(), [&](const Pieces& other) {
-            const QList<QStringList> others = meaningsOf(other, writtenColumns);
+        const QList<QStringList> meanings =
+            meaningsOf(item, givenColumns, hasStar ? writtenColumns : givenColumns);
+        const auto isSame = [&](const Pieces& other) {
+            const QList<QStringList> others = meaningsOf(other, writtenColumns, writtenColumns);
             return std::any_of(others.begin(), others.end(), [&](const QStringList& meaning) {
                 return meanings.contains(meaning);
             });
-        });
-        if (same == left.end()) return "- " + place + ": " + wordsOf(item).join(u' ');
+        };
+        const auto end = isOrdered ? left.begin() + 1 : left.end();
+        const auto same = std::find_if(left.begin(), end, isSame);
+        if (same == end) return "- " + place + ": " + wordsOf(item).join(u' ');
         left.erase(same);
     }
     return {};
 }
 
+// One that quotes nothing: neither in a text nor in a name.
+bool hasSquareBracket(const QString& text) {
+    const Pieces pieces = PieceReader(text).read();
+    return std::any_of(pieces.begin(), pieces.end(), [](const Piece& piece) {
+        return piece.kind == Piece::Sign && piece.text == u"[";
+    });
+}
+
 }  // namespace
 
 QString wordsDifference(const QString& given, const QString& written, bool keepMeaning) {
-    if (given.contains(u'[')) return {};
+    if (hasSquareBracket(given)) return {};
     const Clauses left = clausesOf(given);
     const Clauses right = clausesOf(written);
-    const QList<Column> columns = columnsOf(left);
     QStringList lines;
     if (isDistinct(left) != isDistinct(right)) lines << QStringLiteral("DISTINCT");
-    if (!std::any_of(columns.begin(), columns.end(), isStar)) {
-        lines << differenceOfColumns(columns, columnsOf(right));
-    }
+    lines << differenceOfColumns(columnsOf(left), columnsOf(right));
     const QString from = QStringLiteral("FROM");
     lines << difference(from, wordsOfFrom(left.value(from), keepMeaning),
                         wordsOfFrom(right.value(from), keepMeaning));
+    lines << differenceOfComparisons(left.value(from), right.value(from));
     for (const QString& clause : {QStringLiteral("WHERE"), QStringLiteral("HAVING"), tail}) {
         lines << difference(clause, wordsOf(left.value(clause)), wordsOf(right.value(clause)));
     }

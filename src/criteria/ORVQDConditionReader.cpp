@@ -81,13 +81,11 @@ struct KnownOperator {
     // What stands around and between the operands, counted.
     int ands = 0;
     int ors = 0;
-    int commas = 0;
 
 private:
     void count(const QStringList& texts, int times) {
         ands += times * int(texts.count(QStringLiteral("AND")));
         ors += times * int(texts.count(QStringLiteral("OR")));
-        commas += times * int(texts.count(QStringLiteral(",")));
     }
 };
 
@@ -189,12 +187,6 @@ private:
         }
     }
 
-    /// What stands inside a bracket at its own level.
-    struct Bracket {
-        bool hasSelect = false;
-        bool hasComma = false;
-    };
-
     void readCatalogue() {
         for (int index = 0; m_rules.operators && index < m_rules.operators->Count(); ++index) {
             const TOperatorList::Entry entry = m_rules.operators->Items(index);
@@ -208,13 +200,12 @@ private:
         });
         for (const KnownOperator& known : m_known) {
             if (known.ands > 0 || known.ors > 0) m_withConnectives.push_back(&known);
-            if (known.commas > 0) m_withCommas.push_back(&known);
         }
     }
 
     // One walk for all brackets, so that nested ones are not searched again and again.
     void lookIntoBrackets(const TokenRun& run) {
-        m_brackets.resize(std::size_t(run.size()));
+        m_holdsSelect.resize(std::size_t(run.size()));
         std::vector<int> open;
         for (int index = 0; index < run.size(); ++index) {
             const SqlToken::Kind kind = run[index].kind;
@@ -224,10 +215,8 @@ private:
                 continue;
             } else if (kind == SqlToken::Close) {
                 open.pop_back();
-            } else if (kind == SqlToken::Comma) {
-                m_brackets[std::size_t(open.back())].hasComma = true;
             } else if (isWord(run, index, u"SELECT")) {
-                m_brackets[std::size_t(open.back())].hasSelect = true;
+                m_holdsSelect[std::size_t(open.back())] = true;
             }
         }
     }
@@ -293,40 +282,36 @@ private:
         }
     }
 
-    // A bracket that is the whole condition and holds one: no sub-select and no list.
+    // A bracket that is the whole condition and holds one: no sub-select. A comma in it stands
+    // where no condition has any; it is read as it is without the bracket, which is written around
+    // it.
     [[nodiscard]] bool isSubCondition(const TokenRun& run) const {
         if (run.size() < 3 || run[0].kind != SqlToken::Open ||
             run[0].closeOffset != run.size() - 1) {
             return false;
         }
-        const Bracket& bracket = m_brackets[std::size_t(run.begin() - m_base)];
-        if (bracket.hasSelect) return false;
-        return !bracket.hasComma || commasSeparateOperands(run.mid(1, run.size() - 2));
-    }
-
-    // Whether operators that have commas between their operands account for all commas.
-    [[nodiscard]] bool commasSeparateOperands(const TokenRun& run) const {
-        if (m_withCommas.empty()) return false;
-        int own = 0;
-        bool allOwn = true;
-        visitLevel(run, 1, [&](int index) {
-            if (run[index].kind == SqlToken::Comma) {
-                allOwn = --own >= 0;
-                return allOwn;
-            }
-            for (const KnownOperator* known : m_withCommas) {
-                if (matches(run, index, known->name)) own = known->commas;
-            }
-            return true;
-        });
-        return allOwn;
+        return !m_holdsSelect[std::size_t(run.begin() - m_base)];
     }
 
     static ReadCondition wholeText(const TokenRun& run) {
         return {blankText(), run.sourceText(), expressionOperator(), blankText(), {}};
     }
 
+    static bool holdsSelect(const TokenRun& run) {
+        for (int index = 0; index < run.size(); ++index) {
+            if (run[index].depth == run[0].depth && isWord(run, index, u"SELECT")) return true;
+        }
+        return false;
+    }
+
     [[nodiscard]] ReadCondition comparison(const TokenRun& run) const {
+        // Within the bracket that is written around it, it would be read as a sub-select: it is one
+        // text at once, with that bracket.
+        if (holdsSelect(run)) {
+            ReadCondition whole = wholeText(run);
+            whole.field = u'(' + whole.field + u')';
+            return whole;
+        }
         if (const std::optional<FoundOperator> found = findOperator(run)) {
             if (std::optional<ReadCondition> read = operands(run, *found)) {
                 if (saysTheSame(*read, run)) return *read;
@@ -662,10 +647,9 @@ private:
 
     const ConditionRules& m_rules;
     const SqlToken* m_base;           // of the whole condition
-    std::vector<Bracket> m_brackets;  // by token
+    std::vector<bool> m_holdsSelect;  // by token: a bracket, at its own level
     std::vector<KnownOperator> m_known;
     std::vector<const KnownOperator*> m_withConnectives;
-    std::vector<const KnownOperator*> m_withCommas;
 };
 
 }  // namespace

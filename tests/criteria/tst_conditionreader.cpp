@@ -263,6 +263,22 @@ private Q_SLOTS:
         compare(on);
     }
 
+    // Each condition is written in a bracket, within which it has to be read as it was.
+    void textsThatAreNoConditions_data() {
+        addTexts();
+        row("A = 1, B = 2", "All(A =[1, B = 2])");
+        row("(A = 1, B = 2)", "All(A =[1, B = 2])");
+        row("((A, B)) AND C = 1", "All(A, B; C =[1])");
+        row("A = SELECT B", "All((A = SELECT B))");
+        row("(A = SELECT B AND C = 1)", "All((A = SELECT B AND C = 1))");
+        row("SELECT 5 OR B = 1", "Any((SELECT 5); B =[1])");
+        row("((SELECT 5)) OR B = 1", "Any((SELECT 5); B =[1])");
+    }
+    void textsThatAreNoConditions() {
+        Conditions on;
+        compare(on);
+    }
+
     // Conditions that no operator of the list fits are kept word for word.
     void expressions_data() {
         addTexts();

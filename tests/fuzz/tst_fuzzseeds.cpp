@@ -7,6 +7,9 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 
 using orvfuzz::Target;
 
@@ -40,6 +43,7 @@ private Q_SLOTS:
     void nothingIsBrokenBySeeds();
     void nothingIsBrokenByFoundCases_data();
     void nothingIsBrokenByFoundCases();
+    void sampleStatesHoldWhatNoStatementSays();
     void otherWordsAreTold_data();
     void otherWordsAreTold();
     void theSameWordsAreNone_data();
@@ -88,6 +92,25 @@ void FuzzSeedsTest::nothingIsBrokenByFoundCases() {
     QCOMPARE(brokenBy(targetNamed(name), file.readAll()), QString());
 }
 
+void FuzzSeedsTest::sampleStatesHoldWhatNoStatementSays() {
+    const QList<QByteArray> seeds = targetNamed(QStringLiteral("documents")).seeds();
+    const auto holdsAll = [](const QByteArray& seed) {
+        const QJsonObject state = QJsonDocument::fromJson(seed.mid(1)).object();
+        const QJsonArray links = state[QLatin1String("links")].toArray();
+        const auto anyHas = [](const QJsonArray& values, const char* key) {
+            return std::any_of(values.begin(), values.end(), [&](const QJsonValue& value) {
+                return value.toObject().contains(QLatin1String(key));
+            });
+        };
+        return anyHas(links, "points") && anyHas(links, "muted") &&
+               !state[QLatin1String("mutedColumns")].toArray().isEmpty() &&
+               anyHas(state[QLatin1String("where")].toObject()[QLatin1String("rows")].toArray(),
+                      "muted") &&
+               anyHas(state[QLatin1String("tables")].toArray(), "parameters");
+    };
+    QVERIFY(std::any_of(seeds.begin(), seeds.end(), holdsAll));
+}
+
 // Of two statements the second lacks something, or has something else.
 void FuzzSeedsTest::otherWordsAreTold_data() {
     QTest::addColumn<QString>("given");
@@ -100,6 +123,12 @@ void FuzzSeedsTest::otherWordsAreTold_data() {
     row("a number", "select a from t where b = 15", "SELECT A FROM T WHERE B = 1.5");
     row("a sign", "select a from t where b < 1", "SELECT A FROM T WHERE B <= 1");
     row("a NOT", "select a from t where not b = 1", "SELECT A FROM T WHERE B = 1");
+    row("the NOTs of two conditions", "select a from t where not b = 1 and not c = 2",
+        "SELECT A FROM T WHERE B = 1 AND C = 2");
+    row("the NOTs of a part and of the whole", "select a from t where not (not b = 1 and c = 2)",
+        "SELECT A FROM T WHERE B = 1 AND C = 2");
+    row("a condition beside a bracket in quotes", "select a from t where b = '[' and c = 2",
+        "SELECT A FROM T WHERE B = '['");
     row("a connective", "select a from t where b = 1 or c = 2",
         "SELECT A FROM T WHERE B = 1 AND C = 2");
     row("another clause", "select a from t where b = 1 group by a",
@@ -107,6 +136,9 @@ void FuzzSeedsTest::otherWordsAreTold_data() {
     row("another column", "select a, b from t", "SELECT A, C FROM T");
     row("a column less", "select a, b from t", "SELECT A FROM T");
     row("columns in another order", "select a, b from t", "SELECT B, A FROM T");
+    row("another column beside a star", "select *, a from t", "SELECT T.A, T.B, C FROM T");
+    row("a column less beside a star", "select a + 1, t.* from t", "SELECT T.A, T.B FROM T");
+    row("an expression in the place of a star", "select * from t", "SELECT T.A + 1 FROM T");
     row("another alias", "select a as x from t", "SELECT A AS Y FROM T");
     row("a lost alias", "select a as x from t", "SELECT A FROM T");
     row("DISTINCT", "select distinct a from t", "SELECT A FROM T");
@@ -116,8 +148,20 @@ void FuzzSeedsTest::otherWordsAreTold_data() {
         "SELECT A FROM T INNER JOIN U ON B = C");
     row("a join's side", "select a from t left join u on b = c",
         "SELECT A FROM T RIGHT JOIN U ON B = C");
+    row("a turned operator", "select a from t join u on b > c",
+        "SELECT A FROM T INNER JOIN U ON (B < C)");
+    row("a turned operator between fields of one name", "select a from t join u on t.a >= u.a",
+        "SELECT A FROM T INNER JOIN U ON (T.A <= U.A)");
+    row("sides that changed places", "select a from t join u on t.a >= u.a",
+        "SELECT A FROM T INNER JOIN U ON (U.A >= T.A)");
     row("an item of GROUP BY", "select a from t group by a, b", "SELECT A FROM T GROUP BY A, C");
     row("another number", "select a, b from t order by 2", "SELECT A, B FROM T ORDER BY 1");
+    row("another item of ORDER BY beside a star", "select * from t order by a",
+        "SELECT T.A, T.B FROM T ORDER BY T.B");
+    row("another number beside a star", "select *, c + 1 from t order by 3",
+        "SELECT T.A, T.B, C + 1 FROM T ORDER BY T.B");
+    row("ORDER BY in another order", "select a, b from t order by a, b",
+        "SELECT A, B FROM T ORDER BY B, A");
     row("a direction", "select a from t order by a desc", "SELECT A FROM T ORDER BY A");
     row("a tail", "select a from t limit 5", "SELECT A FROM T LIMIT 6");
 }
@@ -139,10 +183,20 @@ void FuzzSeedsTest::theSameWordsAreNone_data() {
     row("names of columns", "select a+1, b b, c as d from t",
         "SELECT A+1 AS FIELD1, B, C AS D FROM T");
     row("a star", "select * from t", "SELECT T.A, T.B FROM T");
+    row("a star between columns", "select b, t.*, c + 1 from t",
+        "SELECT B, T.A, T.B, C + 1 AS FIELD1 FROM T");
+    row("numbers behind a star", "select *, c d from t order by 3 desc, 1",
+        "SELECT T.A, T.B, C AS D FROM T ORDER BY C DESC, T.A");
+    row("a name with a qualifier", "select a + 1 as t.b from t", "SELECT A + 1 AS \"T.B\" FROM T");
     row("numbers and names of columns", "select a+1 x, b from t group by 1, b order by x desc, 2",
         "SELECT A+1 AS X, B FROM T GROUP BY A+1, B ORDER BY 1 DESC, B");
     row("a join from the other side", "select a from t join u on b > c",
         "SELECT A FROM T INNER JOIN U ON (C < B)");
+    row("a join of fields of one name from the other side",
+        "select a from t join u on t.a >= u.a and x <> 1",
+        "SELECT A FROM T INNER JOIN U ON (U.A <= T.A) AND (X <> 1)");
+    row("negations of a negated BETWEEN", "select a from t where not (not b between 1 and 2)",
+        "SELECT A FROM T WHERE B BETWEEN 1 AND 2");
     row("negations of negations", "select a from t where not (not (b = 1))",
         "SELECT A FROM T WHERE ((B = 1))");
     row("glued words", "select a from t where b=1or c!=2", "SELECT A FROM T WHERE B = 1 OR C <> 2");
