@@ -376,7 +376,8 @@ private Q_SLOTS:
         row("A WITHIN 1 TO 2 TO 3", "All(A WITHIN 1 TO 2 TO 3)");
         row("(A NEAR 1 , 2) AND B = 1", "All(A NEAR[1][2]; B =[1])");
         row("(A NEAR 1, F(2, 3))", "All(A NEAR[1][F(2, 3)])");
-        row("(A NEAR 1, 2, 3) AND B = 1", "All((A NEAR 1, 2, 3); B =[1])");
+        row("(A NEAR 1, 2, 3) AND B = 1", "All(A NEAR[1][2, 3]; B =[1])");
+        row("A NEAR 1, 2, 3 AND B = 1", "All(A NEAR[1][2, 3]; B =[1])");
         row("A EITHER 1 or 2 OR B = 1", "Any(A EITHER[1][2]; B =[1])");
         row("A AMONG (1 and 2 and 3) and B = 1", "All(A AMONG[1][2][3]; B =[1])");
         row("A IS EMPTY", "All(A IS[])");
