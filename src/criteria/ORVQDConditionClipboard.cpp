@@ -219,16 +219,17 @@ private:
         const OperatorWords* found =
             find([&](const auto& known) { return matchesAt(run, index, known.name); });
         return found ? found
-                     : find([&](const auto& known) { return isSignedAt(run, index, known); });
+                     : find([&](const auto& known) { return isSpeltAt(run, index, known); });
     }
 
-    // An operator and the sign of a number behind it, as one token: ">=-3".
-    static bool isSignedAt(const TokenRun& run, int index, const OperatorWords& known) {
+    // An operator and the sign of a number behind it, as one token: ">=-3"; and "!=" for "<>".
+    static bool isSpeltAt(const TokenRun& run, int index, const OperatorWords& known) {
         if (run[index].kind != SqlToken::Sign || known.name.size() != 1) return false;
-        const QStringView signs = run.textOf(index);
+        QString signs = run.textOf(index).toString();
+        if (signs.startsWith(QStringLiteral("!="))) signs.replace(0, 2, QStringLiteral("<>"));
         const QString& name = known.name.front();
-        return signs.size() > name.size() && signs.startsWith(name) &&
-               std::all_of(signs.begin() + name.size(), signs.end(),
+        return signs.startsWith(name) &&
+               std::all_of(signs.cbegin() + name.size(), signs.cend(),
                            [](QChar sign) { return sign == u'+' || sign == u'-'; });
     }
 

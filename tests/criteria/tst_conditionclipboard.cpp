@@ -304,6 +304,9 @@ private Q_SLOTS:
         no("Dear Sir", "\"DEAR SIR\" is none");
         no("Dear Sir >= -3", "\"DEAR SIR >= -3\" is none");
         no("Dear Sir >=-3", "\"DEAR SIR >=-3\" is none");
+        no("Dear Sir != 3", "\"DEAR SIR != 3\" is none");
+        no("Dear Sir !=-3", "\"DEAR SIR !=-3\" is none");
+        no("a != 1, b = 2", "\", B = 2\" stands behind it");
         no("London, Paris", "\"LONDON, PARIS\" is none");
         no("(a = 1) (b = 2)", "\"(A = 1) (B = 2)\" is none");
     }
