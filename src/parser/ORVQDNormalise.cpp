@@ -39,6 +39,7 @@ public:
     NormalisedSQL run() {
         while (m_position < m_given.size()) readOne();
         dropFinalSemicolons();
+        separateClauses();
         m_result.positions.push_back(m_result.positions.empty() ? 0
                                                                 : m_result.positions.back() + 1);
         return std::move(m_result);
@@ -213,6 +214,38 @@ private:
             trimmed = trimmedEnd(m_result.text);
         }
         m_result.positions.resize(std::size_t(m_result.text.size()));
+    }
+
+    // A clause may begin behind a number without a blank ("1ORDER BY"), which its reader needs.
+    void separateClauses() {
+        const QString& text = m_result.text;
+        const auto mayBegin = [&](qsizetype at) {
+            return at > 0 && QStringView(u"FWGHOfwgho").contains(text[at]) &&
+                   (text[at - 1].isDigit() || text[at - 1] == u'.');
+        };
+        qsizetype at = 0;
+        while (at < text.size() && !mayBegin(at)) ++at;
+        if (at == text.size()) return;
+        const SqlTokens tokens = tokenise(text);
+        const TokenRun run(text, tokens.data(), tokens.data() + tokens.size());
+        for (int index = run.size() - 1; index > 0; --index) {
+            const int start = run[index].start;
+            const bool isGlued =
+                run[index - 1].kind == SqlToken::Number && run[index - 1].end == start;
+            if (!isGlued || !beginsClause(run, index)) continue;
+            m_result.text.insert(start, u' ');
+            m_result.positions.insert(m_result.positions.begin() + start,
+                                      m_result.positions[std::size_t(start)]);
+        }
+    }
+
+    static bool beginsClause(const TokenRun& run, int index) {
+        const auto is = [&](std::initializer_list<QStringView> words) {
+            return std::any_of(words.begin(), words.end(),
+                               [&](QStringView word) { return run.is(index, word); });
+        };
+        if (is({u"FROM", u"WHERE", u"HAVING"})) return true;
+        return is({u"GROUP", u"ORDER"}) && index + 1 < run.size() && run.is(index + 1, u"BY");
     }
 
     static QStringView trimmedEnd(QStringView text) {

@@ -83,6 +83,10 @@ void TestNormalise::texts_data() {
     row("double quote in square brackets", "[a\"b]", "\"a\"\"b\"");
     row("square brackets glued to a keyword", "select[a b]from[t]where not[c]in[d]",
         "select \"a b\"from \"t\"where not \"c\"in \"d\"");
+    row("clauses glued to numbers", "select 1from t where a=.5group by b having c>2.order by 1",
+        "select 1 from t where a=.5 group by b having c>2. order by 1");
+    row("a name that begins with a number", "1order, t1from, 'x1from', 1.5groups by",
+        "1order, t1from, 'x1from', 1.5groups by");
     row("an index behind a name", "a[1]", "a[1]");
     row("an index behind the end of a name", "my_and[1], \u00e9and[1], 1and[1], t.and[1]",
         "my_and[1], \u00e9and[1], 1and[1], t.and[1]");
