@@ -303,9 +303,9 @@ private:
         if (named) column.name = loadedName(parts.alias);
         if (!named && column.name.isEmpty()) column.name = freshName();
         const bool invalidName =
-            !m_rules.keepMeaning &&
-            (named ? isPartlyQuoted(column.name)
-                   : !column.aggregate.isEmpty() && !orv::isPlainIdentifier(column.name));
+            !m_rules.keepMeaning && (named ? isPartlyQuoted(column.name)
+                                           : !orv::writtenOutputName(column, m_rules).isEmpty() &&
+                                                 !orv::isPlainIdentifier(column.name));
         const bool losesName =
             named && orv::columnText(column, m_rules) == orv::columnText(unnamed, m_rules) &&
             (!orv::isBlank(column.aggregate) || parts.expression.size() > 1 ||
