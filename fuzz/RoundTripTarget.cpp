@@ -7,6 +7,7 @@
 #include "Targets.h"
 #include "support/WayBack.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace orvfuzz {
@@ -55,11 +56,19 @@ bool isWhole(orvtest::HostedBuilder& on) {
     return !on.columns().isEmpty() && on.builder.WorkArea->TablesCount() > 0;
 }
 
+// An unpaired bracket, which is told, pairs with those that are written around its condition.
+bool tellsOfBracket(const orv::Findings& report) {
+    return std::any_of(report.begin(), report.end(), [](const orv::Finding& finding) {
+        return finding.text == u"(" || finding.text == u")";
+    });
+}
+
 // It was told that something is missing or changed, so that the given text need not come back. What
 // is held all the same does, from the first text of the control that is loaded without a word.
 void checkRest(FuzzBuilders& builders) {
     orvtest::HostedBuilder* const controls[] = {&builders.first, &builders.second, &builders.third};
     constexpr int mostLoads = 3;
+    const bool isPaired = !tellsOfBracket(builders.first.builder.LoadReport());
     for (int load = 0; load < mostLoads; ++load) {
         orvtest::HostedBuilder& from = *controls[load];
         orvtest::HostedBuilder& to = *controls[(load + 1) % 3];
@@ -72,7 +81,7 @@ void checkRest(FuzzBuilders& builders) {
         checkRules(to);
         const bool silent = to.builder.LoadReport().empty() && builders.services.messages.isEmpty();
         builders.services.messages.clear();
-        if (!silent) continue;
+        if (!silent || !isPaired) continue;
         // A text that is shown would not be loaded again.
         to.builder.Clear();
         // By the plain rules the tables change places each time, which the next load may tell.
