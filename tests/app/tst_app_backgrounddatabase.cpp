@@ -352,15 +352,16 @@ void TestBackgroundDatabase::questionAfterACancelledOneIsAnswered() {
     QVERIFY(apptest::errorOf([&] { (void)database->describe({"orders"}); }) !=
             QStringLiteral("(no error)"));
     database->setShortWait(1h);
+    // Told while the question waits for it, or afterwards.
+    QSignalSpy answered(database.get(), &BackgroundDatabase::answered);
     QCOMPARE(columnsOf(database->describe({"orders"})), QStringLiteral("id of_orders"));
     QCOMPARE(m_script->opened, 2);
+    QTRY_COMPARE(answered.size(), 1);
     // The thread that did not answer is still there, and what it says by now is not heard.
     QVERIFY(WorkerThread::threadsAtLarge() >= 2);
-    QSignalSpy answered(database.get(), &BackgroundDatabase::answered);
     m_gate->release();
     QTRY_COMPARE(WorkerThread::threadsAtLarge(), 1);
     QCoreApplication::processEvents();
-    // The one is that of the answered question.
     QCOMPARE(answered.size(), 1);
 }
 
