@@ -10,6 +10,8 @@
 #include "support/RandomTexts.h"
 #include "support/WayBack.h"
 
+#include <QRegularExpression>
+
 namespace orvfuzz {
 
 namespace {
@@ -136,6 +138,12 @@ void paste(FuzzBuilders& builders, const QString& text) {
     builders.second.builder.Clear();
 }
 
+// Quoting of single databases, which is told when a statement is loaded.
+bool hasForeignQuotes(const QString& text) {
+    static const QRegularExpression quotes(QStringLiteral("(?<!\\w)[qQeE]'|\\$\\w*\\$"));
+    return text.contains(quotes);
+}
+
 bool areSquareBracketsClosed(const QString& text) {
     int open = 0;
     for (const QChar character : text) {
@@ -155,7 +163,7 @@ void runConditions(QByteArrayView input) {
         QString text = QString::fromUtf8(input.sliced(1));
         text.replace(u'\n', u' ').replace(u'\r', u' ');
         // Nothing looks for the end of a square bracket, which hides the commas behind it.
-        if (areSquareBracketsClosed(text)) paste(builders, text);
+        if (areSquareBracketsClosed(text) && !hasForeignQuotes(text)) paste(builders, text);
     } else {
         TreeMaker(builders.first, input.sliced(1)).make();
     }

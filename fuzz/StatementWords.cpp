@@ -29,6 +29,10 @@ bool isWordPart(QChar character) {
            QStringLiteral("_$#@").contains(character);
 }
 
+bool isBlank(QChar character) {
+    return character.unicode() <= u' ' || character.isSpace();
+}
+
 /// Reads a statement into pieces.
 class PieceReader {
 public:
@@ -108,6 +112,7 @@ private:
 
     // Behind a full stop the word in front of it was its qualifier.
     void addName(const QString& name, bool isPlain) {
+        if (m_loose && isPlain && joinsConditions(name.toUpper())) m_glued = false;
         const bool isQualified = m_glued && !m_pieces.isEmpty();
         const QString qualifier = isQualified ? m_pieces.takeLast().text : QString();
         m_glued = false;
@@ -116,11 +121,21 @@ private:
         m_pieces.back().qualifier = qualifier;
     }
 
+    // With blanks beside a full stop these are no parts of a name: "ON .A", "A. OR".
+    static bool joinsConditions(const QString& word) {
+        static const QSet<QString> words = {"ON", "AND", "OR", "NOT", "WHERE", "HAVING"};
+        return words.contains(word);
+    }
+
     void readSign(QChar character) {
         ++m_at;
-        if (character.unicode() <= u' ' || character.isSpace()) return;
+        m_loose = isBlank(character);
+        if (m_loose) return;
         if (character == u'.') {
-            m_glued = !m_pieces.isEmpty() && m_pieces.back().kind == Piece::Word;
+            const bool behindBlank = m_at > 1 && isBlank(m_text[m_at - 2]);
+            const bool behindWord = !m_pieces.isEmpty() && m_pieces.back().kind == Piece::Word;
+            m_glued = behindWord && !(behindBlank && m_pieces.back().isPlain &&
+                                      joinsConditions(m_pieces.back().text));
             return;
         }
         if (character == u'*' && m_glued) m_pieces.removeLast();
@@ -148,6 +163,7 @@ private:
     qsizetype m_at = 0;
     int m_depth = 0;
     bool m_glued = false;  // a full stop stands behind the last word
+    bool m_loose = false;  // the last sign was a blank
     Pieces m_pieces;
 };
 

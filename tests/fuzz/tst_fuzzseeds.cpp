@@ -199,6 +199,8 @@ void FuzzSeedsTest::theSameWordsAreNone_data() {
         "SELECT A FROM T WHERE B BETWEEN 1 AND 2");
     row("negations of negations", "select a from t where not (not (b = 1))",
         "SELECT A FROM T WHERE ((B = 1))");
+    row("full stops beside words that are no names", "select a from t join u on .b = 1 and c. or d",
+        "SELECT A FROM T INNER JOIN U ON (B = 1) AND (C. OR D)");
     row("glued words", "select a from t where b=1or c!=2", "SELECT A FROM T WHERE B = 1 OR C <> 2");
 }
 
