@@ -175,6 +175,12 @@ bool endsInQuote(QStringView text) {
 
 }  // namespace
 
+// The parser takes "GROUP BYX A" for a clause all the same.
+void LoadLedger::reportLongBy(const TokenRun& clause) {
+    if (clause.size() < 2 || clause.is(1, u"BY")) return;
+    report(clause.mid(1, 1), QStringLiteral("Only the BY of this word is read."));
+}
+
 void LoadLedger::reportUnclosed(int end) {
     int open = 0;
     // Only one that nothing closes is left; written twice, it would become a pair.

@@ -45,6 +45,9 @@ public:
     /// quotes, and letters beyond ASCII that writing in upper case changes.
     void reportChangedTexts(int end);
 
+    /// Reports the second word of a GROUP BY or ORDER BY clause when BY is only its beginning.
+    void reportLongBy(const TokenRun& clause);
+
     /// Reports brackets and quotes in front of `end` that nothing closes, or nothing opened.
     void reportUnclosed(int end);
 

@@ -561,6 +561,7 @@ void TorvQDOrderPanel::LoadSQL(const TorvQDParser& Node) {
 // Takes the whole clause, with its keyword.
 void TorvQDOrderPanel::loadItems(const orv::TokenRun& run, orv::LoadLedger& ledger) {
     ledger.place(run);
+    ledger.reportLongBy(run);
     const std::vector<orv::TokenRun> items =
         run.mid(std::min(keywordTokens, run.size())).splitAtCommas();
     OutputIndex index(*this);

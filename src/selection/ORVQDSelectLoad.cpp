@@ -468,6 +468,7 @@ private:
         const TokenRun items = groupByItems();
         m_ledger->place(m_groupBy->Start(), items.isEmpty() ? m_groupBy->End() : items.start());
         m_ledger->place(items);
+        m_ledger->reportLongBy(tokensIn(m_groupBy->Start(), m_groupBy->End()));
         for (const TokenRun& item : m_unmatchedItems) {
             m_ledger->report(item.isEmpty() ? items : item,
                              QStringLiteral("No output column stands for this: the rows will not "
