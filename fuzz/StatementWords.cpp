@@ -184,7 +184,7 @@ bool beginsTail(const Pieces& pieces, qsizetype index, const Pieces& before) {
     const QStringList next = tails.value(piece.text);
     if (!next.isEmpty() && !next.contains(pieces[index + 1].text)) return false;
     // Columns may be called so: behind these an operand is still to come.
-    static const QSet<QString> open = {"AS", "AND", "OR", "NOT", "ON", "LIKE", "BETWEEN"};
+    static const QSet<QString> open = {"AS", "AND", "OR", "NOT", "ON", "LIKE", "BETWEEN", "ALL"};
     const Piece& last = before.back();
     if (last.isPlain && open.contains(last.text)) return false;
     return last.kind != Piece::Comma && last.kind != Piece::Sign;
