@@ -323,7 +323,9 @@ bool saysTheSame(const Column& given, const Column& written) {
 
 // A star is written as fields, or as itself where its table has none.
 bool mayBeOfStar(const Column& column) {
-    return column.whole.size() == 1 && (column.whole.front().kind == Piece::Word || isStar(column));
+    Pieces whole = column.whole;
+    if (whole.size() == 2 && whole.front().text == u":") whole.removeFirst();  // of an alias ":A"
+    return whole.size() == 1 && (whole.front().kind == Piece::Word || isStar(column));
 }
 
 // Whether the written columns are the given ones in their order, with any number of fields in the
