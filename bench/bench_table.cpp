@@ -91,7 +91,7 @@ std::string aimOf(const Row& row) {
 
 void printLine(const char* what, const char* size, const char* figure, const char* growth,
                const char* ratio, const char* yardstick, const char* aim) {
-    std::printf("%-23s  %-35s  %9s  %6s  %6s  %-38s  %s\n", what, size, figure, growth, ratio,
+    std::printf("%-23s  %-44s  %9s  %6s  %6s  %-38s  %s\n", what, size, figure, growth, ratio,
                 yardstick, aim);
     std::fflush(stdout);
 }
