@@ -78,7 +78,7 @@ SchemaReader::SchemaReader(QString fileName) : m_fileName(std::move(fileName)) {
 std::vector<TableDescription> SchemaReader::read(const QByteArray& json) {
     const QJsonObject object = parse(json);
     std::vector<TableDescription> tables;
-    QStringList known;
+    KnownNames known;
     const QStringList names = outermostNames(json);
     for (const QString& name : names) {
         m_table.clear();
@@ -136,7 +136,7 @@ TFieldDefs SchemaReader::fields(const QJsonArray& entries) {
     m_entry = QStringLiteral("field");
     m_entryNo = 0;
     TFieldDefs result;
-    QStringList known;
+    KnownNames known;
     for (const QJsonValue entry : entries) {
         ++m_entryNo;
         result.push_back(field(entry));
@@ -158,7 +158,7 @@ TParams SchemaReader::params(const QJsonArray& entries) {
     m_entry = QStringLiteral("parameter");
     m_entryNo = 0;
     TParams result;
-    QStringList known;
+    KnownNames known;
     for (const QJsonValue entry : entries) {
         ++m_entryNo;
         result.Items.push_back(param(entry));
@@ -241,11 +241,14 @@ QString SchemaReader::entryName(const QJsonValue& value) const {
     return name;
 }
 
-void SchemaReader::requireNewName(QStringList& known, const QString& name) const {
-    if (known.contains(name, Qt::CaseInsensitive)) {
+void SchemaReader::requireNewName(KnownNames& known, const QString& name) const {
+    const QString key = name.toCaseFolded();
+    // What is alike there may still differ: a sharp s from two.
+    for (auto found = known.constFind(key); found != known.cend() && found.key() == key; ++found) {
+        if (found->compare(name, Qt::CaseInsensitive) != 0) continue;
         fail(QStringLiteral("the name \"%1\" is there twice (case makes no difference)").arg(name));
     }
-    known += name;
+    known.insert(key, name);
 }
 
 void SchemaReader::fail(const QString& mistake) const {

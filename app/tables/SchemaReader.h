@@ -5,6 +5,7 @@
 
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QMultiHash>
 
 namespace orvquery {
 
@@ -34,7 +35,9 @@ private:
                                         TFieldType type) const;
     [[nodiscard]] QString entryName(const QJsonValue& value) const;
 
-    void requireNewName(QStringList& known, const QString& name) const;
+    /// Names that are there already, by their spelling without case.
+    using KnownNames = QMultiHash<QString, QString>;
+    void requireNewName(KnownNames& known, const QString& name) const;
     [[noreturn]] void fail(const QString& mistake) const;
 
     QString m_fileName;

@@ -28,6 +28,7 @@ private Q_SLOTS:
     void procedureWithParams();
     void findIgnoresCaseAndQuotes();
     void entriesAreSorted();
+    void namesThatAreAlikeInGermanAloneAreTwo();
     void mistakes_data();
     void mistakes();
     void readsFile();
@@ -83,6 +84,12 @@ void TestSchemaFile::entriesAreSorted() {
     const auto entries = schema(R"({"b": [], "C": [], "A": []})").tables();
     QCOMPARE(entries, (std::vector<TableEntry>{{"A"}, {"b"}, {"C"}}));
     QVERIFY(schema("{}").tables().empty());
+}
+
+void TestSchemaFile::namesThatAreAlikeInGermanAloneAreTwo() {
+    const SchemaFile file("{\"STRASSE\": [], \"stra\u00dfe\": []}", fileName);
+    QCOMPARE(file.tables().size(), 2U);
+    QCOMPARE(file.find(QStringLiteral("Stra\u00dfe"))->name, QStringLiteral("stra\u00dfe"));
 }
 
 void TestSchemaFile::mistakes_data() {
