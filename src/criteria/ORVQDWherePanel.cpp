@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "criteria/ORVQDWherePanel.h"
 
+#include "contract/ChangeScope.h"
 #include "contract/IPagesHost.h"
 #include "core/Error.h"
 #include "core/Text.h"
@@ -225,7 +226,7 @@ void TorvQDWherePanel::loadRun(const orv::TokenRun& run, orv::LoadLedger* ledger
     }
     const auto elements = orv::readConditions(condition, readingRules(keepsMeaning));
     IPagesHost* owner = host();
-    if (owner) owner->beginChange();
+    ChangeScope change(owner, this);
     clearRows();
     if (!elements.empty()) orv::buildRows(elements, root, false, notsOf(keepsMeaning));
     if (ledger) {
@@ -239,9 +240,8 @@ void TorvQDWherePanel::loadRun(const orv::TokenRun& run, orv::LoadLedger* ledger
         account(elements, *ledger, keepsMeaning);
         compareWritten(elements, run, *ledger);
     }
-    if (!owner) return;
-    owner->statementChanged();
-    owner->endChange();
+    if (owner) owner->statementChanged();
+    change.finish();
 }
 
 // A pathological condition is read on trial: most are told from their brackets and connectives.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // How changes travel between the diagram and the pages: always through the query builder.
+#include "contract/ChangeScope.h"
 #include "core/Text.h"
 #include "criteria/ORVQDAliasRename.h"
 #include "criteria/ORVQDWherePanel.h"
@@ -79,7 +80,7 @@ void TorvQueryBuilder::commitCellBefore(TorvQDListItem& item) {
 void TorvQueryBuilder::_AddRemoveField(QObject* Sender, TorvQDListItem* Item) {
     if (!qobject_cast<TorvQDTable*>(Sender)) return;
     const QString name = Item->qualifiedName();
-    beginChange();
+    ChangeScope change(this, this);
     commitCellBefore(*Item);
     const QString given = listedGivenName(Item);
     if (!Item->Checked) {
@@ -92,7 +93,7 @@ void TorvQueryBuilder::_AddRemoveField(QObject* Sender, TorvQDListItem* Item) {
         m_selectedFields.append(name);
         if (SelectPanel) SelectPanel->grid()->CheckField(name);
     }
-    endChange();
+    change.finish();
 }
 
 // The name of the statement by which the row is listed, when it can only mean this row.
@@ -113,14 +114,14 @@ TorvQDListItem* TorvQueryBuilder::resolveItem(const QString& text) const {
 void TorvQueryBuilder::_SelectField(const QString& FullName) {
     TorvQDListItem* item = resolveItem(FullName);
     if (!item || item->Table->leaving) return;
-    beginChange();
+    ChangeScope change(this, this);
     item->UpdateCheck(-1);
     flushRemovals();
     m_selectedFields.appendNew(FullName);
     if (FullName != item->qualifiedName()) {
         m_givenNames.insert(item, FullName);
     }
-    endChange();
+    change.finish();
 }
 
 // It goes under whatever names it is listed.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The selection grid rebuilt from a parsed statement: its select list and its GROUP BY list.
+#include "contract/ChangeScope.h"
 #include "contract/IPagesHost.h"
 #include "core/Error.h"
 #include "core/Text.h"
@@ -8,7 +9,6 @@
 #include "parser/ORVQDLedger.h"
 #include "parser/ORVQDParser.h"
 #include "selection/ORVQDSelectOrder.h"
-#include "toolkit/Services.h"
 
 #include <QHash>
 #include <QSet>
@@ -515,14 +515,8 @@ void TorvQDSelectGrid::LoadSQL(const TorvQDParser& Node) {
         throw orv::Error(QStringLiteral("There is not valid object for extract selection list"));
     }
     // One change: in between the sorting page would lose the lines of columns that come back.
-    IPagesHost* owner = host();
-    if (owner) owner->beginChange();
-    try {
-        ClearContents();
-        SelectLoader(*this, Node).load();
-    } catch (...) {
-        if (owner) orv::guarded([&] { owner->endChange(); });
-        throw;
-    }
-    if (owner) owner->endChange();
+    ChangeScope change(host(), this);
+    ClearContents();
+    SelectLoader(*this, Node).load();
+    change.finish();
 }
