@@ -485,6 +485,18 @@ private Q_SLOTS:
 
     // --- depth
 
+    // Blanks beside brackets go where they nest no deeper than that.
+    void bracketsOfOperandsHaveOneFormToADepthOf20() {
+        Conditions on;
+        const auto nested = [](int depth, const char* inside) {
+            return QString(depth, u'(') + inside + QString(depth, u')');
+        };
+        QCOMPARE(on.read("A = UPPER" + nested(20, " B ")),
+                 "All(A =[UPPER" + nested(20, "B") + "])");
+        QCOMPARE(on.read("A = UPPER" + nested(21, " B ")),
+                 "All(A =[UPPER" + nested(21, " B ") + "])");
+    }
+
     void nestingBeyondTheBoundRaises() {
         Conditions on;
         const auto nested = [](int depth) {

@@ -89,6 +89,7 @@ private Q_SLOTS:
         QCOMPARE(page.tree()->frameShape(), QFrame::NoFrame);
         QCOMPARE(page.tree()->editTriggers(), QAbstractItemView::NoEditTriggers);
         QVERIFY(page.tree()->isHeaderHidden());
+        QVERIFY(!page.filter()->hasFrame());
         QCOMPARE(page.filter()->placeholderText(), "Filter");
         for (const QWidget* part :
              {static_cast<QWidget*>(page.list), static_cast<QWidget*>(page.filter()),

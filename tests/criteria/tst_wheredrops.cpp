@@ -256,11 +256,14 @@ private Q_SLOTS:
             }
             return bar.value() != before;
         };
+        // The band along the edge is 12 pixels wide.
         QVERIFY(!rest(on.view()->rect().center()));
-        QVERIFY(rest(QPoint(100, on.view()->height() - 3)));
+        QVERIFY(!rest(QPoint(100, on.view()->height() - 13)));
+        QVERIFY(rest(QPoint(100, on.view()->height() - 12)));
         const int down = bar.value();
         QVERIFY(down > 0);
-        QVERIFY(rest(QPoint(100, 3)));
+        QVERIFY(!rest(QPoint(100, 12)));
+        QVERIFY(rest(QPoint(100, 11)));
         QVERIFY(bar.value() < down);
         QVERIFY(QAbstractEventDispatcher::instance()->registeredTimers(on.panel()).isEmpty());
     }

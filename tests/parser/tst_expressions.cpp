@@ -26,6 +26,8 @@ private Q_SLOTS:
     void namesFields();
     void equalCounts_data();
     void equalCounts();
+    void tellsSubQueries_data();
+    void tellsSubQueries();
     void countsEveryToken();
     void tokenKeys_data();
     void tokenKeys();
@@ -205,6 +207,31 @@ void TestExpressions::equalCounts() {
     QFETCH(QString, right);
     QFETCH(bool, equal);
     QCOMPARE(countTokens(left) == countTokens(right), equal);
+}
+
+void TestExpressions::tellsSubQueries_data() {
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("inside");
+    const auto row = [](const char* text, const char* inside) {
+        QTest::newRow(text) << QString::fromLatin1(text) << QString::fromLatin1(inside);
+    };
+    row("A = B", "...");
+    row("A IN (1, 2)", ".......");
+    row("A = (SELECT B) AND C", "..xxxx..");
+    row("(SELECT B) = (C)", "xxxx....");
+    row("SELECT (B) C", ".....");
+    row("F((SELECT (B) FROM T), C)", "..xxxxxxxx...");
+    row("(SELECT B", "xxx");
+    row("A (", "..");
+}
+
+// One sign for each token.
+void TestExpressions::tellsSubQueries() {
+    QFETCH(QString, text);
+    const SqlTokens tokens = tokenise(text);
+    QString inside;
+    for (const bool is : insideSubQueries(runOf(text, tokens))) inside += is ? u'x' : u'.';
+    QTEST(inside, "inside");
 }
 
 void TestExpressions::countsEveryToken() {

@@ -87,6 +87,13 @@ private Q_SLOTS:
         QCOMPARE(dialog.btnCancel->text(), "Cancel");
     }
 
+    void hintStandsBelowBothColumns() {
+        const OpersForm on;
+        const TorvQDOperatorsPropertyDlg& dialog = on.dialog;
+        QCOMPARE(dialog.lblHint->geometry().left(), dialog.GroupBox1->geometry().left());
+        QCOMPARE(dialog.lblHint->geometry().right(), dialog.Features->geometry().right());
+    }
+
     void controlsAreCalledWhatTheyAre() {
         const TorvQDOperatorsPropertyDlg dialog;
         const std::pair<const QWidget*, const char*> controls[] = {
