@@ -112,18 +112,24 @@ private:
 
     // Behind a full stop the word in front of it was its qualifier.
     void addName(const QString& name, bool isPlain) {
-        if (m_loose && isPlain && joinsConditions(name.toUpper())) m_glued = false;
+        if (m_loose && isPlain && isNoQualifier(name.toUpper())) m_glued = false;
         const bool isQualified = m_glued && !m_pieces.isEmpty();
         const QString qualifier = isQualified ? m_pieces.takeLast().text : QString();
         m_glued = false;
-        add(Piece::Word, name.toUpper());
+        // "AS .A" names a column ".A".
+        const qsizetype stops =
+            std::find_if(name.begin(), name.end(), [](QChar c) { return c != u'.'; }) -
+            name.begin();
+        add(Piece::Word, name.mid(stops).toUpper());
         m_pieces.back().isPlain = isPlain && !isQualified;
         m_pieces.back().qualifier = qualifier;
     }
 
-    // With blanks beside a full stop these are no parts of a name: "ON .A", "A. OR".
-    static bool joinsConditions(const QString& word) {
-        static const QSet<QString> words = {"ON", "AND", "OR", "NOT", "WHERE", "HAVING"};
+    // With blanks beside a full stop these are no parts of a name: "ON .A", "A. OR", "JOIN .T".
+    static bool isNoQualifier(const QString& word) {
+        static const QSet<QString> words = {"ON",     "AND",  "OR",   "NOT",    "WHERE",
+                                            "HAVING", "FROM", "JOIN", "SELECT", "BY",
+                                            "AS",     "LIKE", "IN",   "BETWEEN"};
         return words.contains(word);
     }
 
@@ -133,13 +139,15 @@ private:
         if (m_loose) return;
         if (character == u'.') {
             const bool behindBlank = m_at > 1 && isBlank(m_text[m_at - 2]);
-            const bool behindWord = !m_pieces.isEmpty() && m_pieces.back().kind == Piece::Word;
+            const bool behindWord =
+                !m_bracket && !m_pieces.isEmpty() && m_pieces.back().kind == Piece::Word;
             m_glued = behindWord && !(behindBlank && m_pieces.back().isPlain &&
-                                      joinsConditions(m_pieces.back().text));
+                                      isNoQualifier(m_pieces.back().text));
             return;
         }
         if (character == u'*' && m_glued) m_pieces.removeLast();
         m_glued = false;
+        m_bracket = character == u'(' || character == u')';
         if (character == u'(') ++m_depth;
         if (character == u')') --m_depth;
         if (character == u',') add(Piece::Comma, QString(character));
@@ -157,13 +165,15 @@ private:
         m_pieces << Piece{
             kind, kind == Piece::Text ? u'\'' + text + u'\'' : text, m_depth, false, {}};
         if (kind != Piece::Word) m_glued = false;
+        m_bracket = false;
     }
 
     const QString& m_text;
     qsizetype m_at = 0;
     int m_depth = 0;
-    bool m_glued = false;  // a full stop stands behind the last word
-    bool m_loose = false;  // the last sign was a blank
+    bool m_glued = false;    // a full stop stands behind the last word
+    bool m_loose = false;    // the last sign was a blank
+    bool m_bracket = false;  // a bracket stands behind the last piece
     Pieces m_pieces;
 };
 
@@ -375,7 +385,10 @@ QStringList wordsOfFrom(const Pieces& clause, bool keepMeaning) {
     for (qsizetype index = 0; index < clause.size(); ++index) {
         Piece piece = clause[index];
         const Piece* before = index > 0 ? &clause[index - 1] : nullptr;
-        if (piece.is("CROSS") || (piece.is("JOIN") && before && before->is("CROSS"))) continue;
+        // A kind of join says so without the word.
+        const bool isKind = before && (before->is("CROSS") || before->is("LEFT") ||
+                                       before->is("RIGHT") || before->is("FULL"));
+        if (piece.is("CROSS") || (piece.is("JOIN") && isKind)) continue;
         // The table's own name as its alias, with AS or without.
         const Piece* named = before && before->is("AS") && index > 1 ? &clause[index - 2] : before;
         const bool isWord = piece.kind == Piece::Word && named && named->kind == Piece::Word;
