@@ -93,6 +93,7 @@ private:
         const QString text = m_text.mid(start, m_at - start);
         if (number) {
             add(Piece::Number, text.toUpper());
+            if (at(0) == u'$') readSign(at(0));  // "1$and" ends a number
         } else {
             addName(text, true);
         }
