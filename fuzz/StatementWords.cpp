@@ -26,7 +26,7 @@ using Pieces = QList<Piece>;
 
 bool isWordPart(QChar character) {
     return character.isLetterOrNumber() || character.isMark() || character.isSurrogate() ||
-           QStringLiteral("_$#@").contains(character);
+           character == QChar::ReplacementCharacter || QStringLiteral("_$#@").contains(character);
 }
 
 bool isBlank(QChar character) {
@@ -60,6 +60,8 @@ private:
             add(Piece::Text, quoted(u'\''));
         } else if (character == u'"' || character == u'`') {
             addName(quoted(character), false);
+        } else if (character == u'#' && !isWordPart(at(1))) {
+            readSign(character);
         } else if (isWordPart(character) || (character == u'.' && at(1).isDigit() && !m_glued)) {
             readWord();
         } else {
