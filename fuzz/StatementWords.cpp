@@ -26,7 +26,7 @@ using Pieces = QList<Piece>;
 
 bool isWordPart(QChar character) {
     return character.isLetterOrNumber() || character.isMark() || character.isSurrogate() ||
-           QStringLiteral("_$#@").contains(character);
+           character == QChar::ReplacementCharacter || QStringLiteral("_$#@").contains(character);
 }
 
 bool isBlank(QChar character) {
@@ -60,6 +60,8 @@ private:
             add(Piece::Text, quoted(u'\''));
         } else if (character == u'"' || character == u'`') {
             addName(quoted(character), false);
+        } else if (character == u'#' && !isWordPart(at(1))) {
+            readSign(character);
         } else if (isWordPart(character) || (character == u'.' && at(1).isDigit() && !m_glued)) {
             readWord();
         } else {
@@ -93,6 +95,7 @@ private:
         const QString text = m_text.mid(start, m_at - start);
         if (number) {
             add(Piece::Number, text.toUpper());
+            if (at(0) == u'$') readSign(at(0));  // "1$and" ends a number
         } else {
             addName(text, true);
         }
@@ -112,18 +115,24 @@ private:
 
     // Behind a full stop the word in front of it was its qualifier.
     void addName(const QString& name, bool isPlain) {
-        if (m_loose && isPlain && joinsConditions(name.toUpper())) m_glued = false;
+        if (m_loose && isPlain && isNoQualifier(name.toUpper())) m_glued = false;
         const bool isQualified = m_glued && !m_pieces.isEmpty();
         const QString qualifier = isQualified ? m_pieces.takeLast().text : QString();
         m_glued = false;
-        add(Piece::Word, name.toUpper());
+        // "AS .A" names a column ".A".
+        const qsizetype stops =
+            std::find_if(name.begin(), name.end(), [](QChar c) { return c != u'.'; }) -
+            name.begin();
+        add(Piece::Word, name.mid(stops).toUpper());
         m_pieces.back().isPlain = isPlain && !isQualified;
         m_pieces.back().qualifier = qualifier;
     }
 
-    // With blanks beside a full stop these are no parts of a name: "ON .A", "A. OR".
-    static bool joinsConditions(const QString& word) {
-        static const QSet<QString> words = {"ON", "AND", "OR", "NOT", "WHERE", "HAVING"};
+    // With blanks beside a full stop these are no parts of a name: "ON .A", "A. OR", "JOIN .T".
+    static bool isNoQualifier(const QString& word) {
+        static const QSet<QString> words = {"ON",     "AND",  "OR",   "NOT",    "WHERE",
+                                            "HAVING", "FROM", "JOIN", "SELECT", "BY",
+                                            "AS",     "LIKE", "IN",   "BETWEEN"};
         return words.contains(word);
     }
 
@@ -133,13 +142,15 @@ private:
         if (m_loose) return;
         if (character == u'.') {
             const bool behindBlank = m_at > 1 && isBlank(m_text[m_at - 2]);
-            const bool behindWord = !m_pieces.isEmpty() && m_pieces.back().kind == Piece::Word;
+            const bool behindWord =
+                !m_bracket && !m_pieces.isEmpty() && m_pieces.back().kind == Piece::Word;
             m_glued = behindWord && !(behindBlank && m_pieces.back().isPlain &&
-                                      joinsConditions(m_pieces.back().text));
+                                      isNoQualifier(m_pieces.back().text));
             return;
         }
         if (character == u'*' && m_glued) m_pieces.removeLast();
         m_glued = false;
+        m_bracket = character == u'(' || character == u')';
         if (character == u'(') ++m_depth;
         if (character == u')') --m_depth;
         if (character == u',') add(Piece::Comma, QString(character));
@@ -157,13 +168,15 @@ private:
         m_pieces << Piece{
             kind, kind == Piece::Text ? u'\'' + text + u'\'' : text, m_depth, false, {}};
         if (kind != Piece::Word) m_glued = false;
+        m_bracket = false;
     }
 
     const QString& m_text;
     qsizetype m_at = 0;
     int m_depth = 0;
-    bool m_glued = false;  // a full stop stands behind the last word
-    bool m_loose = false;  // the last sign was a blank
+    bool m_glued = false;    // a full stop stands behind the last word
+    bool m_loose = false;    // the last sign was a blank
+    bool m_bracket = false;  // a bracket stands behind the last piece
     Pieces m_pieces;
 };
 
@@ -375,7 +388,10 @@ QStringList wordsOfFrom(const Pieces& clause, bool keepMeaning) {
     for (qsizetype index = 0; index < clause.size(); ++index) {
         Piece piece = clause[index];
         const Piece* before = index > 0 ? &clause[index - 1] : nullptr;
-        if (piece.is("CROSS") || (piece.is("JOIN") && before && before->is("CROSS"))) continue;
+        // A kind of join says so without the word.
+        const bool isKind = before && (before->is("CROSS") || before->is("LEFT") ||
+                                       before->is("RIGHT") || before->is("FULL"));
+        if (piece.is("CROSS") || (piece.is("JOIN") && isKind)) continue;
         // The table's own name as its alias, with AS or without.
         const Piece* named = before && before->is("AS") && index > 1 ? &clause[index - 2] : before;
         const bool isWord = piece.kind == Piece::Word && named && named->kind == Piece::Word;

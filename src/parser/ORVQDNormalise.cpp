@@ -191,8 +191,11 @@ private:
             end = m_given.indexOf(close, end + 2);
         }
         if (end < 0) {
-            append(m_given[m_position], m_position);
-            ++m_position;
+            // All signs of a row that nothing closes stay: a part of them would be read as a name.
+            do {
+                append(m_given[m_position], m_position);
+                ++m_position;
+            } while (m_position < m_given.size() && m_given[m_position] == close);
             return;
         }
         append(u'"', m_position);

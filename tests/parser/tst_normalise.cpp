@@ -72,6 +72,8 @@ void TestNormalise::texts_data() {
     row("comment in backticks", "`a -- b` c", "\"a -- b\" c");
     row("backtick in apostrophes", "'a`b`'", "'a`b`'");
     row("backtick not closed", "a `b", "a `b");
+    row("odd row of backticks", "a```````b", "a```````b");
+    row("odd row of backticks, closed", "a```b`", "a\"`b\"");
     row("square brackets", "select [my name] from [t]", "select \"my name\" from \"t\"");
     row("square brackets at the start", "[a b]", "\"a b\"");
     row("square brackets behind a full stop", "t.[a b].[c]", "t.\"a b\".\"c\"");
