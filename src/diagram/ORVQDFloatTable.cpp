@@ -214,8 +214,9 @@ void TorvQDTable::SetFieldState(int State) {
         if (Items[index]->ParamType == ptOutput) Items[index]->SetCheck(State == 2);
     }
     settle.dismiss();
-    // What was being typed in the grid is taken over on the way, and may have unticked a row.
-    if (self && State == 2 && m_checkedRows == m_outputRows) UpdateFieldState(2);
+    // What was being typed in the grid is taken over on the way: it may have ticked or unticked a
+    // row whose turn came later.
+    if (self && m_checkedRows == (State == 2 ? m_outputRows : 0)) UpdateFieldState(State);
     change.finish();
 }
 

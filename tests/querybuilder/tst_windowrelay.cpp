@@ -130,6 +130,21 @@ private Q_SLOTS:
         QCOMPARE(box->FieldState, 1);
     }
 
+    void untickingAllCountsWhatAnOpenEditorTicks() {
+        HostedBuilder on;
+        TorvQDTable* box = on.addTable("T");
+        on.tick("T", "A");
+        on.builder.resize(800, 600);
+        on.builder.PageCtrl->setCurrentIndex(1);
+        on.builder.show();
+        on.grid()->_EditText(2, 2);
+        on.grid()->viewport()->findChild<orv::ExitCombo*>()->setEditText("T.C");
+        box->SetFieldState(0);
+        QCOMPARE(box->FieldState, 0);
+        QCOMPARE(on.columns(), QStringList());
+        verifyBuilder(on.builder);
+    }
+
     void cellThatNamesTheFieldIsTakenOverBeforeItsTick() {
         HostedBuilder on;
         on.addTable("T");
