@@ -208,6 +208,11 @@ bool isExpression(const TokenRun& run) {
     return !isConnective(run, run.size() - 1);
 }
 
+bool isStar(const TokenRun& run) {
+    if (run.isEmpty() || run.size() > 2 || run.textOf(run.size() - 1) != u"*") return false;
+    return run.size() == 1 || run.textOf(0).endsWith(u'.');
+}
+
 namespace {
 
 bool isBracketOfConditions(const TokenRun& run) {

@@ -38,6 +38,9 @@ struct AliasedRun {
 /// size of the run when nothing does.
 [[nodiscard]] ORV_EXPORT int endOfCondition(const TokenRun& run);
 
+/// Whether the run stands for all fields, of all tables or of one: "*" or "T.*".
+[[nodiscard]] ORV_EXPORT bool isStar(const TokenRun& run);
+
 /// Whether the token names a field: a word that is no constant and no parameter.
 [[nodiscard]] ORV_EXPORT bool namesField(const TokenRun& run, int index);
 

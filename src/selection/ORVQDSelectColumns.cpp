@@ -3,6 +3,7 @@
 
 #include "core/Error.h"
 #include "core/Text.h"
+#include "parser/ORVQDExpressions.h"
 #include "parser/ORVQDTokens.h"
 
 #include <algorithm>
@@ -20,6 +21,11 @@ bool isAggregateName(QStringView word, const QStringList& aggregates) {
 bool isOneToken(const QString& text) {
     const SqlTokens tokens = tokenise(text);
     return tokens.size() == 1;
+}
+
+bool isStar(const QString& text) {
+    const SqlTokens tokens = tokenise(text);
+    return isStar(TokenRun(text, tokens.data(), tokens.data() + tokens.size()));
 }
 
 // Whether the call that opens at `open` stands over a window; a FILTER may stand between.
@@ -73,7 +79,11 @@ bool isValidOutputName(const QString& name) {
 
 QString outputNameProblem(const OutputColumn& column, const SelectTextRules& rules) {
     const QString name = writtenOutputName(column, rules);
-    if (name.isEmpty() || isValidOutputName(name)) return {};
+    if (name.isEmpty()) return {};
+    if (isBlank(column.aggregate) && isStar(column.source)) {
+        return QStringLiteral("This stands for several columns, which cannot have one name.");
+    }
+    if (isValidOutputName(name)) return {};
     return QStringLiteral("This is no valid name of an output column.");
 }
 

@@ -133,19 +133,17 @@ private:
         }
     }
 
-    // "*" stands for all fields of all boxes, "T.*" for those of one.
     bool loadStar(const TokenRun& run) {
+        if (!orv::isStar(run)) return false;
         QStringList aliases;
-        if (run.size() == 1 && run.textOf(0) == u"*") {
+        if (run.size() == 1) {
             if (!m_host) {
                 throw orv::Error(
                     QStringLiteral("Fatal error! Could not find parent for sorting page!"));
             }
             aliases = m_host->tableAliases();
-        } else if (run.size() == 2 && run.textOf(1) == u"*" && run.textOf(0).endsWith(u'.')) {
-            aliases << orv::upperOutsideQuotes(run.textOf(0).chopped(1));
         } else {
-            return false;
+            aliases << orv::upperOutsideQuotes(run.textOf(0).chopped(1));
         }
         const std::size_t before = m_loaded.size();
         for (const QString& alias : std::as_const(aliases)) {

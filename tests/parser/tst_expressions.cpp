@@ -22,6 +22,7 @@ private Q_SLOTS:
     void splitsAliases();
     void tellsExpressions_data();
     void tellsExpressions();
+    void tellsStars();
     void namesFields_data();
     void namesFields();
     void equalCounts_data();
@@ -151,6 +152,19 @@ void TestExpressions::tellsExpressions() {
     QFETCH(bool, expression);
     const SqlTokens tokens = tokenise(text);
     QCOMPARE(isExpression(runOf(text, tokens)), expression);
+}
+
+void TestExpressions::tellsStars() {
+    const auto is = [](const QString& text) {
+        const SqlTokens tokens = tokenise(text);
+        return isStar(runOf(text, tokens));
+    };
+    for (const char* text : {"*", " * ", "T.*", "\"my table\".*", "S.T.*", "T. *"}) {
+        QVERIFY2(is(QString::fromLatin1(text)), text);
+    }
+    for (const char* text : {"", " ", "T", "T *", "* T", "T.A", "*.*", "T.* AS A", "'*'", "(*)"}) {
+        QVERIFY2(!is(QString::fromLatin1(text)), text);
+    }
 }
 
 void TestExpressions::namesFields_data() {

@@ -207,6 +207,22 @@ private Q_SLOTS:
         }
     }
 
+    // It stands for several columns; one that is counted does not.
+    void nameOfAStarIsTold() {
+        const QString what = ": This stands for several columns, which cannot have one name.";
+        for (const bool keepMeaning : {false, true}) {
+            HostedBuilder on(keepMeaning);
+            on.addTable("T");
+            on.grid()->setColumns({{"N", {}, "*"}, {"M", {}, "T.*"}, {"", {}, "*"}});
+            QCOMPARE(found(on), QStringList({"N" + what, "M" + what}));
+            HostedBuilder other(keepMeaning);
+            other.builder.LoadSQL(on.builder.GetSQLStatment());
+            QCOMPARE(other.findings(), QStringList("* AS N"));
+            on.grid()->setColumns({{"N", "COUNT", "*"}, {"M", {}, "T.A * 2"}});
+            QCOMPARE(found(on).filter(what), QStringList());
+        }
+    }
+
     void sortingInFrontOfAUnionIsTold() {
         HostedBuilder on;
         on.builder.LoadSQL("select t.a from t union select u.x from u");
