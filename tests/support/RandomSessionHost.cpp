@@ -305,7 +305,10 @@ void RandomSession::disturb() {
             return area().selectObject(m_dice.chance(70) ? anyTable() : nullptr);
         }
         case 17: note("an event loop"); return settle();
-        case 18: note("undo"); return m_undoStack.undo();
+        case 18:
+            note("undo");
+            m_loose += m_everLoose;
+            return m_undoStack.undo();
         case 19: return keepMeaning();
         default: return tick();
         }
