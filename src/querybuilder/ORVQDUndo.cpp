@@ -150,8 +150,9 @@ UndoRecorder::Shown UndoRecorder::show(const QByteArray& state) {
     if (!self || !m_builder) return Shown::Yes;
     guarded([&] { view.restore(*m_builder->WorkArea); });
     if (!self || !m_builder) return Shown::Yes;
-    m_present = shown == state ? state : editedState(*m_builder);
+    // What has come of the state before in the hands of the host is recorded like any other change.
     if (shown != state) return Shown::NotNow;
+    m_present = state;
     m_index = -1;
     return Shown::Yes;
 }

@@ -425,7 +425,7 @@ private Q_SLOTS:
         QCOMPARE(on.steps(), steps);
     }
 
-    // Neither state can be shown: what is left is the beginning of what comes.
+    // Neither state can be shown: what is left is a change, which can be undone.
     void handlerThatAlwaysRaisesLeavesTheSteps() {
         const RecordedServices services;
         Recorded on;
@@ -439,7 +439,37 @@ private Q_SLOTS:
         QCOMPARE(on.steps(), steps);
         on.builder.WorkArea->OnAddTable = nullptr;
         on.recorder->record();
-        QCOMPARE(on.steps(), steps);
+        QCOMPARE(on.steps(), steps + QStringList("clearing the diagram"));
+        on.stack.undo();
+        QCOMPARE(on.state(), after);
+    }
+
+    // The steps hang together: what the host does to the state that comes back is one of its own.
+    void changeOfWhatComesBackIsAStep() {
+        const RecordedServices services;
+        Recorded on;
+        on.addTable("ORDERS");
+        on.addTable("DEPT");
+        const QStringList steps = on.steps();
+        const QByteArray before = on.state();
+        int told = 0;
+        on.builder.WorkArea->OnAddTable = [&told](auto&&...) {
+            if (++told == 1) throw orv::Error("handler");
+        };
+        bool isTicked = false;
+        QObject::connect(&on.builder, &TorvQueryBuilder::StatementChanged, this, [&] {
+            if (!on.table("DEPT") || std::exchange(isTicked, true)) return;
+            on.tick("DEPT", "BUDGET");
+        });
+        on.stack.undo();
+        on.builder.WorkArea->OnAddTable = nullptr;
+        QCOMPARE(services.errors, QStringList("handler"));
+        const QByteArray after = on.state();
+        QVERIFY(after != before);
+        on.recorder->record();
+        QCOMPARE(on.steps(), steps + QStringList("adding the column BUDGET"));
+        on.stack.undo();
+        QCOMPARE(on.state(), before);
         on.stack.redo();
         QCOMPARE(on.state(), after);
     }
