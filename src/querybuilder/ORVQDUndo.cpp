@@ -71,6 +71,9 @@ private:
         const QPointer<UndoRecorder> recorder = m_recorder;
         const int index = recorder->m_stack ? recorder->m_stack->index() : 0;
         const Shown shown = recorder->show(qUncompress(state));
+        // A host that undoes or redoes meanwhile has moved the stack, which goes on from where it
+        // is.
+        if (recorder) recorder->moveStack(index);
         if (shown == Shown::Never) {
             setObsolete(true);
             if (recorder && recorder->m_stack) recorder->joinNeighbour(index, direction);
@@ -128,7 +131,7 @@ void UndoRecorder::take(const QString& text) {
 // afterwards.
 UndoRecorder::Shown UndoRecorder::show(const QByteArray& state) {
     if (!m_builder) return Shown::Never;
-    if (m_isRestoring) return Shown::Yes;  // the stack is where it belongs once the outer one ends
+    if (m_isRestoring) return Shown::Yes;  // the outer one moves the stack back
     const bool isBusy = m_builder->isBusy();
     const QPointer<UndoRecorder> self(this);
     m_isRestoring = true;
@@ -175,10 +178,15 @@ void UndoRecorder::returnTo(int index) {
 }
 
 void UndoRecorder::realign() {
-    if (m_isRestoring || m_index < 0 || !m_stack) return;
+    if (!m_isRestoring && m_index >= 0) moveStack(std::exchange(m_index, -1));
+}
+
+// The diagram is there already.
+void UndoRecorder::moveStack(int index) {
+    if (!m_stack || m_stack->index() == index) return;
     m_isRealigning = true;
     const QPointer<UndoRecorder> self(this);
-    guarded([this] { m_stack->setIndex(std::exchange(m_index, -1)); });
+    guarded([&] { m_stack->setIndex(index); });
     if (self) m_isRealigning = false;
 }
 

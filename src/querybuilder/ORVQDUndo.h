@@ -68,6 +68,7 @@ private:
     void joinNeighbour(int index, int direction);
     void returnTo(int index);
     void realign();
+    void moveStack(int index);
 
     QPointer<TorvQueryBuilder> m_builder;
     QPointer<QUndoStack> m_stack;

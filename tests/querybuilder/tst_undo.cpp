@@ -486,6 +486,42 @@ private Q_SLOTS:
         QVERIFY(!on.stack.canUndo());
     }
 
+    // The stack goes on from where it is then, which must be where the diagram is.
+    void slotMayMoveTheStack_data() {
+        QTest::addColumn<bool>("isUndone");
+        QTest::addColumn<bool>("undoesMeanwhile");
+        for (const bool isUndone : {false, true}) {
+            for (const bool undoes : {false, true}) {
+                QTest::addRow("%s in %s", undoes ? "undo" : "redo", isUndone ? "undo" : "redo")
+                    << isUndone << undoes;
+            }
+        }
+    }
+    void slotMayMoveTheStack() {
+        QFETCH(bool, isUndone);
+        QFETCH(bool, undoesMeanwhile);
+        Recorded on;
+        QList<QByteArray> states = {on.state()};
+        for (const char* table : {"ORDERS", "DEPT", "EMPLOYEE", "U"}) {
+            on.addTable(table);
+            states << on.state();
+        }
+        on.stack.setIndex(2);
+        bool isFirst = true;
+        QObject::connect(&on.builder, &TorvQueryBuilder::StatementChanged, this, [&] {
+            if (!std::exchange(isFirst, false)) return;
+            undoesMeanwhile ? on.stack.undo() : on.stack.redo();
+        });
+        isUndone ? on.stack.undo() : on.stack.redo();
+        QVERIFY(!isFirst);
+        QCOMPARE(on.stack.index(), isUndone ? 1 : 3);
+        QCOMPARE(on.state(), states[on.stack.index()]);
+        on.stack.undo();
+        QCOMPARE(on.state(), states[on.stack.index()]);
+        on.stack.redo();
+        QCOMPARE(on.state(), states[on.stack.index()]);
+    }
+
     void slotMayResetTheRecorder() {
         Recorded on;
         const QByteArray before = on.state();
