@@ -27,6 +27,18 @@ void tickSome(Scene& on) {
     on.table("U")->toggle(on.table("U")->GetFieldItem("X"));
 }
 
+void tickSomeAndUndo(Scene& on) {
+    tickSome(on);
+    on.undo->undo();
+}
+
+// Changes of the layout become a step when the event is over.
+void moveTheBox(Scene& on) {
+    selectTheBox(on);
+    on.key(Qt::Key_Right, Qt::ControlModifier);
+    runLoopOnce();
+}
+
 QPoint checkSquareOf(const TorvQDTable& box, int row) {
     const TRect rect = box.GetItemRect(box.Items[std::size_t(row)].get());
     return {rect.Left + 5, rect.Top + 8};
@@ -215,6 +227,10 @@ std::vector<FaultPath> areaNotices() {
         {"OnSelectionLink, menu Rename", By::Hand, none, selectTheLink,
          armNotice<&Area::OnSelectionLink>,
          [](Scene& on) { chooseFromMenuOf(on, Scene::captionOf(*on.box), "Rename table"); }},
+        {"OnAddTable, undo", By::Hand, FaultPath::Twice, close, armNotice<&Area::OnAddTable>,
+         [](Scene& on) { on.undo->undo(); }},
+        {"contentsCleared, undo", By::Hand, FaultPath::Twice, tickSome,
+         armNotice<&Area::contentsCleared>, [](Scene& on) { on.undo->undo(); }},
         {"contentsCleared, Clear", By::Call, none, tickSome, armNotice<&Area::contentsCleared>,
          [](Scene& on) { on.builder->Clear(); }},
         {"contentsCleared, LoadSQL", By::Call, none, tickSome, armNotice<&Area::contentsCleared>,
@@ -315,6 +331,12 @@ std::vector<FaultPath> signalNotices() {
          [](Scene& on) { on.key(Qt::Key_Right, Qt::ControlModifier); }},
         {"LayoutChanged, arrange", By::Hand, none, selectTheBox, armLayoutChanged,
          [](Scene& on) { on.area()->arrange(); }},
+        {"StatementChanged, undo", By::Hand, none, tickSome, told,
+         [](Scene& on) { on.undo->undo(); }},
+        {"StatementChanged, redo", By::Hand, none, tickSomeAndUndo, told,
+         [](Scene& on) { on.undo->redo(); }},
+        {"LayoutChanged, undo", By::Hand, none, moveTheBox, armLayoutChanged,
+         [](Scene& on) { on.undo->undo(); }},
         {"LoadReported", By::Call, none, still, armLoadReported,
          [](Scene& on) { on.builder->LoadSQL(withFindings); }},
         {"message about a join, LoadSQL", By::Call, none, still, armMessage,

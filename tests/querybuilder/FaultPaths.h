@@ -24,7 +24,8 @@ struct FaultPath {
         None = 0,
         Asks = 1,      ///< the host can refuse it
         Keeps = 2,     ///< when the host raises or refuses, all stays as it was
-        Twice = 4,     ///< it is two changes, such as a name that is taken over, and a new box
+        Twice = 4,     ///< it is two changes, such as a name that is taken over, and a new box; or
+                       ///< a step back that the host breaks off, and what is put back then
         Reports = 8,   ///< it takes over by the way what was being typed, of which the user is told
         QtGoesOn = 16  ///< Qt looks at the receiver of the event afterwards, or at the widget that
                        ///< it hides or gives the focus to: it has to be there

@@ -16,6 +16,8 @@
 #include <algorithm>
 #include <functional>
 
+class QUndoStack;
+
 namespace orvtest {
 
 /// Handles what is due in the event loop, such as the death of what was to be deleted later.
@@ -143,6 +145,7 @@ public:
     QPointer<TorvQueryBuilder> builder;
     QPointer<TorvQDTable> box;     // T
     QPointer<TorvQDLink> link;     // from T.A to U.X
+    QUndoStack* undo = nullptr;    // of what is recorded, where that is done
     std::function<void()> strike;  // what ends one of them, once
     bool byTimer = false;
 

@@ -85,6 +85,7 @@ private Q_SLOTS:
         Scene on;
         QUndoStack stack;
         const orv::UndoRecorder recorder(on.builder, &stack);
+        on.undo = &stack;
         const auto over = qScopeGuard([this] { m_isArmed = false; });
         const QByteArray beginning = orv::editedState(*on.builder);
         on.builder->setTailText("FOR UPDATE");
