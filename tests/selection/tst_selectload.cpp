@@ -323,6 +323,18 @@ private Q_SLOTS:
         QCOMPARE(kept.builder.GetSQLStatment(), "SELECT SUM( T.A ) AS A\r\nFROM T");
     }
 
+    void whatTheHostRaisesWhenToldPasses() {
+        HostedBuilder on;
+        on.addTable("T");
+        connect(&on.builder, &TorvQueryBuilder::StatementChanged, this,
+                [] { throw orv::Error("not now"); });
+        QCOMPARE(orvtest::errorOf([&] {
+                     on.grid()->LoadSQL(TorvQDParser(QStringLiteral("SELECT T.A FROM T")));
+                 }),
+                 "not now");
+        QCOMPARE(on.columns(), QStringList("A||T.A"));
+    }
+
     // --- GROUP BY
 
     void groupBy_data() {

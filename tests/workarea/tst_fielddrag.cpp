@@ -333,6 +333,17 @@ private Q_SLOTS:
         QVERIFY(!on.area().isTimerActive(TorvQDWorkArea::edgeTimer));
     }
 
+    void leavingEndsTheScrolling() {
+        DragBuilder on;
+        QMimeData data;
+        data.setText("EMPLOYEE");
+        on.builder.OnDragOver = [](QObject*, QObject*, int, int, bool& accept) { accept = true; };
+        on.enter({on.view()->width() - 5, 100}, &data);
+        QVERIFY(on.area().isTimerActive(TorvQDWorkArea::edgeTimer));
+        on.leave();
+        QVERIFY(!on.area().isTimerActive(TorvQDWorkArea::edgeTimer));
+    }
+
     void fieldThatIsNotBeingDraggedIsRefused() {
         DragBuilder on;
         const auto data = orv::toMimeData({on.area().dragIdentity(), "T", "B"});

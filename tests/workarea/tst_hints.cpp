@@ -108,6 +108,15 @@ private Q_SLOTS:
         QVERIFY(on.hint()->width() <= 200);
     }
 
+    // A pixel of frame and three of padding on each side, and one for the last letter.
+    void hintIsAsLargeAsItsText() {
+        const HintedBuilder on;
+        QVERIFY(!on.hintAt(on.captionOf("T")).isEmpty());
+        const QFontMetrics metrics(on.hint()->font());
+        const QSize text = metrics.boundingRect(0, 0, 1000, 1000, 0, on.hint()->text()).size();
+        QCOMPARE(on.hint()->size(), text + QSize(9, 8));
+    }
+
     void longHintIsWrapped() {
         HintedBuilder on;
         on.host.add("LONG", {"A FIELD WITH A NAME THAT IS FAR TOO LONG FOR ONE LINE OF A HINT"});
