@@ -492,10 +492,7 @@ void TorvQDWorkArea::dragMoveEvent(QDragMoveEvent* event) {
 }
 
 void TorvQDWorkArea::dragLeaveEvent(QDragLeaveEvent*) {
-    orv::guarded([&] {
-        stopTimer(edgeTimer);
-        m_fieldDrag->leave();
-    });
+    orv::guarded([&] { m_fieldDrag->leave(); });
 }
 
 void TorvQDWorkArea::dropEvent(QDropEvent* event) {
