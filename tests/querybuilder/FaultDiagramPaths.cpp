@@ -6,7 +6,6 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QMenu>
 
 namespace orvtest {
 
@@ -27,19 +26,6 @@ void select(Scene& on, TorvQDFloatObject* object) {
 QPoint closeButtonOf(const TorvQDTable& box) {
     const TRect buttons = box.toView(box.GetButtonRect());
     return {buttons.Right - 5, (buttons.Top + buttons.Bottom) / 2};
-}
-
-/// Where a line of the menu at the point stands, and chooses it.
-void chooseAt(Scene& on, const QPoint& point, const QString& text) {
-    on.rightClick(point);
-    const QPointer<QMenu> menu(on.area()->findChild<QMenu*>());
-    QVERIFY(menu);
-    const QList<QAction*> actions = menu->actions();
-    const auto found = std::find_if(actions.begin(), actions.end(),
-                                    [&](const QAction* each) { return each->text() == text; });
-    QVERIFY(found != actions.end());
-    (*found)->trigger();
-    if (menu) menu->close();
 }
 
 /// Deletes of links are done when the event is over.
@@ -108,14 +94,6 @@ void linkByKeys(Scene& on) {
 }
 
 // --- the scene ---
-
-void selectBox(Scene& on) {
-    select(on, on.box);
-}
-
-void selectLink(Scene& on) {
-    select(on, on.link);
-}
 
 void lookAtRow(Scene& on) {
     selectBox(on);
@@ -230,15 +208,6 @@ void armDialog(Scene&, RecordedServices& services, const Strike& strike) {
 
 const QString joined = "SELECT D.BUDGET FROM DEPT D JOIN EMPLOYEE E ON D.DEPT_NO = E.DEPT_NO";
 
-TorvQDTable* addDept(Scene& on) {
-    return on.builder->ListOfTables->AddTable("DEPT", on.host.table("DEPT"));
-}
-
-TorvQDLink* addLink(Scene& on) {
-    TorvQDTable* wide = on.table("WIDE");
-    return on.area()->AddLink(on.box, wide, on.box->GetFieldItem("B"), wide->GetFieldItem("W2"));
-}
-
 }  // namespace
 
 std::vector<FaultPath> diagramFaultPaths() {
@@ -265,7 +234,7 @@ std::vector<FaultPath> diagramFaultPaths() {
         {"veto of a table, CloseTable", By::Call, veto, still, armTable,
          [](Scene& on) { on.box->CloseTable(); }},
         {"veto of a link, AddLink", By::Call, veto, still, armLink<araAdd>,
-         [](Scene& on) { addLink(on); }},
+         [](Scene& on) { addLinkToWide(on); }},
         {"veto of a link, LoadSQL", By::Call, some, still, armLink<araAdd>, load},
         {"veto of a link, deleteLink", By::Call, veto, still, armLink<araRemove>,
          [](Scene& on) { on.area()->deleteLink(on.link); }},
@@ -292,7 +261,7 @@ std::vector<FaultPath> diagramFaultPaths() {
         {"veto of a table, Delete key", By::Hand, veto, selectBox, armTable,
          [](Scene& on) { key(on, Qt::Key_Delete); }},
         {"veto of a table, menu", By::Hand, veto, selectBox, armTable,
-         [](Scene& on) { chooseAt(on, Scene::captionOf(*on.box), "Delete table"); }},
+         [](Scene& on) { chooseFromMenu(on, Scene::captionOf(*on.box), "Delete table"); }},
         {"veto of a table, message", By::Hand, veto, still, armTable,
          [](Scene& on) {
              TorvDiagramEvent message(CMCLOSETABLE, on.box);
@@ -313,7 +282,7 @@ std::vector<FaultPath> diagramFaultPaths() {
          }},
         {"veto of a link, menu", By::Hand, veto, selectLink, armLink<araRemove>,
          [](Scene& on) {
-             chooseAt(on, on.middleOfLink(), "Delete link");
+             chooseFromMenu(on, on.middleOfLink(), "Delete link");
              handlePosted(on);
          }},
         {"veto of a link, dragged row", By::Hand, veto, selectBox, armLink<araAdd>, dragRow},

@@ -5,7 +5,6 @@
 #include "querybuilder/ORVQDUndo.h"
 #include "toolkit/ExitEdit.h"
 
-#include <QMenu>
 #include <QUndoStack>
 
 namespace orvtest {
@@ -13,14 +12,6 @@ namespace orvtest {
 namespace {
 
 using By = FaultPath::By;
-
-void selectTheBox(Scene& on) {
-    on.area()->selectObject(on.box);
-}
-
-void selectTheLink(Scene& on) {
-    on.area()->selectObject(on.link);
-}
 
 void tickSome(Scene& on) {
     on.box->toggle(on.box->GetFieldItem("A"));
@@ -34,7 +25,7 @@ void tickSomeAndUndo(Scene& on) {
 
 // Changes of the layout become a step when the event is over.
 void moveTheBox(Scene& on) {
-    selectTheBox(on);
+    selectBox(on);
     on.key(Qt::Key_Right, Qt::ControlModifier);
     runLoopOnce();
 }
@@ -100,13 +91,8 @@ QByteArray linkedState() {
     return other.builder.SaveState();
 }
 
-TorvQDLink* addLinkToWide(Scene& on) {
-    TorvQDTable* wide = on.table("WIDE");
-    return on.area()->AddLink(on.box, wide, on.box->GetFieldItem("B"), wide->GetFieldItem("W2"));
-}
-
 void typeAlias(Scene& on) {
-    selectTheBox(on);
+    selectBox(on);
     on.key(Qt::Key_F2);
     on.view()->findChild<orv::ExitEdit*>()->setText("OTHER");
 }
@@ -115,56 +101,23 @@ void pressReturn(QWidget* editor) {
     QTest::keyClick(editor, Qt::Key_Return);
 }
 
-void chooseFromMenuOf(Scene& on, const QPoint& point, const QString& text) {
-    on.rightClick(point);
-    const QPointer<QMenu> menu(on.area()->findChild<QMenu*>());
-    QVERIFY(menu);
-    const QList<QAction*> actions = menu->actions();
-    for (QAction* action : actions) {
-        if (action->text() != text) continue;
-        action->trigger();
-        break;
-    }
-    if (menu) menu->close();
-}
-
-}  // namespace
-
-void armStatementChanged(Scene& on, RecordedServices&, const Strike& strike) {
-    QObject::connect(on.builder, &TorvQueryBuilder::StatementChanged, on.builder,
-                     [strike = Strike(strike)] { strike(nullptr); });
-}
-
-void armMessage(Scene&, RecordedServices&, const Strike& strike) {
-    orv::setMessageService([strike](const orv::MessageRequest& request) {
-        strike(nullptr);
-        return request.buttons == orv::MessageButtons::Ok ? orv::MessageAnswer::Ok
-                                                          : orv::MessageAnswer::Yes;
-    });
-}
-
-namespace {
-
 using Area = TorvQDWorkArea;
 
 std::vector<FaultPath> areaNotices() {
     constexpr int none = FaultPath::None;
     const auto still = [](Scene&) {};
-    const auto addDept = [](Scene& on) {
-        on.builder->ListOfTables->AddTable("DEPT", on.host.table("DEPT"));
-    };
     const auto load = [](Scene& on) { on.builder->LoadSQL(simple); };
     const auto restore = [](Scene& on) { on.builder->RestoreState(otherState()); };
     const auto close = [](Scene& on) { on.builder->ListOfTables->DeleteTable(on.box); };
     return {
-        {"OnCheckItem, click", By::Hand, none, selectTheBox, armNotice<&Area::OnCheckItem>,
+        {"OnCheckItem, click", By::Hand, none, selectBox, armNotice<&Area::OnCheckItem>,
          [](Scene& on) { click(on, checkSquareOf(*on.box, 0)); }},
-        {"OnCheckItem, all by click", By::Hand, none, selectTheBox, armNotice<&Area::OnCheckItem>,
+        {"OnCheckItem, all by click", By::Hand, none, selectBox, armNotice<&Area::OnCheckItem>,
          [](Scene& on) {
              const TRect bounds = on.box->toView(on.box->GetBoundsRect());
              click(on, {bounds.Left + 8, bounds.Top + 10});
          }},
-        {"OnCheckItem, all by key", By::Hand, none, selectTheBox, armNotice<&Area::OnCheckItem>,
+        {"OnCheckItem, all by key", By::Hand, none, selectBox, armNotice<&Area::OnCheckItem>,
          [](Scene& on) { on.key(Qt::Key_Space, Qt::ControlModifier); }},
         {"OnCheckItem, toggle", By::Call, none, still, armNotice<&Area::OnCheckItem>,
          [](Scene& on) { on.box->toggle(on.box->GetFieldItem("A")); }},
@@ -177,7 +130,7 @@ std::vector<FaultPath> areaNotices() {
         {"OnAddTable, RestoreState", By::Call, none, still, armNotice<&Area::OnAddTable>, restore},
         {"OnRemoveTable, DeleteTable", By::Call, none, tickSome, armNotice<&Area::OnRemoveTable>,
          close},
-        {"OnRemoveTable, Delete key", By::Hand, none, selectTheBox, armNotice<&Area::OnRemoveTable>,
+        {"OnRemoveTable, Delete key", By::Hand, none, selectBox, armNotice<&Area::OnRemoveTable>,
          [](Scene& on) { on.key(Qt::Key_Delete); }},
         {"OnChangeAlias, renameTable", By::Call, none, tickSome, armNotice<&Area::OnChangeAlias>,
          [](Scene& on) { on.area()->renameTable(on.box, "OTHER"); }},
@@ -197,36 +150,36 @@ std::vector<FaultPath> areaNotices() {
          armNotice<&Area::OnRemoveLink>, [](Scene& on) { on.box->UnlinkTable(); }},
         {"OnRemoveLink, DeleteTable", By::Call, none, [](Scene& on) { addLinkToWide(on); },
          armNotice<&Area::OnRemoveLink>, close},
-        {"OnRemoveLink, Ctrl+Delete", By::Hand, none, selectTheBox, armNotice<&Area::OnRemoveLink>,
+        {"OnRemoveLink, Ctrl+Delete", By::Hand, none, selectBox, armNotice<&Area::OnRemoveLink>,
          [](Scene& on) { on.key(Qt::Key_Delete, Qt::ControlModifier); }},
         {"OnSelectionLink, selectObject", By::Call, none, still, armNotice<&Area::OnSelectionLink>,
          [](Scene& on) { on.area()->selectObject(on.link); }},
-        {"OnSelectionLink, deselecting", By::Call, none, selectTheLink,
+        {"OnSelectionLink, deselecting", By::Call, none, selectLink,
          armNotice<&Area::OnSelectionLink>, [](Scene& on) { on.area()->selectObject(nullptr); }},
-        {"OnSelectionLink, another box", By::Call, none, selectTheLink,
+        {"OnSelectionLink, another box", By::Call, none, selectLink,
          armNotice<&Area::OnSelectionLink>,
          [](Scene& on) { on.area()->selectObject(on.table("U")); }},
-        {"OnSelectionLink, AddTable", By::Call, none, selectTheLink,
-         armNotice<&Area::OnSelectionLink>, addDept},
-        {"OnSelectionLink, RemoveLink", By::Call, none, selectTheLink,
+        {"OnSelectionLink, AddTable", By::Call, none, selectLink, armNotice<&Area::OnSelectionLink>,
+         addDept},
+        {"OnSelectionLink, RemoveLink", By::Call, none, selectLink,
          armNotice<&Area::OnSelectionLink>,
          [](Scene& on) { on.area()->RemoveLink(on.link, true); }},
-        {"OnSelectionLink, attachLink", By::Call, none, selectTheLink,
+        {"OnSelectionLink, attachLink", By::Call, none, selectLink,
          armNotice<&Area::OnSelectionLink>,
          [](Scene& on) { on.area()->attachLink(on.link, true, on.box->GetFieldItem("C")); }},
-        {"OnSelectionLink, DeleteTable", By::Call, none, selectTheLink,
+        {"OnSelectionLink, DeleteTable", By::Call, none, selectLink,
          armNotice<&Area::OnSelectionLink>, close},
-        {"OnSelectionLink, click", By::Hand, none, selectTheBox, armNotice<&Area::OnSelectionLink>,
+        {"OnSelectionLink, click", By::Hand, none, selectBox, armNotice<&Area::OnSelectionLink>,
          [](Scene& on) { click(on, on.middleOfLink()); }},
-        {"OnSelectionLink, Alt+PageDown", By::Hand, none, selectTheBox,
+        {"OnSelectionLink, Alt+PageDown", By::Hand, none, selectBox,
          armNotice<&Area::OnSelectionLink>,
          [](Scene& on) { on.key(Qt::Key_PageDown, Qt::AltModifier); }},
-        {"OnSelectionLink, Ctrl+PageDown", By::Hand, none, selectTheLink,
+        {"OnSelectionLink, Ctrl+PageDown", By::Hand, none, selectLink,
          armNotice<&Area::OnSelectionLink>,
          [](Scene& on) { on.key(Qt::Key_PageDown, Qt::ControlModifier); }},
-        {"OnSelectionLink, menu Rename", By::Hand, none, selectTheLink,
+        {"OnSelectionLink, menu Rename", By::Hand, none, selectLink,
          armNotice<&Area::OnSelectionLink>,
-         [](Scene& on) { chooseFromMenuOf(on, Scene::captionOf(*on.box), "Rename table"); }},
+         [](Scene& on) { chooseFromMenu(on, Scene::captionOf(*on.box), "Rename table"); }},
         {"OnAddTable, undo", By::Hand, FaultPath::Twice, close, armNotice<&Area::OnAddTable>,
          [](Scene& on) { on.undo->undo(); }},
         {"contentsCleared, undo", By::Hand, FaultPath::Twice, tickSome,
@@ -247,16 +200,15 @@ std::vector<FaultPath> signalNotices() {
     const auto told = armStatementChanged;
     const auto close = [](Scene& on) { on.builder->ListOfTables->DeleteTable(on.box); };
     return {
-        {"StatementChanged, AddTable", By::Call, none, still, told,
-         [](Scene& on) { on.builder->ListOfTables->AddTable("DEPT", on.host.table("DEPT")); }},
+        {"StatementChanged, AddTable", By::Call, none, still, told, addDept},
         {"StatementChanged, DeleteTable", By::Call, none, tickSome, told, close},
         {"StatementChanged, AddLink", By::Call, none, still, told,
          [](Scene& on) { addLinkToWide(on); }},
         {"StatementChanged, deleteLink", By::Call, none, still, told,
          [](Scene& on) { on.area()->deleteLink(on.link); }},
-        {"StatementChanged, attachLink", By::Call, none, selectTheLink, told,
+        {"StatementChanged, attachLink", By::Call, none, selectLink, told,
          [](Scene& on) { on.area()->attachLink(on.link, true, on.box->GetFieldItem("C")); }},
-        {"StatementChanged, replaceLink", By::Call, none, selectTheLink, told,
+        {"StatementChanged, replaceLink", By::Call, none, selectLink, told,
          [](Scene& on) {
              on.area()->replaceLink(on.link, false, on.table("WIDE")->GetFieldItem("W1"));
          }},
@@ -286,26 +238,26 @@ std::vector<FaultPath> signalNotices() {
          [](Scene& on) { on.box->toggle(on.box->GetFieldItem("A")); }},
         {"StatementChanged, SetFieldState", By::Call, none, still, told,
          [](Scene& on) { on.box->SetFieldState(2); }},
-        {"StatementChanged, selectObject", By::Call, none, selectTheBox, told,
+        {"StatementChanged, selectObject", By::Call, none, selectBox, told,
          [](Scene& on) { on.area()->selectObject(on.table("U")); }},
         {"StatementChanged, muteLink", By::Call, none, still, told,
          [](Scene& on) { on.area()->muteLink(on.link, true); }},
-        {"StatementChanged, click on a tick", By::Hand, none, selectTheBox, told,
+        {"StatementChanged, click on a tick", By::Hand, none, selectBox, told,
          [](Scene& on) { click(on, checkSquareOf(*on.box, 0)); }},
-        {"StatementChanged, press on a box behind", By::Hand, none, selectTheBox, told,
+        {"StatementChanged, press on a box behind", By::Hand, none, selectBox, told,
          [](Scene& on) { click(on, Scene::captionOf(*on.table("U"))); }},
-        {"StatementChanged, box behind is dragged", By::Hand, none, selectTheBox, told,
+        {"StatementChanged, box behind is dragged", By::Hand, none, selectBox, told,
          [](Scene& on) {
              const QPoint at = Scene::captionOf(*on.table("U"));
              on.press(at);
              on.move(at + QPoint(20, 20));
              on.release(at + QPoint(20, 20));
          }},
-        {"StatementChanged, Ctrl+PageDown", By::Hand, none, selectTheBox, told,
+        {"StatementChanged, Ctrl+PageDown", By::Hand, none, selectBox, told,
          [](Scene& on) { on.key(Qt::Key_PageDown, Qt::ControlModifier); }},
-        {"StatementChanged, menu Rename of a box behind", By::Hand, none, selectTheBox, told,
-         [](Scene& on) { chooseFromMenuOf(on, Scene::captionOf(*on.table("U")), "Rename table"); }},
-        {"StatementChanged, Delete key", By::Hand, none, selectTheBox, told,
+        {"StatementChanged, menu Rename of a box behind", By::Hand, none, selectBox, told,
+         [](Scene& on) { chooseFromMenu(on, Scene::captionOf(*on.table("U")), "Rename table"); }},
+        {"StatementChanged, Delete key", By::Hand, none, selectBox, told,
          [](Scene& on) { on.key(Qt::Key_Delete); }},
         {"StatementChanged, alias and Enter", By::Hand, none, typeAlias, told,
          [](Scene& on) { pressReturn(on.view()->findChild<orv::ExitEdit*>()); }},
@@ -314,22 +266,21 @@ std::vector<FaultPath> signalNotices() {
         {"StatementChanged, alias and Clear", By::Call, none, typeAlias, told,
          [](Scene& on) { on.builder->Clear(); }},
         {"StatementChanged, alias and AddTable", By::Call, FaultPath::Twice | FaultPath::Reports,
-         typeAlias, told,
-         [](Scene& on) { on.builder->ListOfTables->AddTable("DEPT", on.host.table("DEPT")); }},
-        {"StatementChanged, muting by key", By::Hand, none, selectTheLink, told,
+         typeAlias, told, addDept},
+        {"StatementChanged, muting by key", By::Hand, none, selectLink, told,
          [](Scene& on) { on.key(Qt::Key_M, Qt::ControlModifier); }},
-        {"StatementChanged, muting by menu", By::Hand, none, selectTheLink, told,
-         [](Scene& on) { chooseFromMenuOf(on, on.middleOfLink(), "Mute link"); }},
-        {"LayoutChanged, dragged box", By::Hand, none, selectTheBox, armLayoutChanged,
+        {"StatementChanged, muting by menu", By::Hand, none, selectLink, told,
+         [](Scene& on) { chooseFromMenu(on, on.middleOfLink(), "Mute link"); }},
+        {"LayoutChanged, dragged box", By::Hand, none, selectBox, armLayoutChanged,
          [](Scene& on) {
              const QPoint at = Scene::captionOf(*on.box);
              on.press(at);
              on.move(at + QPoint(20, 20));
              on.release(at + QPoint(20, 20));
          }},
-        {"LayoutChanged, moved by key", By::Hand, none, selectTheBox, armLayoutChanged,
+        {"LayoutChanged, moved by key", By::Hand, none, selectBox, armLayoutChanged,
          [](Scene& on) { on.key(Qt::Key_Right, Qt::ControlModifier); }},
-        {"LayoutChanged, arrange", By::Hand, none, selectTheBox, armLayoutChanged,
+        {"LayoutChanged, arrange", By::Hand, none, selectBox, armLayoutChanged,
          [](Scene& on) { on.area()->arrange(); }},
         {"StatementChanged, undo", By::Hand, none, tickSome, told,
          [](Scene& on) { on.undo->undo(); }},

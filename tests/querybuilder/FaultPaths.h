@@ -47,6 +47,16 @@ struct FaultPath {
 [[nodiscard]] std::vector<FaultPath> noticeFaultPaths();
 [[nodiscard]] std::vector<FaultPath> pageFaultPaths();
 
+// What is done to the scene on many ways.
+
+void selectBox(Scene& on);
+void selectLink(Scene& on);
+void addDept(Scene& on);
+/// From T.B to WIDE.W2; none when the host refuses it.
+TorvQDLink* addLinkToWide(Scene& on);
+/// What has the text in the menu that the view shows at a point of it, in pixels.
+void chooseFromMenu(Scene& on, const QPoint& point, const QString& text);
+
 /// The host strikes where it hears of every change of the statement.
 void armStatementChanged(Scene& on, RecordedServices& services, const Strike& strike);
 /// The host strikes when it is asked for what a message says.
