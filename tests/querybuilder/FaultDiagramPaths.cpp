@@ -3,6 +3,7 @@
 #include "contract/DiagramEvents.h"
 #include "diagram/Orvqdlnkprop.h"
 #include "querybuilder/FaultPaths.h"
+#include "querybuilder/ORVQDOpersEditor.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -206,6 +207,17 @@ void armDialog(Scene&, RecordedServices& services, const Strike& strike) {
     };
 }
 
+void armOperatorsDialog(Scene&, RecordedServices& services, const Strike& strike) {
+    services.onDialog = [strike](QDialog& shown) {
+        const QPointer<TorvQDOperatorsPropertyDlg> dialog(
+            qobject_cast<TorvQDOperatorsPropertyDlg*>(&shown));
+        strike(nullptr);
+        if (!dialog) return int(QDialog::Rejected);
+        dialog->btnOK->click();
+        return int(QDialog::Accepted);
+    };
+}
+
 const QString joined = "SELECT D.BUDGET FROM DEPT D JOIN EMPLOYEE E ON D.DEPT_NO = E.DEPT_NO";
 
 }  // namespace
@@ -250,6 +262,8 @@ std::vector<FaultPath> diagramFaultPaths() {
          [](Scene& on) { on.table("P")->Items.back()->SetCheck(true); }},
         {"dialog of a link, editLink", By::Call, none, still, armDialog,
          [](Scene& on) { on.area()->editLink(on.link); }},
+        {"dialog of operators, ModifyOperators", By::Call, none, still, armOperatorsDialog,
+         [](Scene& on) { on.builder->ModifyOperators(); }},
 
         // A user does.
         {"veto of a table, close button", By::Hand, veto, selectBox, armTable,
