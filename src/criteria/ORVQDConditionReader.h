@@ -42,8 +42,9 @@ struct ConditionRules {
 };
 
 /// How many groups of conditions may stand one inside the other below the root, and how deep
-/// sub-conditions may nest in a text; brackets around brackets do not count.
-inline constexpr int deepestCondition = 2000;
+/// sub-conditions may nest in a text; brackets around brackets do not count. A saved state has two
+/// levels of JSON for each, and Qt reads 1,024 of them.
+inline constexpr int deepestCondition = 500;
 
 /// Raises the orv::Error that names this bound.
 [[noreturn]] ORV_EXPORT void raiseTooDeep();

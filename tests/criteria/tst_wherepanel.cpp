@@ -456,7 +456,7 @@ private Q_SLOTS:
         const QByteArray before = orvtest::visibleState(on.builder);
         const TorvQDParser root("SELECT A FROM T WHERE " + alternating(2 * orv::deepestCondition));
         QCOMPARE(orvtest::errorOf([&] { on.builder.WherePanel->LoadSQL(*root.Clause(inWhere)); }),
-                 "Conditions nest deeper than 2000 levels");
+                 "Conditions nest deeper than 500 levels");
         QCOMPARE(orvtest::visibleState(on.builder), before);
     }
 
@@ -490,7 +490,7 @@ private Q_SLOTS:
         const TorvQDParser root(text);
         const QString error = orvtest::errorOf(
             [&] { on.builder.WherePanel->checkLoadable(*root.Clause(inWhere), ledger, keep); });
-        QCOMPARE(error, loads ? "(no error)" : "Conditions nest deeper than 2000 levels");
+        QCOMPARE(error, loads ? "(no error)" : "Conditions nest deeper than 500 levels");
     }
 
     // Clauses of other dialects are no part of the last operand.
@@ -565,13 +565,16 @@ private Q_SLOTS:
         QCOMPARE(rows.Row(0)->Operator, operators.FindName("="));
     }
 
-    void deepestConditionIsLoadedWrittenAndCleared() {
+    void deepestConditionIsLoadedWrittenSavedAndCleared() {
         HostedBuilder on(true);
         on.builder.LoadSQL("select t.a from t where " + nested(orv::deepestCondition));
         QCOMPARE(on.findings(), QStringList());
         const QString line = on.builder.WherePanel->rootRow()->GetSQLCondition(false);
         QCOMPARE(line.count("(C = 3)"), orv::deepestCondition);
         QVERIFY(on.builder.GetSQLStatment().contains("(A = 1)"));
+        HostedBuilder other(true);
+        other.builder.RestoreState(on.builder.SaveState());
+        QCOMPARE(other.builder.GetSQLStatment(), on.builder.GetSQLStatment());
         on.builder.WorkArea->renameTable(on.table("T"), "N");
         on.builder.Clear();
         QCOMPARE(where(on), "All()");
