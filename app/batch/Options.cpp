@@ -288,7 +288,7 @@ QString helpText() {
     return QStringLiteral(
         "usage: orvquery [[--database] FILE | --schema FILE] [QUERY | --load FILE] [--classic]\n"
         "                [--strict] [--print | --explain | --state | --run [--format FORMAT]\n"
-        "                [--param NAME=VALUE] ... | --render FILE]\n"
+        "                [--param NAME=VALUE | --param-null NAME] ... | --render FILE]\n"
         "       orvquery [[--database] FILE | --schema FILE] [--classic] [--strict] --list FILE\n"
         "       orvquery [[--database] FILE | --schema FILE] [--classic] [--strict] --diff FILE "
         "FILE\n"

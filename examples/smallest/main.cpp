@@ -15,7 +15,7 @@ int main(int argc, char** argv) {
     QObject::connect(builder, &TorvQueryBuilder::StatementChanged, statement, [=] {
         try {
             statement->setPlainText(builder->GetSQLStatment());
-        } catch (const std::exception& error) {  // a grouped column without an aggregate, say
+        } catch (const std::exception& error) {  // neither grouped nor aggregated, say
             statement->setPlainText(QString::fromUtf8(error.what()));
         }
     });

@@ -62,8 +62,7 @@ void tst_Embedding::firstSteps() {
         if (NameOfTable.toUpper() != "ORDERS") return;            // it is not known
         ADataSet = std::make_unique<TDataSet>(TDataSet{{{"CUSTNO", ftInteger}, {"PRICE", ftFloat}}});
     };
-    builder.ListOfTables->AddTable("ORDERS", TDataSet{{{"CUSTNO", ftInteger}, {"PRICE", ftFloat}}});
-    builder.LoadSQL("select o.custno from orders o");
+    builder.LoadSQL("select o.custno from orders o");           // or ListOfTables->AddTable("ORDERS", ...)
     QString text = builder.GetSQLStatment();
     for (const orv::Finding& finding : builder.LoadReport()) qInfo() << finding.text;
     // end
