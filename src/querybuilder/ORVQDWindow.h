@@ -34,7 +34,7 @@ class TorvQDWorkArea;
 namespace orv {
 class UndoRecorder;
 class TailLine;
-}
+}  // namespace orv
 
 /// The sheet of the page control on which a page's panel lies.
 class ORV_EXPORT TorvTabSheet : public QWidget {
