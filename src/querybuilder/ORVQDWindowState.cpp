@@ -228,7 +228,7 @@ private:
         if (saved.operation.isEmpty()) {
             return saved.arguments.isEmpty() ? orv::expressionOperator() : nullptr;
         }
-        const TOperatorList::Entry entry = m_operators.FindName(saved.operation);
+        TOperatorList::Entry entry = m_operators.FindName(saved.operation);
         if (!entry) fail(QStringLiteral("an unknown operator: ") + saved.operation);
         return entry;
     }

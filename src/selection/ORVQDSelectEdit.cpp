@@ -139,7 +139,7 @@ QString TorvQDSelectGrid::editedText() const {
     return m_edited.column() == orv::nameColumn ? m_nameEdit->text() : m_choice->currentText();
 }
 
-void TorvQDSelectGrid::closeEditor() {
+void TorvQDSelectGrid::endEditing() {
     m_edited = QModelIndex();
     m_nameEdit->discard();
     m_choice->discard();
@@ -172,7 +172,7 @@ void TorvQDSelectGrid::commitEdit() {
 }
 
 void TorvQDSelectGrid::discardEdit() {
-    if (isEditing()) closeEditor();
+    if (isEditing()) endEditing();
 }
 
 // What somebody else does to the rows happens also when taking over the text fails; but not when
@@ -196,7 +196,7 @@ void TorvQDSelectGrid::_SetCellText(const QString& Text) {
     const int col = m_edited.column();
     const int row = m_edited.row() + 1;
     const QString text = Text;  // it may be the editor's own
-    closeEditor();
+    endEditing();
     setCellText(col, row, text);
 }
 

@@ -184,7 +184,7 @@ private:
     [[nodiscard]] bool commitBefore();
     [[nodiscard]] bool openEditor(int col, int row);
     void startTyping(const QString& text);
-    void closeEditor();
+    void endEditing();
     void placeEditor();
     [[nodiscard]] QString editedText() const;
     void setCellText(int col, int row, const QString& text);
