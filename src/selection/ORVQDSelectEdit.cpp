@@ -195,7 +195,8 @@ void TorvQDSelectGrid::_SetCellText(const QString& Text) {
     if (!isEditing()) return;
     const int col = m_edited.column();
     const int row = m_edited.row() + 1;
-    const QString text = Text;  // it may be the editor's own
+    // It may be the editor's own. NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
+    const QString text = Text;
     endEditing();
     setCellText(col, row, text);
 }

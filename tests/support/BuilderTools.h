@@ -375,13 +375,13 @@ inline QString brokenStatementRule(TorvQueryBuilder& builder) {
 
 /// What is wrong between the diagram, the name lists and the grid; empty when all agrees.
 inline QString brokenRule(TorvQueryBuilder& builder, const QSet<QString>& loose = {}) {
-    const QString ticks = detail::brokenTickRule(builder, loose);
+    QString ticks = detail::brokenTickRule(builder, loose);
     if (!ticks.isEmpty()) return ticks;
     for (const auto rule :
          {detail::brokenNameRule, detail::brokenStackingRule, detail::brokenGridRule,
           detail::brokenLinkRule, detail::brokenSelectionRule, detail::brokenSizeRule,
           detail::brokenStatementRule}) {
-        const QString broken = rule(builder);
+        QString broken = rule(builder);
         if (!broken.isEmpty()) return broken;
     }
     return {};
