@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "criteria/ORVQDConditionReader.h"
 #include "documents/DocumentFile.h"
 #include "documents/DocumentLines.h"
 #include "documents/OtherKeys.h"
@@ -98,6 +99,7 @@ private Q_SLOTS:
     void statementFileKeepsItsLineBreaks();
     void typedTextTakesTheLineBreaksOfItsFile();
     void queryComesBack();
+    void deepestQueryComesBack();
     void readAndWrittenIsTheSame();
     void movedBoxIsOneLine();
     void typedTextComesBack();
@@ -178,6 +180,20 @@ void TestDocument::queryComesBack() {
     before.remove(QStringLiteral("report"));  // of the text that was loaded
     after.remove(QStringLiteral("report"));
     QCOMPARE(after, before);
+}
+
+// All levels of the file are read: those of the document are around those of the state.
+void TestDocument::deepestQueryComesBack() {
+    QString condition = QStringLiteral("t.c = 3");
+    for (int depth = 0; depth < orv::deepestCondition; ++depth) {
+        const char* around = depth % 2 ? "t.a = 1 or (" : "t.b = 2 and (";
+        condition = QLatin1String(around) + condition + u')';
+    }
+    orvtest::HostedBuilder on(true);
+    on.builder.LoadSQL("select t.a from t where " + condition);
+    orvtest::HostedBuilder other(true);
+    other.builder.RestoreState(read(documentText(documentOf(on.builder))).state());
+    QCOMPARE(other.builder.GetSQLStatment(), on.builder.GetSQLStatment());
 }
 
 void TestDocument::readAndWrittenIsTheSame() {
