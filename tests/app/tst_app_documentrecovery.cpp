@@ -356,7 +356,7 @@ void TestDocumentRecovery::endOfTheSessionKeepsTheQuery() {
     QCOMPARE(contentOf(path("a.orvq")), before);
     QVERIFY(!QFileInfo::exists(DocumentLock::lockPath(path("a.orvq"))));
 #else
-    QSKIP("there are no such signals here");
+    QSKIP("Only Unix ends programs by the signals that this sends.");
 #endif
 }
 

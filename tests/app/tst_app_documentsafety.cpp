@@ -75,7 +75,7 @@ void TestDocumentSafety::fullDiskKeepsTheOldFile() {
     QVERIFY(documents().save());
     QVERIFY(contentOf(path("a.orvq")).contains("PEOPLE"));
 #else
-    QSKIP("the size of files cannot be limited here");
+    QSKIP("Only Unix has setrlimit(), which stands for a full disk.");
 #endif
 }
 

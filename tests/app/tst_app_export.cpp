@@ -266,7 +266,7 @@ void TestExport::fullDiskIsOneSentence() {
     QCOMPARE(contentOf(path("a.csv")), QByteArray("old"));
     QCOMPARE(files(), QStringList{"a.csv"});
 #else
-    QSKIP("the size of files cannot be limited here");
+    QSKIP("Only Unix has setrlimit(), which stands for a full disk.");
 #endif
 }
 
@@ -296,7 +296,7 @@ void TestExport::folderThatCannotBeWrittenIsOneSentence() {
              qPrintable(error));
     QVERIFY2(error.endsWith(u'.'), qPrintable(error));
 #else
-    QSKIP("there is no such folder here");
+    QSKIP("Only Unix has /proc, where nobody can make a file.");
 #endif
 }
 
@@ -308,7 +308,7 @@ void TestExport::linkStaysOne() {
     QVERIFY(QFileInfo(path("link.csv")).isSymLink());
     QCOMPARE(contentOf(path("real.csv")), QByteArray("a\r\n"));
 #else
-    QSKIP("links are files of another kind here");
+    QSKIP("Elsewhere QFile::link() makes no symbolic links, but files of shortcuts.");
 #endif
 }
 
@@ -321,7 +321,7 @@ void TestExport::permissionsStay() {
     QCOMPARE(exported(rowsOfList({"a"}, {}), path("a.csv")).error, QString());
     QCOMPARE(QFile::permissions(path("a.csv")), before);
 #else
-    QSKIP("permissions are others here");
+    QSKIP("Only Unix has the permissions of a group that this sets.");
 #endif
 }
 

@@ -44,7 +44,7 @@ void TestProgramStart::textsNeedNoFonts() {
 
 void TestProgramStart::pictureNeedsFonts() {
 #ifndef Q_OS_LINUX
-    QSKIP("Fonts are found in another way here.");
+    QSKIP("Only on Linux does Qt find fonts by Fontconfig, whose warning this looks for.");
 #endif
     const Result result = runWithoutFonts({"--load", query(), "--render", file("picture.png")});
     QVERIFY(result.errors.contains("Fontconfig"));
