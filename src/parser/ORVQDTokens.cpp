@@ -21,11 +21,13 @@ bool isQuote(QChar character) {
     return character == u'"' || character == u'\'';
 }
 
-// Characters of names, numbers and parameters (:NAME, @NAME, ?1, #TEMP).
+// Characters of names, numbers and parameters (:NAME, @NAME, ?1, #TEMP). The replacement character
+// stands for a letter of a text in another encoding.
 bool isNamePart(QChar character) {
     const char16_t unit = character.unicode();
     if (unit >= 0x80) {
-        return character.isLetterOrNumber() || character.isMark() || character.isSurrogate();
+        return character.isLetterOrNumber() || character.isMark() || character.isSurrogate() ||
+               character == QChar::ReplacementCharacter;
     }
     if ((unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') || isDigit(character)) {
         return true;

@@ -70,6 +70,7 @@ void TestTokens::kinds_data() {
     row("a::text ::b", "w:a s::: w:text s::: w:b");
     row("a[1];", "w:a s:[ n:1 s:] s:;");
     row("\xc3\xa4\xc3\xb6 \xf0\x9f\x90\x98", "w:\xc3\xa4\xc3\xb6 w:\xf0\x9f\x90\x98");
+    row("\xef\xbf\xbdlike a\xef\xbf\xbd", "w:\xef\xbf\xbdlike w:a\xef\xbf\xbd");
 }
 
 void TestTokens::kinds() {
