@@ -25,8 +25,9 @@ QStringList splitAtFullStops(const QString& name) {
     return parts << rest;
 }
 
-// Words of SQL itself; in quotes each of them is a name.
+// Words of SQL itself are none; in quotes each of them is a name. A full stop ends an alias.
 bool mayBeAlias(const QString& text) {
+    if (orv::firstFullStop(text) >= 0) return false;
     const orv::WordInfo info = orv::wordInfo(text);
     return !(info.is(orv::wordJoin) || info.is(orv::wordNeverAlias) || info.is(orv::wordOn) ||
              info.is(orv::wordClause) || info.is(orv::wordLogical) || info.is(orv::wordMatching));
