@@ -21,13 +21,17 @@ bool isQuote(QChar character) {
     return character == u'"' || character == u'\'';
 }
 
-// Characters of names, numbers and parameters (:NAME, @NAME, ?1, #TEMP). The replacement character
-// stands for a letter of a text in another encoding.
+// The replacement character stands for a letter of a text in another encoding.
+bool isLetter(QChar character) {
+    return character.isLetter() || character == QChar::ReplacementCharacter;
+}
+
+// Characters of names, numbers and parameters (:NAME, @NAME, ?1, #TEMP).
 bool isNamePart(QChar character) {
     const char16_t unit = character.unicode();
     if (unit >= 0x80) {
-        return character.isLetterOrNumber() || character.isMark() || character.isSurrogate() ||
-               character == QChar::ReplacementCharacter;
+        return isLetter(character) || character.isNumber() || character.isMark() ||
+               character.isSurrogate();
     }
     if ((unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') || isDigit(character)) {
         return true;
@@ -107,7 +111,7 @@ private:
                 if (character == u'\'' && endsWithKeyword(start)) break;
                 hasText = hasText || character == u'\'';
                 skipQuoted();
-                if (m_position < m_text.size() && m_text[m_position].isLetter()) break;
+                if (m_position < m_text.size() && isLetter(m_text[m_position])) break;
             } else if (isNamePart(character) && !isCastAt(m_position)) {
                 ++m_position;
             } else {
@@ -128,7 +132,7 @@ private:
     // A keyword may follow a number without a blank ("1OR"): its length, 0 without one.
     [[nodiscard]] qsizetype gluedKeyword(qsizetype start) const {
         qsizetype word = m_position;
-        while (word > start && m_text[word - 1].isLetter()) --word;
+        while (word > start && isLetter(m_text[word - 1])) --word;
         const QString letters = m_text.mid(word, m_position - word).toString().toUpper();
         return wordInfo(letters).traits != 0 ? letters.size() : 0;
     }

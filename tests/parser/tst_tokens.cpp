@@ -71,6 +71,10 @@ void TestTokens::kinds_data() {
     row("a[1];", "w:a s:[ n:1 s:] s:;");
     row("\xc3\xa4\xc3\xb6 \xf0\x9f\x90\x98", "w:\xc3\xa4\xc3\xb6 w:\xf0\x9f\x90\x98");
     row("\xef\xbf\xbdlike a\xef\xbf\xbd", "w:\xef\xbf\xbdlike w:a\xef\xbf\xbd");
+    row("3\xef\xbf\xbd"
+        "and 3and",
+        "n:3\xef\xbf\xbd"
+        "and n:3 w:and");
 }
 
 void TestTokens::kinds() {
