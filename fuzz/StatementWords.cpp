@@ -52,13 +52,13 @@ private:
     void readNext() {
         const QChar character = at(0);
         if (character == u'-' && at(1) == u'-') {
-            skipTo(QStringLiteral("\n"));
+            skipLine();
         } else if (character == u'/' && at(1) == u'*') {
             m_at += 2;
             skipTo(QStringLiteral("*/"));
         } else if (character == u'\'') {
             add(Piece::Text, quoted(u'\''));
-        } else if (character == u'"' || character == u'`') {
+        } else if (character == u'"' || (character == u'`' && isClosed(character))) {
             addName(quoted(character), false);
         } else if (character == u'#' && !isWordPart(at(1))) {
             readSign(character);
@@ -72,6 +72,18 @@ private:
     void skipTo(const QString& end) {
         const qsizetype found = m_text.indexOf(end, m_at);
         m_at = found < 0 ? m_text.size() : found + end.size();
+    }
+
+    void skipLine() {
+        while (m_at < m_text.size() && at(0) != u'\n' && at(0) != u'\r') ++m_at;
+    }
+
+    [[nodiscard]] bool isClosed(QChar sign) const {
+        qsizetype end = m_text.indexOf(sign, m_at + 1);
+        while (end >= 0 && end + 1 < m_text.size() && m_text[end + 1] == sign) {
+            end = m_text.indexOf(sign, end + 2);
+        }
+        return end >= 0;
     }
 
     // Its content, in which the closing sign doubled stands for itself.
@@ -95,7 +107,8 @@ private:
         const QString text = m_text.mid(start, m_at - start);
         if (number) {
             add(Piece::Number, text.toUpper());
-            if (at(0) == u'$') readSign(at(0));  // "1$and" ends a number
+            // "1$and" ends a number.
+            while (QStringLiteral("_$#@").contains(at(0))) readSign(at(0));
         } else {
             addName(text, true);
         }
@@ -130,9 +143,9 @@ private:
 
     // With blanks beside a full stop these are no parts of a name: "ON .A", "A. OR", "JOIN .T".
     static bool isNoQualifier(const QString& word) {
-        static const QSet<QString> words = {"ON",     "AND",  "OR",   "NOT",    "WHERE",
-                                            "HAVING", "FROM", "JOIN", "SELECT", "BY",
-                                            "AS",     "LIKE", "IN",   "BETWEEN"};
+        static const QSet<QString> words = {"ON",     "AND",  "OR",   "NOT",     "WHERE",
+                                            "HAVING", "FROM", "JOIN", "SELECT",  "BY",
+                                            "AS",     "LIKE", "IN",   "BETWEEN", "DISTINCT"};
         return words.contains(word);
     }
 
@@ -197,7 +210,8 @@ bool beginsTail(const Pieces& pieces, qsizetype index, const Pieces& before) {
     const QStringList next = tails.value(piece.text);
     if (!next.isEmpty() && !next.contains(pieces[index + 1].text)) return false;
     // Columns may be called so: behind these an operand is still to come.
-    static const QSet<QString> open = {"AS", "AND", "OR", "NOT", "ON", "LIKE", "BETWEEN", "ALL"};
+    static const QSet<QString> open = {"AS",   "AND",     "OR",  "NOT", "ON",
+                                       "LIKE", "BETWEEN", "ALL", "IS"};
     const Piece& last = before.back();
     if (last.isPlain && open.contains(last.text)) return false;
     return last.kind != Piece::Comma && last.kind != Piece::Sign;
