@@ -97,10 +97,6 @@ const Words& constantWords() {
     return words;
 }
 
-bool isParameter(QStringView word) {
-    return word.startsWith(u':') || word.startsWith(u'@') || word.startsWith(u'?');
-}
-
 bool endsWithUnit(const TokenRun& run, int index) {
     if (!isOneOf(run, index, unitWords()) || index < 2) return false;
     return isOneOf(run, index - 2, {"INTERVAL"}) || isOneOf(run, index - 1, {"TO"});

@@ -144,7 +144,7 @@ void LoadLedger::reportChangedTexts(int end) {
         if (token.kind != SqlToken::Word) continue;
         const QStringView word =
             QStringView(m_normalised.text).mid(token.start, token.end - token.start);
-        if (std::none_of(word.begin(), word.end(), isForeign)) continue;
+        if (isParameter(word) || std::none_of(word.begin(), word.end(), isForeign)) continue;
         const QString upper = upperOutsideQuotes(word);
         const bool sameForeign =
             upper.size() == word.size() &&

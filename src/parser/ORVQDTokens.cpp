@@ -178,7 +178,11 @@ SqlTokens tokenise(QStringView text) {
     return Scanner(text).tokens();
 }
 
-// Names of parameters keep their case: databases tell :a from :A.
+bool isParameter(QStringView word) {
+    static constexpr QStringView signs = u":@$?";
+    return !word.isEmpty() && signs.contains(word.front());
+}
+
 QString TokenRun::sourceText() const {
     QString text;
     text.reserve(endPosition() - start());
@@ -186,9 +190,7 @@ QString TokenRun::sourceText() const {
     for (int index = 0; index < size(); ++index) {
         const QStringView word = textOf(index);
         text += m_text.mid(copied, m_first[index].start - copied);
-        const bool isParameter =
-            word.startsWith(u':') || word.startsWith(u'@') || word.startsWith(u'$');
-        if (isParameter) {
+        if (isParameter(word)) {
             text += word;
         } else {
             appendUpperOutsideQuotes(text, word);

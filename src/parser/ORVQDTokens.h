@@ -37,6 +37,9 @@ struct SqlToken {
 /// The tokens of a text, in order.
 using SqlTokens = std::vector<SqlToken>;
 
+/// Whether a word is the name of a parameter, which keeps its case: databases tell :a from :A.
+[[nodiscard]] bool isParameter(QStringView word);
+
 /// The tokens of a normalised statement, in order. Linear in the text.
 [[nodiscard]] ORV_EXPORT SqlTokens tokenise(QStringView text);
 
@@ -77,7 +80,8 @@ public:
     [[nodiscard]] int start() const { return isEmpty() ? 0 : m_first->start; }
     [[nodiscard]] int endPosition() const { return isEmpty() ? 0 : (m_last - 1)->end; }
 
-    /// The text from the first to the last character, upper-cased outside quotes.
+    /// The text from the first to the last character, upper-cased outside quotes and names of
+    /// parameters.
     [[nodiscard]] QString sourceText() const;
 
     /// The runs between the commas of this run's own level, outside square brackets.
