@@ -72,6 +72,11 @@ void visitConditions(TorvQDWhereRow& row, const Visit& visit) {
     if (!row.isGroup()) visit(row);
 }
 
+bool isEmptyBracket(const orv::TokenRun& run) {
+    return run.size() == 2 && run[0].kind == orv::SqlToken::Open &&
+           run[1].kind == orv::SqlToken::Close;
+}
+
 // Places what the rows hold, and tells where reading from left to right changes the meaning.
 void account(const std::vector<orv::ConditionElement>& level, orv::LoadLedger& ledger,
              bool keepsMeaning) {
@@ -90,6 +95,9 @@ void account(const std::vector<orv::ConditionElement>& level, orv::LoadLedger& l
             element.kind == orv::ConditionElement::And || element.kind == orv::ConditionElement::Or;
         if (connects && !hasOperand) {
             ledger.report(element.run, QStringLiteral("A condition is missing in front of this."));
+        }
+        if (isEmptyBracket(element.run)) {
+            ledger.report(element.run, QStringLiteral("A condition is missing in this bracket."));
         }
         hasOperand = element.kind == orv::ConditionElement::Bracket ||
                      element.kind == orv::ConditionElement::Condition;
