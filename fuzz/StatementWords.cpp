@@ -26,7 +26,7 @@ using Pieces = QList<Piece>;
 
 bool isWordPart(QChar character) {
     return character.isLetterOrNumber() || character.isMark() || character.isSurrogate() ||
-           character == QChar::ReplacementCharacter || QStringLiteral("_$#@").contains(character);
+           character == QChar::ReplacementCharacter || QStringLiteral("_$#@?").contains(character);
 }
 
 bool isBlank(QChar character) {
@@ -60,7 +60,7 @@ private:
             add(Piece::Text, quoted(u'\''));
         } else if (character == u'"' || (character == u'`' && isClosed(character))) {
             addName(quoted(character), false);
-        } else if (character == u'#' && !isWordPart(at(1))) {
+        } else if (QStringLiteral("#@").contains(character) && !isWordPart(at(1))) {
             readSign(character);
         } else if (isWordPart(character) || (character == u'.' && at(1).isDigit() && !m_glued)) {
             readWord();
@@ -136,9 +136,19 @@ private:
         const qsizetype stops =
             std::find_if(name.begin(), name.end(), [](QChar c) { return c != u'.'; }) -
             name.begin();
+        if (name.isEmpty() && isGluedToWord()) {
+            m_pieces.back().text += QStringLiteral("\"\"");
+            return;
+        }
         add(Piece::Word, name.mid(stops).toUpper());
         m_pieces.back().isPlain = isPlain && !isQualified;
         m_pieces.back().qualifier = qualifier;
+    }
+
+    // The two signs behind a word are a part of it.
+    [[nodiscard]] bool isGluedToWord() const {
+        return m_at > 2 && isWordPart(m_text[m_at - 3]) && !m_pieces.isEmpty() &&
+               m_pieces.back().isPlain;
     }
 
     // With blanks beside a full stop these are no parts of a name: "ON .A", "A. OR", "JOIN .T".
@@ -154,6 +164,7 @@ private:
         m_loose = isBlank(character);
         if (m_loose) return;
         if (character == u'.') {
+            if (m_at > 1 && m_text[m_at - 2] == u'.') return;
             const bool behindBlank = m_at > 1 && isBlank(m_text[m_at - 2]);
             const bool behindWord =
                 !m_bracket && !m_pieces.isEmpty() && m_pieces.back().kind == Piece::Word;
@@ -200,10 +211,12 @@ const QString tail = QStringLiteral("tail");
 
 // What stands behind the last clause, to the end.
 bool beginsTail(const Pieces& pieces, qsizetype index, const Pieces& before) {
-    static const QMap<QString, QStringList> tails = {{"UNION", {}},  {"INTERSECT", {}},
-                                                     {"EXCEPT", {}}, {"LIMIT", {}},
-                                                     {"OFFSET", {}}, {"FETCH", {"FIRST", "NEXT"}},
-                                                     {"WINDOW", {}}, {"FOR", {"UPDATE", "SHARE"}}};
+    static const QStringList queries = {"SELECT", "ALL", "DISTINCT"};
+    static const QMap<QString, QStringList> tails = {
+        {"UNION", queries},  {"INTERSECT", queries},
+        {"EXCEPT", queries}, {"LIMIT", {}},
+        {"OFFSET", {}},      {"FETCH", {"FIRST", "NEXT"}},
+        {"WINDOW", {}},      {"FOR", {"UPDATE", "SHARE"}}};
     const Piece& piece = pieces[index];
     if (!piece.isPlain || piece.depth > 0 || !tails.contains(piece.text)) return false;
     if (before.isEmpty() || index + 1 == pieces.size()) return false;
