@@ -160,6 +160,19 @@ void LoadLedger::reportChangedTexts(int end) {
 
 namespace {
 
+bool hasBareBacktick(QStringView text) {
+    QChar open;
+    for (const QChar character : text) {
+        if (open.isNull() && character == u'`') return true;
+        if (open.isNull() && (character == u'"' || character == u'\'')) {
+            open = character;
+        } else if (character == open) {
+            open = QChar();
+        }
+    }
+    return false;
+}
+
 // Whether a quote that stands in the text is still open at its end.
 bool endsInQuote(QStringView text) {
     QChar open;
@@ -183,8 +196,8 @@ void LoadLedger::reportLongBy(const TokenRun& clause) {
 
 void LoadLedger::reportUnclosed(int end) {
     int open = 0;
-    // Only one that nothing closes is left; written twice, it would become a pair.
-    const int backtick = int(m_normalised.text.lastIndexOf(u'`'));
+    // Pairs of them have become quotes: where the text is written twice, the others would, too.
+    const bool hasBackticks = m_normalised.text.contains(u'`');
     for (const SqlToken& token : m_tokens) {
         if (token.start >= end) break;
         if (token.kind == SqlToken::Open) {
@@ -195,9 +208,9 @@ void LoadLedger::reportUnclosed(int end) {
         } else if (token.kind == SqlToken::Close && --open < 0) {
             open = 0;
             report(token.start, token.end, QStringLiteral("Nothing opened this bracket."));
-        } else if (token.start <= backtick && backtick < token.end &&
-                   !endsInQuote(
-                       QStringView(m_normalised.text).mid(token.start, backtick - token.start))) {
+        } else if (hasBackticks &&
+                   hasBareBacktick(
+                       QStringView(m_normalised.text).mid(token.start, token.end - token.start))) {
             report(token.start, token.end, QStringLiteral("This quote is not closed."));
         } else if (token.end == int(m_normalised.text.size()) &&
                    endsInQuote(QStringView(m_normalised.text).mid(token.start))) {
