@@ -87,6 +87,7 @@ void FromLoader::loadItems() {
         if (child.Start() < m_readUpTo) continue;  // an alias that was read already
         if (child.Kind() == otTable) {
             TorvQDTable* table = loadTable(child);
+            if (!m_guard) return;
             ++m_item;
             m_isCrossItem = isBehindCross(child);
             if (table) m_itemOf.insert(table, m_item);
