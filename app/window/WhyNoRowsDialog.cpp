@@ -118,7 +118,10 @@ WhyNoRowsDialog::WhyNoRowsDialog(std::unique_ptr<Inquiry> inquiry, SourceMaker m
     refresh();
 }
 
-WhyNoRowsDialog::~WhyNoRowsDialog() = default;
+WhyNoRowsDialog::~WhyNoRowsDialog() {
+    // Going from the screen it changes the sections once more.
+    m_tree->header()->disconnect(this);
+}
 
 void WhyNoRowsDialog::buildTree() {
     m_tree->setObjectName(QStringLiteral("trials"));
