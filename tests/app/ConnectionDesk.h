@@ -13,6 +13,7 @@
 #include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QSemaphore>
 #include <QSettings>
 #include <QSignalSpy>
@@ -61,7 +62,7 @@ protected:
     QSemaphore m_started;  ///< for each trial that has begun
     QSemaphore m_let;      ///< lets trials that are held end
     bool m_isHeld = false;
-    QAtomicInt m_ended;
+    QAtomicInt m_ended;  ///< counts trials that have ended
 };
 
 inline void ConnectionDesk::setUp() {
@@ -117,7 +118,8 @@ inline std::unique_ptr<orvquery::Database> ConnectionDesk::open(
     const orvquery::DatabaseAddress& address) {
     m_started.release();
     if (m_isHeld) m_let.acquire();
-    m_ended.fetchAndAddOrdered(1);
+    // Behind it nothing here is used any more.
+    const auto end = qScopeGuard([this] { m_ended.fetchAndAddOrdered(1); });
     if (address.password != u"right") throw orvquery::LoginError(QStringLiteral("Wrong password."));
     return std::make_unique<orvquery::SqliteDatabase>(m_database);
 }
