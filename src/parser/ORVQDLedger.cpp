@@ -160,30 +160,35 @@ void LoadLedger::reportChangedTexts(int end) {
 
 namespace {
 
-bool hasBareBacktick(QStringView text) {
-    QChar open;
-    for (const QChar character : text) {
-        if (open.isNull() && character == u'`') return true;
-        if (open.isNull() && (character == u'"' || character == u'\'')) {
-            open = character;
-        } else if (character == open) {
-            open = QChar();
+/// The quote that is open behind the characters taken.
+class OpenQuote {
+public:
+    void take(QChar character) {
+        if (character == m_sign) {
+            m_sign = QChar();
+        } else if (isNone() && (character == u'"' || character == u'\'')) {
+            m_sign = character;
         }
     }
-    return false;
+    [[nodiscard]] bool isNone() const { return m_sign.isNull(); }
+
+private:
+    QChar m_sign;
+};
+
+bool hasBareBacktick(QStringView text) {
+    OpenQuote quote;
+    return std::any_of(text.begin(), text.end(), [&](QChar character) {
+        quote.take(character);
+        return quote.isNone() && character == u'`';
+    });
 }
 
 // Whether a quote that stands in the text is still open at its end.
 bool endsInQuote(QStringView text) {
-    QChar open;
-    for (const QChar character : text) {
-        if (open.isNull() && (character == u'"' || character == u'\'')) {
-            open = character;
-        } else if (character == open) {
-            open = QChar();
-        }
-    }
-    return !open.isNull();
+    OpenQuote quote;
+    for (const QChar character : text) quote.take(character);
+    return !quote.isNone();
 }
 
 }  // namespace
