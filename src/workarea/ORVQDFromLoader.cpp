@@ -223,7 +223,8 @@ int FromLoader::loseAddition(const NamedTable& table) {
     if (!m_ledger || table.hasOwnAlias) return table.end;
     const orv::TokenRun behind = m_ledger->tokensIn(table.end, m_node.End());
     if (behind.isEmpty() || continuesFrom(behind, 0)) return table.end;
-    if (mayBeAlias(orv::upperOutsideQuotes(behind.textOf(0)))) return table.end;
+    const int name = behind.is(0, u"AS") && behind.size() > 1 ? 1 : 0;
+    if (mayBeAlias(orv::upperOutsideQuotes(behind.textOf(name)))) return table.end;
     int last = 0;
     while (last + 1 < behind.size() && !continuesFrom(behind, last + 1)) ++last;
     const int end = behind[last].end;
