@@ -86,7 +86,7 @@ private:
     QString faultOfStatement(Tally* tally) {
         const bool promised = orvtest::promiseOf(m_first.builder).lost.isEmpty();
         const bool plain = orvtest::isPlainState(m_first.builder);
-        const QString found = orvtest::faultOfWayBack(m_first, m_second, m_third, m_services);
+        QString found = orvtest::faultOfWayBack(m_first, m_second, m_third, m_services);
         if (!found.isEmpty() || !tally) return found;
         if (promised) {
             count(*tally, plain);
