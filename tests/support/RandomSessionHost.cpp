@@ -447,6 +447,11 @@ QString RandomSession::brokenWayBack(const QByteArray& saved) const {
     }
     QString text;
     if (other.grid()->columns().empty()) return {};
+    // A typed function that the list of aggregates lacks is an expression when it is loaded.
+    for (const orv::OutputColumn& column : other.grid()->columns()) {
+        const bool isListed = other.grid()->AgrFuncs->contains(column.aggregate);
+        if (!orv::isBlank(column.aggregate) && !isListed) return {};
+    }
     const QString error = errorOf([&] { text = other.builder.GetSQLStatment(); });
     if (error != "(no error)") return {};
     HostedBuilder second(true);
