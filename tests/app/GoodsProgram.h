@@ -195,7 +195,7 @@ inline void GoodsProgram::checkThatRowsAreNotKept(const QString& database, const
     QVERIFY(few.kilobytes > 0);
     const Peak many = peak(most);
     QCOMPARE(many.lines, most + 1);
-    // Each block that a driver keeps is larger under a sanitizer.
+    // Under a sanitizer a driver was seen to take 46 MB more; the figure is not explained.
     const int more = orvtest::isSanitized ? 120000 : 40000;
     QVERIFY2(many.kilobytes < few.kilobytes + more,
              qPrintable(QStringLiteral("%1 and %2").arg(few.kilobytes).arg(many.kilobytes)));
