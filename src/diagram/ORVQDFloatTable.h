@@ -182,6 +182,12 @@ public:
     /// Scrolls the rows. With fewer rows than VisibleCount a non-negative request gives a negative
     /// first row.
     void SetFirstVisibleItem(int Value);
+    /// Shows as many whole rows as the list did, when one of this height can show so many: a list
+    /// that was sized shows one less at some heights than one that was made so.
+    void restoreVisibleCount(int rows);
+    /// Scrolls the rows back to where they were, also to a first row below 0, as a box that was
+    /// taller than its rows may keep one when it is made lower.
+    void restoreFirstVisibleItem(int first);
     /// Moves the box by so many pixels.
     void MoveTable(int DX, int DY);
     /// Moves the left or upper edge to that place; the opposite edge stays. Minimums apply.
@@ -287,6 +293,9 @@ private:
     void _RemoveTable();
     void invalidate(const TRect& rect) const;
     void showScrollBar(bool visible) const;
+    void scrollRowsTo(int first);
+    /// Whole rows in a list that was sized to its height.
+    [[nodiscard]] int sizedRows() const;
     void tell(IDiagramCanvas::BoxChange change, const TorvQDListItem* row = nullptr);
     void recountFieldState(bool value);
     [[nodiscard]] TRect captionStrip() const;

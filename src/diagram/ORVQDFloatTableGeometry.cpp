@@ -12,6 +12,7 @@ constexpr int checkOffsetPx = 2;
 constexpr int checkSizePx = 12;
 constexpr int checkDrawnShiftPx = 2;
 constexpr int captionSlackPx = 2;
+constexpr int lowestFirstRow = -100000;  // of a saved query: places of rows stay within an int
 
 enum Band { leftBand = 1, rightBand = 2, topBand = 4, bottomBand = 8 };
 
@@ -219,13 +220,21 @@ void TorvQDTable::SetHeight(int Value) {
     const int edge = Top + std::min(height, Height) - BorderWidth - Indent - ItemHeight;
     const TRect changed = {Left, edge, Left + Width, Top + std::max(height, Height)};
     Height = height;
-    VisibleCount =
-        (height - CaptionHeight - BorderWidth - 2 * Indent - 1) / (ItemHeight + rowGapPx);
+    VisibleCount = sizedRows();
     const int rows = int(Items.size());
     if (rows < FirstVisibleItem + VisibleCount) SetFirstVisibleItem(rows - VisibleCount);
     invalidate(changed);
     if (Selected) showScrollBar(Expanded && UpdateScrollBar());
     if (canvas()) canvas()->tableResized(this);
+}
+
+int TorvQDTable::sizedRows() const {
+    return (Height - CaptionHeight - BorderWidth - 2 * Indent - 1) / (ItemHeight + rowGapPx);
+}
+
+void TorvQDTable::restoreVisibleCount(int rows) {
+    const bool isSized = Height >= leastHeight() && rows == sizedRows();
+    if (isSized || Height == heightFor(rows)) VisibleCount = rows;
 }
 
 void TorvQDTable::SetExpand(int Value) {
@@ -246,7 +255,18 @@ TRect TorvQDTable::scrolledArea() const {
 
 void TorvQDTable::SetFirstVisibleItem(int Value) {
     const int last = int(Items.size()) - VisibleCount;
-    const int first = Value < 0 ? 0 : Value > last ? last : Value;
+    scrollRowsTo(Value < 0 ? 0 : Value > last ? last : Value);
+}
+
+void TorvQDTable::restoreFirstVisibleItem(int first) {
+    if (first < 0) {
+        scrollRowsTo(std::max(first, lowestFirstRow));
+    } else {
+        SetFirstVisibleItem(first);
+    }
+}
+
+void TorvQDTable::scrollRowsTo(int first) {
     if (first == FirstVisibleItem) return;
     FirstVisibleItem = first;
     invalidate(scrolledArea());
@@ -272,7 +292,7 @@ void TorvQDTable::relayout() {
     const int fontHeight = canvas()->fontHeight();
     SetCaptionHeight(fontHeight + captionPaddingPx);
     SetItemHeight(fontHeight);
-    Height = (ItemHeight + rowGapPx) * VisibleCount + CaptionHeight + BorderWidth + 2 * Indent;
+    Height = heightFor(VisibleCount);
     if (Selected) showScrollBar(Expanded && UpdateScrollBar());
     invalidate(GetBoundsRect());
     canvas()->tableResized(this);

@@ -37,7 +37,7 @@ public:
     void restore(TorvQDWorkArea& area) const {
         for (TorvQDTable* box : area.tablesByCreation()) {
             const int row = m_firstRows.value(box->GetAlias());
-            if (row != 0) box->SetFirstVisibleItem(row);
+            if (row != 0) box->restoreFirstVisibleItem(row);
         }
         area.scrollTo(m_position);
         // The selected box is the one in front. Any other would change the order of stacking.

@@ -98,12 +98,8 @@ private:
         if (auto* procedure = qobject_cast<TorvQDSProc*>(box)) {
             procedure->setWithoutBrackets(saved.withoutBrackets);
         }
-        if (saved.shownRows >= 0) {
-            TorvQDTable::Shape shape = box->shape();
-            shape.visibleCount = saved.shownRows;
-            box->setShape(shape);
-        }
-        if (saved.firstRow != 0) box->SetFirstVisibleItem(std::max(0, saved.firstRow));
+        if (saved.shownRows >= 0) box->restoreVisibleCount(saved.shownRows);
+        if (saved.firstRow != 0) box->restoreFirstVisibleItem(saved.firstRow);
         if (saved.collapsed) box->SetExpand(0);
     }
 

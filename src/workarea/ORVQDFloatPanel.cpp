@@ -244,8 +244,9 @@ TorvQDTable* TorvQDWorkArea::restoreTable(const QString& name, const QString& al
         box->SetWidth(bounds.width());
         // A box of few rows is made lower than anybody can size it.
         if (bounds.height() != box->Height) box->SetHeight(bounds.height());
-        box->SetLeft(bounds.left());
-        box->SetTop(bounds.top());
+        // Left of the diagram or above it nobody could scroll to the box.
+        box->SetLeft(std::max(0, bounds.left()));
+        box->SetTop(std::max(0, bounds.top()));
     } else {
         placeTable(*box);
     }

@@ -3,6 +3,8 @@
 #include "diagram/ORVQDFloatTable.h"
 #include "support/TestTools.h"
 
+#include <limits>
+
 using orvtest::BoxOnCanvas;
 using orvtest::contains;
 using orvtest::oddScroll;
@@ -250,6 +252,33 @@ private Q_SLOTS:
         QCOMPARE(on.box.VisibleCount, 1);
         on.box.SetHeight(-500);
         QCOMPARE(on.canvas.resized, 1);
+    }
+
+    void firstRowBelowZeroIsRestored() {
+        BoxOnCanvas on(3);
+        on.box.SetHeight(128);
+        on.box.SetFirstVisibleItem(0);
+        on.box.SetHeight(128 - 17);
+        QCOMPARE(on.box.VisibleCount, 4);
+        QCOMPARE(on.box.FirstVisibleItem, -2);
+        BoxOnCanvas other(3);
+        other.box.SetHeight(128 - 17);
+        other.canvas.rowsScrolledCount = 0;
+        other.box.restoreFirstVisibleItem(-2);
+        QCOMPARE(other.box.FirstVisibleItem, -2);
+        QCOMPARE(other.box.GetItemRect(other.row(0)), on.box.GetItemRect(on.row(0)));
+        QCOMPARE(other.canvas.rowsScrolledCount, 1);
+    }
+
+    void otherFirstRowsAreRestoredWithinTheirBounds() {
+        BoxOnCanvas on;
+        on.box.restoreFirstVisibleItem(2);
+        QCOMPARE(on.box.FirstVisibleItem, 2);
+        on.box.restoreFirstVisibleItem(std::numeric_limits<int>::max());
+        QCOMPARE(on.box.FirstVisibleItem, 4);
+        on.box.restoreFirstVisibleItem(std::numeric_limits<int>::min());
+        QVERIFY(on.box.FirstVisibleItem < 0);
+        QVERIFY(on.box.GetItemRect(on.row(8)).Top > 0);
     }
 
     void sameSizeIsNoChange() {

@@ -56,6 +56,22 @@ private Q_SLOTS:
         QCOMPARE(other.builder.SaveState(), on.builder.SaveState());
     }
 
+    // Saved with letters of another size, or written by somebody else.
+    void rowsThatHaveNoRoomAreNotShown() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t");
+        TorvQDTable* box = on.table("T");
+        const int shown = box->VisibleCount;
+        QJsonObject state = QJsonDocument::fromJson(on.builder.SaveState()).object();
+        for (const int rows : {0, shown - 1, shown + 1, 1000000}) {
+            state["shownRows"] = QJsonArray{rows};
+            HostedBuilder other;
+            other.builder.RestoreState(QJsonDocument(state).toJson());
+            QCOMPARE(other.table("T")->Height, box->Height);
+            QCOMPARE(other.table("T")->VisibleCount, rows == shown - 1 ? rows : shown);
+        }
+    }
+
     void comesBackAsItWas_data() {
         QTest::addColumn<bool>("keepMeaning");
         QTest::addColumn<QString>("text");
@@ -125,6 +141,38 @@ private Q_SLOTS:
         QCOMPARE(other.table("T")->FirstVisibleItem, 1);
         QVERIFY(other.builder.WorkArea->Links().front()->points() ==
                 on.builder.WorkArea->Links().front()->points());
+    }
+
+    // Made lower again, a box that was taller than its rows keeps the room above them.
+    void rowsBelowTheUpperEdgeComeBack() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t");
+        TorvQDTable* box = on.table("T");
+        box->SetHeight(box->Height + 4 * (box->ItemHeight + 1));
+        box->SetFirstVisibleItem(0);
+        const int first = box->FirstVisibleItem;
+        QVERIFY(first < 0);
+        box->SetHeight(box->Height - box->ItemHeight - 1);
+        QCOMPARE(box->FirstVisibleItem, first);
+        QVERIFY(int(box->Items.size()) - box->VisibleCount > first);
+        const QByteArray state = on.builder.SaveState();
+        HostedBuilder other;
+        other.builder.RestoreState(state);
+        QCOMPARE(other.table("T")->FirstVisibleItem, first);
+        QCOMPARE(other.builder.SaveState(), state);
+    }
+
+    void boxOutOfReachComesBackWithinReach() {
+        HostedBuilder on;
+        on.builder.LoadSQL("select t.a from t");
+        const QSize size = on.table("T")->GetBoundsRect().toQRect().size();
+        on.table("T")->SetLeft(-300);
+        on.table("T")->SetTop(-115);
+        const QByteArray state = on.builder.SaveState();
+        HostedBuilder other;
+        other.builder.RestoreState(state);
+        QCOMPARE(other.table("T")->GetBoundsRect().toQRect(), QRect(QPoint(0, 0), size));
+        QCOMPARE(other.builder.GetSQLStatment(), on.builder.GetSQLStatment());
     }
 
     // Such a box is made lower than SetHeight() allows.

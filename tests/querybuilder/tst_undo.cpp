@@ -197,6 +197,20 @@ private Q_SLOTS:
         QCOMPARE(on.table("WIDE")->FirstVisibleItem, 3);
     }
 
+    void rowsBelowTheUpperEdgeStay() {
+        Recorded on;
+        TorvQDTable* box = on.table("T");
+        box->SetHeight(box->Height + 4 * (box->ItemHeight + 1));
+        box->SetFirstVisibleItem(0);
+        box->SetHeight(box->Height - box->ItemHeight - 1);
+        const int first = box->FirstVisibleItem;
+        QVERIFY(first < std::min(0, int(box->Items.size()) - box->VisibleCount));
+        on.recorder->reset();
+        on.tick("T", "A");
+        on.stack.undo();
+        QCOMPARE(on.table("T")->FirstVisibleItem, first);
+    }
+
     void selectedBoxStaysSelected() {
         Recorded on;
         on.click(on.captionOf("U"));
