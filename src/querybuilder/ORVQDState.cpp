@@ -6,6 +6,7 @@
 #include "criteria/ORVQDWherePanel.h"
 #include "querybuilder/ORVQDJsonWriter.h"
 #include "querybuilder/ORVQDSavedValue.h"
+#include "querybuilder/ORVQDStateReader.h"
 #include "querybuilder/ORVQDWindow.h"
 #include "selection/ORVQDSelectOrder.h"
 #include "workarea/ORVQDFloatPanel.h"
@@ -53,7 +54,8 @@ void writeTable(JsonWriter& json, const TorvQDTable& table, Scrolling scrolling)
     const auto* procedure = qobject_cast<const TorvQDSProc*>(&table);
     json.key("procedure").value(procedure != nullptr);
     json.key("bounds").beginArray();
-    for (const int number : {table.Left, table.Top, table.Width, table.Height}) json.value(number);
+    json.value(withinReach(table.Left)).value(withinReach(table.Top));
+    json.value(table.Width).value(table.Height);
     json.endArray();
     json.key("fields").beginArray();
     const std::vector<TorvQDListItem*> parameters =

@@ -136,7 +136,7 @@ QueryState::Table readTable(const Value& value) {
     table.isProcedure = value.key("procedure").flagOr(false);
     const std::vector<int> bounds = value.key("bounds").numbers();
     if (bounds.size() == 4) {
-        table.bounds = {bounds[0], bounds[1], bounds[2], bounds[3]};
+        table.bounds = {withinReach(bounds[0]), withinReach(bounds[1]), bounds[2], bounds[3]};
     } else if (!bounds.empty()) {
         fail(value.path(), QStringLiteral("has bounds that are not four numbers"));
     }

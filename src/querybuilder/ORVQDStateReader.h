@@ -12,9 +12,16 @@
 #include <QString>
 #include <QStringList>
 
+#include <algorithm>
 #include <vector>
 
 namespace orv {
+
+/// The left or upper edge of a saved box, in diagram coordinates: nobody could scroll to one that
+/// is left of the diagram or above it.
+[[nodiscard]] inline int withinReach(int edge) {
+    return std::max(0, edge);
+}
 
 /// A saved query as plain values: what a state file says, checked for its form.
 struct QueryState {

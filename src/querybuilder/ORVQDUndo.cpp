@@ -28,7 +28,8 @@ class ViewOfDiagram {
 public:
     explicit ViewOfDiagram(const TorvQDWorkArea& area) : m_position(area.scrollPosition()) {
         for (const TorvQDTable* box : area.tablesByCreation()) {
-            if (box->FirstVisibleItem != 0) m_firstRows[box->GetAlias()] = box->FirstVisibleItem;
+            if (box->FirstVisibleItem == 0) continue;
+            m_rows[box->GetAlias()] = {box->FirstVisibleItem, box->VisibleCount};
         }
         const auto* selected = qobject_cast<const TorvQDTable*>(area.selectedObject());
         if (selected) m_selected = selected->GetAlias();
@@ -36,8 +37,14 @@ public:
 
     void restore(TorvQDWorkArea& area) const {
         for (TorvQDTable* box : area.tablesByCreation()) {
-            const int row = m_firstRows.value(box->GetAlias());
-            if (row != 0) box->restoreFirstVisibleItem(row);
+            const Rows rows = m_rows.value(box->GetAlias());
+            if (rows.first == 0) continue;
+            // In a list of another height rows below zero would be out of sight.
+            if (box->VisibleCount == rows.count) {
+                box->restoreFirstVisibleItem(rows.first);
+            } else {
+                box->SetFirstVisibleItem(rows.first);
+            }
         }
         area.scrollTo(m_position);
         // The selected box is the one in front. Any other would change the order of stacking.
@@ -46,9 +53,15 @@ public:
     }
 
 private:
+    /// What the list of a box shows.
+    struct Rows {
+        int first = 0;
+        int count = 0;
+    };
+
     QPoint m_position;
-    QHash<QString, int> m_firstRows;  // by alias
-    QString m_selected;               // alias
+    QHash<QString, Rows> m_rows;  // by alias
+    QString m_selected;           // alias
 };
 
 }  // namespace

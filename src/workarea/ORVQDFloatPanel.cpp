@@ -244,9 +244,8 @@ TorvQDTable* TorvQDWorkArea::restoreTable(const QString& name, const QString& al
         box->SetWidth(bounds.width());
         // A box of few rows is made lower than anybody can size it.
         if (bounds.height() != box->Height) box->SetHeight(bounds.height());
-        // Left of the diagram or above it nobody could scroll to the box.
-        box->SetLeft(std::max(0, bounds.left()));
-        box->SetTop(std::max(0, bounds.top()));
+        box->SetLeft(bounds.left());
+        box->SetTop(bounds.top());
     } else {
         placeTable(*box);
     }

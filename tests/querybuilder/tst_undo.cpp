@@ -211,6 +211,36 @@ private Q_SLOTS:
         QCOMPARE(on.table("T")->FirstVisibleItem, first);
     }
 
+    // The list is lower again: rows below zero would be out of sight, without a scroll bar.
+    void undoneHeightShowsTheRows() {
+        Recorded on;
+        TorvQDTable* box = on.table("T");
+        box->SetHeight(box->Height + 8 * (box->ItemHeight + 1));
+        QCoreApplication::processEvents();
+        QCOMPARE(on.stack.count(), 1);
+        box->SetFirstVisibleItem(0);
+        QVERIFY(box->FirstVisibleItem < 0);
+        on.stack.undo();
+        QCOMPARE(on.table("T")->FirstVisibleItem, 0);
+    }
+
+    // A host has put it there; it comes back within reach, which is no step of its own.
+    void boxOutOfReachIsNoStep() {
+        Recorded on;
+        on.table("T")->SetLeft(-300);
+        on.recorder->reset();
+        on.tick("T", "A");
+        on.stack.undo();
+        QCoreApplication::processEvents();
+        QCOMPARE(on.table("T")->Left, 0);
+        QCOMPARE(on.stack.count(), 1);
+        QVERIFY(on.stack.canRedo());
+        on.stack.redo();
+        QCoreApplication::processEvents();
+        QCOMPARE(on.stack.count(), 1);
+        QVERIFY(on.row("T", "A")->Checked);
+    }
+
     void selectedBoxStaysSelected() {
         Recorded on;
         on.click(on.captionOf("U"));
