@@ -271,8 +271,10 @@ bool splitConjunction(const TokenRun& run, std::vector<TokenRun>& parts) {
 }
 
 bool namesField(const TokenRun& run, int index) {
-    return run[index].kind == SqlToken::Word && !isOneOf(run, index, constantWords()) &&
-           !isParameter(run.textOf(index));
+    if (run[index].kind != SqlToken::Word || isOneOf(run, index, constantWords())) return false;
+    const QStringView word = run.textOf(index);
+    if (!word.startsWith(u'$')) return !isParameter(word);
+    return !std::all_of(word.begin() + 1, word.end(), [](QChar sign) { return sign.isDigit(); });
 }
 
 int endOfCondition(const TokenRun& run) {

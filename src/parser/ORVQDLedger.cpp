@@ -128,6 +128,10 @@ void reportForeignQuotes(LoadLedger& ledger, int end) {
     }
 }
 
+bool isForeign(QChar character) {
+    return character.unicode() >= 0x80;
+}
+
 }  // namespace
 
 void LoadLedger::reportChangedTexts(int end) {
@@ -137,25 +141,31 @@ void LoadLedger::reportChangedTexts(int end) {
         report(token.start, token.end,
                QStringLiteral("The line break inside this quoted text becomes a blank."));
     }
-    const auto isForeign = [](QChar character) { return character.unicode() >= 0x80; };
     if (std::none_of(m_normalised.text.begin(), m_normalised.text.end(), isForeign)) return;
     for (const SqlToken& token : m_tokens) {
         if (token.start >= end) break;
-        if (token.kind != SqlToken::Word) continue;
-        const QStringView word =
-            QStringView(m_normalised.text).mid(token.start, token.end - token.start);
-        if (isParameter(word) || std::none_of(word.begin(), word.end(), isForeign)) continue;
-        const QString upper = upperOutsideQuotes(word);
-        const bool sameForeign =
-            upper.size() == word.size() &&
-            std::equal(word.begin(), word.end(), upper.begin(), [&](QChar given, QChar written) {
-                return given == written || !isForeign(given);
-            });
-        if (sameForeign) continue;
-        report(token.start, token.end,
-               QStringLiteral("Letters beyond ASCII are written in upper case here, which a "
-                              "database may take for another name."));
+        if (!isParameter(wordOf(token))) reportUpperCase(token);
     }
+}
+
+void LoadLedger::reportUpperCase(const SqlToken& token) {
+    const QStringView word = wordOf(token);
+    const bool isOther = std::any_of(word.begin(), word.end(), isForeign);
+    if (token.kind != SqlToken::Word || !isOther) return;
+    const QString upper = upperOutsideQuotes(word);
+    const bool sameForeign =
+        upper.size() == word.size() &&
+        std::equal(word.begin(), word.end(), upper.begin(), [](QChar given, QChar written) {
+            return given == written || !isForeign(given);
+        });
+    if (sameForeign) return;
+    report(token.start, token.end,
+           QStringLiteral("Letters beyond ASCII are written in upper case here, which a database "
+                          "may take for another name."));
+}
+
+QStringView LoadLedger::wordOf(const SqlToken& token) const {
+    return QStringView(m_normalised.text).mid(token.start, token.end - token.start);
 }
 
 namespace {
@@ -203,7 +213,11 @@ void LoadLedger::reportUnclosed(int end) {
     int open = 0;
     // Pairs of them have become quotes: where the text is written twice, the others would, too.
     const bool hasBackticks = m_normalised.text.contains(u'`');
-    for (const SqlToken& token : m_tokens) {
+    const auto isBacktick = [&](const SqlToken& token) {
+        return hasBackticks && hasBareBacktick(wordOf(token));
+    };
+    for (std::size_t index = 0; index < m_tokens.size(); ++index) {
+        const SqlToken& token = m_tokens[index];
         if (token.start >= end) break;
         if (token.kind == SqlToken::Open) {
             ++open;
@@ -213,10 +227,14 @@ void LoadLedger::reportUnclosed(int end) {
         } else if (token.kind == SqlToken::Close && --open < 0) {
             open = 0;
             report(token.start, token.end, QStringLiteral("Nothing opened this bracket."));
-        } else if (hasBackticks &&
-                   hasBareBacktick(
-                       QStringView(m_normalised.text).mid(token.start, token.end - token.start))) {
-            report(token.start, token.end, QStringLiteral("This quote is not closed."));
+        } else if (isBacktick(token)) {
+            // A row of them is told of once.
+            while (index + 1 < m_tokens.size() &&
+                   m_tokens[index + 1].start == m_tokens[index].end &&
+                   isBacktick(m_tokens[index + 1])) {
+                ++index;
+            }
+            report(token.start, m_tokens[index].end, QStringLiteral("This quote is not closed."));
         } else if (token.end == int(m_normalised.text.size()) &&
                    endsInQuote(QStringView(m_normalised.text).mid(token.start))) {
             report(token.start, token.end, QStringLiteral("This quote is not closed."));

@@ -42,8 +42,12 @@ public:
     }
 
     /// Reports texts in front of `end` that cannot be written as they were given: line breaks in
-    /// quotes, and letters beyond ASCII that writing in upper case changes.
+    /// quotes, and letters beyond ASCII that writing in upper case changes, except in names of
+    /// parameters.
     void reportChangedTexts(int end);
+
+    /// Reports letters beyond ASCII that writing this word in upper case changes.
+    void reportUpperCase(const SqlToken& token);
 
     /// Reports the second word of a GROUP BY or ORDER BY clause when BY is only its beginning.
     void reportLongBy(const TokenRun& clause);
@@ -69,6 +73,7 @@ private:
     [[nodiscard]] std::vector<Loss> untakenTokens() const;
     void rememberBrokenLines();
     [[nodiscard]] Finding toFinding(const Loss& loss) const;
+    [[nodiscard]] QStringView wordOf(const SqlToken& token) const;
 
     QString m_given;
     NormalisedSQL m_normalised;

@@ -178,9 +178,14 @@ SqlTokens tokenise(QStringView text) {
     return Scanner(text).tokens();
 }
 
-bool isParameter(QStringView word) {
+bool beginsParameter(QChar character) {
     static constexpr QStringView signs = u":@$?";
-    return !word.isEmpty() && signs.contains(word.front());
+    return signs.contains(character);
+}
+
+bool isParameter(QStringView word) {
+    if (word.isEmpty() || !beginsParameter(word.front())) return false;
+    return word.front() != u'$' || !word.contains(u'.');  // "$T.A" is a field
 }
 
 QString TokenRun::sourceText() const {

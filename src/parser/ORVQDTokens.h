@@ -37,8 +37,11 @@ struct SqlToken {
 /// The tokens of a text, in order.
 using SqlTokens = std::vector<SqlToken>;
 
-/// Whether a word is the name of a parameter, which keeps its case: databases tell :a from :A.
-[[nodiscard]] bool isParameter(QStringView word);
+/// Whether a character can be the first one of the name of a parameter.
+[[nodiscard]] ORV_EXPORT bool beginsParameter(QChar character);
+/// Whether a word is written as the name of a parameter, which keeps its case: databases tell :a
+/// from :A. "$A" can be the name of a field as well.
+[[nodiscard]] ORV_EXPORT bool isParameter(QStringView word);
 
 /// The tokens of a normalised statement, in order. Linear in the text.
 [[nodiscard]] ORV_EXPORT SqlTokens tokenise(QStringView text);

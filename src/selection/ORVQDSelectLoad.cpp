@@ -251,7 +251,7 @@ private:
     // The text put together from nodes where it says what the source says; else the source.
     static QString expressionText(const QString& fromNodes, const TokenRun& source) {
         QString text = source.sourceText();
-        if (text.contains(u':') || text.contains(u'@') || text.contains(u'$')) return text;
+        if (std::any_of(text.begin(), text.end(), orv::beginsParameter)) return text;
         return orv::tokenKey(fromNodes) == orv::tokenKey(text) ? fromNodes : text;
     }
 

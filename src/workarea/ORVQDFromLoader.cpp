@@ -108,6 +108,7 @@ TorvQDTable* FromLoader::loadTable(const TorvQDParser& node) {
     NamedTable table = named(node);
     if (!hasAlias(node)) readDetachedAlias(table);
     m_readUpTo = std::max(table.end, loseAddition(table));
+    reportNames(table);
     std::unique_ptr<TDataSet> dataSet;
     std::unique_ptr<TParams> params;
     m_area.m_owner->getTableFields(table.lookup, node.Text(), dataSet, params);
@@ -234,14 +235,24 @@ int FromLoader::loseAddition(const NamedTable& table) {
     return end;
 }
 
+// Names of tables and aliases are written in upper case also where they look like parameters.
+void FromLoader::reportNames(const NamedTable& table) {
+    if (!m_ledger) return;
+    const orv::TokenRun run = m_ledger->tokensIn(table.start, table.end);
+    for (int index = 0; index < run.size(); ++index) {
+        if (run[index].depth != topLevel || !orv::isParameter(run.textOf(index))) continue;
+        m_ledger->reportUpperCase(run[index]);
+    }
+}
+
 // The host is not asked for the alias of a derived table.
 void FromLoader::loseDerivedTable(const TorvQDParser& node) {
     NamedTable bracket{{}, {}, {}, false, false, node.Start(), node.End()};
     readDetachedAlias(bracket);
     if (bracket.hasOwnAlias) readColumnNames(bracket);
-    m_readUpTo = bracket.end;
     report(bracket.start, bracket.end,
            QStringLiteral("A bracket in FROM cannot be shown as a table: it is not loaded."));
+    m_readUpTo = std::max(bracket.end, loseAddition(bracket));
 }
 
 // Behind the alias of a derived table names for its columns may stand in brackets.

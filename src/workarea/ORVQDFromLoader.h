@@ -113,6 +113,7 @@ private:
     static void useAlias(NamedTable& table, const QString& text, int end);
     void readDetachedAlias(NamedTable& table) const;
     int loseAddition(const NamedTable& table);
+    void reportNames(const NamedTable& table);
     void readColumnNames(NamedTable& table) const;
     void loseDerivedTable(const TorvQDParser& node);
 
