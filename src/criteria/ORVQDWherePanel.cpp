@@ -96,7 +96,7 @@ void account(const std::vector<orv::ConditionElement>& level, orv::LoadLedger& l
         if (connects && !hasOperand) {
             ledger.report(element.run, QStringLiteral("A condition is missing in front of this."));
         }
-        if (isEmptyBracket(element.run)) {
+        if (element.kind == orv::ConditionElement::Condition && isEmptyBracket(element.run)) {
             ledger.report(element.run, QStringLiteral("A condition is missing in this bracket."));
         }
         hasOperand = element.kind == orv::ConditionElement::Bracket ||
