@@ -11,7 +11,11 @@ private Q_SLOTS:
     void formats() { checkFormats(m_source, Names::AsMade); }
     void parameters() { checkParameters(m_source); }
     void mistakes() { checkMistakes(m_source, "says: no such function: NONSENSE"); }
-    void rowsAreNotKept() { checkThatRowsAreNotKept(m_source, "select x, name from many", 500000); }
+    // Under a sanitizer this driver was seen to take 46 MB more; the figure is not explained.
+    void rowsAreNotKept() {
+        checkThatRowsAreNotKept(m_source, "select x, name from many", 500000,
+                                orvtest::isSanitized ? 120000 : 40000);
+    }
     void sourceOfAString();
     void sourceIsMissing();
 
