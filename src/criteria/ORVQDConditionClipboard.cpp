@@ -53,10 +53,11 @@ bool isOneOf(const TokenRun& run, int index, const QSet<QString>& words) {
 
 // --- what is not closed ---
 
+// Pairs of backticks have become quotes: what is left of them has no other end.
 void checkQuotes(const QString& text) {
     for (qsizetype at = 0; at < text.size(); ++at) {
         if (text[at] != u'\'' && text[at] != u'"' && text[at] != u'`') continue;
-        at = text.indexOf(text[at], at + 1);
+        at = text[at] == u'`' ? -1 : text.indexOf(text[at], at + 1);
         if (at < 0) refuse(QStringLiteral("a quotation mark is not closed"));
     }
 }

@@ -268,6 +268,7 @@ private Q_SLOTS:
         no("a = 'it's'", "a quotation mark is not closed");
         no("\"a = 1", "a quotation mark is not closed");
         no("`a = 1", "a quotation mark is not closed");
+        no("a = ` and b = c.````c\"x``", "a quotation mark is not closed");
         no("select a from t where b = 1", "it is a statement");
         no("(select a from t)", "it is a statement");
         no("update t set a = 1", "it is a statement");
