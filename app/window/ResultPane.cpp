@@ -129,6 +129,8 @@ void ResultPane::buildView() {
     addViewAction(tr("Copy with &header"), QKeySequence(QStringLiteral("Ctrl+Alt+C")),
                   &ResultPane::copyWithHeader);
     addViewAction(tr("Select &all"), QKeySequence::SelectAll, &ResultPane::selectAll);
+    addViewAction(tr("&Sort by column"), QKeySequence(QStringLiteral("Ctrl+Alt+S")),
+                  &ResultPane::sortByColumn);
     m_view->setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
@@ -400,6 +402,21 @@ void ResultPane::copyWithHeader() {
 
 void ResultPane::selectAll() {
     m_view->selectAll();
+}
+
+// As a click on the title of the column does: ascending, descending, as they came.
+void ResultPane::sortByColumn() {
+    const QModelIndex cell = m_view->currentIndex();
+    if (!cell.isValid()) return;
+    QHeaderView* header = m_view->horizontalHeader();
+    const bool isSorted = header->sortIndicatorSection() == cell.column();
+    if (!isSorted) {
+        header->setSortIndicator(cell.column(), Qt::AscendingOrder);
+    } else if (header->sortIndicatorOrder() == Qt::AscendingOrder) {
+        header->setSortIndicator(cell.column(), Qt::DescendingOrder);
+    } else {
+        header->setSortIndicator(-1, Qt::AscendingOrder);
+    }
 }
 
 void ResultPane::setStopAction(QAction* action) {

@@ -85,6 +85,7 @@ private:
     void copy();
     void copyWithHeader();
     void selectAll();
+    void sortByColumn();
 
     ResultModel* m_model;
     QStackedWidget* m_pages;

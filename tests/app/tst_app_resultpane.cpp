@@ -37,6 +37,7 @@ private Q_SLOTS:
     void sortingOfPartIsTold();
     void sortingWhileRowsComeIsTold();
     void headerClicksSortAndRestore();
+    void keySortsByTheColumnOfTheCell();
     void shortenedValuesAreTold();
     void columnsFitFirstRowsOnly();
     void chosenColumnWidthStays();
@@ -226,6 +227,31 @@ void TestResultPane::headerClicksSortAndRestore() {
     QCOMPARE(view().horizontalHeader()->sortIndicatorSection(), -1);
 }
 
+void TestResultPane::keySortsByTheColumnOfTheCell() {
+    show({"a", "b"}, {{2, "x"}, {10, "z"}, {1, "y"}});
+    const auto column = [&] { return cell(0, 0) + u' ' + cell(1, 0) + u' ' + cell(2, 0); };
+    m_pane->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_pane.get()));
+    view().setFocus();
+    const auto press = [&] {
+        QTest::keyClick(&view(), Qt::Key_S, Qt::ControlModifier | Qt::AltModifier);
+    };
+    view().setCurrentIndex({});
+    press();
+    QCOMPARE(column(), QStringLiteral("2 10 1"));
+    view().setCurrentIndex(m_pane->model().index(0, 0));
+    press();
+    QCOMPARE(column(), QStringLiteral("1 2 10"));
+    press();
+    QCOMPARE(column(), QStringLiteral("10 2 1"));
+    press();
+    QCOMPARE(column(), QStringLiteral("2 10 1"));
+    press();
+    view().setCurrentIndex(m_pane->model().index(0, 1));
+    press();
+    QCOMPARE(column(), QStringLiteral("2 1 10"));
+}
+
 void TestResultPane::shortenedValuesAreTold() {
     show({"a"}, {{shortened(QByteArray(2000, 'x'), 1000)}}, {{.milliseconds = 5}});
     QCOMPARE(label("summary"), QStringLiteral("1 row, 5 ms. Large values are shortened"));
@@ -292,7 +318,8 @@ void TestResultPane::contextMenuHasAllOfIt() {
     for (const QAction* action : actions) {
         if (!action->isSeparator()) texts += action->text().remove(u'&');
     }
-    QCOMPARE(texts, (QStringList{"Copy", "Copy with header", "Select all", "Export rows..."}));
+    QCOMPARE(texts, (QStringList{"Copy", "Copy with header", "Select all", "Sort by column",
+                                 "Export rows..."}));
     QCOMPARE(view().contextMenuPolicy(), Qt::ActionsContextMenu);
     m_pane.reset();
 }
