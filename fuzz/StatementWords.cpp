@@ -109,9 +109,17 @@ private:
             add(Piece::Number, text.toUpper());
             // "1$and" ends a number.
             while (QStringLiteral("_$#@").contains(at(0))) readSign(at(0));
+            if (text == u"0" && at(0).toUpper() == u'X' && at(1).isDigit()) readHexDigits();
         } else {
             addName(text, true);
         }
+    }
+
+    // What is glued to the last digit is a word of its own: "0x1from".
+    void readHexDigits() {
+        const qsizetype start = m_at++;
+        while (at(0).isDigit()) ++m_at;
+        addName(m_text.mid(start, m_at - start), true);
     }
 
     // A word may be glued to a number: "1or".
