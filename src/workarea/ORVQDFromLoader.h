@@ -120,6 +120,7 @@ private:
     void loadOn(LoadedJoin& join, const TorvQDParser& on);
     void loadOnAsWritten(LoadedJoin& join, const TorvQDParser& on,
                          const std::vector<orv::TokenRun>* parts);
+    void reportLooseAnds(const orv::TokenRun& run) const;
     void loadOnKeepingMeaning(LoadedJoin& join, const TorvQDParser& on,
                               const std::vector<orv::TokenRun>& parts);
     [[nodiscard]] std::optional<Side> findSide(const QString& text) const;

@@ -116,10 +116,26 @@ void FromLoader::loadOn(LoadedJoin& join, const TorvQDParser& on) {
                    : QStringLiteral("Only comparisons joined by AND are held in an ON: this "
                                     "condition changes."));
     }
+    if (isConjunction) reportLooseAnds(run.mid(1));
     if (!m_keepsMeaning) {
         loadOnAsWritten(join, on, isConjunction ? &parts : nullptr);
     } else if (isConjunction) {
         loadOnKeepingMeaning(join, on, parts);
+    }
+}
+
+// An AND without a condition before or behind it joins nothing and is not written again.
+void FromLoader::reportLooseAnds(const orv::TokenRun& run) const {
+    for (int index = 0; index < run.size(); ++index) {
+        if (run[index].kind != orv::SqlToken::Word || !run.is(index, u"AND")) continue;
+        const int next = index + 1;
+        if (index == 0 || run[index - 1].kind == orv::SqlToken::Open || run.is(index - 1, u"AND")) {
+            m_ledger->report(run.mid(index, 1),
+                             QStringLiteral("A condition is missing in front of this."));
+        } else if (next == run.size() || run[next].kind == orv::SqlToken::Close) {
+            m_ledger->report(run.mid(index, 1),
+                             QStringLiteral("A condition is missing behind this."));
+        }
     }
 }
 
