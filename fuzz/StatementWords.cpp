@@ -107,11 +107,21 @@ private:
         const QString text = m_text.mid(start, m_at - start);
         if (number) {
             add(Piece::Number, text.toUpper());
-            // "1$and" ends a number.
-            while (QStringLiteral("_$#@").contains(at(0))) readSign(at(0));
             if (text == u"0" && at(0).toUpper() == u'X' && at(1).isDigit()) readHexDigits();
+            readGluedWords();
         } else {
             addName(text, true);
+        }
+    }
+
+    // Words that are glued to a number end at signs: "1$and", "1d$and".
+    void readGluedWords() {
+        const auto isSign = [this] { return QStringLiteral("_$#@").contains(at(0)); };
+        while (isWordPart(at(0))) {
+            const qsizetype start = m_at;
+            while (isWordPart(at(0)) && !isSign()) ++m_at;
+            if (m_at > start) addName(m_text.mid(start, m_at - start), true);
+            while (isSign()) readSign(at(0));
         }
     }
 
