@@ -82,7 +82,7 @@ QString brokenBy(HostedBuilder& on) {
     namespace rules = orvtest::detail;
     for (const auto rule : {rules::brokenStackingRule, rules::brokenGridRule, rules::brokenLinkRule,
                             rules::brokenSelectionRule, rules::brokenSizeRule}) {
-        const QString broken = rule(on.builder);
+        QString broken = rule(on.builder);
         if (!broken.isEmpty()) return broken;
     }
     return {};

@@ -318,7 +318,7 @@ QStringList wordsOf(const Pieces& pieces) {
     return words;
 }
 
-QString difference(const QString& place, QStringList given, QStringList written) {
+QString difference(const QString& place, const QStringList& given, QStringList written) {
     QStringList lines;
     for (const QString& word : given) {
         if (!written.removeOne(word)) lines << "- " + place + ": " + word;

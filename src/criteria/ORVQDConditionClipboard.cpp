@@ -436,8 +436,8 @@ QString conditionText(const TorvQDWhereRow& row, const ConditionRules& rules,
         const QString lineBreak = QStringLiteral("\r\n");
         return text.startsWith(lineBreak) ? text.mid(lineBreak.size()) : text;
     }
-    const QString written = row.GetSQLCondition(false);
-    const QString bare = written.mid(1, written.size() - 2);
+    QString written = row.GetSQLCondition(false);
+    QString bare = written.mid(1, written.size() - 2);
     try {
         const LooseConditions read(bare, rules, groups);
         const TorvQDWhereRows& rows = *read.root().SubRows;

@@ -248,7 +248,7 @@ const orv::TextLine& TorvQDListItem::text() const {
 }
 
 QString TorvQDListItem::caption() const {
-    const QString text = u' ' + Name;
+    QString text = u' ' + Name;
     if (!Table->canvas() || !Table->canvas()->options().GetShowFieldsType()) return text;
     return text + QStringLiteral(" (") +
            GetDataName().replace(QStringLiteral("&&"), QStringLiteral("&")) + u')';

@@ -44,7 +44,7 @@ public:
         if (!m_value.isArray()) fail(m_path, QStringLiteral("is no list"));
         const QJsonArray array = m_value.toArray();
         values.reserve(std::size_t(array.size()));
-        for (const QJsonValue& item : array) {
+        for (const auto& item : array) {
             values.emplace_back(item, QStringLiteral("%1[%2]").arg(m_path).arg(values.size()));
         }
         return values;
@@ -87,7 +87,7 @@ public:
 
     /// The texts of a list of that many.
     [[nodiscard]] QStringList texts(int count) const {
-        const QStringList list = texts();
+        QStringList list = texts();
         if (list.size() != count) fail(m_path, QStringLiteral("has not %1 texts").arg(count));
         return list;
     }
@@ -105,7 +105,7 @@ TFieldType readType(const Value& value) {
 }
 
 QString readName(const Value& value) {
-    const QString name = value.key("name").text();
+    QString name = value.key("name").text();
     if (name.isEmpty()) fail(value.path(), QStringLiteral("has no name"));
     return name;
 }

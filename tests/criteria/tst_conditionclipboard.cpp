@@ -19,7 +19,6 @@
 using orvtest::clipboard;
 using orvtest::Criteria;
 using orvtest::HostedBuilder;
-using orvtest::partsOf;
 using orvtest::RandomState;
 using orvtest::RecordedServices;
 using orvtest::StateSetting;
