@@ -63,7 +63,7 @@ ResultPane::ResultPane(QWidget* parent)
       m_view(new QTableView(this)),
       m_textPage(new QFrame(this)),
       m_text(new QLabel(this)),
-      m_remedy(new QToolButton(this)),
+      m_remedies({new QToolButton(this), new QToolButton(this)}),
       m_earlier(new QLabel(this)),
       m_trouble(new QLabel(this)),
       m_notes(new QLabel(this)),
@@ -150,9 +150,16 @@ void ResultPane::buildText() {
     m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     m_text->setWordWrap(true);
     m_text->setAlignment(Qt::AlignCenter);
-    m_remedy->setObjectName(QStringLiteral("remedyButton"));
-    m_remedy->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    m_remedy->setFocusPolicy(Qt::TabFocus);
+    auto* remedies = new QHBoxLayout;
+    remedies->addStretch(1);
+    for (QToolButton* button : m_remedies) {
+        button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+        button->setFocusPolicy(Qt::TabFocus);
+        remedies->addWidget(button);
+    }
+    remedies->addStretch(1);
+    m_remedies.front()->setObjectName(QStringLiteral("remedyButton"));
+    m_remedies.back()->setObjectName(QStringLiteral("otherRemedyButton"));
 
     m_textPage->setFrameShape(QFrame::StyledPanel);
     m_textPage->setAutoFillBackground(true);
@@ -160,7 +167,7 @@ void ResultPane::buildText() {
     auto* layout = new QVBoxLayout(m_textPage);
     layout->addStretch(1);
     layout->addWidget(m_text);
-    layout->addWidget(m_remedy, 0, Qt::AlignHCenter);
+    layout->addLayout(remedies);
     layout->addStretch(1);
 }
 
@@ -288,10 +295,10 @@ void ResultPane::refreshNoRows() {
                          m_model->rowCount() == 0 && !m_isOfEarlier);
 }
 
-void ResultPane::setProblem(const QString& reason, QAction* remedy) {
+void ResultPane::setProblem(const QString& reason, const QList<QAction*>& remedies) {
     m_outcome.reset();
     setExportState({});
-    showText(reason, true, remedy);
+    showText(reason, true, remedies);
 }
 
 void ResultPane::setOutcome(const QueryOutcome& outcome) {
@@ -330,11 +337,15 @@ bool ResultPane::areRowsWhole() const {
     return isComplete();
 }
 
-void ResultPane::showText(const QString& text, bool isError, QAction* remedy) {
+void ResultPane::showText(const QString& text, bool isError, const QList<QAction*>& remedies) {
     m_text->setText(text);
     m_text->setForegroundRole(isError ? QPalette::Text : QPalette::PlaceholderText);
-    m_remedy->setVisible(remedy != nullptr);
-    if (remedy != nullptr) m_remedy->setDefaultAction(remedy);
+    qsizetype place = 0;
+    for (QToolButton* button : m_remedies) {
+        QAction* remedy = remedies.value(place++);
+        button->setVisible(remedy != nullptr);
+        if (remedy != nullptr) button->setDefaultAction(remedy);
+    }
     m_trouble->hide();
     m_model->begin({});
     m_model->finish();

@@ -8,6 +8,7 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <array>
 #include <optional>
 
 class QAction;
@@ -43,8 +44,8 @@ public:
     /// Whether the rows are those of another statement than the present one, which is told above
     /// them.
     void setOfEarlier(bool isOfEarlier);
-    /// There was nothing that could be run; a remedy is offered as a button.
-    void setProblem(const QString& reason, QAction* remedy = nullptr);
+    /// There was nothing that could be run; what helps, two at most, is offered as buttons.
+    void setProblem(const QString& reason, const QList<QAction*>& remedies = {});
     /// Back to the state before the first query.
     void clear();
 
@@ -71,7 +72,7 @@ private:
     void addViewAction(const QString& text, const QKeySequence& shortcut,
                        void (ResultPane::*slot)());
     QToolButton* addButton(QAction* action, const char* name);
-    void showText(const QString& text, bool isError, QAction* remedy = nullptr);
+    void showText(const QString& text, bool isError, const QList<QAction*>& remedies = {});
     void refreshEarlier();
     void refreshNoRows();
     void showRunningTime();
@@ -92,7 +93,7 @@ private:
     QTableView* m_view;
     QFrame* m_textPage;
     QLabel* m_text;
-    QToolButton* m_remedy;
+    std::array<QToolButton*, 2> m_remedies;
     QLabel* m_earlier;
     QLabel* m_trouble;
     QLabel* m_notes;

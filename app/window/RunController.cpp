@@ -55,6 +55,8 @@ RunController::RunController(TorvQueryBuilder* builder, StatementPane* statement
 }
 
 void RunController::connectSignals() {
+    connect(m_statement, &StatementPane::contentChanged, this,
+            [this] { orv::guarded([this] { textChanged(); }); });
     connect(&m_exportClock, &QTimer::timeout, this, &RunController::showExportProgress);
     connect(&m_exporting, &RowsExport::finished, this,
             [this](const QueryEnd& end) { orv::guarded([&] { finishExport(end); }); });
@@ -82,9 +84,6 @@ QAction* RunController::makeAction(const char* icon, const QString& text,
 
 void RunController::setLoadAction(QAction* action) {
     m_load = action;
-    for (const QAction* loading : {action, m_statement->loadAnywayAction()}) {
-        connect(loading, &QAction::triggered, this, &RunController::statementLoaded);
-    }
 }
 
 void RunController::setPatience(std::chrono::milliseconds patience) {
@@ -125,8 +124,12 @@ bool RunController::canRun() {
     m_isLoadWanted = m_database != nullptr && m_statement->isEdited();
     m_result->setNotes(m_isLoadWanted ? QStringList() : findingLines(m_builder->Validate()));
     if (problem.isEmpty()) return true;
-    QAction* load = m_statement->isOffered() ? m_statement->loadAnywayAction() : m_load;
-    m_result->setProblem(problem, m_isLoadWanted ? load : nullptr);
+    QList<QAction*> remedies;
+    if (m_isLoadWanted) {
+        remedies += m_statement->isOffered() ? m_statement->loadAnywayAction() : m_load;
+        if (m_statement->hasQuery()) remedies += m_statement->backAction();
+    }
+    m_result->setProblem(problem, remedies);
     refreshActions();
     return false;
 }
@@ -179,13 +182,17 @@ std::optional<PlaceholderValues> RunController::askParameters(const QString& sta
 
 QString RunController::whatPreventsRunning() const {
     if (m_database == nullptr) return tr("There are no rows: no database is open.");
+    const bool hasQuery = m_statement->hasQuery();
     if (m_statement->isOffered()) {
-        return tr(
-            "The text is not loaded, because something would be lost by that; change it, or choose "
-            "Load anyway.");
+        return hasQuery ? tr("The text is not loaded, because something would be lost by that; "
+                             "change it, or choose Load anyway or Back to the statement.")
+                        : tr("The text is not loaded, because something would be lost by that; "
+                             "change it, or choose Load anyway.");
     }
     if (m_statement->isEdited()) {
-        return tr("The text was changed but not loaded; Load (Ctrl+Enter) it first.");
+        return hasQuery ? tr("The text was changed but not loaded; Load (Ctrl+Enter) it first, or "
+                             "choose Back to the statement.")
+                        : tr("The text was changed but not loaded; Load (Ctrl+Enter) it first.");
     }
     if (!m_statement->problem().isEmpty()) return m_statement->problem();
     const QString text = m_statement->text();
@@ -202,8 +209,8 @@ void RunController::statementChanged() {
     m_result->setOfEarlier(isOfEarlierStatement());
 }
 
-// What was asked for has been done, unless the text was refused.
-void RunController::statementLoaded() {
+// What was asked for has been done once the text is loaded, or given up for the statement.
+void RunController::textChanged() {
     if (!m_isLoadWanted || m_statement->isEdited()) return;
     m_isLoadWanted = false;
     m_result->clear();

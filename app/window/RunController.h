@@ -81,7 +81,7 @@ private:
     void run();
     void stop();
     void chooseExport();
-    void statementLoaded();
+    void textChanged();
     [[nodiscard]] bool isOfEarlierStatement() const;
     [[nodiscard]] QString exportTitle() const;
     [[nodiscard]] bool isBusy() const;

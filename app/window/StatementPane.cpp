@@ -65,6 +65,7 @@ StatementPane::StatementPane(QWidget* parent)
       m_editor(new StatementEditor(this)),
       m_header(new QHBoxLayout),
       m_loadAnyway(new QAction(tr("Load anyway"), this)),
+      m_goBack(new QAction(tr("Back to the statement"), this)),
       m_marks(new TextMarks(m_editor)),
       m_find(new FindBar(m_editor, m_marks, this)) {
     buildEditor();
@@ -135,8 +136,9 @@ void StatementPane::buildBars() {
     });
 
     m_back->setObjectName(QStringLiteral("backToStatement"));
-    m_back->setText(tr("Back to the statement"));
-    connect(m_back, &QToolButton::clicked, this, [this] { showContent(Content::Statement); });
+    m_back->setDefaultAction(m_goBack);
+    m_goBack->setToolTip(tr("Give up the text and show the diagram's statement"));
+    connect(m_goBack, &QAction::triggered, this, [this] { showContent(Content::Statement); });
     m_original->setObjectName(QStringLiteral("showLoaded"));
     m_original->setText(tr("Show the loaded text"));
     connect(m_original, &QToolButton::clicked, this, [this] { showContent(Content::Loaded); });
@@ -255,6 +257,7 @@ void StatementPane::forgetHistory() {
 }
 
 void StatementPane::setTyped(const QString& text) {
+    if (text.trimmed().isEmpty()) return showStatement();
     replaceText(withSingleBreaks(text));
     textEdited();
 }
@@ -269,7 +272,16 @@ void StatementPane::tell(const QString& note) {
 }
 
 void StatementPane::leaveLoadedText() {
-    if (m_content == Content::Loaded) showContent(Content::Statement);
+    const bool isEmptied = m_content == Content::Statement && isBlank();
+    if (m_content == Content::Loaded || isEmptied) showContent(Content::Statement);
+}
+
+bool StatementPane::hasQuery() const {
+    return !m_statement.isEmpty() || !m_problem.isEmpty();
+}
+
+bool StatementPane::isBlank() const {
+    return editorText().trimmed().isEmpty();
 }
 
 QString StatementPane::text() const {
@@ -326,9 +338,11 @@ void StatementPane::textEdited() {
     tell(QString());
     const QString typed = editorText();
     m_isOffered = false;
-    if (typed == withSingleBreaks(m_statement)) {
+    // What is emptied may be filled again, and leads nowhere by itself.
+    if (typed == withSingleBreaks(m_statement) || (hasQuery() && typed.trimmed().isEmpty())) {
         m_content = Content::Statement;
         m_isOutdated = false;
+        m_refusal->clear();
     } else if (!m_offeredText.isEmpty() && typed == withSingleBreaks(m_offeredText)) {
         m_content = Content::Typed;
         m_isOffered = true;
@@ -347,17 +361,18 @@ void StatementPane::refresh() {
     m_refusal->setVisible(!m_refusal->text().isEmpty());
     m_changedBar->setVisible(m_isOutdated);
     m_offerBar->setVisible(m_isOffered && m_isAsking);
-    const bool hasQuery = !m_statement.isEmpty() || !m_problem.isEmpty();
-    m_offerText->setText(hasQuery ? tr("This text is not loaded; the diagram has another query.")
-                                  : tr("This text is not loaded; the diagram is empty."));
-    m_back->setVisible(m_content == Content::Loaded || (m_isOffered && !m_statement.isEmpty()));
+    m_offerText->setText(hasQuery() ? tr("This text is not loaded; the diagram has another query.")
+                                    : tr("This text is not loaded; the diagram is empty."));
+    const bool isEmptied = m_content == Content::Statement && !m_statement.isEmpty() && isBlank();
+    m_back->setVisible(m_content == Content::Loaded || isEmptied ||
+                       (m_content == Content::Typed && hasQuery()));
     m_original->setVisible(m_content == Content::Statement && !m_findings.empty());
     refreshFindings();
 
     const bool hasProblem = m_content == Content::Statement && !m_problem.isEmpty();
-    m_editor->setPlaceholderText(hasProblem ? m_problem
-                                            : tr("Type a SELECT statement, or choose "
-                                                 "tables from the list."));
+    QString placeholder = tr("Type a SELECT statement, or choose tables from the list.");
+    if (isEmptied) placeholder = tr("Type a SELECT statement. The diagram keeps its own.");
+    m_editor->setPlaceholderText(hasProblem ? m_problem : placeholder);
     if (m_editor->font().italic() != hasProblem) {
         QFont font = m_editor->font();
         font.setItalic(hasProblem);

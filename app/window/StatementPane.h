@@ -21,8 +21,9 @@ class SqlHighlighter;
 
 /// Shows the statement of the diagram and takes typed ones. What a person types stays until it is
 /// loaded or given up: when the diagram changes meanwhile, a bar offers its statement instead of
-/// replacing the text. A text that the diagram cannot hold as it stands is loaded once the person
-/// agrees. Above the text stand the findings about it, or those of the last load.
+/// replacing the text. An empty text is none: the diagram's statement counts then. A text that the
+/// diagram cannot hold as it stands is loaded once the person agrees. Above the text stand the
+/// findings about it, or those of the last load.
 class StatementPane : public QWidget {
     Q_OBJECT
 
@@ -57,6 +58,9 @@ public:
     /// Whether the text is neither the diagram's statement nor the one that was loaded.
     [[nodiscard]] bool isEdited() const { return m_content == Content::Typed; }
 
+    /// Whether the diagram has something, though it may not be a statement yet.
+    [[nodiscard]] bool hasQuery() const;
+
     /// Takes a text as a person types it.
     void setTyped(const QString& text);
     /// Shows the diagram's statement in place of whatever is there.
@@ -67,7 +71,8 @@ public:
     /// Tells one sentence about the text, until there is another text.
     void tell(const QString& note);
 
-    /// Shows the diagram's statement again, where the text that was loaded stands in its place.
+    /// Shows the diagram's statement again, where the text that was loaded stands in its place, or
+    /// nothing does.
     void leaveLoadedText();
 
     void setWordsAction(QAction* action);
@@ -75,6 +80,8 @@ public:
     void setRunAction(QAction* action);
     /// The person agrees to load what is offered.
     [[nodiscard]] QAction* loadAnywayAction() const { return m_loadAnyway; }
+    /// The person gives up the text for the diagram's statement.
+    [[nodiscard]] QAction* backAction() const { return m_goBack; }
     [[nodiscard]] FindBar* findBar() const { return m_find; }
 
 Q_SIGNALS:
@@ -106,6 +113,7 @@ private:
     [[nodiscard]] const QString& textOfFindings() const;
     [[nodiscard]] QString findingsTitle() const;
     [[nodiscard]] QString offerTitle() const;
+    [[nodiscard]] bool isBlank() const;
     [[nodiscard]] bool isPlaced(std::size_t finding) const;
     [[nodiscard]] QString editorText() const;
     [[nodiscard]] QString stateText() const;
@@ -137,6 +145,7 @@ private:
     StatementEditor* m_editor;
     QHBoxLayout* m_header;
     QAction* m_loadAnyway;
+    QAction* m_goBack;
     TextMarks* m_marks;
     FindBar* m_find;
     SqlHighlighter* m_highlighter = nullptr;

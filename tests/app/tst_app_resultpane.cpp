@@ -328,7 +328,7 @@ void TestResultPane::remedyIsOffered() {
     QAction load(QStringLiteral("Load"));
     int loads = 0;
     connect(&load, &QAction::triggered, this, [&loads] { ++loads; });
-    m_pane->setProblem(QStringLiteral("Load it first."), &load);
+    m_pane->setProblem(QStringLiteral("Load it first."), {&load});
     QVERIFY(isShown("remedyButton"));
     auto* button = m_pane->findChild<QToolButton*>("remedyButton");
     QCOMPARE(button->text(), QStringLiteral("Load"));

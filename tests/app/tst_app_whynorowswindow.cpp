@@ -483,7 +483,8 @@ void TestWhyNoRowsWindow::textThatIsNotLoaded() {
     press(Qt::Key_F5, Qt::ControlModifier);
     QVERIFY(!dialog());
     QCOMPARE(label("resultText"),
-             QStringLiteral("The text was changed but not loaded; Load (Ctrl+Enter) it first."));
+             QStringLiteral("The text was changed but not loaded; Load (Ctrl+Enter) it first, or "
+                            "choose Back to the statement."));
 }
 
 void TestWhyNoRowsWindow::noTables() {

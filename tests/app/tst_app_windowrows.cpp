@@ -166,7 +166,8 @@ void TestWindowRows::typedTextIsNotRun() {
     QVERIFY(!child<QToolButton>("stopButton")->isEnabled());
     QVERIFY(!isShown("rows"));
     QCOMPARE(label("resultText"), QStringLiteral("The text was changed but not loaded; Load "
-                                                 "(Ctrl+Enter) it first."));
+                                                 "(Ctrl+Enter) it first, or choose Back to the "
+                                                 "statement."));
     QVERIFY(isShown("remedyButton"));
     click("remedyButton");
     QCOMPARE(text(), QStringLiteral("SELECT CITY\nFROM ORDERS"));
