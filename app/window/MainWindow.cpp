@@ -15,6 +15,7 @@
 #include "window/JoinAssistant.h"
 #include "window/KeptOperators.h"
 #include "window/KeyboardMap.h"
+#include "window/LoadedTexts.h"
 #include "window/ParameterDialog.h"
 #include "window/RunController.h"
 #include "window/SchemaBrowser.h"
@@ -95,6 +96,7 @@ void MainWindow::useTables(std::unique_ptr<TableSource> tables, BackgroundDataba
     m_undo->reset();
     m_tableList->setSource(*m_tables, entries);
     m_statement->forgetLoaded();
+    m_loadedTexts->take();
     m_database = {};
     m_documents->showTitle();
     statementChanged();
@@ -188,6 +190,10 @@ bool MainWindow::isAgreedTo(const QString& text) {
 bool MainWindow::loadText(const QString& text) {
     const QPointer<MainWindow> self(this);
     QString loaded;
+    // Once there is a step of it.
+    const auto kept = qScopeGuard([self] {
+        if (self) self->m_loadedTexts->take();
+    });
     const orv::UndoRecorder::Group step(m_undo->recorder(), tr("loading the statement"));
     try {
         const auto over = qScopeGuard([self, before = std::exchange(m_isLoading, true)] {
@@ -234,6 +240,7 @@ void MainWindow::startAnew() {
 void MainWindow::clearAll() {
     m_builder->Clear();
     m_statement->forgetLoaded();
+    m_loadedTexts->take();
     m_statement->showStatement();
     m_running->clear();
     statementChanged();

@@ -28,6 +28,7 @@ class DatabaseOpener;
 class DocumentController;
 class JoinAssistant;
 class KeyboardMap;
+class LoadedTexts;
 class PictureActions;
 class RecentMenu;
 class QueryComparer;
@@ -143,6 +144,7 @@ private:
     UndoActions* m_undo = nullptr;
     PictureActions* m_pictures = nullptr;
     StatementPane* m_statement = nullptr;
+    LoadedTexts* m_loadedTexts = nullptr;
     WordsPanel* m_words = nullptr;
     QueryComparer* m_comparer = nullptr;
     ResultPane* m_result = nullptr;

@@ -11,6 +11,7 @@
 #include "window/FindBar.h"
 #include "window/JoinAssistant.h"
 #include "window/KeyboardMap.h"
+#include "window/LoadedTexts.h"
 #include "window/MainWindow.h"
 #include "window/PictureActions.h"
 #include "window/QueryComparer.h"
@@ -69,6 +70,7 @@ void MainWindow::buildPanes() {
     m_undo = new UndoActions(*m_builder, *this);
     m_pictures = new PictureActions(*m_builder, *this);
     m_statement = new StatementPane;
+    m_loadedTexts = new LoadedTexts(m_undo->stack(), *m_statement);
     m_words = new WordsPanel(*m_builder, [this] { return m_isLoading; });
     m_comparer = new QueryComparer(
         *m_builder, [this]() -> const TableSource& { return *m_tables; }, this);

@@ -211,6 +211,13 @@ void StatementPane::setLoaded(const QString& text, const orv::Findings& findings
     refresh();
 }
 
+void StatementPane::setLoadedAgain(const LoadedText& loaded) {
+    leaveLoadedText();
+    m_loadedText = loaded.text;
+    m_findings = loaded.findings;
+    refresh();
+}
+
 void StatementPane::setOffered(const QString& text, const orv::Findings& findings,
                                const QStringList& mutedParts) {
     m_offeredText = text;

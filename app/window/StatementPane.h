@@ -19,6 +19,12 @@ class StatementEditor;
 class TextMarks;
 class SqlHighlighter;
 
+/// A text that was loaded, and what of it the diagram does not hold.
+struct LoadedText {
+    QString text;
+    orv::Findings findings;
+};
+
 /// Shows the statement of the diagram and takes typed ones. What a person types stays until it is
 /// loaded or given up: when the diagram changes meanwhile, a bar offers its statement instead of
 /// replacing the text. An empty text is none: the diagram's statement counts then. A text that the
@@ -38,6 +44,10 @@ public:
     /// A text was loaded; what the text says and the diagram does not hold. Call setStatement or
     /// setProblem afterwards.
     void setLoaded(const QString& text, const orv::Findings& findings);
+    /// The text that the diagram is of again, as setLoaded told once. What was typed stays.
+    void setLoadedAgain(const LoadedText& loaded);
+    /// The text that was loaded last; empty when there is none.
+    [[nodiscard]] LoadedText loaded() const { return {m_loadedText, m_findings}; }
     /// A text was refused; it stays, or comes, to be mended.
     void setRefused(const QString& text, const QString& reason);
     /// The text has not been loaded: the person is to say first whether it is to be, with these

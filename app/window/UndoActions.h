@@ -29,6 +29,8 @@ public:
     /// What is on the diagram is where undoing ends from now on.
     void reset() { m_recorder.reset(); }
 
+    [[nodiscard]] const QUndoStack& stack() const { return m_stack; }
+
     /// For orv::UndoRecorder::Group.
     [[nodiscard]] orv::UndoRecorder* recorder() { return &m_recorder; }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "WindowDesk.h"
+#include "selection/ORVQDSelectOrder.h"
 #include "window/DocumentController.h"
+#include "window/UndoActions.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <QAction>
@@ -35,6 +37,13 @@ private Q_SLOTS:
     void untouchedEditorLeavesItToTheDiagram();
     void editorOfTheControlKeepsTheDiagram();
 
+    void findingsGoWithTheLoad();
+    void findingsOfTheLoadBeforeComeBack();
+    void findingsOutliveOtherSteps();
+    void findingsOfALoadWithoutAStep();
+    void findingsOutliveTheirStep();
+    void findingsLeaveWhatIsTyped();
+
 private:
     [[nodiscard]] QAction& action(const char* name) const { return *child<QAction>(name); }
     [[nodiscard]] int boxes() const { return builder().ListOfTables->TablesCount(); }
@@ -54,6 +63,25 @@ private:
         QVERIFY(!menu.isVisible());
     }
     void leaveEditor() const { builder().WorkArea->setFocus(); }
+    void loadAnyway(const QString& text) const {
+        load(text);
+        click("loadAnyway");
+        leaveEditor();
+    }
+    void undo() const { press(Qt::Key_Z, Qt::ControlModifier); }
+    void redo() const { press(Qt::Key_Y, Qt::ControlModifier); }
+    [[nodiscard]] QStringList findings() const {
+        if (!isShown("findings") || !isShown("findingsTitle")) return {};
+        QStringList texts;
+        const auto* list = child<QListWidget>("findings");
+        for (int row = 0; row < list->count(); ++row) {
+            texts += list->item(row)->text().section(u'"', 1, 1);
+        }
+        return texts;
+    }
+
+    const QString m_doubtful = QStringLiteral("select o.id from orders o, nowhere n");
+    const QStringList m_doubts = {QStringLiteral("nowhere n")};
 };
 
 void TestWindowUndo::nothingToUndoAtTheBeginning() {
@@ -245,6 +273,102 @@ void TestWindowUndo::editorOfTheControlKeepsTheDiagram() {
     QVERIFY(!action("undo").isEnabled());
     QTest::keyClick(&inside, Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(boxes(), 1);
+}
+
+void TestWindowUndo::findingsGoWithTheLoad() {
+    load("select name from people");
+    loadAnyway(m_doubtful);
+    QCOMPARE(findings(), m_doubts);
+    undo();
+    QVERIFY(text().contains(QStringLiteral("FROM PEOPLE")));
+    QCOMPARE(findings(), QStringList());
+    QVERIFY(!isShown("showLoaded"));
+    redo();
+    QCOMPARE(findings(), m_doubts);
+    QVERIFY(isShown("showLoaded"));
+    // With the text that they are about in their place as well.
+    click("showLoaded");
+    QCOMPARE(text(), m_doubtful);
+    leaveEditor();
+    undo();
+    QVERIFY(text().contains(QStringLiteral("FROM PEOPLE")));
+    QCOMPARE(findings(), QStringList());
+}
+
+void TestWindowUndo::findingsOfTheLoadBeforeComeBack() {
+    loadAnyway(m_doubtful);
+    loadAnyway("select p.name from people p, nothing n");
+    QCOMPARE(findings(), QStringList{QStringLiteral("nothing n")});
+    undo();
+    QCOMPARE(findings(), m_doubts);
+    click("showLoaded");
+    QCOMPARE(text(), m_doubtful);
+    leaveEditor();
+    undo();
+    QCOMPARE(boxes(), 0);
+    QCOMPARE(findings(), QStringList());
+    // What is done now is about neither.
+    doubleClickTable("people");
+    leaveEditor();
+    undo();
+    redo();
+    QCOMPARE(boxes(), 1);
+    QCOMPARE(findings(), QStringList());
+}
+
+void TestWindowUndo::findingsOutliveOtherSteps() {
+    loadAnyway(m_doubtful);
+    doubleClickTable("people");
+    leaveEditor();
+    QCOMPARE(boxes(), 2);
+    QCOMPARE(findings(), m_doubts);
+    undo();
+    QCOMPARE(boxes(), 1);
+    QCOMPARE(findings(), m_doubts);
+    undo();
+    QCOMPARE(findings(), QStringList());
+    redo();
+    redo();
+    QCOMPARE(boxes(), 2);
+    QCOMPARE(findings(), m_doubts);
+    startAnew();
+    QCOMPARE(findings(), QStringList());
+}
+
+// The diagram has all that it takes already.
+void TestWindowUndo::findingsOfALoadWithoutAStep() {
+    loadAnyway(m_doubtful);
+    loadAnyway("select o.id from orders o, nothing n");
+    doubleClickTable("people");
+    leaveEditor();
+    undo();
+    QCOMPARE(boxes(), 1);
+    QCOMPARE(findings(), QStringList{QStringLiteral("nothing n")});
+    undo();
+    QCOMPARE(boxes(), 0);
+    QCOMPARE(findings(), QStringList());
+}
+
+void TestWindowUndo::findingsOutliveTheirStep() {
+    loadAnyway(m_doubtful);
+    const int mostSteps = m_window->findChild<UndoActions*>()->stack().undoLimit();
+    for (int step = 1; step <= mostSteps; ++step) builder().SelectPanel->SetDistinct(step % 2);
+    loadAnyway("select p.name from people p, nothing n");
+    for (int step = 0; step < mostSteps; ++step) undo();
+    QVERIFY(!action("undo").isEnabled());
+    QCOMPARE(boxes(), 1);
+    QVERIFY(text().contains(QStringLiteral("DISTINCT")));
+    QCOMPARE(findings(), m_doubts);
+}
+
+void TestWindowUndo::findingsLeaveWhatIsTyped() {
+    loadAnyway(m_doubtful);
+    type("select half");
+    leaveEditor();
+    undo();
+    QCOMPARE(boxes(), 0);
+    QCOMPARE(text(), QStringLiteral("select half"));
+    QCOMPARE(findings(), QStringList());
 }
 
 QTEST_MAIN(TestWindowUndo)
