@@ -173,8 +173,6 @@ void ResultPane::buildText() {
 
 void ResultPane::buildLabels() {
     m_earlier->setObjectName(QStringLiteral("earlier"));
-    m_earlier->setText(
-        tr("These rows are of an earlier statement. Run (F5) to see those of the present one."));
     makeBar(*m_earlier);
     m_earlier->hide();
     connect(m_pages, &QStackedWidget::currentChanged, this, &ResultPane::refreshEarlier);
@@ -279,9 +277,15 @@ void ResultPane::setNotes(const QStringList& notes) {
     m_notes->setVisible(!notes.isEmpty());
 }
 
-// A text in their place is no rows.
+// A text that is there without a query having ended is about none.
 void ResultPane::refreshEarlier() {
-    m_earlier->setVisible(m_isOfEarlier && m_pages->currentWidget() == m_view);
+    const bool areRows = m_pages->currentWidget() == m_view;
+    m_earlier->setText(
+        areRows ? tr("These rows are of an earlier statement. Run (F5) to see those of the present "
+                     "one.")
+                : tr("This is about an earlier statement. Run (F5) to see the rows of the present "
+                     "one."));
+    m_earlier->setVisible(m_isOfEarlier && (areRows || m_outcome.has_value()));
 }
 
 void ResultPane::setOfEarlier(bool isOfEarlier) {
@@ -351,6 +355,7 @@ void ResultPane::showText(const QString& text, bool isError, const QList<QAction
     m_model->finish();
     m_summary->clear();
     m_pages->setCurrentWidget(m_textPage);
+    refreshEarlier();
     refreshNoRows();
 }
 

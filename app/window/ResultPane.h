@@ -41,8 +41,8 @@ public:
     void setOutcome(const QueryOutcome& outcome);
     /// What is doubtful about the query, above its rows; none hides it.
     void setNotes(const QStringList& notes);
-    /// Whether the rows are those of another statement than the present one, which is told above
-    /// them.
+    /// Whether the rows, or what the database said in their place, are those of another statement
+    /// than the present one, which is told above them.
     void setOfEarlier(bool isOfEarlier);
     /// There was nothing that could be run; what helps, two at most, is offered as buttons.
     void setProblem(const QString& reason, const QList<QAction*>& remedies = {});

@@ -56,7 +56,7 @@ RunController::RunController(TorvQueryBuilder* builder, StatementPane* statement
 
 void RunController::connectSignals() {
     connect(m_statement, &StatementPane::contentChanged, this,
-            [this] { orv::guarded([this] { textChanged(); }); });
+            [this] { orv::guarded([this] { refreshProblem(); }); });
     connect(&m_exportClock, &QTimer::timeout, this, &RunController::showExportProgress);
     connect(&m_exporting, &RowsExport::finished, this,
             [this](const QueryEnd& end) { orv::guarded([&] { finishExport(end); }); });
@@ -98,7 +98,7 @@ void RunController::setDatabase(const QueryableSource* database) {
 
 void RunController::clear() {
     m_isOutdated = m_runner.isRunning();
-    m_isLoadWanted = false;
+    m_problem.clear();
     m_runner.stop();
     m_result->clear();
     m_result->setBusy(m_exporting.isRunning());
@@ -121,17 +121,36 @@ bool RunController::canRun() {
     // What was loaded may be seen beside what became of it; that is what runs.
     m_statement->leaveLoadedText();
     const QString problem = whatPreventsRunning();
-    m_isLoadWanted = m_database != nullptr && m_statement->isEdited();
-    m_result->setNotes(m_isLoadWanted ? QStringList() : findingLines(m_builder->Validate()));
+    const bool isTyped = m_database != nullptr && m_statement->isEdited();
+    m_result->setNotes(isTyped ? QStringList() : findingLines(m_builder->Validate()));
     if (problem.isEmpty()) return true;
+    showProblem(problem);
+    refreshActions();
+    return false;
+}
+
+void RunController::showProblem(const QString& problem) {
     QList<QAction*> remedies;
-    if (m_isLoadWanted) {
+    if (m_database != nullptr && m_statement->isEdited()) {
         remedies += m_statement->isOffered() ? m_statement->loadAnywayAction() : m_load;
         if (m_statement->hasQuery()) remedies += m_statement->backAction();
     }
+    m_problem = problem;
     m_result->setProblem(problem, remedies);
+}
+
+// A problem that was told is told no longer than it is there.
+void RunController::refreshProblem() {
+    if (m_problem.isEmpty() || m_runner.isRunning()) return;
+    const QString problem = whatPreventsRunning();
+    // They were about the statement as it was.
+    m_result->setNotes({});
+    if (problem == m_problem) return;
+    if (!problem.isEmpty()) return showProblem(problem);
+    m_problem.clear();
+    m_result->clear();
+    m_result->setBusy(m_exporting.isRunning());
     refreshActions();
-    return false;
 }
 
 void RunController::run() {
@@ -145,6 +164,7 @@ void RunController::run() {
     m_last = {m_database->settings(), text, *values,
               boxes.empty() ? QString() : boxes.front()->TableName};
     m_isOutdated = false;
+    m_problem.clear();
     m_result->setOfEarlier(false);
     m_result->setRunning();
     m_runner.start(m_makeSource(m_last.settings, m_last.statement, m_last.values));
@@ -209,20 +229,16 @@ void RunController::statementChanged() {
     m_result->setOfEarlier(isOfEarlierStatement());
 }
 
-// What was asked for has been done once the text is loaded, or given up for the statement.
-void RunController::textChanged() {
-    if (!m_isLoadWanted || m_statement->isEdited()) return;
-    m_isLoadWanted = false;
-    m_result->clear();
-}
-
 void RunController::stop() {
     m_runner.stop();
     m_exporting.stop();
 }
 
 void RunController::finishQuery(const QueryOutcome& outcome) {
-    if (!m_isOutdated) m_result->setOutcome(outcome);
+    if (!m_isOutdated) {
+        m_problem.clear();
+        m_result->setOutcome(outcome);
+    }
     m_isOutdated = false;
     refreshActions();
 }

@@ -81,7 +81,8 @@ private:
     void run();
     void stop();
     void chooseExport();
-    void textChanged();
+    void refreshProblem();
+    void showProblem(const QString& problem);
     [[nodiscard]] bool isOfEarlierStatement() const;
     [[nodiscard]] QString exportTitle() const;
     [[nodiscard]] bool isBusy() const;
@@ -108,9 +109,9 @@ private:
     SourceMaker m_makeSource = rowsOfQuery;
     LastQuery m_last;
     QString m_exportPath;
-    bool m_isOutdated = false;    ///< nobody waits for the query that runs
-    bool m_isLoadWanted = false;  ///< it is told that a typed text is to be loaded
-    ParameterAnswers m_answers;   ///< of this session
+    bool m_isOutdated = false;   ///< nobody waits for the query that runs
+    QString m_problem;           ///< the one that is shown; empty for none
+    ParameterAnswers m_answers;  ///< of this session
 };
 
 }  // namespace orvquery

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "WindowDesk.h"
 #include "window/ExportDialog.h"
+#include "workarea/ORVQDFloatPanel.h"
 
 using namespace orvquery;
 
@@ -39,6 +40,11 @@ private Q_SLOTS:
     void exportTellsWhatIsWrong();
     void windowClosesWhileQueryRuns();
     void incompleteStatementIsNotRun();
+    void problemIsToldWhileItIsThere();
+    void problemOfATextIsToldWhileItIsThere();
+    void doubtsOfAProblemGoWithAChange();
+    void earlierErrorIsMarked();
+    void errorOfAStatementChangedMeanwhileIsMarked();
 };
 
 void TestWindowRows::doubtsStandAboveTheRows() {
@@ -448,6 +454,89 @@ void TestWindowRows::incompleteStatementIsNotRun() {
     doubleClickTable("orders");
     press(Qt::Key_F5);
     QCOMPARE(label("resultText"), QStringLiteral("No columns are ticked yet."));
+}
+
+void TestWindowRows::problemIsToldWhileItIsThere() {
+    press(Qt::Key_F5);
+    doubleClickTable("orders");
+    QCOMPARE(label("resultText"), QStringLiteral("No columns are ticked yet."));
+    doubleClickTable("people");
+    QCOMPARE(label("resultText"), QStringLiteral("No columns are ticked yet."));
+    startAnew();
+    press(Qt::Key_F5);
+    load("select id from orders");
+    QCOMPARE(label("resultText"), QStringLiteral("Run the statement (F5) to see its rows here."));
+    QVERIFY(runAndWait());
+    // What is shown now is no problem.
+    type("select city from orders");
+    QVERIFY(isShown("rows"));
+}
+
+void TestWindowRows::problemOfATextIsToldWhileItIsThere() {
+    type("select o.id from orders o, nowhere n");
+    press(Qt::Key_F5);
+    QVERIFY(label("resultText").startsWith(QStringLiteral("The text was changed but not loaded")));
+    click("remedyButton");
+    QVERIFY(label("resultText").startsWith(QStringLiteral("The text is not loaded")));
+    QCOMPARE(child<QToolButton>("remedyButton")->text(), QStringLiteral("Load anyway"));
+    editor().setFocus();
+    editor().selectAll();
+    QTest::keyClick(&editor(), Qt::Key_Delete);
+    QCOMPARE(label("resultText"), QStringLiteral("There are no tables in the diagram yet."));
+    QVERIFY(!isShown("remedyButton"));
+}
+
+void TestWindowRows::doubtsOfAProblemGoWithAChange() {
+    doubleClickTable("orders");
+    doubleClickTable("people");
+    press(Qt::Key_F5);
+    QCOMPARE(label("resultText"), QStringLiteral("No columns are ticked yet."));
+    QVERIFY(label("notes").contains(QStringLiteral("PEOPLE: Nothing links this")));
+    builder().WorkArea->Tables(0)->CloseTable();
+    QCOMPARE(label("resultText"), QStringLiteral("No columns are ticked yet."));
+    QVERIFY(!isShown("notes"));
+}
+
+void TestWindowRows::earlierErrorIsMarked() {
+    openNumbers();
+    load("select abs(x) as y from lowest where x < 0");
+    QVERIFY(runAndWait());
+    QVERIFY(!isShown("earlier"));
+    load("select x from lowest");
+    QCOMPARE(label("resultText"), QStringLiteral("The database says: integer overflow"));
+    QVERIFY(isShown("earlier"));
+    QCOMPARE(label("earlier"), QStringLiteral("This is about an earlier statement. Run (F5) to see "
+                                              "the rows of the present one."));
+    load("select abs(x) as y from lowest where x < 0");
+    QVERIFY(!isShown("earlier"));
+    load("select x from lowest");
+    QVERIFY(runAndWait());
+    QVERIFY(isShown("rows"));
+    QVERIFY(!isShown("earlier"));
+    // A problem is about the present one.
+    load("select abs(x) as y from lowest where x < 0");
+    type("select half");
+    press(Qt::Key_F5);
+    QVERIFY(!isShown("earlier"));
+}
+
+void TestWindowRows::errorOfAStatementChangedMeanwhileIsMarked() {
+    QSemaphore released;
+    m_window->findChild<RunController*>()->setSourceMaker([&](const auto&...) {
+        return [&](RowSink&, StopPoint&) {
+            released.acquire();
+            throw orv::Error(QStringLiteral("The database says no."));
+        };
+    });
+    load("select id from orders");
+    press(Qt::Key_F5);
+    load("select city from orders");
+    QVERIFY(!isShown("earlier"));
+    released.release();
+    auto* stop = child<QToolButton>("stopButton");
+    QVERIFY(QTest::qWaitFor([&] { return !stop->isEnabled(); }, 30000));
+    QCOMPARE(label("resultText"), QStringLiteral("The database says no."));
+    QVERIFY(isShown("earlier"));
 }
 
 QTEST_MAIN(TestWindowRows)
