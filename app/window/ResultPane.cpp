@@ -433,6 +433,8 @@ void ResultPane::sortByColumn() {
     } else {
         header->setSortIndicator(-1, Qt::AscendingOrder);
     }
+    // Who works by keys is where the cell is.
+    m_view->scrollTo(m_view->currentIndex());
 }
 
 void ResultPane::setStopAction(QAction* action) {

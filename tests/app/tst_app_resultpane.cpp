@@ -38,6 +38,7 @@ private Q_SLOTS:
     void sortingWhileRowsComeIsTold();
     void headerClicksSortAndRestore();
     void keySortsByTheColumnOfTheCell();
+    void keySortsInSightOfTheCell();
     void shortenedValuesAreTold();
     void columnsFitFirstRowsOnly();
     void chosenColumnWidthStays();
@@ -250,6 +251,22 @@ void TestResultPane::keySortsByTheColumnOfTheCell() {
     view().setCurrentIndex(m_pane->model().index(0, 1));
     press();
     QCOMPARE(column(), QStringLiteral("2 1 10"));
+}
+
+void TestResultPane::keySortsInSightOfTheCell() {
+    std::vector<Row> rows;
+    for (int number = 999; number >= 0; --number) rows.push_back({number});
+    show({"a"}, rows);
+    m_pane->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_pane.get()));
+    view().setFocus();
+    view().setCurrentIndex(m_pane->model().index(0, 0));
+    for (const int row : {999, 0, 0}) {
+        QTest::keyClick(&view(), Qt::Key_S, Qt::ControlModifier | Qt::AltModifier);
+        const QModelIndex cell = view().currentIndex();
+        QCOMPARE(cell.row(), row);
+        QVERIFY(view().viewport()->rect().contains(view().visualRect(cell)));
+    }
 }
 
 void TestResultPane::shortenedValuesAreTold() {
