@@ -239,6 +239,7 @@ void MainWindow::startAnew() {
 
 void MainWindow::clearAll() {
     m_builder->Clear();
+    m_builder->WorkArea->scrollTo({0, 0});
     m_statement->forgetLoaded();
     m_loadedTexts->take();
     m_statement->showStatement();

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "WindowDesk.h"
+#include "workarea/ORVQDFloatPanel.h"
 
 using namespace orvquery;
 
@@ -33,6 +34,7 @@ private Q_SLOTS:
     void failedOpenKeepsWindowUsable();
     void otherDatabaseReplacesTables();
     void newEmptiesEverything();
+    void newBeginsAtTheOrigin();
     void quitClosesWindow();
     void layoutIsRemembered();
 };
@@ -323,6 +325,20 @@ void TestWindow::newEmptiesEverything() {
     QCOMPARE(builder().ListOfTables->TablesCount(), 0);
     QVERIFY(!isShown("findings"));
     QVERIFY(!isShown("rows"));
+}
+
+void TestWindow::newBeginsAtTheOrigin() {
+    TorvQDWorkArea& area = *builder().WorkArea;
+    doubleClickTable("orders");
+    const QPoint first(area.Tables(0)->Left, area.Tables(0)->Top);
+    area.Tables(0)->SetLeft(5000);
+    area.Tables(0)->SetTop(4000);
+    area.scrollTo({3000, 2000});
+    QCOMPARE(area.scrollPosition(), QPoint(3000, 2000));
+    startAnew();
+    QCOMPARE(area.scrollPosition(), QPoint(0, 0));
+    doubleClickTable("orders");
+    QCOMPARE(QPoint(area.Tables(0)->Left, area.Tables(0)->Top), first);
 }
 
 void TestWindow::quitClosesWindow() {
