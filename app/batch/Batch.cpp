@@ -16,6 +16,7 @@
 #include "tables/SchemaFile.h"
 #include "text/Completeness.h"
 #include "text/FindingLines.h"
+#include "text/Refusal.h"
 #include "text/TextFile.h"
 #include "text/TextPosition.h"
 #include "toolkit/Services.h"
@@ -344,7 +345,7 @@ QString Batch::loadText(const QString& name, const QString& text) {
         loaded = m_tables->forLoading(text);
         m_builder->LoadSQL(loaded);
     } catch (const orv::Error& error) {
-        fail(name + QStringLiteral(": ") + error.Message());
+        fail(name + QStringLiteral(": ") + refusalText(error.Message(), text));
         return error.Message();
     }
     m_findings = findingsBefore(m_builder->LoadReport(), loaded, text);

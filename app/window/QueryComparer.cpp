@@ -8,6 +8,7 @@
 #include "querybuilder/ORVQDWindow.h"
 #include "tables/Host.h"
 #include "tables/TableSource.h"
+#include "text/Refusal.h"
 #include "toolkit/Services.h"
 #include "workarea/ORVQDFloatPanel.h"
 
@@ -33,7 +34,7 @@ public:
             m_builder.RestoreState(given.document->state());
         } else if (!given.isEmpty()) {
             const QString loaded = source.forLoading(given.statement);
-            m_builder.LoadSQL(loaded);
+            load(loaded);
             m_notHeld = findingsBefore(m_builder.LoadReport(), loaded, given.statement);
             layOut(*m_builder.WorkArea);
         }
@@ -52,6 +53,14 @@ public:
     }
 
 private:
+    void load(const QString& statement) {
+        try {
+            m_builder.LoadSQL(statement);
+        } catch (const orv::Error& error) {
+            throw orv::Error(refusalText(error.Message(), statement));
+        }
+    }
+
     TorvQueryBuilder m_builder;
     orv::Findings m_notHeld;
 };

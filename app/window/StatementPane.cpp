@@ -2,6 +2,7 @@
 #include "window/StatementPane.h"
 
 #include "text/EditorText.h"
+#include "text/Refusal.h"
 #include "toolkit/Services.h"
 #include "window/FindBar.h"
 #include "window/SqlHighlighter.h"
@@ -241,7 +242,7 @@ void StatementPane::setRefused(const QString& text, const QString& reason) {
         m_content = Content::Typed;
         replaceText(withSingleBreaks(text));
     }
-    m_refusal->setText(tr("Not loaded: ") + reason);
+    m_refusal->setText(tr("Not loaded: ") + refusalText(reason, text));
     m_findings.clear();  // they were about another text
     m_isOffered = false;
     m_offeredText.clear();

@@ -35,6 +35,8 @@ private Q_SLOTS:
 
     void unusableFiles_data();
     void unusableFiles();
+    void refusedStatementsAreExplained_data();
+    void refusedStatementsAreExplained();
     void databaseThatCannotBeOpened();
     void databaseThatCannotBeOpenedForAStatement();
     void tablesOfAnotherDatabase();
@@ -314,6 +316,31 @@ void TestProgramDocuments::unusableFiles() {
 }
 
 // The file has all that is drawn and written, but no rows.
+void TestProgramDocuments::refusedStatementsAreExplained_data() {
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("more");
+    QTest::newRow("with") << QByteArray("with a as (select 1) select * from a")
+                          << QStringLiteral(
+                                 "The text begins with WITH, and a common table "
+                                 "expression is not read.");
+    QTest::newRow("empty") << QByteArray() << QStringLiteral("The text is empty.");
+    QTest::newRow("blank") << QByteArray("\n") << QStringLiteral("The text is empty.");
+}
+
+// The state has the control's own words, for programs to compare.
+void TestProgramDocuments::refusedStatementsAreExplained() {
+    QFETCH(QByteArray, content);
+    QFETCH(QString, more);
+    const QString reason = QStringLiteral("Given statement is not SELECT clause");
+    const QString query = written("refused.sql", content);
+    const Result result = run({m_database, "--load", query, "--state"});
+    QCOMPARE(result.status, 1);
+    QCOMPARE(QString::fromUtf8(result.errors),
+             QStringLiteral("orvquery: %1: %2. %3\n").arg(query, reason, more));
+    const QJsonObject state = QJsonDocument::fromJson(result.output).object();
+    QCOMPARE(state.value("error").toString(), reason);
+}
+
 void TestProgramDocuments::databaseThatCannotBeOpened() {
     const QString path = written("elsewhere.orvq", elsewhere());
     const QString told =

@@ -192,6 +192,15 @@ void TestWindow::refusedStatementStays() {
     QCOMPARE(text(), QStringLiteral("delete from orders"));
     QVERIFY(isShown("refusal"));
     QCOMPARE(label("refusal"), QStringLiteral("Not loaded: Given statement is not SELECT clause"));
+    load("with a as (select 1) select * from a");
+    QCOMPARE(label("refusal"),
+             QStringLiteral("Not loaded: Given statement is not SELECT clause. The text begins "
+                            "with WITH, and a common table expression is not read."));
+    editor().clear();
+    press(Qt::Key_Return, Qt::ControlModifier);
+    QCOMPARE(
+        label("refusal"),
+        QStringLiteral("Not loaded: Given statement is not SELECT clause. The text is empty."));
     type("select id from orders");
     press(Qt::Key_Return, Qt::ControlModifier);
     QVERIFY(!isShown("refusal"));

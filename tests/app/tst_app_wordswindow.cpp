@@ -272,6 +272,11 @@ void TestWordsWindow::compareWithFileThatCannotBeUsed_data() {
     QTest::newRow("no select") << "a.sql" << QByteArray("drop table orders")
                                << "\"a.sql\" cannot be compared: Given statement is not SELECT "
                                   "clause";
+    QTest::newRow("with") << "h.sql" << QByteArray("with a as (select 1) select * from a")
+                          << "is not SELECT clause. The text begins with WITH, and a common table "
+                             "expression is not read.";
+    QTest::newRow("nothing") << "i.sql" << QByteArray()
+                             << "is not SELECT clause. The text is empty.";
     QTest::newRow("nothing loaded") << "g.sql" << QByteArray("select from where")
                                     << "\"g.sql\" cannot be compared: No table of this statement "
                                        "could be loaded";
