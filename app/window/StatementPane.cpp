@@ -21,6 +21,8 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace orvquery {
 
 namespace {
@@ -77,10 +79,14 @@ StatementPane::StatementPane(QWidget* parent)
     auto* title = new QLabel(tr("&Statement"), this);
     title->setBuddy(m_editor);
     m_header->addWidget(title);
-    m_header->addSpacing(8);
-    m_header->addWidget(m_state, 1);
-    m_header->addWidget(m_original);
-    m_header->addWidget(m_back);
+    m_header->addStretch(1);
+
+    // Below the text, which stays where it is when they come.
+    auto* ways = new QHBoxLayout;
+    ways->addWidget(m_state, 1);
+    ways->addStretch();
+    ways->addWidget(m_original);
+    ways->addWidget(m_back);
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -92,6 +98,7 @@ StatementPane::StatementPane(QWidget* parent)
     layout->addWidget(m_offerBar);
     layout->addWidget(m_note);
     layout->addWidget(m_editor, 1);
+    layout->addLayout(ways);
     layout->addWidget(m_find);
     refresh();
 }
@@ -112,6 +119,7 @@ void StatementPane::buildEditor() {
 void StatementPane::buildBars() {
     m_state->setObjectName(QStringLiteral("statementState"));
     m_state->setForegroundRole(QPalette::PlaceholderText);
+    m_state->setWordWrap(true);
     m_refusal->setObjectName(QStringLiteral("refusal"));
     m_refusal->setWordWrap(true);
     m_note->setObjectName(QStringLiteral("statementNote"));
@@ -120,6 +128,7 @@ void StatementPane::buildBars() {
 
     m_changedBar->setObjectName(QStringLiteral("changedBar"));
     auto* text = new QLabel(tr("The diagram has changed."), m_changedBar);
+    text->setWordWrap(true);
     auto* replace = new QPushButton(tr("Show its statement"), m_changedBar);
     replace->setObjectName(QStringLiteral("showStatement"));
     auto* keep = new QPushButton(tr("Keep my text"), m_changedBar);
@@ -175,6 +184,7 @@ void StatementPane::buildFindings() {
     m_findingsList->setWordWrap(true);
     m_findingsTitle->setObjectName(QStringLiteral("findingsTitle"));
     m_findingsTitle->setBuddy(m_findingsList);
+    m_findingsTitle->setWordWrap(true);
     connect(m_findingsList, &QListWidget::itemClicked, this,
             [this](QListWidgetItem* item) { showFinding(m_findingsList->row(item)); });
     connect(m_findingsList, &QListWidget::itemActivated, this,
@@ -366,6 +376,7 @@ void StatementPane::textEdited() {
 // What is seen follows from the members alone.
 void StatementPane::refresh() {
     m_state->setText(stateText());
+    m_state->setVisible(!m_state->text().isEmpty());
     m_refusal->setVisible(!m_refusal->text().isEmpty());
     m_changedBar->setVisible(m_isOutdated);
     m_offerBar->setVisible(m_isOffered && m_isAsking);
@@ -470,6 +481,13 @@ void StatementPane::fitFindings() {
 void StatementPane::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     fitFindings();
+    // Narrower, what wraps is higher.
+    if (event->oldSize().width() != width()) updateGeometry();
+}
+
+QSize StatementPane::minimumSizeHint() const {
+    const QSize size = QWidget::minimumSizeHint();
+    return {size.width(), std::max(size.height(), layout()->totalMinimumHeightForWidth(width()))};
 }
 
 // A desktop may turn dark while the program runs.

@@ -94,6 +94,9 @@ public:
     [[nodiscard]] QAction* backAction() const { return m_goBack; }
     [[nodiscard]] FindBar* findBar() const { return m_find; }
 
+    /// High enough for what wraps in the present width.
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
 Q_SIGNALS:
     /// text(), isEdited() or isOffered() may have changed.
     void contentChanged();

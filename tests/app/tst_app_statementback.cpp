@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "DocumentDesk.h"
+#include "criteria/ORVQDWherePanel.h"
 
 using namespace apptest;
 using namespace orvquery;
@@ -23,6 +24,8 @@ private Q_SLOTS:
     void emptiedTextIsLoadedAsTheStatement();
     void emptiedTextGivesWayToAChange();
     void emptyTextOfADocumentIsNone();
+
+    void textsLeaveTheWidthAlone();
 
 private:
     void empty() const {
@@ -176,6 +179,45 @@ void TestStatementBack::emptyTextOfADocumentIsNone() {
     openNew(path("b.orvq"));
     QCOMPARE(text(), m_statement);
     QVERIFY(!isShown("backToStatement"));
+}
+
+// What stands around the text must not take room from the rows.
+void TestStatementBack::textsLeaveTheWidthAlone() {
+    const auto* pane = child<QWidget>("backToStatement")->parentWidget();
+    load("select id from orders where total > 5");
+    const int plain = pane->minimumSizeHint().width();
+    builder().WherePanel->setCurrentElement(
+        builder().WherePanel->rootRow()->SubRows->Row(0)->Controls[ekFieldName].get());
+    builder().WherePanel->MuteCondition();
+    load("select * from");
+    const auto* state = child<QLabel>("statementState");
+    const int widest = plain + state->fontMetrics().horizontalAdvance(state->text());
+    const auto isNarrow = [&] {
+        QCoreApplication::processEvents();
+        return pane->minimumSizeHint().width() <= widest;
+    };
+    QVERIFY(isShown("backToStatement"));
+    QVERIFY(isShown("refusal"));
+    QVERIFY(isNarrow());
+    load("select o.id from orders o, nowhere n, nothing m");
+    QVERIFY(label("findingsTitle").contains(QStringLiteral("; 1 muted part")));
+    QVERIFY(isNarrow());
+    const auto* title = child<QLabel>("findingsTitle");
+    QVERIFY(title->height() >= title->heightForWidth(title->width()));
+    QVERIFY(!child<QWidget>("findings")->geometry().intersects(title->geometry()));
+    QVERIFY(
+        !child<QWidget>("findings")->geometry().intersects(child<QWidget>("offerBar")->geometry()));
+    click("keepAsText");
+    QVERIFY(isNarrow());
+    doubleClickTable("people");
+    QVERIFY(isShown("changedBar"));
+    QVERIFY(isNarrow());
+    load("select o.id from orders o, nowhere n, nothing m");
+    click("loadAnyway");
+    QVERIFY(isShown("showLoaded"));
+    QVERIFY(isNarrow());
+    click("showLoaded");
+    QVERIFY(isNarrow());
 }
 
 QTEST_MAIN(TestStatementBack)
