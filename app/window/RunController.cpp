@@ -256,7 +256,7 @@ void RunController::chooseExport() {
 }
 
 QString RunController::exportTitle() const {
-    const QString title =
+    QString title =
         isOfEarlierStatement() ? tr("Export the rows of the earlier statement") : tr("Export rows");
     if (m_result->areRowsWhole()) return title;
     return tr("%1: runs the statement again to get all of them").arg(title);
