@@ -224,6 +224,7 @@ void MainWindow::takeDatabase(std::unique_ptr<BackgroundDatabase> database,
         const QScopedValueRollback<bool> loading(m_isLoading, isKept);
         useTables(std::move(database), opened);
     }
+    if (!isKept) m_builder->WorkArea->scrollTo({0, 0});
     const bool isSample = !wish.isRemembered;
     m_database = {opened->title(), wish.address.absolute().toUrl(), {}, isSample};
     if (isSample) m_database.address.clear();

@@ -35,6 +35,7 @@ private Q_SLOTS:
     void otherDatabaseReplacesTables();
     void newEmptiesEverything();
     void newBeginsAtTheOrigin();
+    void otherDatabaseBeginsAtTheOrigin();
     void quitClosesWindow();
     void layoutIsRemembered();
 };
@@ -348,6 +349,21 @@ void TestWindow::newBeginsAtTheOrigin() {
     QCOMPARE(area.scrollPosition(), QPoint(0, 0));
     doubleClickTable("orders");
     QCOMPARE(QPoint(area.Tables(0)->Left, area.Tables(0)->Top), first);
+}
+
+// A query that is kept stays where it was seen.
+void TestWindow::otherDatabaseBeginsAtTheOrigin() {
+    TorvQDWorkArea& area = *builder().WorkArea;
+    doubleClickTable("orders");
+    area.Tables(0)->SetLeft(5000);
+    area.scrollTo({3000, 0});
+    orv::setDialogRunner([](QDialog&) { return int(KeepQueryDialog::Keep); });
+    openNumbers();
+    QCOMPARE(area.scrollPosition(), QPoint(3000, 0));
+    orv::setDialogRunner([](QDialog&) { return int(KeepQueryDialog::Empty); });
+    QVERIFY(m_window->openDatabase(m_database));
+    QCOMPARE(area.TablesCount(), 0);
+    QCOMPARE(area.scrollPosition(), QPoint(0, 0));
 }
 
 void TestWindow::quitClosesWindow() {
