@@ -318,7 +318,7 @@ QString Batch::restore(const Given& given) {
         m_builder->RestoreState(given.query.document->state());
         if (m_knowsTables) tellMissingTables(given);
     } catch (const orv::Error& error) {
-        const QString text = given.path + QStringLiteral(": ") + error.Message();
+        QString text = given.path + QStringLiteral(": ") + error.Message();
         fail(text);
         return text;
     }
