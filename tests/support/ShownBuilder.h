@@ -4,6 +4,7 @@
 #include "support/BuilderTools.h"
 #include "toolkit/ExitEdit.h"
 
+#include <QAbstractEventDispatcher>
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <QWheelEvent>
@@ -46,6 +47,14 @@ public:
         QStringList hints;
         for (const TorvQDLink* each : area().Links()) hints << each->GetHint();
         return hints;
+    }
+
+    /// The intervals of the diagram's running timers, in milliseconds.
+    [[nodiscard]] QList<int> timerIntervals() const {
+        QList<int> intervals;
+        const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(&area());
+        for (const auto& timer : timers) intervals << timer.interval;
+        return intervals;
     }
 
     /// The row on which something that is being dragged would be dropped.

@@ -423,6 +423,25 @@ private Q_SLOTS:
         QCOMPARE(on.area().selectedObject(), on.table("T"));
     }
 
+    // Five rows a second, and the view in steps of a twentieth of a second.
+    void scrollingHasItsPace() {
+        DragBuilder on;
+        TorvQDTable* box = on.table("WIDE");
+        box->SetFirstVisibleItem(2);
+        const TRect list = box->GetClientRect();
+        QList<QList<int>> intervals;
+        on.take("T", "B", [&](QDrag& drag) {
+            for (const QPoint& point :
+                 {QPoint(list.Left + 40, list.Top + 3), QPoint(list.Left + 40, list.Bottom - 3),
+                  QPoint(on.view()->width() - 5, 300)}) {
+                on.enter(point, drag.mimeData());
+                intervals << on.timerIntervals();
+            }
+            return Qt::IgnoreAction;
+        });
+        QCOMPARE(intervals, QList<QList<int>>({{200}, {200}, {50}}));
+    }
+
     void rowsStandStillOnceThePointerHasMoved() {
         DragBuilder on;
         TorvQDTable* box = on.table("WIDE");

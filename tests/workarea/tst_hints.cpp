@@ -75,6 +75,17 @@ private Q_SLOTS:
         QVERIFY(!on.area().isTimerActive(hintEndTimer));
     }
 
+    void hintComesAfterHalfASecondAndGoesAfterTwo() {
+        const HintedBuilder on;
+        QCOMPARE(on.timerIntervals(), QList<int>());
+        on.hover(on.captionOf("T"));
+        QCOMPARE(on.timerIntervals(), QList<int>({500}));
+        on.area().timerFired(hintTimer);
+        QCOMPARE(on.timerIntervals(), QList<int>({2000}));
+        on.area().timerFired(hintEndTimer);
+        QCOMPARE(on.timerIntervals(), QList<int>());
+    }
+
     void textsOfTheHints() {
         HintedBuilder on;
         QCOMPARE(on.hintAt(on.rowTextOf("T", "B")), "B (String)");
