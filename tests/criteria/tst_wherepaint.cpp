@@ -3,6 +3,7 @@
 #include "criteria/ORVQDFieldEdit.h"
 #include "criteria/ShownConditions.h"
 #include "diagram/PaintedBox.h"
+#include "support/PaintedRegions.h"
 
 #include <QPaintEngine>
 #include <QPainter>
@@ -119,17 +120,6 @@ protected:
     }
 };
 
-/// The regions that are painted.
-class PaintedRegions : public QObject {
-public:
-    explicit PaintedRegions(QWidget* view) { view->installEventFilter(this); }
-    bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::Paint) region += static_cast<QPaintEvent*>(event)->region();
-        return false;
-    }
-    QRegion region;
-};
-
 }  // namespace
 
 class WherePaintTest : public QObject {
@@ -174,11 +164,9 @@ private Q_SLOTS:
 
     void optionsRepaintAtOnce() {
         const Painted on;
-        QCoreApplication::processEvents();
         PaintedRegions painted(on.view());
         on.builder.ConditionOptions->SetActiveRowColor(Qt::cyan);
-        QCoreApplication::processEvents();
-        QVERIFY(painted.region.contains(on.rectOf("1.", 2)));
+        QVERIFY(painted.take().contains(on.rectOf("1.", 2)));
     }
 
     // --- texts
@@ -426,25 +414,20 @@ private Q_SLOTS:
 
     void frameRepaintsTheTwoRows() {
         const Painted on;
-        QCoreApplication::processEvents();
         PaintedRegions painted(on.view());
         on.panel->setActiveElement(on.element("2.1.", 2));
-        QCoreApplication::processEvents();
         const int width = on.view()->width();
-        QCOMPARE(painted.region, QRegion(0, 20, width, 20) + QRegion(0, 60, width, 20));
+        QCOMPARE(painted.take(), QRegion(0, 20, width, 20) + QRegion(0, 60, width, 20));
     }
 
     void hoveringRepaintsButtonsOnly() {
         const Painted on;
-        QCoreApplication::processEvents();
         PaintedRegions painted(on.view());
         on.hover(on.at("2.1.", 2));
         on.hover(on.at("2.1.", 3));
-        QCoreApplication::processEvents();
-        QVERIFY(painted.region.isEmpty());
+        QVERIFY(painted.take().isEmpty());
         on.hover(on.at("2.1.", 0));
-        QCoreApplication::processEvents();
-        QCOMPARE(painted.region, QRegion(0, 60, on.view()->width(), 20));
+        QCOMPARE(painted.take(), QRegion(0, 60, on.view()->width(), 20));
     }
 
     // --- other looks
@@ -535,11 +518,11 @@ private Q_SLOTS:
         const QRect before = on.rectOf("1.", ekOperator);
         PaintedRegions painted(on.view());
         memo->insertPlainText(QString(30, u'N'));
-        QCoreApplication::processEvents();
+        const QRegion region = painted.take();
         const QRect after = on.rectOf("1.", ekOperator);
         QVERIFY(after.left() > before.left() + 50);
-        QVERIFY((QRegion(after) - painted.region - QRegion(memo->geometry())).isEmpty());
-        QVERIFY((QRegion(before) - painted.region - QRegion(memo->geometry())).isEmpty());
+        QVERIFY((QRegion(after) - region - QRegion(memo->geometry())).isEmpty());
+        QVERIFY((QRegion(before) - region - QRegion(memo->geometry())).isEmpty());
     }
 };
 
