@@ -388,6 +388,27 @@ private Q_SLOTS:
         QVERIFY(scrolled != still);
     }
 
+    void textIsIndentedWhereverThePanelIsScrolled() {
+        QStringList many = {nested};
+        for (int index = 0; index < 40; ++index) many << "t.a = " + QString::number(index);
+        many << "'" + QString(80, u'W') + "' = '" + QString(80, u'W') + "' and t.b = ''";
+        Painted on(many.join(" and "));
+        const auto texts = [&] {
+            return QStringList({on.panel->GetSQLStatment(), on.row("2.2.")->GetSQLCondition(true),
+                                on.builder.GetSQLStatment()});
+        };
+        const QStringList still = texts();
+        QVERIFY(still[0].contains("\r\n         (T.B = 2)\r\n"));
+        for (const QPoint& scroll : {QPoint(17, 0), QPoint(0, 33), QPoint(61, 400)}) {
+            on.panel->horizontalScrollBar()->setValue(scroll.x());
+            on.panel->verticalScrollBar()->setValue(scroll.y());
+            QCOMPARE(on.panel->horizontalScrollBar()->value(), scroll.x());
+            QCOMPARE(on.panel->verticalScrollBar()->value(), scroll.y());
+            (void)on.paint();
+            QCOMPARE(texts(), still);
+        }
+    }
+
     void onlyRowsInTheRegionArePainted() {
         QStringList many;
         for (int index = 1; index <= 200; ++index) many << "t.a = " + QString::number(1000 + index);
