@@ -529,6 +529,29 @@ private Q_SLOTS:
         QCOMPARE(large, on.text("T.B", large.size(), true, navy));
     }
 
+    // The row that has the focus is painted for that alone, so the edited one is another.
+    void editRepaintsTheRowThatItChecks() {
+        Painted on;
+        on.host.add("N", TDataSet({{"I", ftInteger}}));
+        on.builder.LoadSQL("select n.i from n where n.i = 5 and n.i = 6");
+        on.select("2.", ekFieldName);
+        PaintedRegions painted(on.view());
+        for (const bool fits : {false, true}) {
+            on.panel->editText(*on.element("1.", ekArgument));
+            auto* memo = on.view()->findChild<TMemoEx*>();
+            memo->selectAll();
+            memo->insertPlainText(fits ? "7" : "7x");
+            (void)painted.take();
+            on.panel->commitEdit();
+            const QRegion region = painted.take();
+            QCOMPARE(on.row("1.")->Valid, fits);
+            QCOMPARE(QRegion(on.rectOf("1.", ekFieldName)) - region, QRegion());
+            QCOMPARE(pixelsOf(on.part("1.", ekFieldName), red) > 0, !fits);
+            QCOMPARE(pixelsOf(on.part("1.", ekFieldName), navy) > 0, fits);
+        }
+        QCOMPARE(on.services.messages, QStringList("Type mismatch in expression"));
+    }
+
     // What stands behind a text moves on while that is typed.
     void growingEditorHasItsRowPainted() {
         Painted on;
