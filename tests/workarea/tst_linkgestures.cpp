@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Links under the hand: their bend points, their ends, their menu and their dialog.
 #include "diagram/Orvqdlnkprop.h"
+#include "support/PaintedRegions.h"
 #include "support/ShownBuilder.h"
 
 #include <QCoreApplication>
 #include <QFocusEvent>
 #include <QMenu>
 
+using orvtest::PaintedRegions;
 using orvtest::RecordedServices;
 using orvtest::ShownBuilder;
 
@@ -536,6 +538,20 @@ private Q_SLOTS:
         QCOMPARE(on.asked, QStringList("-U.A=T.A"));
         QCOMPARE(on.changes, 1);
         verifyBuilder(on.builder);
+    }
+
+    void removedLinkIsRepaintedWhenThatIsAskedFor_data() { addScrolls(); }
+    void removedLinkIsRepaintedWhenThatIsAskedFor() {
+        QFETCH(QPoint, scroll);
+        const TiedBuilder on;
+        TorvQDLink* second = on.link("U", "X", "T", "B");
+        on.scrollTo(scroll);
+        const QRegion line = on.tie->GetClipRgn(0);
+        PaintedRegions painted(on.view());
+        on.area().RemoveLink(second, false);
+        QCOMPARE(painted.take(), QRegion());
+        on.area().RemoveLink(on.tie, true);
+        QCOMPARE(painted.take(), line);
     }
 
     void menuIsClosedWithItsLink() {
