@@ -484,6 +484,22 @@ private Q_SLOTS:
         QCOMPARE(on.changes, 0);
     }
 
+    // The links of a join share its kind, which the dialog changes.
+    void linksOfTheJoinAreRepaintedBehindTheDialog() {
+        RecordedServices services;
+        const TiedBuilder on;
+        const TorvQDLink* second = on.link("U", "X", "T", "B");
+        on.area().selectObject(on.tie);
+        PaintedRegions painted(on.view());
+        services.onDialog = [&](QDialog&) {
+            (void)painted.take();
+            return int(QDialog::Accepted);
+        };
+        on.area().editLink(on.tie);
+        QCOMPARE(services.dialogs.size(), 1);
+        QCOMPARE(painted.take(), on.tie->GetClipRgn(0) + second->GetClipRgn(0));
+    }
+
     void linkMayGoWhileItsDialogIsOpen() {
         RecordedServices services;
         TiedBuilder on;
