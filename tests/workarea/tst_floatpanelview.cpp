@@ -244,6 +244,18 @@ private Q_SLOTS:
         QVERIFY(!bar->isVisible());
     }
 
+    void rowScrollBarGoesWithTheContents() {
+        ShownBuilder on;
+        on.addTable("WIDE");
+        QVERIFY(rowScrollBar(on)->isVisible());
+        on.area().ClearContents();
+        QVERIFY(!rowScrollBar(on)->isVisible());
+        on.addTable("WIDE");
+        QVERIFY(rowScrollBar(on)->isVisible());
+        on.builder.LoadSQL("select a from t");
+        QVERIFY(!rowScrollBar(on)->isVisible());
+    }
+
     // --- the menu
 
     void rightClickOnTheCaptionOffersDeletingAndRenaming() {
