@@ -314,6 +314,14 @@ private Q_SLOTS:
         QCOMPARE(on.edit()->geometry(), caption.translated(0, 1));
     }
 
+    void editIsSilverBehindItsText() {
+        ShownBuilder on;
+        on.doubleClick(on.captionOf("T"));
+        const QImage image = on.edit()->grab().toImage();
+        const QPoint behindTheText(image.width() - 8, image.height() / 2);
+        QCOMPARE(image.pixelColor(behindTheText), QColor(0xC0, 0xC0, 0xC0));
+    }
+
     void doubleClickElsewhereOpensNothing() {
         ShownBuilder on;
         on.doubleClick(on.rowTextOf("T", "A"));
