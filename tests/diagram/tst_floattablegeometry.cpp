@@ -290,6 +290,64 @@ private Q_SLOTS:
         QVERIFY(on.canvas.invalidated.empty());
     }
 
+    void sizingRepaintsTheEdgeThatMoves_data() {
+        QTest::addColumn<int>("width");
+        QTest::addColumn<int>("height");
+        QTest::addColumn<bool>("selected");
+        QTest::addColumn<bool>("expanded");
+        QTest::addColumn<QRegion>("region");
+        const auto row = [](const char* name, const QSize& size, bool selected, bool expanded,
+                            const TRect& strip, const TRect& edge) {
+            QTest::newRow(name) << size.width() << size.height() << selected << expanded
+                                << QRegion(strip.toQRect()) + QRegion(edge.toQRect());
+        };
+        // The caption is laid out anew, and what stood at the old edge is moved to the new one: the
+        // sunken edge of the rows, and the border.
+        row("wider", {150, 128}, false, true, {30, 40, 180, 60}, {125, 40, 180, 168});
+        row("narrower", {90, 128}, false, true, {30, 40, 130, 60}, {116, 40, 130, 168});
+        row("wider, collapsed", {150, 128}, false, false, {30, 40, 180, 60}, {125, 40, 180, 60});
+        // With the width of the scroll bar.
+        row("wider, selected", {150, 128}, true, true, {30, 40, 180, 60}, {109, 40, 180, 168});
+        row("narrower, selected", {90, 128}, true, true, {30, 40, 130, 60}, {100, 40, 130, 168});
+        // With the row that may have been cut off.
+        row("higher", {100, 160}, false, true, {}, {30, 148, 130, 200});
+        row("lower", {100, 100}, false, true, {}, {30, 120, 130, 168});
+    }
+    void sizingRepaintsTheEdgeThatMoves() {
+        QFETCH(int, width);
+        QFETCH(int, height);
+        QFETCH(bool, selected);
+        QFETCH(bool, expanded);
+        QFETCH(QRegion, region);
+        BoxOnCanvas on;
+        on.box.SetExpand(expanded);
+        on.box.SetSelect(selected);
+        on.canvas.scroll = oddScroll;
+        on.canvas.invalidated.clear();
+        on.box.SetWidth(width);
+        on.box.SetHeight(height);
+        QCOMPARE(on.canvas.repainted(), region.translated(-oddScroll));
+    }
+
+    void selectingRepaintsTheBox_data() {
+        QTest::addColumn<bool>("expanded");
+        QTest::addColumn<TRect>("bounds");
+        QTest::newRow("expanded") << true << TRect{30, 40, 130, 168};
+        QTest::newRow("collapsed") << false << TRect{30, 40, 130, 60};
+    }
+    void selectingRepaintsTheBox() {
+        QFETCH(bool, expanded);
+        QFETCH(TRect, bounds);
+        BoxOnCanvas on;
+        on.box.SetExpand(expanded);
+        on.canvas.scroll = oddScroll;
+        for (const bool selected : {true, false}) {
+            on.canvas.invalidated.clear();
+            on.box.SetSelect(selected);
+            QCOMPARE(on.canvas.repainted(), QRegion(bounds.toQRect()).translated(-oddScroll));
+        }
+    }
+
     void heightCountsTheVisibleRows() {
         BoxOnCanvas on;
         on.box.SetFirstVisibleItem(4);

@@ -183,8 +183,7 @@ private Q_SLOTS:
         on.move({180, 200}, htTPoint);
         on.canvas.invalidated.clear();
         on.move({10, 300}, htTPoint);
-        QRegion repainted;
-        for (const TRect& rect : on.canvas.invalidated) repainted += rect.toQRect();
+        const QRegion repainted = on.canvas.repainted();
         for (const QPoint& point : {QPoint(180, 200), QPoint(10, 300), QPoint(110, 29)}) {
             QVERIFY(repainted.contains(point - oddScroll));
         }

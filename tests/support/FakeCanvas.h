@@ -4,6 +4,7 @@
 #include "contract/IDiagramCanvas.h"
 #include "diagram/ORVQDFloatTable.h"
 
+#include <QRegion>
 #include <QStringList>
 #include <QWidget>
 
@@ -40,6 +41,13 @@ public:
     int begun = 0;
     int ended = 0;
     std::function<void(TorvQDTable*, TorvQDListItem*)> onEnterParameter;
+
+    /// All that is to be repainted, in view coordinates.
+    [[nodiscard]] QRegion repainted() const {
+        QRegion region;
+        for (const TRect& rect : invalidated) region += rect.toQRect();
+        return region;
+    }
 
     QPoint scrollPosition() const override { return scroll; }
     void invalidate(const TRect& viewRect) override { invalidated.push_back(viewRect); }
