@@ -360,6 +360,21 @@ private Q_SLOTS:
         QVERIFY(on.canvas.checks.isEmpty());
     }
 
+    void enteredValueRepaintsTheRow() {
+        BoxOnCanvas on(2);
+        on.canvas.scroll = oddScroll;
+        TorvQDListItem* item = on.row(1);
+        item->ParamType = ptInput;
+        on.canvas.onEnterParameter = [&](TorvQDTable*, TorvQDListItem* row) {
+            row->Checked = true;
+            row->Value = 5;
+        };
+        item->SetCheck(true);
+        const QRegion row(on.box.GetItemRect(item).toQRect());
+        QVERIFY(!row.isEmpty());
+        QCOMPARE(row - on.canvas.repainted(), QRegion());
+    }
+
     // While the host is being asked, the tick itself is set.
     void busyInputRowIsTicked() {
         BoxOnCanvas on(2);
