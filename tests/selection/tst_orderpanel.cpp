@@ -474,9 +474,17 @@ private Q_SLOTS:
     }
 
     void showingThePageRefreshesIt() {
-        SortedBuilder on;
+        SortedBuilder on("a");
         on.builder.PageCtrl->setCurrentIndex(3);
-        QCOMPARE(on.page.names(), QStringList({"A", "B", "C"}));
+        QCOMPARE(on.page.names(), QStringList({"B", "C"}));
+        on.page.selectLine(0);
+        on.page.panel->_ChangeOrder();
+        QCOMPARE(on.page.order()->text(), "Z..A");
+        on.builder.PageCtrl->setCurrentIndex(0);
+        on.builder.PageCtrl->setCurrentIndex(3);
+        QCOMPARE(on.page.lines(), QStringList("A Descending"));
+        QCOMPARE(on.page.selectedLine(), 0);
+        QCOMPARE(on.page.order()->text(), "A..Z");
     }
 
     void clearingEmptiesTheSortedList() {
