@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ParameterDesk.h"
+#include "support/LocaleScope.h"
 #include "window/KeepQueryDialog.h"
 
 #include <QPointer>
@@ -33,6 +34,7 @@ private Q_SLOTS:
     void databaseChangedWhileDialogIsOpen();
     void windowGoesWhileDialogIsOpen();
     void schemaProcedureTakesValues();
+    void numberIsTypedWithDecimalComma();
 };
 
 void TestProcedures::functionsStandBehindTables() {
@@ -317,6 +319,27 @@ void TestProcedures::schemaProcedureTakesValues() {
     });
     doubleClickRow("Y");
     QCOMPARE(text(), QStringLiteral("SELECT P.A\nFROM P('2024-01-31', NULL)"));
+}
+
+void TestProcedures::numberIsTypedWithDecimalComma() {
+    const orvtest::LocaleScope german(QLocale(QLocale::German, QLocale::Germany));
+    QCOMPARE(QLocale().decimalPoint(), QStringLiteral(","));
+    const QString schema = m_folder.filePath(QStringLiteral("comma.json"));
+    QVERIFY(apptest::writeFile(schema, R"({"P": {"fields": [["A", "ftInteger"]],
+                          "params": [["F", "ftFloat", "ptInput"], ["C", "ftCurrency", "ptInput"]]}})"));
+    Options options;
+    options.schema = schema;
+    m_window->begin(options);
+    doubleClickInList(QStringLiteral("P"));
+    rowOf(*box(), "A")->SetCheck(true);
+    for (const auto& [row, typed] : {std::pair("F", "1,5"), std::pair("C", "-1234567,25")}) {
+        answer([typed = typed](QDialog& dialog) {
+            QTest::keyClicks(childOf<QLineEdit>(dialog, "value"), typed);
+            QTest::keyClick(&dialog, Qt::Key_Return);
+        });
+        doubleClickRow(row);
+    }
+    QCOMPARE(text(), QStringLiteral("SELECT P.A\nFROM P(1.5, -1234567.25)"));
 }
 
 QTEST_MAIN(TestProcedures)

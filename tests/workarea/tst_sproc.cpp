@@ -2,17 +2,18 @@
 // The box of a stored procedure: its rows, its argument list, and how a value is entered.
 #include "data/SqlText.h"
 #include "support/BuilderTools.h"
+#include "support/LocaleScope.h"
 #include "toolkit/AccessibleEvents.h"
 #include "workarea/ORVQDSProc.h"
 
 #include <QAccessible>
 #include <QAccessibleActionInterface>
 #include <QDateTime>
-#include <QLocale>
 
 #include <limits>
 
 using orvtest::HostedBuilder;
+using orvtest::LocaleScope;
 
 namespace {
 
@@ -53,16 +54,6 @@ public:
     [[nodiscard]] QString text() const { return builder.WorkArea->GetSQLStatment(); }
 
     TorvQDSProc* box;
-};
-
-/// A locale for as long as it lives.
-class LocaleScope {
-public:
-    explicit LocaleScope(const QLocale& locale) { QLocale::setDefault(locale); }
-    ~LocaleScope() { QLocale::setDefault(m_old); }
-
-private:
-    QLocale m_old;
 };
 
 }  // namespace
