@@ -3,6 +3,7 @@
 
 #include "TreeText.h"
 
+#include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 
@@ -21,8 +22,12 @@ struct Node {
     std::vector<Node> children = {};
 };
 
+// Stands in front of a FROM that compares, so that it is no clause word. No statement has it.
+constexpr QChar comparing(0xE000);
+
 inline QString treeText(const Node& node) {
-    const QString head = treetext::headText(node.kind, node.location, node.text);
+    const QString text = QString(node.text).remove(comparing);
+    const QString head = treetext::headText(node.kind, node.location, text);
     if (node.children.empty()) return head;
     QStringList texts;
     for (const Node& child : node.children) texts << treeText(child);
@@ -155,11 +160,19 @@ inline QString followingWord(const QString& rest) {
     return nextWord(copy);
 }
 
+// IS DISTINCT FROM and IS NOT DISTINCT FROM.
+inline void markComparisons(QString& statement) {
+    static const QRegularExpression words(
+        QStringLiteral("(?<![^ ,()])(IS +(?:NOT +)?DISTINCT +)(?=FROM(?![^ ,()=<>!+*/|-]))"));
+    statement.replace(words, QStringLiteral("\\1") + comparing);
+}
+
 class Parser {
 public:
     static Node parse(const QString& statement) {
         QString rest = upper(trimmed(statement));
         rest.replace(u'\r', u' ').replace(u'\n', u' ');
+        markComparisons(rest);
         Node root{otCompound, inSelect, nextWord(rest)};
         if (root.text != "SELECT") return {};
         doParse(root, rest, false);

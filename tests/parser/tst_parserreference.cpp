@@ -26,6 +26,7 @@ QString randomPiece(QRandomGenerator& random) {
     static const QStringList conditions = {
         "AND",     "OR",          "NOT",   "BETWEEN",  "LIKE",       "IN",       "IS",     "NULL",
         "IS NULL", "IS NOT NULL", "EXIST", "SINGULAR", "CONTAINING", "STARTING", "ESCAPE", "and"};
+    static const QStringList comparisons = {"IS DISTINCT FROM", "IS NOT DISTINCT", "is  distinct"};
     static const QStringList others = {"DISTINCT", "ALL",   "SOME", "ANY",        "WITH",
                                        "AS",       "ASC",   "DESC", "DESCENDING", "ASCENDING",
                                        "LIMIT",    "UNION", "FOR",  "USER",       "as"};
@@ -36,9 +37,9 @@ QString randomPiece(QRandomGenerator& random) {
                                       "'a)'", "\"\"", "''",  "\"T\".\"a b\""};
     static const QStringList signs = {"=", "<>", "*", "+", "-", "||", ">=", "!", "/"};
     static const QStringList marks = {",", ",", "(", "(", ")", ")", "'", "\"", ".", ":P", "()"};
-    static const QList<QStringList> groups = {clauses, joins,     joins, conditions, conditions,
-                                              others,  functions, names, names,      names,
-                                              signs,   marks,     marks};
+    static const QList<QStringList> groups = {
+        clauses,   joins, joins, conditions, conditions, comparisons, others,
+        functions, names, names, names,      signs,      marks,       marks};
     return oneOf(random, groups[random.bounded(int(groups.size()))]);
 }
 
