@@ -14,6 +14,7 @@ namespace {
 
 std::vector<TorvQDOperator> entriesOf(const TOperatorList& list) {
     std::vector<TorvQDOperator> entries;
+    entries.reserve(std::size_t(list.Count()));
     for (int index = 0; index < list.Count(); ++index) entries.push_back(*list.Items(index));
     return entries;
 }

@@ -34,7 +34,7 @@ DatabaseAddress remembered(const DatabaseAddress& address) {
 }
 
 QString cleanName(const QString& name) {
-    const QString clean = name.simplified();
+    QString clean = name.simplified();
     if (!clean.isEmpty()) return clean;
     throw orv::Error(
         QCoreApplication::translate("orvquery", "A connection is saved under a name."));

@@ -334,7 +334,7 @@ void BackgroundDatabase::remember(const TableDescription& table) {
 
 std::shared_ptr<BackgroundDatabase::Answer> BackgroundDatabase::put(
     const QString& name, const std::optional<TableName>& fetched, const Question& question) {
-    const auto answer = std::make_shared<Answer>(name);
+    auto answer = std::make_shared<Answer>(name);
     answer->fetched = fetched;
     m_waiting.push_back(answer);
     answer->session = session().number();
@@ -380,7 +380,7 @@ std::optional<TableDescription> BackgroundDatabase::find(const QString& nameInSt
         if (const TableDescription* table = known(*found)) return *table;
     }
     auto* self = const_cast<BackgroundDatabase*>(this);
-    const auto table = self->ask(nameInStatement, [nameInStatement](const Database& database) {
+    auto table = self->ask(nameInStatement, [nameInStatement](const Database& database) {
         return database.find(nameInStatement);
     });
     if (table) self->m_found.insert(nameInStatement, table->source);

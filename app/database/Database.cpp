@@ -241,7 +241,7 @@ QString Database::inStatement(const TableName& name) const {
 
 QString inStatement(const TableName& name, const NameFolding& folding,
                     const QStringList& defaultSchemas) {
-    const QString table = folding.inStatement(name.name, NameFolding::Of::Table);
+    QString table = folding.inStatement(name.name, NameFolding::Of::Table);
     if (name.schema.isEmpty() || defaultSchemas.contains(name.schema)) return table;
     return folding.inStatement(name.schema, NameFolding::Of::Table) + u'.' + table;
 }

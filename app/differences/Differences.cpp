@@ -203,7 +203,7 @@ private:
     // --- tables ---
 
     static QString tableWords(const ComparedQuery& query, int table) {
-        const QString words = query.names.table(table);
+        QString words = query.names.table(table);
         if (!query.state.tables[std::size_t(table)].isProcedure) return words;
         return QStringLiteral("the procedure ") + words;
     }

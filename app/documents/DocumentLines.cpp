@@ -129,7 +129,7 @@ private:
     void list(const QJsonArray& array) {
         if (array.isEmpty()) return inLine(array);
         begin('[');
-        for (const QJsonValue& item : array) {
+        for (const auto& item : array) {
             line();
             if (isOneLine(item)) {
                 inLine(item);

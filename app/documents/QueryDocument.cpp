@@ -105,7 +105,7 @@ public:
         if (value.isString()) return value.toString();
         QStringList lines;
         const QJsonArray array = value.toArray();
-        for (const QJsonValue& line : array) {
+        for (const auto& line : array) {
             if (line.isString()) lines += line.toString();
         }
         if (!value.isArray() || lines.size() != array.size()) {

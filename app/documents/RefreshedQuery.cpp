@@ -26,7 +26,7 @@ class Uses {
 public:
     explicit Uses(const QJsonObject& query) {
         const QJsonArray links = query.value(QStringLiteral("links")).toArray();
-        for (const QJsonValue& link : links) {
+        for (const auto& link : links) {
             for (const char* end : {"1", "2"}) {
                 const QString number = QString::fromLatin1(end);
                 m_linked.insert({link[QStringLiteral("table") + number].toString(),
@@ -34,9 +34,9 @@ public:
             }
         }
         const QJsonArray joins = query.value(QStringLiteral("joins")).toArray();
-        for (const QJsonValue& join : joins) add(join[QStringLiteral("text")]);
+        for (const auto& join : joins) add(join[QStringLiteral("text")]);
         const QJsonArray columns = query.value(QStringLiteral("columns")).toArray();
-        for (const QJsonValue& column : columns) add(column[2]);
+        for (const auto& column : columns) add(column[2]);
         addRow(query.value(QStringLiteral("where")).toObject());
         addRow(query.value(QStringLiteral("having")).toObject());
         add(query.value(QStringLiteral("tail")));
@@ -59,9 +59,9 @@ private:
     void addRow(const QJsonObject& row) {
         add(row.value(QStringLiteral("field")));
         const QJsonArray arguments = row.value(QStringLiteral("arguments")).toArray();
-        for (const QJsonValue& argument : arguments) add(argument);
+        for (const auto& argument : arguments) add(argument);
         const QJsonArray rows = row.value(QStringLiteral("rows")).toArray();
-        for (const QJsonValue& each : rows) addRow(each.toObject());
+        for (const auto& each : rows) addRow(each.toObject());
     }
 
     std::set<std::pair<QString, QString>> m_linked;  ///< alias and column in upper case

@@ -185,7 +185,7 @@ QString remark(const Inquiry& inquiry, int number) {
                    ? tr("Keeps every row away")
                    : tr("Without it alone there are rows");
     }
-    const QString step = stepRemark(inquiry, number);
+    QString step = stepRemark(inquiry, number);
     if (!step.isEmpty() || !isJoin || !count) return step;
     return tr("Counted as an outer join");
 }

@@ -34,14 +34,14 @@ QSet<QString> fieldsOf(const std::vector<TableDescription>& tables) {
 
 QJsonArray renamedTexts(const QJsonArray& texts, const Rename& rename) {
     QJsonArray result;
-    for (const QJsonValue& text : texts) result += rename(text.toString());
+    for (const auto& text : texts) result += rename(text.toString());
     return result;
 }
 
 QJsonArray renamedObjects(const QJsonArray& objects,
                           const std::function<QJsonObject(const QJsonObject&)>& rename) {
     QJsonArray result;
-    for (const QJsonValue& object : objects) result += rename(object.toObject());
+    for (const auto& object : objects) result += rename(object.toObject());
     return result;
 }
 
@@ -59,7 +59,7 @@ QJsonObject renamedCondition(QJsonObject row, const Rename& rename) {
 
 QJsonArray renamedColumns(const QJsonArray& columns, const Rename& rename) {
     QJsonArray result;
-    for (const QJsonValue& value : columns) {
+    for (const auto& value : columns) {
         QJsonArray column = value.toArray();
         column[2] = rename(column[2].toString());
         result += column;
@@ -95,7 +95,7 @@ bool qualifyBareFields(TorvQueryBuilder& builder, const std::vector<TableDescrip
     bool isChanged = false;
     const QJsonObject state = QJsonDocument::fromJson(builder.SaveState()).object();
     const QJsonObject renamed = renamedState(state, [&](const QString& text) {
-        const QString result = withBareNamesRenamed(text, qualified);
+        QString result = withBareNamesRenamed(text, qualified);
         isChanged = isChanged || result != text;
         return result;
     });

@@ -160,6 +160,7 @@ void DocumentController::buildRecent(QMenu* menu) {
 int DocumentController::ask(const QString& title, const QString& question,
                             const std::vector<std::pair<QString, const char*>>& answers) {
     std::vector<ChoiceDialog::Answer> buttons;
+    buttons.reserve(answers.size());
     for (const auto& [text, name] : answers) {
         buttons.push_back({text, name, firstAnswer + int(buttons.size())});
     }
@@ -276,7 +277,9 @@ void DocumentController::openWithDatabase(const std::shared_ptr<Opened>& opened,
     m_host.openDatabase(
         wanted, [self, opened] { return self && self->mayReplaceBy(*opened); },
         [self, opened](bool isOpen, const QString& problem) {
-            const std::shared_ptr<Opened> kept = opened;  // the call may not outlive its end
+            // The call may not outlive its end.
+            // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
+            const std::shared_ptr<Opened> kept = opened;
             if (self) self->show(*kept, isOpen, problem);
         });
 }

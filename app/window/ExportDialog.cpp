@@ -26,7 +26,7 @@ ExportDialog::ExportDialog(const QString& title, const QString& name, QWidget* p
 }
 
 QString ExportDialog::takeFile() const {
-    const QString path = file();
+    QString path = file();
     if (!path.isEmpty()) keptSettings().setValue(folderKey, QFileInfo(path).absolutePath());
     return path;
 }

@@ -86,9 +86,9 @@ std::optional<ReadExpression> readExpression(const QString& sql) {
     const orv::SqlTokens tokens = orv::tokenise(sql);
     const orv::TokenRun run(sql, tokens.data(), tokens.data() + tokens.size());
     if (hasConnective(run)) return std::nullopt;
-    if (const auto exists = readExists(sql, run)) return exists;
+    if (auto exists = readExists(sql, run)) return exists;
     if (!run.isEmpty() && run.is(0, u"NOT")) return std::nullopt;
-    if (const auto truth = readTruth(sql, run)) return truth;
+    if (auto truth = readTruth(sql, run)) return truth;
     return readPart(sql, run);
 }
 

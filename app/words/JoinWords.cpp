@@ -153,7 +153,7 @@ QStringList JoinWords::arguments(int index) const {
 }
 
 QString JoinWords::call(int table) const {
-    const QString text =
+    QString text =
         QStringLiteral("the rows that the procedure %1 returns").arg(m_names.table(table));
     const QStringList values = arguments(table);
     if (values.isEmpty()) return text;

@@ -145,7 +145,7 @@ QString QueryNames::theColumn(const Field& field) const {
 }
 
 QString QueryNames::operand(const QString& text) const {
-    const QString trimmed = orv::orvTrim(text);
+    QString trimmed = orv::orvTrim(text);
     if (trimmed.isEmpty()) return notFilledIn();
     if (const std::optional<Field> named = field(trimmed)) return theColumn(*named);
     if (isConstant(trimmed)) return trimmed;

@@ -568,7 +568,7 @@ private:
 
     // Single operands and lists of them have one form of text; all else stays as it stood.
     static QString operandText(const TokenRun& run) {
-        const QString text = run.sourceText();
+        QString text = run.sourceText();
         const QString formed = formedText(run, 0);
         if (formed.isEmpty() || formed == text) return text;
         return tokenKey(formed) == tokenKey(text) ? formed : text;

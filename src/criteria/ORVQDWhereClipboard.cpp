@@ -39,6 +39,7 @@ std::vector<const TorvQDWhereRow*> rowsFor(const orv::LooseConditions& text,
     const bool joinsAlike = isSingle || isAnd(root.GroupOper) == isAnd(group.GroupOper);
     if (isNegated(root.GroupOper) || !joinsAlike || !(mayUnpack || isSingle)) return {&root};
     std::vector<const TorvQDWhereRow*> rows;
+    rows.reserve(std::size_t(root.SubRows->GetCount()));
     for (int index = 0; index < root.SubRows->GetCount(); ++index) {
         rows.push_back(root.SubRows->Row(index));
     }

@@ -198,7 +198,7 @@ TorvQDWhereRow* TorvQDWherePanel::rowBeside(const TorvQDWhereRow& row, int step)
 TorvQDControl* TorvQDWherePanel::stepFrom(const TorvQDControl& element, int& key) {
     const TorvQDWhereRow& row = *element.Row;
     const int kind = element.Kind;
-    if (key == Qt::Key_Left && kind > ekGroupOper) return row.Controls[std::size_t(kind - 1)].get();
+    if (key == Qt::Key_Left && kind > ekGroupOper) return row.Controls[std::size_t(kind) - 1].get();
     if (key == Qt::Key_Left) {
         const TorvQDWhereRow* above = rowBeside(row, -1);
         return above ? above->Controls.back().get() : nullptr;

@@ -306,7 +306,7 @@ QString TorvQDWherePanel::rowProblem(const TorvQDWhereRow& row) const {
     const IPagesHost* owner = host();
     if (!owner) return {};
     for (const QString& text : texts) {
-        const QString problem = owner->nameProblem(text);
+        QString problem = owner->nameProblem(text);
         if (!problem.isEmpty()) return problem;
     }
     return {};

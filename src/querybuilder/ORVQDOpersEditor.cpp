@@ -32,7 +32,6 @@ constexpr int mostPreviewChars = 20000;  // more than a label can lay out while 
 constexpr QSize designSizePx(415, 318);
 constexpr int marginPx = 8;
 constexpr int listWidthPx = 129;
-constexpr int lineHeightPx = 13;
 constexpr int featuresWidthPx = 257;
 constexpr QSize addSizePx(89, 25);
 constexpr QSize deleteSizePx(81, 25);

@@ -31,7 +31,7 @@ public:
     [[nodiscard]] QString description() const {
         for (const auto part : {&Change::boxes, &Change::links, &Change::columns, &Change::others,
                                 &Change::parameters, &Change::layout}) {
-            const QString words = (this->*part)();
+            QString words = (this->*part)();
             if (!words.isEmpty()) return words;
         }
         return text("changing the query");

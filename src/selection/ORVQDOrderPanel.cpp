@@ -269,7 +269,9 @@ void TorvQDOrderPanel::showLines() {
             return one.name == other.name && one.direction == other.direction;
         });
     const int kept = std::min(change.shown, change.wanted);
-    const auto line = [&](int index) { return wanted[std::size_t(change.start + index)]; };
+    const auto line = [&](int index) {
+        return wanted[std::size_t(change.start) + std::size_t(index)];
+    };
     for (int index = 0; index < kept; ++index) {
         QTreeWidgetItem* item = m_sorted->topLevelItem(change.start + index);
         item->setText(0, line(index).name);

@@ -122,7 +122,7 @@ QString TorvQDSelectGrid::Model::toolTip(const QModelIndex& index) const {
 QString TorvQDSelectGrid::Model::askProblem(const orv::OutputColumn& column) const {
     const IPagesHost* host = m_grid->host();
     if (!host || orv::isBlank(column.source) || column.muted) return {};
-    const QString gone = host->nameProblem(column.source);
+    QString gone = host->nameProblem(column.source);
     if (!gone.isEmpty()) return gone;
     const orv::SelectTextRules rules = m_grid->textRules();
     const QString badName = orv::outputNameProblem(column, rules);

@@ -132,7 +132,7 @@ QString GlyphReader::take(const char* name) {
     const QLatin1String wanted(name);
     for (qsizetype index = 0; index < m_attributes.size(); ++index) {
         if (m_attributes[index].qualifiedName() != wanted) continue;
-        const QString value = m_attributes[index].value().toString().trimmed();
+        QString value = m_attributes[index].value().toString().trimmed();
         m_attributes.removeAt(index);
         return value;
     }

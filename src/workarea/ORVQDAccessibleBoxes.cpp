@@ -54,7 +54,7 @@ public:
         if (kind == QAccessible::Name) return row->Name;
         if (kind == QAccessible::Value && row->ParamType != ptOutput) return valueOf(*row);
         if (kind != QAccessible::Value && kind != QAccessible::Description) return {};
-        const QString type = row->GetDataName().replace(QStringLiteral("&&"), QStringLiteral("&"));
+        QString type = row->GetDataName().replace(QStringLiteral("&&"), QStringLiteral("&"));
         if (row->ParamType == ptOutput) return type;
         // Not every system hands on the value of a list's row.
         return type.isEmpty() ? valueOf(*row) : type + QStringLiteral(", ") + valueOf(*row);

@@ -228,14 +228,14 @@ private:
 
 QString fromText(const FromDiagram& diagram, FromPlaces* places) {
     StackingWriter writer(diagram);
-    const QString text = writer.text();
+    QString text = writer.text();
     if (places) *places = writer.takePlaces();
     return text;
 }
 
 QString fromTextKeepingMeaning(const FromDiagram& diagram, FromPlaces* places) {
     MeaningWriter writer(diagram);
-    const QString text = writer.text();
+    QString text = writer.text();
     if (places) *places = writer.takePlaces();
     return text;
 }

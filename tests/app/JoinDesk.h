@@ -62,11 +62,11 @@ inline void JoinDesk::setUp() {
         m_database,
         {"CREATE TABLE customers (custno INTEGER PRIMARY KEY, name TEXT)",
          "CREATE TABLE orders (orderno INTEGER PRIMARY KEY, custno INT REFERENCES customers)",
-         "CREATE TABLE items (orderno INT REFERENCES orders, line INT, prodno INT REFERENCES "
-         "products, PRIMARY KEY (orderno, line))",
+         ("CREATE TABLE items (orderno INT REFERENCES orders, line INT, prodno INT REFERENCES "
+          "products, PRIMARY KEY (orderno, line))"),
          "CREATE TABLE products (prodno INTEGER PRIMARY KEY)",
-         "CREATE TABLE returns (id INTEGER PRIMARY KEY, o INT, l INT, "
-         "FOREIGN KEY (o, l) REFERENCES items)",
+         ("CREATE TABLE returns (id INTEGER PRIMARY KEY, o INT, l INT, "
+          "FOREIGN KEY (o, l) REFERENCES items)"),
          "CREATE TABLE staff (no INTEGER PRIMARY KEY, boss INT REFERENCES staff)",
          "CREATE TABLE trips (start INT REFERENCES places, goal INT REFERENCES places)",
          "CREATE TABLE places (id INTEGER PRIMARY KEY)",

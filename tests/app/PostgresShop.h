@@ -35,16 +35,18 @@ inline QStringList PostgresShop::statements() {
         "CREATE SCHEMA sales",
         "CREATE SCHEMA \"Odd \"\"Schema\"",
         "CREATE DOMAIN amount AS numeric(10,2)",
-        "CREATE TABLE customers (id integer PRIMARY KEY, name varchar(40) NOT NULL, "
-        "\"Since\" date, \"order\" text, \"a\"\"b\" text, price amount, ok boolean, at "
-        "timestamptz, "
-        "made timestamp, hour time, place point, ip inet, tags text[], span int4range, data jsonb, "
-        "bytes bytea, lasts interval, big bigint, ratio double precision, small smallint, "
-        "code char(5), exact numeric)",
-        "INSERT INTO customers VALUES (1, 'Zoë', '2024-01-31', 'it''s', 'b', 10.50, true, "
-        "'2024-01-02 03:04:05+00', '2024-01-02 03:04:05', '18:30:15', '(1,2)', '10.0.0.1', "
-        "'{a,\"b c\"}', '[1,5)', '{\"a\": 1}', '\\x0102', '1 day', 9007199254740993, 0.1, 7, 'ab', "
-        "12345678901234567890.123)",
+        ("CREATE TABLE customers (id integer PRIMARY KEY, name varchar(40) NOT NULL, "
+         "\"Since\" date, \"order\" text, \"a\"\"b\" text, price amount, ok boolean, at "
+         "timestamptz, "
+         "made timestamp, hour time, place point, ip inet, tags text[], span int4range, data "
+         "jsonb, "
+         "bytes bytea, lasts interval, big bigint, ratio double precision, small smallint, "
+         "code char(5), exact numeric)"),
+        ("INSERT INTO customers VALUES (1, 'Zoë', '2024-01-31', 'it''s', 'b', 10.50, true, "
+         "'2024-01-02 03:04:05+00', '2024-01-02 03:04:05', '18:30:15', '(1,2)', '10.0.0.1', "
+         "'{a,\"b c\"}', '[1,5)', '{\"a\": 1}', '\\x0102', '1 day', 9007199254740993, 0.1, 7, "
+         "'ab', "
+         "12345678901234567890.123)"),
         "INSERT INTO customers (id, name, \"Since\", at) VALUES (2, '', 'infinity', '-infinity')",
         "CREATE TABLE \"Mixed Case\" (\"A\" integer)",
         "CREATE TABLE \"UPPER\" (a integer)",
@@ -55,25 +57,26 @@ inline QStringList PostgresShop::statements() {
         "CREATE TABLE \"2nd\" (\"3rd\" integer)",
         "CREATE TABLE \"Odd \"\"Schema\".\"T 1\" (a integer)",
         "CREATE TABLE sales.customers (other integer)",
-        "CREATE TABLE sales.orders (c1 integer, c2 integer, customer integer REFERENCES customers, "
-        "PRIMARY KEY (c2, c1))",
-        "CREATE TABLE sales.lines (y integer, x integer, "
-        "FOREIGN KEY (x, y) REFERENCES sales.orders (c1, c2))",
+        ("CREATE TABLE sales.orders (c1 integer, c2 integer, customer integer REFERENCES "
+         "customers, "
+         "PRIMARY KEY (c2, c1))"),
+        ("CREATE TABLE sales.lines (y integer, x integer, "
+         "FOREIGN KEY (x, y) REFERENCES sales.orders (c1, c2))"),
         "CREATE VIEW seen AS SELECT id FROM customers",
         "CREATE MATERIALIZED VIEW kept AS SELECT id FROM customers",
         "CREATE TABLE parted (id integer, d date) PARTITION BY RANGE (d)",
         "CREATE TABLE part PARTITION OF parted FOR VALUES FROM ('2024-01-01') TO ('2025-01-01')",
-        "CREATE FUNCTION series(low integer, high integer DEFAULT 3) RETURNS TABLE (n integer, "
-        "square bigint) LANGUAGE sql AS 'SELECT g, g * g::bigint FROM generate_series(low, high) "
-        "g'",
-        "CREATE FUNCTION odd(integer, \"Who\" text DEFAULT 'no''body', d date DEFAULT "
-        "CURRENT_DATE, z integer DEFAULT NULL, neg numeric DEFAULT -1.5) RETURNS SETOF text "
-        "LANGUAGE sql AS $$ SELECT \"Who\" || '/' || $1 || '/' || (d = CURRENT_DATE) || '/' || "
-        "coalesce(z, 0) || '/' || neg $$",
-        "CREATE FUNCTION since(d date) RETURNS SETOF customers LANGUAGE sql AS 'SELECT * FROM "
-        "customers WHERE \"Since\" >= d'",
-        "CREATE FUNCTION writes() RETURNS SETOF integer LANGUAGE sql AS 'INSERT INTO \"UPPER\" "
-        "VALUES (1) RETURNING a'",
+        ("CREATE FUNCTION series(low integer, high integer DEFAULT 3) RETURNS TABLE (n integer, "
+         "square bigint) LANGUAGE sql AS 'SELECT g, g * g::bigint FROM generate_series(low, high) "
+         "g'"),
+        ("CREATE FUNCTION odd(integer, \"Who\" text DEFAULT 'no''body', d date DEFAULT "
+         "CURRENT_DATE, z integer DEFAULT NULL, neg numeric DEFAULT -1.5) RETURNS SETOF text "
+         "LANGUAGE sql AS $$ SELECT \"Who\" || '/' || $1 || '/' || (d = CURRENT_DATE) || '/' || "
+         "coalesce(z, 0) || '/' || neg $$"),
+        ("CREATE FUNCTION since(d date) RETURNS SETOF customers LANGUAGE sql AS 'SELECT * FROM "
+         "customers WHERE \"Since\" >= d'"),
+        ("CREATE FUNCTION writes() RETURNS SETOF integer LANGUAGE sql AS 'INSERT INTO \"UPPER\" "
+         "VALUES (1) RETURNING a'"),
         "CREATE FUNCTION sales.none() RETURNS TABLE (x integer) LANGUAGE sql AS 'SELECT 1'",
         "CREATE FUNCTION record() RETURNS SETOF record LANGUAGE sql AS 'SELECT 1, 2'",
         "CREATE FUNCTION plain() RETURNS integer LANGUAGE sql AS 'SELECT 1'",

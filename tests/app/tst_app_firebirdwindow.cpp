@@ -81,8 +81,8 @@ void TestFirebirdWindow::procedureTakesMoments() {
     const std::vector<std::pair<const char*, QString>> typed = {
         {"S", "2024-01-02 03:04"}, {"D", "2024-02-29"}, {"T", "18:30:15"}};
     for (const auto& [name, text] : typed) {
-        answer([text](QDialog& dialog) {
-            QTest::keyClicks(dialog.focusWidget(), text);
+        answer([value = text](QDialog& dialog) {
+            QTest::keyClicks(dialog.focusWidget(), value);
             QTest::keyClick(&dialog, Qt::Key_Return);
         });
         doubleClickRow(name);

@@ -446,8 +446,9 @@ void TestJoins::shorterPathWins() {
 }
 
 void TestJoins::longPathIsNone() {
-    std::vector<ForeignKey> keys;
     const char* names[] = {"A", "B", "C", "D", "E", "F"};
+    std::vector<ForeignKey> keys;
+    keys.reserve(5);
     for (int at = 0; at < 5; ++at) {
         keys.push_back(foreignKey(names[at], {"NEXT"}, names[at + 1], {"NO"}));
     }

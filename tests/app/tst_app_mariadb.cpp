@@ -31,15 +31,15 @@ QStringList shopStatements() {
     return {
         "CREATE DATABASE other",
         "SET sql_mode = 'ANSI_QUOTES'",
-        "CREATE TABLE \"Orders\" (id INT UNSIGNED PRIMARY KEY, \"Order Date\" DATE, \"order\" "
-        "VARCHAR(20) NOT NULL DEFAULT '', total DECIMAL(10,2), big BIGINT UNSIGNED, flag BIT(3), "
-        "made_in YEAR, data JSON, zero DATE, moment DATETIME, lasts TIME, place POINT, bytes "
-        "BLOB, yes BOOLEAN, ratio DOUBLE, exact DECIMAL(30,10), choice ENUM('a', 'b'), note TEXT, "
-        "code CHAR(5))",
-        "INSERT INTO \"Orders\" VALUES (1, '2024-01-31', 'it''s \\\\', 10.50, "
-        "18446744073709551615, b'101', 2024, '{\"a\": 1}', '0000-00-00', '2024-01-02 03:04:05', "
-        "'838:59:59', POINT(1, 2), x'0102', TRUE, 0.1, 12345678901234567890.123, 'b', "
-        "'Zoë 😀', 'ab')",
+        ("CREATE TABLE \"Orders\" (id INT UNSIGNED PRIMARY KEY, \"Order Date\" DATE, \"order\" "
+         "VARCHAR(20) NOT NULL DEFAULT '', total DECIMAL(10,2), big BIGINT UNSIGNED, flag BIT(3), "
+         "made_in YEAR, data JSON, zero DATE, moment DATETIME, lasts TIME, place POINT, bytes "
+         "BLOB, yes BOOLEAN, ratio DOUBLE, exact DECIMAL(30,10), choice ENUM('a', 'b'), note TEXT, "
+         "code CHAR(5))"),
+        ("INSERT INTO \"Orders\" VALUES (1, '2024-01-31', 'it''s \\\\', 10.50, "
+         "18446744073709551615, b'101', 2024, '{\"a\": 1}', '0000-00-00', '2024-01-02 03:04:05', "
+         "'838:59:59', POINT(1, 2), x'0102', TRUE, 0.1, 12345678901234567890.123, 'b', "
+         "'Zoë 😀', 'ab')"),
         "INSERT INTO \"Orders\" (id) VALUES (2)",
         "CREATE TABLE \"orders\" (a INT)",
         "CREATE TABLE \"UPPER\" (a INT)",
@@ -49,17 +49,17 @@ QStringList shopStatements() {
         "CREATE TABLE \"größe\" (\"länge\" INT)",
         "CREATE VIEW seen AS SELECT id FROM \"Orders\"",
         "CREATE TABLE other.\"Parents\" (a INT, b INT, PRIMARY KEY (b, a))",
-        "CREATE TABLE kids (x INT, y INT, CONSTRAINT fits FOREIGN KEY (x, y) REFERENCES "
-        "other.\"Parents\" (b, a))",
-        "CREATE FUNCTION writes() RETURNS INT MODIFIES SQL DATA BEGIN INSERT INTO UPPER VALUES "
-        "(1); RETURN 1; END",
+        ("CREATE TABLE kids (x INT, y INT, CONSTRAINT fits FOREIGN KEY (x, y) REFERENCES "
+         "other.\"Parents\" (b, a))"),
+        ("CREATE FUNCTION writes() RETURNS INT MODIFIES SQL DATA BEGIN INSERT INTO UPPER VALUES "
+         "(1); RETURN 1; END"),
         "CREATE TABLE secret (id INT)",
-        "CREATE TABLE kinds (t TINYINT, ut TINYINT UNSIGNED, s SMALLINT, us SMALLINT UNSIGNED, "
-        "m MEDIUMINT, um MEDIUMINT UNSIGNED, i INT, ui INT UNSIGNED ZEROFILL, f FLOAT, d DOUBLE, "
-        "b BIT(8), st SET('a', 'b'), ts TIMESTAMP NULL, vb VARBINARY(4), y YEAR)",
-        "INSERT INTO kinds VALUES (-128, 255, -32768, 65535, -8388608, 16777215, -2147483648, "
-        "4294967295, 0.1, 0.1, b'1000001', 'a,b', '2024-07-01 02:30:00', x'00ff', 1999), "
-        "(0, 0, 0, 0, 0, 0, 0, 7, -0.0, -1e-5, b'0', '', '2024-01-01 00:00:00', '', 0)",
+        ("CREATE TABLE kinds (t TINYINT, ut TINYINT UNSIGNED, s SMALLINT, us SMALLINT UNSIGNED, "
+         "m MEDIUMINT, um MEDIUMINT UNSIGNED, i INT, ui INT UNSIGNED ZEROFILL, f FLOAT, d DOUBLE, "
+         "b BIT(8), st SET('a', 'b'), ts TIMESTAMP NULL, vb VARBINARY(4), y YEAR)"),
+        ("INSERT INTO kinds VALUES (-128, 255, -32768, 65535, -8388608, 16777215, -2147483648, "
+         "4294967295, 0.1, 0.1, b'1000001', 'a,b', '2024-07-01 02:30:00', x'00ff', 1999), "
+         "(0, 0, 0, 0, 0, 0, 0, 7, -0.0, -1e-5, b'0', '', '2024-01-01 00:00:00', '', 0)"),
         "CREATE USER reader@localhost IDENTIFIED BY 'reader'",
         "GRANT SELECT ON shop.\"Orders\" TO reader@localhost",
     };

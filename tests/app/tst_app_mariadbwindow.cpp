@@ -50,8 +50,8 @@ void TestMariadbWindow::initTestCase() {
          "INSERT INTO orders VALUES (1, 'Rome'), (2, NULL)", "CREATE TABLE secret (id INT)",
          "CREATE SQL SECURITY INVOKER VIEW denied AS SELECT id FROM secret",
          "CREATE VIEW slow AS SELECT SLEEP(100) AS x",
-         "CREATE VIEW trickling AS SELECT seq AS n, IF(seq > 10, SLEEP(100), REPEAT('x', 9000)) "
-         "AS x FROM seq_1_to_11",
+         ("CREATE VIEW trickling AS SELECT seq AS n, IF(seq > 10, SLEEP(100), REPEAT('x', 9000)) "
+          "AS x FROM seq_1_to_11"),
          "CREATE VIEW many AS SELECT seq AS x FROM seq_1_to_10000000",
          QStringLiteral("CREATE VIEW huge AS SELECT REPEAT('x', %1) AS x").arg(hugeCharacters),
          "CREATE USER reader@localhost IDENTIFIED BY 'reader'",

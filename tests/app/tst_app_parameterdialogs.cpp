@@ -293,6 +293,7 @@ void TestParameterDialogs::sharedPlaceholderNamesItsTakers() {
 
 void TestParameterDialogs::hundredsOfPlaceholdersScroll() {
     std::vector<ParameterDescription> parameters;
+    parameters.reserve(200);
     for (int number = 0; number < 200; ++number) {
         parameters.push_back({QStringLiteral("P%1").arg(number), ftString});
     }
