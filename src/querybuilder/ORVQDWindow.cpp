@@ -76,6 +76,10 @@ TorvQueryBuilder::TorvQueryBuilder(QWidget* parent, bool designMode)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(Splitter);
+    connect(Splitter, &QSplitter::splitterMoved, this, [this] {
+        m_tabsHeight = Splitter->sizes().last();
+        m_isTabsHeightDue = false;
+    });
     // The diagram comes first for the Tab key, as it does on the screen.
     if (!designMode) createWorkArea();
     createPages(designMode);
@@ -181,9 +185,9 @@ int TorvQueryBuilder::TabsHeight() const {
 }
 
 void TorvQueryBuilder::setTabsHeight(int height) {
-    if (height <= leastTabsHeightPx || height == TabsHeight()) return;
+    if (height <= leastTabsHeightPx) return;
     m_tabsHeight = height;
-    applyTabsHeight();
+    if (height != TabsHeight()) applyTabsHeight();
 }
 
 void TorvQueryBuilder::resetTabsHeight() {
@@ -191,16 +195,20 @@ void TorvQueryBuilder::resetTabsHeight() {
     applyTabsHeight();
 }
 
-// A form designer may have put something in the diagram's place.
+// A form designer may have put something in the diagram's place. A height that there is no room for
+// yet comes about as soon as there is.
 void TorvQueryBuilder::applyTabsHeight() {
     if (Splitter->count() < 2) return;
     const int rest = contentsRect().height() - splitterHeightPx - m_tabsHeight;
     if (rest > 0) Splitter->setSizes({rest, m_tabsHeight});
+    const QWidget& diagram = *Splitter->widget(0);
+    m_isTabsHeightDue =
+        rest < std::max(diagram.minimumHeight(), diagram.minimumSizeHint().height());
 }
 
 void TorvQueryBuilder::resizeEvent(QResizeEvent* event) {
     TorvBuilder::resizeEvent(event);
-    if (!isVisible()) applyTabsHeight();
+    if (!isVisible() || m_isTabsHeightDue) applyTabsHeight();
 }
 
 void TorvQueryBuilder::showEvent(QShowEvent* event) {

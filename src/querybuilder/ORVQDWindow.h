@@ -205,7 +205,8 @@ public:
     [[nodiscard]] TAlign Align() const { return m_align; }
     void setAlign(TAlign align);
 
-    /// Height of the page control in pixels; values of 100 and less are ignored.
+    /// Height of the page control in pixels; values of 100 and less are ignored. It outlasts a time
+    /// in which the control is hidden, and one in which there is no room for it.
     [[nodiscard]] int TabsHeight() const;
     void setTabsHeight(int height);
     /// Back to the height at the start, 100.
@@ -386,7 +387,8 @@ private:
     QSet<QString> m_removals;  // unticked in this change, not yet taken off the lists
     TAlign m_align = alNone;
     QPointer<QWidget> m_watchedParent;  // whose size the control follows
-    int m_tabsHeight;
+    int m_tabsHeight;  // as it is wanted: there may be less room
+    bool m_isTabsHeightDue = false;
     bool m_keepMeaning = false;
     QString m_tail;
     orv::TailLine* m_tailLine = nullptr;  // none in design mode

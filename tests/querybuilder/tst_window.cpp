@@ -129,6 +129,47 @@ private Q_SLOTS:
         QCOMPARE(after.PageCtrl->height(), expected);
     }
 
+    // A page of tabs hides the builder and shows it again.
+    void draggedPagesKeepTheirHeight() {
+        TorvQueryBuilder builder;
+        builder.resize(600, 600);
+        builder.show();
+        QCoreApplication::processEvents();
+        QWidget* handle = builder.Splitter->handle(1);
+        const QPoint grip = handle->rect().center();
+        QTest::mousePress(handle, Qt::LeftButton, Qt::NoModifier, grip);
+        QTest::mouseMove(handle, grip - QPoint(0, 150));
+        QTest::mouseRelease(handle, Qt::LeftButton, Qt::NoModifier, grip - QPoint(0, 150));
+        QCoreApplication::processEvents();
+        const int dragged = builder.PageCtrl->height();
+        QCOMPARE(dragged, 250);
+        QCOMPARE(builder.TabsHeight(), dragged);
+        builder.hide();
+        QCOMPARE(builder.TabsHeight(), dragged);
+        builder.show();
+        QCoreApplication::processEvents();
+        QCOMPARE(builder.PageCtrl->height(), dragged);
+        QCOMPARE(builder.TabsHeight(), dragged);
+    }
+
+    void heightOfPagesWaitsForRoom() {
+        TorvQueryBuilder builder;
+        builder.resize(300, 200);
+        builder.show();
+        QCoreApplication::processEvents();
+        builder.setTabsHeight(250);
+        QCOMPARE(builder.TabsHeight(), 100);
+        builder.resize(600, 600);
+        QCoreApplication::processEvents();
+        QCOMPARE(builder.TabsHeight(), 250);
+        QCOMPARE(builder.PageCtrl->height(), 250);
+        builder.Splitter->setSizes({400, 150});
+        const int own = builder.TabsHeight();
+        builder.resize(600, 700);
+        QCoreApplication::processEvents();
+        QCOMPARE(builder.TabsHeight(), own);
+    }
+
     void diagramTakesWhatThePagesLeave() {
         TorvQueryBuilder builder;
         builder.resize(600, 600);
