@@ -50,18 +50,13 @@ void TorvQDListItem::SetCheck(bool value) {
         const QPointer<TorvQDTable> table(Table);
         const int index = m_index;
         Busy = true;
-        const auto notBusy = [&] {
-            if (table && index < int(table->Items.size()))
-                table->Items[std::size_t(index)]->Busy = false;
-        };
-        try {
-            if (canvas) canvas->enterParameter(Table, this);
-        } catch (...) {
-            notBusy();
-            throw;
-        }
-        notBusy();
-        if (table) table->invalidate(table->GetBoundsRect());
+        // A handler that raises may have changed the row before.
+        const auto settle = qScopeGuard([&] {
+            if (!table) return;
+            if (index < int(table->Items.size())) table->Items[std::size_t(index)]->Busy = false;
+            table->invalidate(table->GetBoundsRect());
+        });
+        if (canvas) canvas->enterParameter(Table, this);
         return;
     }
     store(value);

@@ -44,8 +44,16 @@ const Words& postfixWords() {
     return words;
 }
 
+// The last words of IS DISTINCT FROM and IS NOT DISTINCT FROM.
+bool isInDistinctFrom(const TokenRun& run, int index) {
+    if (index > 0 && index < run.size() && run.is(index, u"FROM")) --index;
+    if (index < 1 || index >= run.size() || !run.is(index, u"DISTINCT")) return false;
+    return run.is(index - 1, u"IS") ||
+           (index > 1 && run.is(index - 1, u"NOT") && run.is(index - 2, u"IS"));
+}
+
 bool isConnective(const TokenRun& run, int index) {
-    return isOneOf(run, index, connectives());
+    return isOneOf(run, index, connectives()) || isInDistinctFrom(run, index);
 }
 
 // Words that never begin an operand.
@@ -197,7 +205,7 @@ bool isExpression(const TokenRun& run) {
         if (run[index].depth != level) continue;
         const bool first = before < 0;
         before = index;
-        if (isOneOf(run, index, foreignWords())) return false;
+        if (isOneOf(run, index, foreignWords()) && !isInDistinctFrom(run, index)) return false;
         if (first || run[index].kind == SqlToken::Close) continue;
         if (!mayFollow(run, index)) return false;
     }

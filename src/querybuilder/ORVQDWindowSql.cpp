@@ -239,13 +239,17 @@ void TorvQueryBuilder::loadText(const QString& text) {
     const orv::KeptPlaces places(*WorkArea);
     clearAll();
     if (!self) return;
-    if (root.Clause(inFrom)) m_ledger->reportUnclosed(parts.tailEnd);
-    loadParsed(root);
-    if (!self) return;
-    places.apply(*WorkArea);
-    m_ledger->reportChangedTexts(parts.bodyEnd);
-    loadTail(parts.tailStart, parts.tailEnd, parts.restStart);
-    compareClauses(root);
+    if (root.Clause(inFrom)) {
+        m_ledger->reportUnclosed(parts.tailEnd);
+        loadParsed(root);
+        if (!self) return;
+        places.apply(*WorkArea);
+        m_ledger->reportChangedTexts(parts.bodyEnd);
+        loadTail(parts.tailStart, parts.tailEnd, parts.restStart);
+        compareClauses(root);
+    } else {
+        m_ledger->report(0, int(m_ledger->text().size()), reasonWithoutFrom(root.Source()));
+    }
     m_report = m_ledger->findings();
     scope.finish();
 }
@@ -277,10 +281,6 @@ void TorvQueryBuilder::checkLoadable(const TorvQDParser& root,
 
 void TorvQueryBuilder::loadParsed(const TorvQDParser& root) {
     const QPointer<TorvQueryBuilder> self(this);
-    if (!root.Clause(inFrom)) {
-        m_ledger->report(root.Start(), int(root.Source().size()), reasonWithoutFrom(root.Source()));
-        return;
-    }
     for (const TorvQDParser::Node& child : root.Children()) {
         if (child->Location() == inFrom) {
             WorkArea->LoadSQL(*child);

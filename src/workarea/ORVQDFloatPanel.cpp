@@ -152,6 +152,10 @@ TorvQDTable* TorvQDWorkArea::addTable(const NewBox& wanted) {
     orv::guarded([&] { commitPendingEdit(); });
     if (self) deselect();
     if (!self) return nullptr;
+    // A refusal leaves nothing selected.
+    auto tellDeselected = qScopeGuard([&] {
+        if (self && !m_selected) selectionChanged(old);
+    });
     std::unique_ptr<TorvQDTable> box = makeBox(wanted);
     const auto takeFreeAlias = [&] {
         const QString alias = freeAlias(box->TableName);
@@ -168,6 +172,7 @@ TorvQDTable* TorvQDWorkArea::addTable(const NewBox& wanted) {
         box->SetAlias(wanted.finalAlias);
     }
 
+    tellDeselected.dismiss();
     ChangeScope change(m_owner, this);
     // A handler may have added and selected one while it was asked, and may add another while it is
     // told. What is selected is in front, whatever is raised.

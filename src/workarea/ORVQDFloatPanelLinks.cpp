@@ -289,6 +289,7 @@ void TorvQDWorkArea::replaceLink(TorvQDLink* link, bool atStart, TorvQDListItem*
     const QString source = link->OperatorSource;
     const QString text = link->operatorText();
     const TKindOfJoin kind = link->Join->KindOfJoin;
+    const bool isMuted = link->Muted;
     const bool allowed = m_owner->DoAddRemoveLink(link, araRemove);
     // The host may have removed the box or the link while it was asked.
     if (!self || !allowed || !table || m_links.count(number) == 0) return;
@@ -307,6 +308,7 @@ void TorvQDWorkArea::replaceLink(TorvQDLink* link, bool atStart, TorvQDListItem*
         added->setOperatorText(orv::mirroredOperator(text));
     }
     if (makesJoin) added->Join->KindOfJoin = kind;
+    added->Muted = isMuted;
     removeLink(number, true);
     if (self && holds(added)) selectObject(added);
     change.finish();

@@ -393,8 +393,10 @@ private Q_SLOTS:
         on.canvas.onEnterParameter = [](TorvQDTable*, TorvQDListItem*) {
             throw std::runtime_error("no");
         };
+        on.canvas.invalidated.clear();
         QVERIFY_EXCEPTION_THROWN(on.row(1)->SetCheck(true), std::runtime_error);
         QVERIFY(!on.row(1)->Busy);
+        QCOMPARE(on.canvas.invalidated, std::vector<TRect>{on.box.GetBoundsRect()});
     }
 
     void highlightingRepaintsTheRow() {

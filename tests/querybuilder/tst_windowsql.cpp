@@ -209,6 +209,14 @@ private Q_SLOTS:
         QCOMPARE(on.findings(), QStringList("select 1"));
         QVERIFY(on.builder.AllFields().isEmpty());
         verifyBuilder(on.builder);
+        for (const char* text : {"select 1 where 2 = 2", "select 1 limit 5",
+                                 "select 1 /* one */ where 2 = 2 limit 5; select 2"}) {
+            on.builder.LoadSQL(text);
+            QCOMPARE(on.builder.GetSQLStatment(), "SELECT \r\nFROM ");
+            QCOMPARE(on.builder.TailText(), QString());
+            QCOMPARE(on.findings(), QStringList(text));
+            QVERIFY(on.builder.LoadReport().front().what.contains("nothing is loaded"));
+        }
     }
 
     // --- the tail
@@ -358,6 +366,22 @@ private Q_SLOTS:
             QCOMPARE(on.findings(), QStringList());
             QVERIFY(on.builder.GetSQLStatment().contains('(' + QString(text) + ')'));
             QVERIFY(on.builder.GetSQLStatment().contains("(T.C = 1)"));
+        }
+        for (const char* column :
+             {"T.A IS DISTINCT FROM T.B AS X", "T.A IS NOT DISTINCT FROM 'x' AS X",
+              "CASE WHEN T.A IS DISTINCT FROM T.B THEN 1 ELSE 0 END AS X"}) {
+            for (const bool keep : {false, true}) {
+                HostedBuilder on(keep);
+                on.builder.LoadSQL("select t.c, " + QString(column) + " from t");
+                QCOMPARE(on.findings(), QStringList());
+                QVERIFY(on.builder.GetSQLStatment().contains(column));
+            }
+        }
+        for (const char* column : {"t.a is distinct from", "t.a distinct from t.b",
+                                   "t.a not distinct from t.b", "distinct t.a is from t.b"}) {
+            HostedBuilder on(true);
+            on.builder.LoadSQL("select " + QString(column) + " from t");
+            QVERIFY2(!on.findings().isEmpty(), column);
         }
         HostedBuilder on(true);
         on.builder.LoadSQL("select distinct from from t");

@@ -2,6 +2,7 @@
 // Boxes that come and go, and what their messages do.
 #include "contract/DiagramEvents.h"
 #include "support/BuilderTools.h"
+#include "toolkit/AccessibleEvents.h"
 #include "workarea/ORVQDFloatPanel.h"
 
 #include <algorithm>
@@ -91,6 +92,31 @@ private Q_SLOTS:
         QCOMPARE(on.changes, 0);
         QCOMPARE(orvtest::visibleState(on.builder), before);
         verifyBuilder(on.builder);
+    }
+
+    void readersHearThatARefusedAdditionDeselects() {
+        HostedBuilder on(true);
+        on.addTable("T");
+        on.builder.OnAddRemoveTable = [](QObject*, TorvQDTable*, TAddRemove, bool& can) {
+            can = false;
+        };
+        for (const bool raises : {false, true}) {
+            on.builder.WorkArea->selectObject(on.table("T"));
+            if (raises) {
+                on.builder.OnAddRemoveTable = [](QObject*, TorvQDTable*, TAddRemove, bool&) {
+                    throw orv::Error("no more");
+                };
+            }
+            int told = 0;
+            const auto before = orv::setAccessibleListener([&](QAccessibleEvent& event) {
+                if (event.type() == QAccessible::StateChanged) ++told;
+            });
+            orvtest::errorOf([&] { on.addTable("U"); });
+            orv::setAccessibleListener(before);
+            QVERIFY(!on.table("T")->Selected);
+            QVERIFY(!on.builder.WorkArea->selectedObject());
+            QVERIFY(told > 0);
+        }
     }
 
     // The selected box lost its selection to the refused one.

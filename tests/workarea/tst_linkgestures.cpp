@@ -275,6 +275,16 @@ private Q_SLOTS:
         verifyBuilder(on.builder);
     }
 
+    void mutedLinkStaysMutedOnAnotherBox() {
+        TiedBuilder on;
+        on.area().muteLink(on.tie, true);
+        on.dragEnd(on.end(), on.rowTextOf("DEPT", "BUDGET"));
+        QCOMPARE(on.links(), QStringList("U.A=DEPT.BUDGET"));
+        QVERIFY(on.area().Links().front()->Muted);
+        QVERIFY(!on.statement().contains("JOIN"));
+        verifyBuilder(on.builder);
+    }
+
     void startMovesToARowOfAnotherBox() {
         TiedBuilder on;
         on.tie->setOperatorText("<");
