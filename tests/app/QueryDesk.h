@@ -51,7 +51,7 @@ struct SilentDatabase {
     QSemaphore released;
     QSemaphore hasBegun;
 
-    [[nodiscard]] orvquery::RowSource source(std::vector<orvquery::Row> rowsBefore = {}) {
+    [[nodiscard]] orvquery::RowSource source(const std::vector<orvquery::Row>& rowsBefore = {}) {
         return [this, rowsBefore](orvquery::RowSink& sink, orvquery::StopPoint&) {
             sink.begin({"a"});
             for (const orvquery::Row& row : rowsBefore) sink.row(row);

@@ -52,8 +52,8 @@ void TestPostgresqlWindow::initTestCase() {
          "INSERT INTO orders VALUES (1, 'Rome'), (2, NULL)", "CREATE TABLE secret (id integer)",
          "CREATE VIEW denied AS SELECT id FROM secret",
          "CREATE VIEW slow AS SELECT cast(pg_sleep(100) AS text) AS x",
-         "CREATE VIEW trickling AS SELECT n, CASE WHEN n > 10 THEN cast(pg_sleep(100) AS text) "
-         "ELSE repeat('x', 9000) END AS x FROM generate_series(1, 11) n",
+         ("CREATE VIEW trickling AS SELECT n, CASE WHEN n > 10 THEN cast(pg_sleep(100) AS text) "
+          "ELSE repeat('x', 9000) END AS x FROM generate_series(1, 11) n"),
          "CREATE VIEW many AS SELECT x FROM generate_series(1, 10000000) x",
          QStringLiteral("CREATE VIEW huge AS SELECT repeat('x', %1) AS x").arg(hugeCharacters),
          "CREATE ROLE reader LOGIN PASSWORD 'reader'", "GRANT SELECT ON orders TO reader",

@@ -235,6 +235,7 @@ void TestResultModel::equalRowsStayAsTheyCame() {
     ResultModel model;
     model.begin({"key", "number"});
     std::vector<Row> rows;
+    rows.reserve(1000);
     for (int number = 0; number < 1000; ++number) rows.push_back({number % 3, number});
     model.append(rows);
     model.finish();

@@ -107,8 +107,8 @@ void TestWhyNoRows::initTestCase() {
     QVERIFY(apptest::runStatements(
         path,
         {"CREATE TABLE customers (id INTEGER PRIMARY KEY, name TEXT, city TEXT)",
-         "CREATE TABLE orders (id INTEGER PRIMARY KEY, customer INTEGER, status TEXT, "
-         "total INTEGER)",
+         ("CREATE TABLE orders (id INTEGER PRIMARY KEY, customer INTEGER, status TEXT, "
+          "total INTEGER)"),
          "CREATE TABLE visits (id INTEGER PRIMARY KEY, customer INTEGER, rep INTEGER)",
          "CREATE TABLE reps (id INTEGER PRIMARY KEY, name TEXT)",
          "CREATE TABLE hollow (id INTEGER PRIMARY KEY, customer INTEGER)",
@@ -311,8 +311,8 @@ void TestWhyNoRows::parametersAreKept() {
 void TestWhyNoRows::joinWithoutMatches() {
     ask("select v.id from visits v join reps r on v.rep = r.id");
     QCOMPARE(verdict(*m_inquiry),
-             QStringList({"No single condition does it: the tables themselves have no matching "
-                          "rows.",
+             QStringList({("No single condition does it: the tables themselves have no matching "
+                           "rows."),
                           "The rows vanish at the join of REPS (R)."}));
     QCOMPARE(remarkOf("REPS (R): V.REP = R.ID"),
              QStringLiteral("Without conditions: no row from here on"));

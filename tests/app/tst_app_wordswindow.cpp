@@ -181,8 +181,8 @@ void TestWordsWindow::compareWithStatement() {
     QCOMPARE(m_differences.split(u'\n'),
              QStringList({"Tables", "Removed: PEOPLE", "Changed: ORDERS (P); now ORDERS (O)",
                           "Conditions",
-                          "Changed: the TOTAL of ORDERS (P) is greater than 6; now the TOTAL of "
-                          "ORDERS (O) is greater than 5"}));
+                          ("Changed: the TOTAL of ORDERS (P) is greater than 6; now the TOTAL of "
+                           "ORDERS (O) is greater than 5")}));
     QVERIFY(countPixels(m_before, removedColor) > 100);
     QVERIFY(countPixels(m_before, changedColor) > 100);
     QCOMPARE(countPixels(m_before, addedColor), 0);

@@ -10,7 +10,6 @@
 
 using orvtest::clipboard;
 using orvtest::Criteria;
-using orvtest::HostedBuilder;
 using orvtest::partsOf;
 using orvtest::RecordedServices;
 

@@ -394,7 +394,7 @@ private Q_SLOTS:
             throw std::runtime_error("no");
         };
         on.canvas.invalidated.clear();
-        QVERIFY_EXCEPTION_THROWN(on.row(1)->SetCheck(true), std::runtime_error);
+        QVERIFY_THROWS_EXCEPTION(std::runtime_error, on.row(1)->SetCheck(true));
         QVERIFY(!on.row(1)->Busy);
         QCOMPARE(on.canvas.invalidated, std::vector<TRect>{on.box.GetBoundsRect()});
     }

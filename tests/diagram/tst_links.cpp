@@ -9,7 +9,6 @@ using orvtest::FakeCanvas;
 namespace {
 
 constexpr int rows = 10;
-constexpr int boxWidthPx = 100;
 constexpr int captionPx = 20;
 constexpr int boxHeightPx = 6 * 17 + captionPx + 6;
 // Middle of the first row below the top of its box.

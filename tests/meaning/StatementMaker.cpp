@@ -104,7 +104,7 @@ bool StatementMaker::isTaken(const QString& qualifier) const {
 // Writes the mention, too: "NAME", "NAME ALIAS" or "NAME AS ALIAS".
 QString StatementMaker::newQualifier(const RandomTable& table, bool isNeeded) {
     const QString schema = m_dice.chance(2) ? QStringLiteral("main.") : QString();
-    const QString name = m_expressions.spelled(table.name);
+    QString name = m_expressions.spelled(table.name);
     if (!isNeeded && !isTaken(name) && m_dice.chance(50)) {
         m_tableTexts.push_back(schema + name);
         return name;
@@ -479,7 +479,7 @@ QString StatementMaker::tailText() {
         columns << m_expressions.spelled(
             table.columns[std::size_t(m_dice.below(int(table.columns.size())))].name);
     }
-    const QString select =
+    QString select =
         words({m_dice.pick({"UNION", "UNION ALL", "EXCEPT", "INTERSECT"}), "SELECT",
                columns.join(QStringLiteral(" , ")), "FROM", m_expressions.spelled(table.name)});
     if (m_dice.chance(60)) return select;

@@ -27,7 +27,7 @@ constexpr QChar comparing(0xE000);
 
 inline QString treeText(const Node& node) {
     const QString text = QString(node.text).remove(comparing);
-    const QString head = treetext::headText(node.kind, node.location, text);
+    QString head = treetext::headText(node.kind, node.location, text);
     if (node.children.empty()) return head;
     QStringList texts;
     for (const Node& child : node.children) texts << treeText(child);

@@ -100,7 +100,7 @@ private Q_SLOTS:
         on.builder.WorkArea->OnAddTable = [](QObject*, QObject*) {
             throw orv::Error(QStringLiteral("slot"));
         };
-        QVERIFY_EXCEPTION_THROWN(on.addTable(QStringLiteral("T")), orv::Error);
+        QVERIFY_THROWS_EXCEPTION(orv::Error, on.addTable(QStringLiteral("T")));
         on.builder.WorkArea->OnAddTable = own;
         on.changes = 0;
         on.builder.setTailText(QStringLiteral("LIMIT 1"));

@@ -110,6 +110,7 @@ private Q_SLOTS:
         QCOMPARE(style.keyToValue("btn3DLook"), int(btn3DLook));
         // Their names outside of any class are the same things.
         static_assert(std::is_same_v<TBorderKind, TorvQDWorkAreaOptions::TBorderKind>);
+        // NOLINTNEXTLINE(misc-redundant-expression)
         static_assert(::edgeSunken == TorvQDWorkAreaOptions::edgeSunken);
         static_assert(std::is_same_v<TbtnStyle, TorvQDConditionOptions::TbtnStyle>);
     }

@@ -124,7 +124,7 @@ private:
                                          "e.first_name || ' ' || e.dept_no \"full name\"",
                                          "'text' t1"};
         if (below(2)) {
-            const QString expression = expressions[below(int(expressions.size()))];
+            const QString& expression = expressions[below(int(expressions.size()))];
             columns << expression;
             grouped << QString(expression)
                            .remove(QRegularExpression("( as)? [a-z0-9]+$| \"full name\"$"));

@@ -172,7 +172,7 @@ void tst_SqlCases::initTestCase() {
     for (const QString& name : names) {
         SqlCaseFile file = readSqlCases(folder.filePath(name));
         QVERIFY2(file.error.isEmpty(), qPrintable(file.error));
-        m_files.insert(QFileInfo(name).baseName(), std::move(file));
+        m_files[QFileInfo(name).baseName()] = std::move(file);
     }
 }
 

@@ -41,7 +41,7 @@ QString brokenRow(const TorvQDWhereRow& row) {
         const TorvQDWhereRow* each = below.Row(index);
         if (each->GetIndex() != index) return name + ": a wrong index below it";
         if (each->parentRow() != &row) return name + ": a row below it has another parent";
-        const QString broken = brokenRow(*each);
+        QString broken = brokenRow(*each);
         if (!broken.isEmpty()) return broken;
     }
     return {};
@@ -184,10 +184,10 @@ QString brokenRanges(TorvQDWherePanel& panel) {
 
 QString brokenPanel(TorvQDWherePanel& panel) {
     if (!panel.rootRow() || !panel.rootRow()->isGroup()) return "the root row is no group";
-    const QString broken = brokenRow(*panel.rootRow());
+    QString broken = brokenRow(*panel.rootRow());
     if (!broken.isEmpty()) return broken;
     for (const auto rule : {brokenElements, brokenEditor, brokenPlaces}) {
-        const QString found = rule(panel);
+        QString found = rule(panel);
         if (!found.isEmpty()) return found;
     }
     return panel.isVisible() ? brokenRanges(panel) : QString();
@@ -262,7 +262,7 @@ QString brokenPageRule(TorvQueryBuilder& builder) {
     if (!where.isEmpty()) return "criterions: " + where;
     const QString having = brokenPanel(*builder.HavingPanel);
     if (!having.isEmpty()) return "grouping criterions: " + having;
-    const QString grid = brokenGridEditor(*builder.SelectPanel->grid());
+    QString grid = brokenGridEditor(*builder.SelectPanel->grid());
     if (!grid.isEmpty()) return grid;
     const QString sorting = brokenSorting(builder);
     return sorting.isEmpty() ? brokenStatement(builder) : sorting;

@@ -19,8 +19,8 @@ const QStringList statements = {
     "SELECT T.A FROM T",
     "SELECT T.A, U.X FROM T, U WHERE T.B = 1 AND U.Y LIKE 'x%' ORDER BY U.X DESC",
     "SELECT T.A FROM T INNER JOIN U ON (T.A = U.A) AND (T.B = U.X)",
-    "SELECT E.SALARY, SUM(D.BUDGET) AS S FROM EMPLOYEE E LEFT JOIN DEPT D "
-    "ON E.DEPT_NO = D.DEPT_NO GROUP BY E.SALARY HAVING SUM(D.BUDGET) > 5",
+    ("SELECT E.SALARY, SUM(D.BUDGET) AS S FROM EMPLOYEE E LEFT JOIN DEPT D "
+     "ON E.DEPT_NO = D.DEPT_NO GROUP BY E.SALARY HAVING SUM(D.BUDGET) > 5"),
     "SELECT * FROM WIDE, \"my table\"",
     "SELECT A.W1, B.W2 FROM WIDE A FULL JOIN WIDE B ON A.W1 = B.W2 WHERE A.W3 > -5",
     "SELECT X.A FROM T X JOIN T Y ON X.A = Y.B JOIN T Z ON Y.B = Z.C",
@@ -70,7 +70,7 @@ void RandomSession::enterValue(TorvQDSProc& proc, TorvQDListItem* row) {
                                            QDate(2024, 2, 3),
                                            QVariant::fromValue(orv::SqlText{"T.A"}),
                                            QVariant::fromValue(orv::SqlText{})};
-    const QVariant value = values[m_dice.below(int(values.size()))];
+    const QVariant& value = values[m_dice.below(int(values.size()))];
     note("  value " + TorvQDSProc::valueText(value, row->FieldType, true));
     proc.setParameter(row, value);
 }

@@ -26,7 +26,7 @@ QString faultOfLoading(HostedBuilder& written, HostedBuilder& loaded, StateForm 
     if (reason.isEmpty()) reason = changedByWriting(loaded.builder);
     if (!reason.isEmpty() && report.isEmpty()) return "nothing is reported, but " + reason;
     if (!promise.lost.isEmpty()) return {};
-    const QString broken = brokenRule(loaded.builder);
+    QString broken = brokenRule(loaded.builder);
     if (!broken.isEmpty()) return broken;
     if (!services.messages.isEmpty()) return "told: " + services.messages.join(u'\n');
     const QString states = difference(stateLines(written.builder, form, StateView::Reloaded),

@@ -75,6 +75,7 @@ private Q_SLOTS:
                 }
             }
             std::vector<TRect> boxes;
+            boxes.reserve(std::size_t(count));
             for (int index = 0; index < count; ++index) {
                 boxes.push_back(on.builder.WorkArea->Tables(index)->GetBoundsRect());
             }

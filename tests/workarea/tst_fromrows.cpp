@@ -37,7 +37,7 @@ public:
                                                   {"join", "left join", "right join"},
                                                   {"full join"},
                                                   {"left join", "right join", "full join", "join"}};
-        const QStringList kinds = styles[below(int(styles.size()))];
+        const QStringList& kinds = styles[below(int(styles.size()))];
         Clause clause;
         QStringList item;
         for (int left = 2 + below(3); left > 0; --left) {

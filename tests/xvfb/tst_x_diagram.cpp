@@ -412,7 +412,6 @@ void tst_x_diagram::theHostMayClearUnderTheMenu() {
     DiagramDesk desk;
     QVERIFY(desk.show());
     bool isDone = false;
-    QPoint entry;
     Hand hand;
     hand.click(desk.caption("ORDERS"), 3)
         .until("the menu is up", menuIsUp())
