@@ -73,7 +73,7 @@ QJsonObject queryOn(const QString& table, const QStringList& columns) {
 QStringList fieldsIn(const QJsonObject& query) {
     QStringList names;
     const QJsonArray fields = objectIn(query, "tables", 0).value("fields").toArray();
-    for (const auto& field : fields) names += field["name"].toString();
+    for (const auto& field : fields) names += field.toObject().value("name").toString();
     return names;
 }
 
