@@ -186,8 +186,9 @@ int TorvQueryBuilder::TabsHeight() const {
 
 void TorvQueryBuilder::setTabsHeight(int height) {
     if (height <= leastTabsHeightPx) return;
+    const bool isShownSo = height == TabsHeight();
     m_tabsHeight = height;
-    if (height != TabsHeight()) applyTabsHeight();
+    if (!isShownSo) applyTabsHeight();
 }
 
 void TorvQueryBuilder::resetTabsHeight() {
