@@ -387,7 +387,7 @@ private:
     QSet<QString> m_removals;  // unticked in this change, not yet taken off the lists
     TAlign m_align = alNone;
     QPointer<QWidget> m_watchedParent;  // whose size the control follows
-    int m_tabsHeight;  // as it is wanted: there may be less room
+    int m_tabsHeight;                   // as it is wanted: there may be less room
     bool m_isTabsHeightDue = false;
     bool m_keepMeaning = false;
     QString m_tail;
