@@ -204,7 +204,7 @@ TorvQDControl* TorvQDWherePanel::stepFrom(const TorvQDControl& element, int& key
         return above ? above->Controls.back().get() : nullptr;
     }
     if (key == Qt::Key_Right) {
-        if (kind + 1 < int(row.Controls.size())) return row.Controls[std::size_t(kind + 1)].get();
+        if (kind + 1 < int(row.Controls.size())) return row.Controls[std::size_t(kind) + 1].get();
         const TorvQDWhereRow* below = rowBeside(row, 1);
         return below ? below->Controls[ekGroupOper].get() : nullptr;
     }
