@@ -117,6 +117,7 @@ private:
     void readColumnNames(NamedTable& table) const;
     void loseDerivedTable(const TorvQDParser& node);
 
+    void loseJoin(LoadedJoin join, const TorvQDParser* on);
     void loadOn(LoadedJoin& join, const TorvQDParser& on);
     void loadOnAsWritten(LoadedJoin& join, const TorvQDParser& on,
                          const std::vector<orv::TokenRun>* parts);

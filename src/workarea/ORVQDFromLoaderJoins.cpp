@@ -75,8 +75,7 @@ void FromLoader::loadJoin(const TorvQDParser& node, int start) {
     if (!m_guard) return;
     const TorvQDParser* on = onOf(node);
     if (!join.table) {
-        report(start, node.End(),
-               QStringLiteral("The table of this join is not loaded, and neither is the join."));
+        loseJoin(std::move(join), on);
         return;
     }
     if (start < node.Start() || !on) {
@@ -91,6 +90,20 @@ void FromLoader::loadJoin(const TorvQDParser& node, int start) {
     if (!m_guard) return;
     if (join.partners.empty()) m_unlinked.push_back(join.table);
     m_joins.push_back(std::move(join));
+}
+
+// Without its table. The specified rules read its ON nevertheless: they tell of each side that is
+// not there, and a comparison of two other tables becomes a link.
+void FromLoader::loseJoin(LoadedJoin join, const TorvQDParser* on) {
+    if (on && !m_keepsMeaning) loadOnAsWritten(join, *on, nullptr);
+    if (!m_guard) return;
+    report(
+        join.start, join.node->End(),
+        join.firstLink
+            ? QStringLiteral("The table of this join is not loaded; of its ON only what compares "
+                             "other tables is.")
+            : QStringLiteral("The table of this join is not loaded, and neither is the join."));
+    if (join.firstLink) m_joins.push_back(std::move(join));
 }
 
 void FromLoader::loadOn(LoadedJoin& join, const TorvQDParser& on) {

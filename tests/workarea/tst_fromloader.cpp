@@ -454,7 +454,24 @@ private Q_SLOTS:
             on.load("a join nowhere n on n.x = a.x");
             QCOMPARE(on.tables(), QStringList("A"));
             QCOMPARE(on.findings(), QStringList({"join nowhere n on n.x = a.x", "nowhere n"}));
-            QCOMPARE(m_services->messages, QStringList());
+            QCOMPARE(m_services->messages,
+                     keep ? QStringList() : QStringList("Could not find table: N"));
+            m_services->messages.clear();
+        }
+    }
+
+    // The ON of a lost join is read all the same, unless the meaning is kept.
+    void lostJoinMayLinkOtherTables() {
+        for (const bool keep : {false, true}) {
+            JoinBuilder on(keep);
+            on.load("a join b on a.x = b.x left join nowhere n on a.y = b.y and n.x = a.x");
+            QCOMPARE(on.tables(), QStringList({"A", "B"}));
+            QCOMPARE(on.joins(),
+                     QStringList(keep ? "A-B inner: A.X=B.X" : "A-B left: A.X=B.X, A.Y=B.Y"));
+            QVERIFY(on.findings().contains("left join nowhere n on a.y = b.y and n.x = a.x"));
+            QCOMPARE(m_services->messages,
+                     keep ? QStringList() : QStringList("Could not find table: N"));
+            m_services->messages.clear();
         }
     }
 
