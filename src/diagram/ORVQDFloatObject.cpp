@@ -12,8 +12,9 @@ Qt::MouseButton buttonOf(Qt::MouseButtons buttons) {
 }
 
 // The mouse never tells of Alt.
-Qt::KeyboardModifiers shiftOf(Qt::KeyboardModifiers modifiers) {
-    return modifiers & (Qt::ControlModifier | Qt::ShiftModifier);
+TShiftState shiftOf(const TWMMouse& message) {
+    return {message.Modifiers & (Qt::ControlModifier | Qt::ShiftModifier),
+            message.Buttons & (Qt::LeftButton | Qt::RightButton | Qt::MiddleButton)};
 }
 
 }  // namespace
@@ -31,23 +32,21 @@ void TorvQDFloatObject::SetSelect(bool Value) {
 void TorvQDFloatObject::MouseDown(TWMMouse& Message, TTableHitTest) {
     Message.Result = 1;
     if (const MouseEvent handler = OnMouseDown) {
-        handler(this, buttonOf(Message.Buttons), shiftOf(Message.Modifiers), Message.XPos,
-                Message.YPos);
+        handler(this, buttonOf(Message.Buttons), shiftOf(Message), Message.XPos, Message.YPos);
     }
 }
 
 void TorvQDFloatObject::MouseMove(TWMMouse& Message, TTableHitTest) {
     Message.Result = 1;
     if (const MouseMoveEvent handler = OnMouseMove) {
-        handler(this, shiftOf(Message.Modifiers), Message.XPos, Message.YPos);
+        handler(this, shiftOf(Message), Message.XPos, Message.YPos);
     }
 }
 
 void TorvQDFloatObject::MouseUp(TWMMouse& Message, TTableHitTest) {
     Message.Result = 1;
     if (const MouseEvent handler = OnMouseUp) {
-        handler(this, buttonOf(Message.Buttons), shiftOf(Message.Modifiers), Message.XPos,
-                Message.YPos);
+        handler(this, buttonOf(Message.Buttons), shiftOf(Message), Message.XPos, Message.YPos);
     }
 }
 

@@ -52,6 +52,14 @@ struct TWMMouse {
     int Result = 0;                                    ///< 1 once an object has taken the message
 };
 
+/// What is held down while the mouse does something. It can be taken for the keys alone.
+struct TShiftState {
+    Qt::KeyboardModifiers Modifiers = Qt::NoModifier;  ///< control and shift; never alt
+    Qt::MouseButtons Buttons = Qt::NoButton;           ///< left, right and middle
+
+    operator Qt::KeyboardModifiers() const { return Modifiers; }
+};
+
 /// Base of everything that lies on the diagram. Owned by the work area; it has no Qt parent, so
 /// that the work area alone decides when it dies, and weak references to it are QPointers.
 class ORV_EXPORT TorvQDFloatObject : public QObject {
@@ -60,10 +68,9 @@ class ORV_EXPORT TorvQDFloatObject : public QObject {
 public:
     /// A button was pressed or released; X and Y are pixels from the left top corner of the object.
     using MouseEvent = std::function<void(QObject* Sender, Qt::MouseButton Button,
-                                          Qt::KeyboardModifiers Shift, int X, int Y)>;
+                                          TShiftState Shift, int X, int Y)>;
     /// The mouse moved; X and Y are pixels from the left top corner of the object.
-    using MouseMoveEvent =
-        std::function<void(QObject* Sender, Qt::KeyboardModifiers Shift, int X, int Y)>;
+    using MouseMoveEvent = std::function<void(QObject* Sender, TShiftState Shift, int X, int Y)>;
     /// A key; 0 in Key means that it is done with.
     using KeyEvent = std::function<void(QObject* Sender, int& Key, Qt::KeyboardModifiers Shift)>;
 

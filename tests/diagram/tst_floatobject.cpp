@@ -116,6 +116,32 @@ private Q_SLOTS:
         QCOMPARE(moved, Qt::ControlModifier | Qt::ShiftModifier);
     }
 
+    void mouseEventsTellWhichButtonsAreHeld() {
+        FakeCanvas canvas;
+        PlainObject object(&canvas);
+        std::vector<TShiftState> told;
+        object.OnMouseDown = [&](QObject*, Qt::MouseButton, TShiftState shift, int, int) {
+            told.push_back(shift);
+        };
+        object.OnMouseUp = object.OnMouseDown;
+        object.OnMouseMove = [&](QObject*, TShiftState shift, int, int) { told.push_back(shift); };
+        const Qt::MouseButtons named = Qt::LeftButton | Qt::RightButton | Qt::MiddleButton;
+        for (const Qt::MouseButtons held :
+             {Qt::MouseButtons(), Qt::MouseButtons(Qt::LeftButton),
+              Qt::MouseButtons(Qt::RightButton), Qt::MouseButtons(Qt::MiddleButton), named}) {
+            told.clear();
+            TWMMouse message{0, 0, held | Qt::BackButton, Qt::ShiftModifier};
+            object.MouseDown(message, htTClient);
+            object.MouseMove(message, htTClient);
+            object.MouseUp(message, htTClient);
+            QCOMPARE(told.size(), std::size_t(3));
+            for (const TShiftState& shift : told) {
+                QCOMPARE(shift.Buttons, held);
+                QCOMPARE(shift.Modifiers, Qt::KeyboardModifiers(Qt::ShiftModifier));
+            }
+        }
+    }
+
     void messagesWithoutHandlersAreTakenToo() {
         FakeCanvas canvas;
         PlainObject object(&canvas);
